@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace kse {
+
+enum class HostPlatform { Windows = 0, MacOs = 1, Linux = 2 };
+
+/// Backups beyond the number to keep.
+struct BackupPruneSet
+{
+    QStringList paths;
+    qint64 totalBytes = 0;
+};
+
+/// What came of removing backups.
+struct BackupRemoval
+{
+    int removed = 0;
+    int failed = 0;
+    bool usedTrash = false; ///< At least one went to the trash; false if none was removed.
+    qint64 freedBytes = 0;
+    QStringList failedPaths;
+};
+
+/// What the program knows of the PixInsight installation around it. Every call asks the system
+/// afresh; what can't be found or read gives an empty result, never a message.
+namespace PixInsightEnv {
+
+/// Processes named as PixInsight's, whichever installation they belong to; empty also if the
+/// system can't tell.
+[[nodiscard]] QList<quint64> runningProcessIds();
+
+/// Where PixInsight keeps its settings on `platform`, with forward slashes, first come first, each
+/// once. `home` is the user's folder, `appData` the variable of that name, `genericConfig` the
+/// generic configuration folder; an empty one leaves out what is made of it where that is optional.
+[[nodiscard]] QStringList settingsFoldersFor(HostPlatform platform, const QString& home,
+                                             const QString& appData, const QString& genericConfig);
+
+/// The same for this computer and user.
+[[nodiscard]] QStringList settingsFolders();
+
+/// Absolute paths of the settings files in `settingsFolders`, in the order of the folders and then
+/// by name. The first is the one that the program opens by itself.
+[[nodiscard]] QStringList findSettingsFiles();
+
+/// NNN of a file named `core-NNN-pxi.settings`; 0 for any other name and beyond 32 bits.
+[[nodiscard]] int instanceNumber(const QString& path);
+
+/// The label of a file in a list: name, folder if it isn't the usual one, instance, size and time.
+[[nodiscard]] QString describeFile(const QString& path);
+
+/// Absolute paths of the backups beside `settingsPath`, newest modification first: regular files
+/// whose name is the file's own, taken literally, followed by ".bak-" and anything.
+[[nodiscard]] QStringList backupsOf(const QString& settingsPath);
+
+/// `backupsOf` without its first `keep` entries; a negative `keep` counts as 0.
+[[nodiscard]] BackupPruneSet backupsOlderThanNewest(const QString& settingsPath, int keep);
+
+/// Removes those of `paths` that are backups of `settingsPath`, by the trash first if `toTrash`.
+/// Anything else counts as failed and is left untouched. The only code that removes a backup.
+BackupRemoval removeBackups(const QString& settingsPath, const QStringList& paths, bool toTrash);
+
+} // namespace PixInsightEnv
+} // namespace kse
