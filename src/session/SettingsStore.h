@@ -45,8 +45,8 @@ struct SettingsStore
     [[nodiscard]] bool restoreBackup(const QString& backupPath, QString* error = nullptr,
                                      QString* recoverFrom = nullptr);
 
-    /// Path of a backup of the open file that doesn't exist yet: ".bak-", the local time and, unless
-    /// empty, "-" and `suffix`; numbered from 2 where that is taken.
+    /// Path of a backup of the open file that doesn't exist yet: ".bak-", the local time and,
+    /// unless empty, "-" and `suffix`; numbered from 2 where that is taken.
     [[nodiscard]] QString backupName(const QString& suffix = {}) const;
 
     /// The whole of the regular file at `path`, links followed, into `bytes`. False with "Cannot

@@ -9,22 +9,24 @@ namespace kse {
 // Keys, values and paths come from a file and are data wherever they are shown. Labels of ours use
 // Qt::PlainText; where Qt decides by itself whether a text is markup, one of these goes between.
 
+/// The first `length` characters of `text`, one fewer where that would split a surrogate pair.
+[[nodiscard]] QString firstCharacters(const QString& text, qsizetype length);
+
+/// `text` itself up to `limit` characters; else its first `limit` and how many more there are.
+/// For texts so long that Qt can't lay them out in a time that isn't felt.
+[[nodiscard]] QString abbreviated(const QString& text, qsizetype limit);
+
 /// `text` for a tool tip, or anything else that takes what looks like markup for markup: shown
-/// letter for letter. Text that can't be mistaken comes back unchanged.
+/// letter for letter, abbreviated beyond 2,000 characters. Other text comes back unchanged.
 [[nodiscard]] QString asToolTip(const QString& text);
 
 /// `text` for a menu entry, button or tab: an ampersand is no mnemonic.
 [[nodiscard]] QString asCaption(const QString& text);
 
-/// The first `length` characters of `text`, one fewer where that would split a surrogate pair.
-[[nodiscard]] QString firstCharacters(const QString& text, qsizetype length);
-
-/// A message box whose texts are shown letter for letter. It belongs to `parent`'s window.
-/// The caller may add to it before `exec`.
+/// A message box whose texts are shown letter for letter, abbreviated like tool tips. It belongs to
+/// `parent`'s window. The caller may add to it before `exec`.
 class PlainMessageBox : public QMessageBox
 {
-    Q_OBJECT
-
 public:
     PlainMessageBox(Icon icon, const QString& title, const QString& text,
                     StandardButtons buttons = Ok, QWidget* parent = nullptr);
@@ -33,12 +35,13 @@ public:
 };
 
 /// Shows the box with "OK" and waits for it.
-void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title,
-                 const QString& text, const QString& informativeText = {});
+void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,
+                 const QString& informativeText = {});
 
 /// Asks with a question mark and waits; the button pressed, or the escape button.
-[[nodiscard]] QMessageBox::StandardButton
-askQuestion(QWidget* parent, const QString& title, const QString& text,
-            QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton);
+[[nodiscard]] QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title,
+                                                      const QString& text,
+                                                      QMessageBox::StandardButtons buttons,
+                                                      QMessageBox::StandardButton defaultButton);
 
 } // namespace kse

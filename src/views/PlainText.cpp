@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "views/PlainText.h"
+
+#include <QCoreApplication>
+#include <QTextDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+// More than this in a tool tip or a box is wider and taller than any screen.
+constexpr qsizetype popupLimit = 2000;
+
+} // namespace
+
+QString firstCharacters(const QString& text, qsizetype length)
+{
+    if (length >= text.size()) {
+        return text;
+    }
+    const bool splitsPair =
+        length > 0 && text.at(length - 1).isHighSurrogate() && text.at(length).isLowSurrogate();
+    return text.left(splitsPair ? length - 1 : length);
+}
+
+QString abbreviated(const QString& text, qsizetype limit)
+{
+    if (text.size() <= limit) {
+        return text;
+    }
+    const QString start = firstCharacters(text, limit);
+    const QString count = QString::number(text.size() - start.size());
+    return start + QCoreApplication::translate("PlainText", "… (%1 more characters)").arg(count);
+}
+
+QString asToolTip(const QString& text)
+{
+    const QString shown = abbreviated(text, popupLimit);
+    if (!Qt::mightBeRichText(shown)) {
+        return shown;
+    }
+    return u"<span style=\"white-space:pre-wrap\">"_s + shown.toHtmlEscaped() + u"</span>"_s;
+}
+
+QString asCaption(const QString& text)
+{
+    return QString(text).replace(u'&', u"&&"_s);
+}
+
+PlainMessageBox::PlainMessageBox(Icon icon, const QString& title, const QString& text,
+                                 StandardButtons buttons, QWidget* parent)
+    : QMessageBox(icon, title, abbreviated(text, popupLimit), buttons,
+                  parent ? parent->window() : nullptr)
+{
+    setTextFormat(Qt::PlainText);
+}
+
+void PlainMessageBox::setPlainInformativeText(const QString& text)
+{
+    // Unlike the text, the informative text is taken for markup whatever the format says.
+    setInformativeText(asToolTip(text));
+}
+
+void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,
+                 const QString& informativeText)
+{
+    PlainMessageBox box(icon, title, text, QMessageBox::Ok, parent);
+    box.setPlainInformativeText(informativeText);
+    box.exec();
+}
+
+QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title, const QString& text,
+                                        QMessageBox::StandardButtons buttons,
+                                        QMessageBox::StandardButton defaultButton)
+{
+    PlainMessageBox box(QMessageBox::Question, title, text, buttons, parent);
+    box.setDefaultButton(defaultButton);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+} // namespace kse
