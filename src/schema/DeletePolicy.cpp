@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include "schema/DeletePolicy.h"
+
+#include "document/XsdtDocument.h"
+#include "schema/JsonObject.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QStringTokenizer>
+
+#include <algorithm>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+std::optional<DeleteLevel> levelOfWord(const QString& word)
+{
+    if (word == "never"_L1) {
+        return DeleteLevel::Never;
+    }
+    if (word == "warn"_L1) {
+        return DeleteLevel::Warn;
+    }
+    if (word == "safe"_L1) {
+        return DeleteLevel::Safe;
+    }
+    return std::nullopt;
+}
+
+bool isAny(QStringView segment)
+{
+    return segment == u'*';
+}
+
+QList<PathPattern> readPatterns(const QJsonValue& value)
+{
+    QList<PathPattern> patterns;
+    for (const QString& text : toStringList(value)) {
+        PathPattern pattern(text);
+        if (!pattern.isEmpty()) {
+            patterns.append(std::move(pattern));
+        }
+    }
+    return patterns;
+}
+
+QList<CleanupGroup> readCleanup(const QJsonValue& value)
+{
+    QList<CleanupGroup> groups;
+    for (const QJsonValue& element : value.toArray()) {
+        const CleanupGroup group{element["title"_L1].toString(),
+                                 element["description"_L1].toString(),
+                                 toStringList(element["paths"_L1]), element["each"_L1].toBool()};
+        if (!group.title.isEmpty() && !group.paths.isEmpty()) {
+            groups.append(group);
+        }
+    }
+    return groups;
+}
+
+bool matchesAny(const QList<PathPattern>& patterns, const XsdtNode& node)
+{
+    const PathSegments path = pathSegments(node);
+    return std::any_of(patterns.cbegin(), patterns.cend(),
+                       [&path](const PathPattern& pattern) { return pattern.matches(path); });
+}
+
+bool outranks(const DeleteRule& rule, const DeleteRule& best)
+{
+    return rule.specificity > best.specificity ||
+           (rule.specificity == best.specificity && (!rule.deep || best.deep));
+}
+
+/// Recursion is bounded by `levels`, not by the file.
+void collectWarnings(const DeletePolicy& policy, const XsdtNode& group, int levels,
+                     QList<XsdtNode*>& result)
+{
+    for (const auto& child : group.children) {
+        if (policy.decide(child.get()).level == DeleteLevel::Warn) {
+            result.append(child.get());
+        } else if (levels > 1) {
+            collectWarnings(policy, *child, levels - 1, result);
+        }
+    }
+}
+
+} // namespace
+
+bool DeletePolicy::load(const QByteArray& overlayJson, QString* error)
+{
+    *this = {};
+    m_defaultReason = u"This entry is not on the list of entries known to be safe to remove."_s;
+    QJsonObject overlay;
+    if (!parseJsonObject(overlayJson, u"overlay.json"_s, overlay, error) ||
+        !loadRules(overlay["policy"_L1].toObject(), error)) {
+        m_rules.clear();
+        return false;
+    }
+    m_compareNoise = readPatterns(overlay["compareNoise"_L1]);
+    m_compareNoCopy = readPatterns(overlay["compareNoCopy"_L1]);
+    m_editLocked = readPatterns(overlay["editLocked"_L1]);
+    m_cleanup = readCleanup(overlay["cleanup"_L1]);
+    return true;
+}
+
+bool DeletePolicy::loadRules(const QJsonObject& policy, QString* error)
+{
+    if (policy.contains("defaultReason"_L1)) {
+        m_defaultReason = policy["defaultReason"_L1].toString();
+    }
+    for (const QJsonValue& element : policy["delete"_L1].toArray()) {
+        const QString word = element["level"_L1].toString();
+        const std::optional<DeleteLevel> level = levelOfWord(word);
+        if (!level) {
+            if (error) {
+                *error = u"overlay.json: unknown delete level '%1'"_s.arg(word);
+            }
+            return false;
+        }
+        DeleteRule rule;
+        static_cast<PathPattern&>(rule) = PathPattern(element["path"_L1].toString());
+        if (rule.isEmpty()) {
+            continue;
+        }
+        rule.groupsOnly = element["groupsOnly"_L1].toBool();
+        rule.level = *level;
+        rule.reason = element["reason"_L1].toString();
+        rule.specificity =
+            static_cast<int>(rule.segments.size() -
+                             std::count_if(rule.segments.cbegin(), rule.segments.cend(), isAny));
+        m_rules.append(std::move(rule));
+    }
+    return true;
+}
+
+DeleteDecision DeletePolicy::decide(const XsdtNode* node) const
+{
+    DeleteDecision decision{DeleteLevel::Never, m_defaultReason};
+    if (!node || !node->parent) {
+        return decision;
+    }
+    const PathSegments path = pathSegments(*node);
+    const bool isGroup = node->kind == XsdtNode::Kind::Group;
+    const DeleteRule* best = nullptr;
+    for (const DeleteRule& rule : m_rules) {
+        if ((isGroup || !rule.groupsOnly) && (!best || outranks(rule, *best)) &&
+            rule.matches(path)) {
+            best = &rule;
+        }
+    }
+    if (best) {
+        decision.level = best->level;
+        if (!best->reason.isEmpty()) {
+            decision.reason = best->reason;
+        }
+    }
+    return decision;
+}
+
+bool DeletePolicy::isCompareNoise(const XsdtNode* node) const
+{
+    if (!node || !node->parent) {
+        return false;
+    }
+    return decide(node).level == DeleteLevel::Safe || matchesAny(m_compareNoise, *node);
+}
+
+bool DeletePolicy::isCompareNoCopy(const XsdtNode* node) const
+{
+    return !node || matchesAny(m_compareNoCopy, *node);
+}
+
+bool DeletePolicy::isEditLocked(const XsdtNode* node) const
+{
+    return !node || matchesAny(m_editLocked, *node);
+}
+
+QList<XsdtNode*> DeletePolicy::matchPattern(const XsdtDocument& document, QStringView pattern)
+{
+    // All matches lie at the pattern's depth, so going level by level keeps file order.
+    const QList<QStringView> segments = pattern.split(u'/', Qt::SkipEmptyParts);
+    if (segments.isEmpty()) {
+        return {};
+    }
+    QList<XsdtNode*> matches;
+    QList<const XsdtNode*> level{&document.root};
+    for (const QStringView segment : segments) {
+        matches.clear();
+        for (const XsdtNode* group : level) {
+            for (const auto& child : group->children) {
+                if (isAny(segment) || child->key == segment) {
+                    matches.append(child.get());
+                }
+            }
+        }
+        level = {matches.cbegin(), matches.cend()};
+    }
+    return matches;
+}
+
+QList<XsdtNode*> DeletePolicy::warnCandidates(const XsdtDocument& document) const
+{
+    QList<XsdtNode*> result;
+    collectWarnings(*this, document.root, 3, result);
+    return result;
+}
+
+} // namespace kse
