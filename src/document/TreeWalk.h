@@ -14,8 +14,8 @@ enum class Walk {
 
 /// Calls `visit` for every node beneath `root`, without `root` itself, depth first and in file
 /// order. `visit` takes a node (const if `root` is) and returns a `Walk`. It may change fields,
-/// but may not add or remove nodes. Returns the node that stopped the walk, or null.
-/// Constant memory, whatever the depth.
+/// and may add or remove nodes beneath the one it is given, but no others. Returns the node that
+/// stopped the walk, or null. Constant memory, whatever the depth.
 template <typename Node, typename Visitor>
 Node* walkTree(Node& root, Visitor&& visit)
 {

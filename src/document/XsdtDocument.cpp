@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "document/XsdtDocument.h"
+
+#include "document/TreeWalk.h"
+#include "document/XsdtReader.h"
+#include "document/XsdtWriter.h"
+
+#include <algorithm>
+
+namespace kse {
+
+namespace {
+
+void removeMarkedChildren(XsdtNode& group)
+{
+    auto& children = group.children;
+    const auto gone = std::remove_if(children.begin(), children.end(),
+                                     [](const auto& child) { return child->markedForDeletion; });
+    if (gone == children.end()) {
+        return;
+    }
+    children.erase(gone, children.end());
+    quint32 row = 0;
+    for (const auto& child : children) {
+        child->rowHint = row++;
+    }
+}
+
+} // namespace
+
+bool XsdtDocument::parse(const QByteArray& bytes, QString* error)
+{
+    const auto clear = [this] {
+        root.children.clear();
+        root.markedForDeletion = false;
+        head.clear();
+        tail.clear();
+        defaultLayout = false;
+    };
+    clear();
+    // The decoded text is a temporary, so that it and the layout check never share the memory.
+    if (!readXsdt(QString::fromUtf8(bytes), *this, error)) {
+        clear();
+        return false;
+    }
+    defaultLayout = hasCanonicalLayout(*this, bytes);
+    return true;
+}
+
+QList<XsdtNode*> XsdtDocument::editedValues() const
+{
+    QList<XsdtNode*> edited;
+    walkTree(const_cast<XsdtNode&>(root), [&](XsdtNode& node) {
+        if (node.markedForDeletion) {
+            return Walk::Over;
+        }
+        if (node.isModified()) {
+            edited.append(&node);
+        }
+        return Walk::Into;
+    });
+    return edited;
+}
+
+QList<XsdtNode*> XsdtDocument::deletions() const
+{
+    QList<XsdtNode*> marked;
+    walkTree(const_cast<XsdtNode&>(root), [&](XsdtNode& node) {
+        if (!node.markedForDeletion) {
+            return Walk::Into;
+        }
+        marked.append(&node);
+        return Walk::Over;
+    });
+    return marked;
+}
+
+qsizetype XsdtDocument::pendingCount() const
+{
+    qsizetype count = 0;
+    walkTree(root, [&](const XsdtNode& node) {
+        if (node.markedForDeletion) {
+            ++count;
+            return Walk::Over;
+        }
+        count += node.isModified() ? 1 : 0;
+        return Walk::Into;
+    });
+    return count;
+}
+
+void XsdtDocument::revertAll()
+{
+    root.markedForDeletion = false;
+    walkTree(root, [](XsdtNode& node) {
+        node.markedForDeletion = false;
+        node.value = node.original;
+        return Walk::Into;
+    });
+}
+
+void XsdtDocument::commitEdits()
+{
+    removeMarkedChildren(root);
+    walkTree(root, [](XsdtNode& node) {
+        node.original = node.value;
+        removeMarkedChildren(node);
+        return Walk::Into;
+    });
+}
+
+} // namespace kse

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "document/XsdtNode.h"
+
+#include "document/TreeWalk.h"
+#include "document/XsdtValueType.h"
+
+#include <QStringTokenizer>
+
+#include <algorithm>
+
+namespace kse {
+
+XsdtNode::~XsdtNode()
+{
+    // Takes leaves off one by one: the default destructor would call itself once a level.
+    XsdtNode* node = this;
+    while (true) {
+        if (node->children.empty()) {
+            if (node == this) {
+                return;
+            }
+            node = node->parent;
+            node->children.pop_back();
+        } else if (node->children.back()->children.empty()) {
+            node->children.pop_back();
+        } else {
+            node = node->children.back().get();
+        }
+    }
+}
+
+XsdtNode* XsdtNode::append(std::unique_ptr<XsdtNode> child)
+{
+    child->parent = this;
+    child->rowHint = static_cast<quint32>(children.size());
+    children.push_back(std::move(child));
+    return children.back().get();
+}
+
+QString XsdtNode::path() const
+{
+    // Empty keys count for nothing above the topmost key that isn't empty.
+    const XsdtNode* top = nullptr;
+    qsizetype size = 0;
+    qsizetype sizeFromTop = 0;
+    for (const XsdtNode* node = this; node->parent; node = node->parent) {
+        size += node->key.size() + 1;
+        if (!node->key.isEmpty()) {
+            top = node;
+            sizeFromTop = size;
+        }
+    }
+    if (!top) {
+        return {};
+    }
+    QString path(sizeFromTop - 1, Qt::Uninitialized);
+    QChar* end = path.data() + path.size();
+    for (const XsdtNode* node = this;; node = node->parent) {
+        end = std::copy_backward(node->key.cbegin(), node->key.cend(), end);
+        if (node == top) {
+            return path;
+        }
+        *--end = u'/';
+    }
+}
+
+XsdtNode* XsdtNode::childByKey(QStringView searched) const
+{
+    const auto found = std::find_if(children.begin(), children.end(),
+                                    [&](const auto& child) { return child->key == searched; });
+    return found == children.end() ? nullptr : found->get();
+}
+
+XsdtNode* XsdtNode::findByPath(QStringView path) const
+{
+    auto* node = const_cast<XsdtNode*>(this);
+    for (const QStringView part : path.tokenize(u'/', Qt::SkipEmptyParts)) {
+        node = node->childByKey(part);
+        if (!node) {
+            return nullptr;
+        }
+    }
+    return node;
+}
+
+bool XsdtNode::isModified() const
+{
+    return kind == Kind::Value && value != original;
+}
+
+bool XsdtNode::isEditableType() const
+{
+    return kind == Kind::Value && QStringView(u"Fbfisu").contains(typeCode);
+}
+
+bool XsdtNode::isInsideDeletion() const
+{
+    for (const XsdtNode* node = this; node; node = node->parent) {
+        if (node->markedForDeletion) {
+            return true;
+        }
+    }
+    return false;
+}
+
+qsizetype XsdtNode::rowInParent() const
+{
+    if (!parent) {
+        return 0;
+    }
+    const auto& siblings = parent->children;
+    if (rowHint < siblings.size() && siblings[rowHint].get() == this) {
+        return rowHint;
+    }
+    const auto found = std::find_if(siblings.begin(), siblings.end(),
+                                    [this](const auto& sibling) { return sibling.get() == this; });
+    return found == siblings.end() ? 0 : found - siblings.begin();
+}
+
+qsizetype XsdtNode::valueCount() const
+{
+    qsizetype count = kind == Kind::Value ? 1 : 0;
+    walkTree(*this, [&](const XsdtNode& node) {
+        count += node.kind == Kind::Value ? 1 : 0;
+        return Walk::Into;
+    });
+    return count;
+}
+
+} // namespace kse

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include "document/XsdtValueType.h"
+
+#include <QLocale>
+
+#include <cmath>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+/// Reads numbers as C does. "1,000" is no number: to somebody who types a decimal comma it would
+/// silently be a thousand times too large.
+const QLocale& numberLocale()
+{
+    static const QLocale locale = [] {
+        QLocale c = QLocale::c();
+        c.setNumberOptions(c.numberOptions() | QLocale::RejectGroupSeparator);
+        return c;
+    }();
+    return locale;
+}
+
+bool normaliseBoolean(const QString& text, QString& normalised)
+{
+    const QString lower = text.toLower();
+    const bool isTrue = lower == "true"_L1 || lower == "1"_L1;
+    if (!isTrue && lower != "false"_L1 && lower != "0"_L1) {
+        return false;
+    }
+    normalised = isTrue ? u"true"_s : u"false"_s;
+    return true;
+}
+
+bool normaliseInteger(const QString& text, QString& normalised)
+{
+    bool ok = false;
+    const qlonglong number = numberLocale().toLongLong(text, &ok);
+    if (!ok || number < std::numeric_limits<qint32>::min() ||
+        number > std::numeric_limits<qint32>::max()) {
+        return false;
+    }
+    normalised = QString::number(number);
+    return true;
+}
+
+bool normaliseUnsigned(const QString& text, QString& normalised)
+{
+    bool ok = false;
+    const qulonglong number = numberLocale().toULongLong(text, &ok);
+    if (!ok || text.startsWith(u'-') || number > std::numeric_limits<quint32>::max()) {
+        return false;
+    }
+    normalised = QString::number(number);
+    return true;
+}
+
+bool normaliseReal(const QString& text, QString& normalised)
+{
+    bool ok = false;
+    const double number = numberLocale().toDouble(text, &ok);
+    if (!ok || !std::isfinite(number)) {
+        return false;
+    }
+    normalised = QString::number(number, 'g', QLocale::FloatingPointShortest);
+    return true;
+}
+
+bool normaliseRealSingle(const QString& text, QString& normalised)
+{
+    bool ok = false;
+    const double number = numberLocale().toDouble(text, &ok);
+    // The negation refuses NaN too.
+    if (!ok || !(std::abs(number) <= double(std::numeric_limits<float>::max()))) {
+        return false;
+    }
+    // The shortest text of the single, not of the double that it widens to: 0.1 stays "0.1".
+    const auto single = static_cast<float>(number);
+    QString shortest;
+    for (int precision = 1; precision <= std::numeric_limits<float>::max_digits10; ++precision) {
+        shortest = QString::number(double(single), 'g', precision);
+        if (shortest.toFloat() == single) {
+            break;
+        }
+    }
+    normalised = shortest;
+    return true;
+}
+
+bool normaliseString(const QString& text, QString& normalised)
+{
+    normalised = text;
+    return true;
+}
+
+struct TypeRow
+{
+    QChar code;
+    const char* name;
+    bool (*normalise)(const QString& text, QString& normalised); ///< null: can't be edited
+    const char* refusal;
+};
+
+constexpr TypeRow types[] = {
+    {XsdtValueType::Boolean, "Boolean", normaliseBoolean, "Expected true or false."},
+    {XsdtValueType::Integer, "Integer", normaliseInteger,
+     "Expected an integer between -2147483648 and 2147483647."},
+    {XsdtValueType::Unsigned, "Unsigned", normaliseUnsigned,
+     "Expected an integer between 0 and 4294967295."},
+    {XsdtValueType::Real, "Real", normaliseReal, "Expected a real number."},
+    {XsdtValueType::RealSingle, "Real (single)", normaliseRealSingle,
+     "Expected a real number in single-precision range."},
+    {XsdtValueType::String, "String", normaliseString, ""},
+    {XsdtValueType::Time, "Time", nullptr, ""},
+    {XsdtValueType::Block, "Block", nullptr, ""},
+};
+
+const TypeRow* rowOf(QChar code)
+{
+    for (const TypeRow& row : types) {
+        if (row.code == code) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QString typeName(QChar code)
+{
+    const TypeRow* row = rowOf(code);
+    return row ? QString::fromLatin1(row->name) : u"Unknown (%1)"_s.arg(code);
+}
+
+bool validateValue(QChar code, const QString& input, QString& normalised, QString* error)
+{
+    const TypeRow* row = rowOf(code);
+    const bool editable = row && row->normalise;
+    const bool isString = code == XsdtValueType::String;
+    if (editable && row->normalise(isString ? input : input.trimmed(), normalised)) {
+        return true;
+    }
+    if (error) {
+        *error = editable ? QString::fromLatin1(row->refusal)
+                          : u"This value type is protected and cannot be edited."_s;
+    }
+    return false;
+}
+
+} // namespace kse

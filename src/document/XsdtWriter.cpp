@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: MIT
+#include "document/XsdtWriter.h"
+
+#include "document/XsdtDocument.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kse {
+
+namespace {
+
+// A sink takes the bytes of the text in order: ASCII code units as they stand in a string, or
+// ready bytes. Once it no longer `wants` any, the writer may stop.
+
+/// Appends to a byte array. Its size is right only when the sink is gone.
+class AppendSink
+{
+public:
+    explicit AppendSink(QByteArray& buffer)
+        : m_buffer(buffer)
+        , m_used(buffer.size())
+    {
+        m_buffer.resize(std::max(m_buffer.capacity(), m_used + startSize));
+        m_data = m_buffer.data();
+    }
+
+    ~AppendSink() { m_buffer.resize(m_used); }
+
+    AppendSink(const AppendSink&) = delete;
+    AppendSink& operator=(const AppendSink&) = delete;
+
+    bool wants() const { return true; }
+
+    void ascii(const char16_t* from, qsizetype size)
+    {
+        char* to = room(size);
+        for (qsizetype i = 0; i < size; ++i) {
+            to[i] = static_cast<char>(from[i]);
+        }
+    }
+
+    void bytes(const char* from, qsizetype size)
+    {
+        std::memcpy(room(size), from, static_cast<std::size_t>(size));
+    }
+
+private:
+    static constexpr qsizetype startSize = 262144;
+
+    char* room(qsizetype size)
+    {
+        if (m_buffer.size() - m_used < size) {
+            m_buffer.resize(std::max(m_buffer.size() * 2, m_used + size));
+            m_data = m_buffer.data();
+        }
+        char* to = m_data + m_used;
+        m_used += size;
+        return to;
+    }
+
+    QByteArray& m_buffer;
+    char* m_data = nullptr;
+    qsizetype m_used = 0;
+};
+
+/// Compares with bytes that are there already.
+class CompareSink
+{
+public:
+    explicit CompareSink(const QByteArray& expected)
+        : m_at(expected.cbegin())
+        , m_end(expected.cend())
+    {
+    }
+
+    bool wants() const { return m_equal; }
+    bool isEqual() const { return m_equal && m_at == m_end; }
+
+    void ascii(const char16_t* from, qsizetype size)
+    {
+        if (!has(size)) {
+            return;
+        }
+        unsigned difference = 0;
+        for (qsizetype i = 0; i < size; ++i) {
+            difference |= unsigned(from[i] ^ static_cast<unsigned char>(m_at[i]));
+        }
+        m_equal = difference == 0;
+        m_at += size;
+    }
+
+    void bytes(const char* from, qsizetype size)
+    {
+        if (has(size)) {
+            m_equal = std::memcmp(m_at, from, static_cast<std::size_t>(size)) == 0;
+            m_at += size;
+        }
+    }
+
+private:
+    bool has(qsizetype size)
+    {
+        m_equal = m_equal && m_end - m_at >= size;
+        return m_equal;
+    }
+
+    const char* m_at;
+    const char* m_end;
+    bool m_equal = true;
+};
+
+struct CountSink
+{
+    qint64 count = 0;
+
+    bool wants() const { return true; }
+    void ascii(const char16_t*, qsizetype size) { count += size; }
+    void bytes(const char*, qsizetype size) { count += size; }
+};
+
+template <typename Sink, std::size_t Size>
+void literal(Sink& sink, const char (&text)[Size])
+{
+    sink.bytes(text, static_cast<qsizetype>(Size - 1));
+}
+
+/// Passes one character on in UTF-8 and returns the number of its code units.
+template <typename Sink>
+qsizetype encodeCharacter(Sink& sink, QStringView text)
+{
+    const bool isPair = text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate();
+    const QByteArray utf8 = text.left(isPair ? 2 : 1).toUtf8();
+    sink.bytes(utf8.constData(), utf8.size());
+    return isPair ? 2 : 1;
+}
+
+/// The reference that the writer puts for `c`; null if `c` goes out as it is.
+constexpr const char* referenceFor(char16_t c)
+{
+    switch (c) {
+    case u'"':
+        return "&quot;";
+    case u'&':
+        return "&amp;";
+    case u'\'':
+        return "&apos;";
+    case u'<':
+        return "&lt;";
+    case u'>':
+        return "&gt;";
+    default:
+        return nullptr;
+    }
+}
+
+template <typename Sink>
+void encode(Sink& sink, QStringView text, bool escape)
+{
+    const char16_t* at = text.utf16();
+    const char16_t* end = at + text.size();
+    while (at != end) {
+        const char16_t* run = at;
+        while (at != end && *at < 0x80 && !(escape && referenceFor(*at))) {
+            ++at;
+        }
+        sink.ascii(run, at - run);
+        if (at == end) {
+            return;
+        }
+        if (*at < 0x80) {
+            const char* reference = referenceFor(*at);
+            sink.bytes(reference, static_cast<qsizetype>(std::strlen(reference)));
+            ++at;
+        } else {
+            at += encodeCharacter(sink, QStringView(at, end));
+        }
+    }
+}
+
+/// The element of a value, or the start tag of a group.
+template <typename Sink>
+void writeStart(const XsdtNode& node, Sink& sink)
+{
+    if (node.kind == XsdtNode::Kind::Group) {
+        literal(sink, "<i k=\"");
+        encode(sink, node.key, true);
+        if (node.children.empty() && node.selfClosing) {
+            literal(sink, "\"/>");
+        } else {
+            literal(sink, "\">");
+        }
+        return;
+    }
+    literal(sink, "<v k=\"");
+    encode(sink, node.key, true);
+    literal(sink, "\" t=\"");
+    encode(sink, QStringView(&node.typeCode, 1), true);
+    if (!node.textForm) {
+        literal(sink, "\" v=\"");
+        encode(sink, node.value, true);
+        literal(sink, "\"/>");
+    } else if (node.value.isEmpty() && node.selfClosing) {
+        literal(sink, "\"/>");
+    } else {
+        literal(sink, "\">");
+        encode(sink, node.value, true);
+        literal(sink, "</v>");
+    }
+}
+
+template <typename Sink>
+void writeEnd(const XsdtNode& node, Sink& sink)
+{
+    const bool isEmptyForm = node.children.empty() && node.selfClosing;
+    if (node.kind == XsdtNode::Kind::Group && !isEmptyForm) {
+        literal(sink, "</i>");
+    }
+}
+
+template <typename Sink>
+void writeElement(const XsdtNode& top, Sink& sink, bool skipMarked)
+{
+    const XsdtNode* node = &top;
+    while (sink.wants()) {
+        if (!skipMarked || !node->markedForDeletion) {
+            writeStart(*node, sink);
+            if (!node->children.empty()) {
+                node = node->children.front().get();
+                continue;
+            }
+            writeEnd(*node, sink);
+        }
+        // Climb to the nearest ancestor that has a next sibling beneath `top`.
+        while (true) {
+            if (node == &top) {
+                return;
+            }
+            const auto& siblings = node->parent->children;
+            const auto next = static_cast<std::size_t>(node->rowInParent()) + 1;
+            if (next < siblings.size()) {
+                node = siblings[next].get();
+                break;
+            }
+            node = node->parent;
+            writeEnd(*node, sink);
+        }
+    }
+}
+
+template <typename Sink>
+void writeDocument(const XsdtDocument& document, Sink& sink)
+{
+    encode(sink, document.head, false);
+    for (const auto& child : document.root.children) {
+        writeElement(*child, sink, true);
+        if (!sink.wants()) {
+            return;
+        }
+    }
+    literal(sink, "</xsdt>");
+    encode(sink, document.tail, false);
+}
+
+} // namespace
+
+void writeNode(const XsdtNode& node, QByteArray& buffer, bool skipMarked)
+{
+    AppendSink sink(buffer);
+    writeElement(node, sink, skipMarked);
+}
+
+QString escapeText(const QString& text)
+{
+    QString escaped;
+    escaped.reserve(text.size() + 16);
+    for (const QChar c : text) {
+        if (const char* reference = referenceFor(c.unicode())) {
+            escaped += QLatin1String(reference);
+        } else {
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+bool hasCanonicalLayout(const XsdtDocument& document, const QByteArray& bytes)
+{
+    CompareSink sink(bytes);
+    writeDocument(document, sink);
+    return sink.isEqual();
+}
+
+qint64 XsdtNode::serializedSize() const
+{
+    CountSink sink;
+    writeElement(*this, sink, false);
+    return sink.count;
+}
+
+QByteArray XsdtDocument::serialize() const
+{
+    QByteArray bytes;
+    {
+        AppendSink sink(bytes);
+        writeDocument(*this, sink);
+    }
+    return bytes;
+}
+
+} // namespace kse
