@@ -122,8 +122,7 @@ bool DeletePolicy::loadRules(const QJsonObject& policy, QString* error)
             }
             return false;
         }
-        DeleteRule rule;
-        static_cast<PathPattern&>(rule) = PathPattern(element["path"_L1].toString());
+        DeleteRule rule(element["path"_L1].toString());
         if (rule.isEmpty()) {
             continue;
         }

@@ -25,6 +25,8 @@ enum class DeleteLevel {
 /// One rule of the policy: what it covers and what it says.
 struct DeleteRule : PathPattern
 {
+    using PathPattern::PathPattern;
+
     bool groupsOnly = false; ///< For a value the rule doesn't exist.
     DeleteLevel level = DeleteLevel::Never;
     QString reason;      ///< Empty: the policy's default reason is shown.
