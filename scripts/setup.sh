@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs what is missing on Debian 12, Ubuntu 24.04 and later, and nothing if all is there.
+#   scripts/setup.sh [build] [test] [ci]
+set -euo pipefail
+
+# Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
+build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
+test=(procps)
+ci=(clang-format g++-mingw-w64-x86-64-posix libbenchmark-dev libpugixml-dev shellcheck)
+
+needed=()
+for part in "${@:-build}"; do
+    case $part in
+    build) needed+=("${build[@]}") ;;
+    test) needed+=("${test[@]}") ;;
+    ci) needed+=("${ci[@]}") ;;
+    *)
+        echo "Usage: scripts/setup.sh [build] [test] [ci]" >&2
+        exit 2
+        ;;
+    esac
+done
+
+if ! command -v apt-get >/dev/null; then
+    echo "This is neither Debian nor Ubuntu: nothing was installed. The build needs a C++17 compiler,"
+    echo "CMake 3.21, Ninja and Qt 6.4 or newer with Widgets and Network."
+    exit 0
+fi
+
+missing=()
+for package in "${needed[@]}"; do
+    if [[ $(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) != installed ]]; then
+        missing+=("$package")
+    fi
+done
+if [[ ${#missing[@]} -eq 0 ]]; then
+    exit 0
+fi
+
+echo "Installing what is missing: ${missing[*]}"
+as_root=()
+if [[ $EUID -ne 0 ]]; then
+    if ! command -v sudo >/dev/null; then
+        echo "This needs root. Run as root: apt-get install ${missing[*]}" >&2
+        exit 1
+    fi
+    as_root=(sudo)
+fi
+"${as_root[@]}" apt-get update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install --yes --no-install-recommends "${missing[@]}"

@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs what is missing, builds the program and runs every test.
+#   scripts/test.sh [ARGUMENT FOR CTEST...]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh build test
+cmake --preset dev
+cmake --build --preset dev
+ctest --preset dev "$@"
