@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "session/DurableFile.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kse {
+
+namespace {
+
+bool fail(QString* error, int code)
+{
+    if (error) {
+        *error = qt_error_string(code);
+    }
+    return false;
+}
+
+int openRetrying(const QString& path, int flags)
+{
+    const QByteArray name = QFile::encodeName(path);
+    int descriptor = -1;
+    do {
+        descriptor = ::open(name.constData(), flags | O_CLOEXEC);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+/// 0, or the system's error code.
+int flushDescriptor(int descriptor)
+{
+#ifdef F_FULLFSYNC
+    // Elsewhere fsync reaches the disk; here it stops at the drive's cache.
+    if (::fcntl(descriptor, F_FULLFSYNC) == 0) {
+        return 0;
+    }
+#endif
+    int result = -1;
+    do {
+        result = ::fsync(descriptor);
+    } while (result < 0 && errno == EINTR);
+    return result < 0 ? errno : 0;
+}
+
+/// Opens what is at `path`, flushes and closes it: 0, or the system's error code.
+int flushPath(const QString& path, int flags)
+{
+    const int descriptor = openRetrying(path, O_RDONLY | flags);
+    if (descriptor < 0) {
+        return errno;
+    }
+    const int code = flushDescriptor(descriptor);
+    ::close(descriptor);
+    return code;
+}
+
+} // namespace
+
+bool openRegular(QFile& file, const QString& path, QString* error)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
+        return fail(error, errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return fail(error, EISDIR);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        if (error) {
+            *error = QStringLiteral("Not a regular file");
+        }
+        return false;
+    }
+    // Non-blocking, in case a pipe has taken the file's place since.
+    const int descriptor = openRetrying(path, O_RDONLY | O_NONBLOCK);
+    if (descriptor < 0) {
+        return fail(error, errno);
+    }
+    if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        if (error) {
+            *error = file.errorString();
+        }
+        return false;
+    }
+    return true;
+}
+
+QString realPath(const QString& path, QString* error)
+{
+    const std::unique_ptr<char, decltype(&std::free)> resolved(
+        ::realpath(QFile::encodeName(path).constData(), nullptr), &std::free);
+    if (!resolved) {
+        (void)fail(error, errno);
+        return {};
+    }
+    return QFile::decodeName(resolved.get());
+}
+
+bool flushToDisk(QFileDevice& file, QString* error)
+{
+    const int code = flushDescriptor(file.handle());
+    return code == 0 || fail(error, code);
+}
+
+bool flushFile(const QString& path, QString* error)
+{
+    const int code = flushPath(path, 0);
+    return code == 0 || fail(error, code);
+}
+
+bool flushFolder(const QString& path, QString* error)
+{
+    const int code = flushPath(path, O_DIRECTORY);
+    return code == 0 || code == EINVAL || code == ENOTSUP || fail(error, code);
+}
+
+} // namespace kse

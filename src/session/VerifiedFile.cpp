@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "session/VerifiedFile.h"
+
+#include "session/DurableFile.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace kse {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool fail(QString* error, const QString& message)
+{
+    if (error) {
+        *error = message;
+    }
+    return false;
+}
+
+/// Why the last call on `file` failed. To be asked at once: where Qt has no words for it, as after
+/// a write that was cut short, only the system's error code tells.
+QString reasonOf(const QFileDevice& file)
+{
+    const QString system = qt_error_string();
+    const QString words = file.errorString();
+    const QString noWords = QFile().errorString();
+    return words == noWords ? system : words;
+}
+
+/// What `chmod` knows. Qt adds what the current user may do, which for root is everything.
+QFileDevice::Permissions modeOf(QFileDevice::Permissions permissions)
+{
+    using P = QFileDevice;
+    return permissions & (P::ReadOwner | P::WriteOwner | P::ExeOwner | P::ReadGroup |
+                          P::WriteGroup | P::ExeGroup | P::ReadOther | P::WriteOther | P::ExeOther);
+}
+
+/// Gives the temporary file all that it needs before it may take the place of the real one:
+/// `commit` itself overlooks a disk that fills up while it empties its buffer.
+bool prepare(QSaveFile& file, const QByteArray& bytes, QFileDevice::Permissions mode,
+             QString* reason)
+{
+    const bool set = file.setPermissions(mode);
+    if (!mode || modeOf(file.permissions()) != mode) {
+        return fail(reason, set ? u"Its permissions cannot be kept"_s : reasonOf(file));
+    }
+    if (file.write(bytes) != bytes.size() || !file.flush()) {
+        return fail(reason, reasonOf(file));
+    }
+    return flushToDisk(file, reason);
+}
+
+} // namespace
+
+QByteArray sha256(const QByteArray& bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+}
+
+bool readWhole(const QString& path, QByteArray& bytes, QString* error)
+{
+    QFile file;
+    QString reason;
+    if (!openRegular(file, path, &reason)) {
+        return fail(error, u"Cannot read %1: %2"_s.arg(path, reason));
+    }
+    // A read that fails half-way ends `readAll` just as the end of the file does, without a word;
+    // only reading on tells them apart.
+    QByteArray content = file.readAll();
+    for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll()) {
+        content += more;
+    }
+    if (file.error() != QFileDevice::NoError) {
+        return fail(error, u"Cannot read %1: %2"_s.arg(path, reasonOf(file)));
+    }
+    bytes = std::move(content);
+    return true;
+}
+
+bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced, QString* error)
+{
+    replaced = false;
+    QString reason;
+    // Left to follow a link itself, QSaveFile replaces the link where it can't.
+    const QString target = realPath(path, &reason);
+    if (target.isEmpty()) {
+        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reason));
+    }
+    const QFileDevice::Permissions mode = modeOf(QFile::permissions(target));
+    QSaveFile file(target);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reasonOf(file)));
+    }
+    if (!prepare(file, bytes, mode, &reason)) {
+        file.cancelWriting();
+        return fail(error, u"Error writing %1: %2"_s.arg(path, reason));
+    }
+    if (!file.commit()) {
+        return fail(error, u"Error writing %1: %2"_s.arg(path, reasonOf(file)));
+    }
+    replaced = true;
+    // Without it a power cut could bring the old file back. A failure changes nothing: the new
+    // file is there, and the old one is whole too.
+    (void)flushFolder(QFileInfo(target).absolutePath());
+
+    QByteArray readBack;
+    if (!readWhole(path, readBack, error)) {
+        return false;
+    }
+    if (readBack != bytes) {
+        return fail(error, u"Read-back verification of %1 failed."_s.arg(path));
+    }
+    return true;
+}
+
+bool copyVerified(const QString& from, const QString& to, const QByteArray& hash)
+{
+    QByteArray copied;
+    return QFile::copy(from, to) && flushFile(to) && flushFolder(QFileInfo(to).absolutePath()) &&
+           readWhole(to, copied) && sha256(copied) == hash;
+}
+
+} // namespace kse
