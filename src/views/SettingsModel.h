@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "document/XsdtNode.h"
+
 #include <QAbstractItemModel>
 #include <QString>
 
@@ -9,7 +11,6 @@ namespace kse {
 class DeletePolicy;
 struct DeleteDecision;
 struct XsdtDocument;
-struct XsdtNode;
 
 /// The tree of a document for Qt's views, and the only writer of its nodes: every view edits,
 /// reverts and marks for deletion through it. It keeps no list of changes; the nodes do.
@@ -26,8 +27,8 @@ public:
     static constexpr int maximumDepth = 1000;
 
     /// While one lives, changes reach the views all at once when the outermost ends: one
-    /// `dataChanged` over everything and one `edited`, however many nodes changed. For commands
-    /// that change many nodes. Nothing is emitted if nothing changed.
+    /// `refreshAll` and one `edited`, however many nodes changed. For commands that change many
+    /// nodes. Nothing is emitted if nothing changed.
     class Batch
     {
     public:
@@ -83,7 +84,8 @@ public:
     /// Takes back everything that is pending. Resets the model.
     void revertAll();
 
-    /// Has every view read every row anew, without a reset.
+    /// Has every view read every row anew, without a reset: one `layoutChanged`, then one
+    /// `dataChanged` for each group.
     void refreshAll();
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
@@ -103,6 +105,10 @@ signals:
     void editRejected(const QString& reason);
 
 private:
+    void notifyRow(const XsdtNode& node, int lastColumn);
+    void notifySubtree(const XsdtNode& node);
+    void notifyBelow(const XsdtNode& node);
+
     XsdtDocument* m_document = nullptr;
     const DeletePolicy* m_policy = nullptr;
     bool m_readOnly = false;
