@@ -8,25 +8,21 @@ namespace kse {
 
 namespace {
 
-/// The process that a line "  id command" of `ps` tells of; id 0 if it tells of none that runs.
-ProcessEntry parseLine(std::string line)
+/// The process that a line "  id state command" of `ps` tells of; id 0 if it tells of none that
+/// runs.
+ProcessEntry parseLine(const std::string& line)
 {
-    while (!line.empty() && (line.back() == '\n' || line.back() == ' ')) {
-        line.pop_back();
-    }
-    static const std::string defunct = "<defunct>"; // ended, but not reaped yet
-    if (line.size() >= defunct.size() &&
-        line.compare(line.size() - defunct.size(), defunct.size(), defunct) == 0) {
-        return {};
-    }
     char* end = nullptr;
     const std::uint64_t id = std::strtoull(line.c_str(), &end, 10);
-    while (*end == ' ') {
-        ++end;
+    const auto state = line.find_first_not_of(' ', static_cast<std::size_t>(end - line.c_str()));
+    const auto command = line.find_first_not_of(' ', line.find(' ', state));
+    if (command == std::string::npos || line[state] == 'Z') { // ended, but not reaped yet
+        return {};
     }
     // Some systems give the whole path, which may hold blanks.
-    const std::string command(end);
-    return {id, command.substr(command.rfind('/') + 1)};
+    const auto slash = line.rfind('/');
+    const auto name = slash == std::string::npos ? command : slash + 1;
+    return {id, line.substr(name, line.find_last_not_of(' ') + 1 - name)};
 }
 
 } // namespace
@@ -34,14 +30,15 @@ ProcessEntry parseLine(std::string line)
 std::vector<ProcessEntry> listProcesses()
 {
     std::vector<ProcessEntry> processes;
-    std::FILE* const output = popen("ps -A -o pid=,comm= 2>/dev/null", "r");
+    std::FILE* const output = popen("ps -A -o pid=,stat=,comm= 2>/dev/null", "r");
     if (!output) {
         return processes;
     }
     std::string line;
     for (int c = std::fgetc(output); c != EOF; c = std::fgetc(output)) {
-        line.push_back(static_cast<char>(c));
-        if (c == '\n') {
+        if (c != '\n') {
+            line.push_back(static_cast<char>(c));
+        } else {
             const ProcessEntry entry = parseLine(line);
             if (entry.id != 0) {
                 processes.push_back(entry);
