@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "schema/PrettyName.h"
+#include "schema/SettingsSchema.h"
+#include "support/SettingsTree.h"
+#include "support/TestMain.h"
+#include "support/TextRows.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+using namespace kse;
+
+namespace {
+
+/// All of `info`: label, kind as a number, flags, range, choices and description.
+QString print(const VariableInfo& info)
+{
+    QString line = info.label + u'|' + QString::number(static_cast<int>(info.kind));
+    line += info.documented ? u" documented"_s : QString();
+    line += info.readOnly ? u" readOnly"_s : QString();
+    line += info.hasRange ? u" %1..%2"_s.arg(info.min).arg(info.max) : QString();
+    for (const VariableChoice& choice : info.choices) {
+        line += u' ' + QString::number(choice.value) + u'=' + choice.text;
+    }
+    return line + u'|' + info.description;
+}
+
+} // namespace
+
+class TestSettingsSchema : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_schema.load(builtInTable("globals.json"), builtInTable("overlay.json")));
+    }
+
+    void holdsEveryRowOfTheTable()
+    {
+        const QJsonObject variables =
+            QJsonDocument::fromJson(builtInTable("globals.json"))["variables"_L1].toObject();
+        QMap<QString, int> counts;
+        for (const QByteArray& line : builtInTable("globals.tsv").trimmed().split('\n').mid(1)) {
+            const QStringList cells = QString::fromUtf8(line).split(u'\t');
+            const QJsonValue row = variables[cells.at(0)];
+            QCOMPARE(row["description"_L1].toString(), cells.at(3));
+            ++counts[row["type"_L1].toString()];
+            counts[u"empty"_s] += cells.at(3).isEmpty();
+            counts[u"readOnly"_s] += row["readOnly"_L1].toBool();
+        }
+        QCOMPARE(counts.values(), (QList<int>{12, 107, 105, 33, 36, 85, 6}));
+        QCOMPARE(variables.size(), 243);
+    }
+
+    void describesByTheBuiltInTables_data()
+    {
+        addTextRows(
+            {"i > Global/ColorManagement/ProofingIntent > Proofing intent|1 documented "
+             "0=Perceptual 1=Saturation 2=Relative colorimetric 3=Absolute colorimetric|",
+             "s > Global/Preferences/Application/CoreDirectory > Core directory|7 documented "
+             "readOnly|Folder that holds the core executable. Read-only.",
+             "F > Global/Preferences/MainWindow/ActiveWindowOpacity > Active window opacity|4 "
+             "documented 0..1|Window opacity in the [0,1] range.",
+             "F > Global/RGBWorkingSpace/Gamma > Gamma|4 0.1..10|",
+             "b > RGBWorkingSpace/sRGBGamma > Use the sRGB gamma function|0|",
+             "u > X/Foreground23 > Foreground 23|8|", "s > X/Foreground2 > Foreground 2|5|",
+             "i > X/Color > Color|2|", "t > X/WallpaperFile01 > Wallpaper file 01|6|",
+             "s > X/SomeFiles > Some files|5|", "u > Preferences/ScriptEditor/Count > Count|3|"});
+    }
+
+    void describesByTheBuiltInTables()
+    {
+        QFETCH(QStringList, cells);
+        XsdtDocument document;
+        QCOMPARE(print(m_schema.describe(*addNode(document, cells[1], cells[0][0]))), cells[2]);
+    }
+
+    /// What refines a variable that is documented with a range, its type, and what comes of it.
+    void mergesTheTables_data()
+    {
+        addTextRows(
+            {R"({} > u > Key|3 documented -5..2.5|In [ -5, 2.5 ], not [7,8].)",
+             R"({"max":3,"description":"See [7,8] "} > i > Key|2 documented -5..3|See [7,8] )",
+             R"({"min":"1","label":1,"description":[]} > s > |5 documented 0..1.79769e+308|)",
+             R"({"choices":[[9223372036854775808,"a"],[-1e300,"b"],[-1.9,"c"],7],)"
+             R"("label":"%1","description":""} > i > %1|1 documented -5..2.5 )"
+             R"(9223372036854775807=a -9223372036854775808=b -1=c 0=|)",
+             R"({"choices":[[1,"a"]],"description":""} > b > Key|0 documented|)"});
+    }
+
+    void mergesTheTables()
+    {
+        QFETCH(QStringList, cells);
+        const QByteArray globals = R"({"variables":{"A/Key":{"readOnly":1,"description":
+            " See the A/B global variable. In [ -5, 2.5 ], not [7,8]. See the pcl::X namespace"}}})";
+        const QByteArray overlay = R"({"pages":[7,{"title":"","paths":["A"]},{"title":"T"}],)"
+                                   R"("variables":{"A/Key":)" +
+                                   cells[0].toUtf8() + "}}";
+        SettingsSchema schema;
+        QVERIFY(schema.load(globals, overlay));
+        XsdtDocument document;
+        const XsdtNode* node = addNode(document, u"Global/A/Key"_s, cells[1][0]);
+        QCOMPARE(print(schema.describe(*node)), cells[2]);
+        QVERIFY(schema.decoratedPages(document).isEmpty());
+    }
+
+    void refusesBadTables()
+    {
+        const QByteArray nested(100'000, '[');
+        QJsonParseError fault;
+        QJsonDocument::fromJson(nested, &fault);
+        SettingsSchema schema = m_schema;
+        QString error;
+        QVERIFY(!schema.load("[1]", "{") && !schema.load("[1]", "{", &error));
+        QCOMPARE(error, u"globals.json: "_s + QJsonParseError().errorString());
+        QVERIFY(!schema.load(builtInTable("globals.json"), nested, &error));
+        QCOMPARE(error, u"overlay.json: "_s + fault.errorString());
+        XsdtDocument document;
+        const XsdtNode* node = addNode(document, u"Process/MaxProcessors"_s, u'i');
+        QCOMPARE(print(schema.describe(*node)), u"Max processors|2|"_s);
+    }
+
+    void makesLabels_data()
+    {
+        addTextRows({"MaxModuleThreadPriority > Max module thread priority",
+                     "sRGBGamma > S RGB gamma", "ProxyURLs > Proxy URLs",
+                     "OpenURLsWithInternalBrowser > Open URLs with internal browser",
+                     "Default24BitLUT > Default 24 bit LUT",
+                     "CIP_ITRSDataFile > CIP ITRS data file", "__a_1 > A 1", " > "});
+    }
+
+    void makesLabels()
+    {
+        QFETCH(QStringList, cells);
+        QCOMPARE(prettyName(cells[0]), cells[1]);
+    }
+
+    void showsPagesOfTheDocument()
+    {
+        XsdtDocument document;
+        for (const char* path :
+             {"Global/ColorManagement", "Global/Preferences/ProcessInterface",
+              "Global/Preferences/NewGroup", "Global/Preferences/GUI", "Global/Preferences/Process",
+              "Global/Preferences/ScriptEditor/Cache/X"}) {
+            addNode(document, QString::fromLatin1(path));
+        }
+        addNode(document, u"Global/Preferences/Lone"_s, u's');
+        QStringList pages;
+        for (const PageSpec& page : m_schema.decoratedPages(document)) {
+            pages.append(page.title + "="_L1 + page.paths.join(u' '));
+        }
+        QCOMPARE(pages.join(u'\n'), u"Processes=Global/Preferences/Process\n"
+                                    "Color Management=Global/ColorManagement\n"
+                                    "Script Editor=Global/Preferences/ScriptEditor\n"
+                                    "Identifiers and GUI=Global/Preferences/GUI\n"
+                                    "New group=Global/Preferences/NewGroup"_s);
+        const XsdtNode* cache = document.root.findByPath(u"Global/Preferences/ScriptEditor/Cache");
+        QVERIFY(m_schema.isHidden(*cache) && !m_schema.isHidden(*cache->children.front()));
+    }
+
+private:
+    SettingsSchema m_schema;
+};
+
+KSE_GUILESS_TEST_MAIN(TestSettingsSchema)
+#include "TestSettingsSchema.moc"

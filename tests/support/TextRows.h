@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QFile>
+#include <QStringList>
+#include <QtTest>
+
+#include <initializer_list>
+
+namespace kse {
+
+/// For a `_data` function: one row for each text, named after it. Its parts, which stand between
+/// " > ", are in the column `cells`.
+inline void addTextRows(std::initializer_list<const char*> rows)
+{
+    QTest::addColumn<QStringList>("cells");
+    for (const char* row : rows) {
+        QTest::newRow(row) << QString::fromUtf8(row).split(QStringLiteral(" > "));
+    }
+}
+
+/// The bytes of the table `name` that is built into the program.
+inline QByteArray builtInTable(const char* name)
+{
+    QFile file(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace kse
