@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "views/FileTextEdit.h"
+
+#include "views/PlainText.h"
+
+#include <QCoreApplication>
+#include <QLineEdit>
+
+#include <limits>
+
+namespace kse {
+
+void showFileText(QLineEdit& edit, const QString& text)
+{
+    constexpr int editableLength = 1'000'000;
+    constexpr int shownLength = 1000;
+
+    const bool isTooLong = text.size() > editableLength;
+    edit.setMaxLength(std::numeric_limits<int>::max()); // by default it cuts what it is given
+    edit.setText(isTooLong ? firstCharacters(text, shownLength) : text);
+    edit.setReadOnly(isTooLong);
+    edit.setToolTip(
+        isTooLong ? QCoreApplication::translate(
+                        "FileTextEdit", "Too long to be edited here: these are the first %1 "
+                                        "of %2 characters.")
+                        .arg(QString::number(edit.text().size()), QString::number(text.size()))
+                  : QString());
+}
+
+} // namespace kse
