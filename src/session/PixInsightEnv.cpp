@@ -41,6 +41,19 @@ QString backupPrefix(const QFileInfo& settings)
     return settings.fileName() + ".bak-"_L1;
 }
 
+/// Whether the user has a trash or can get one. Without one, Qt 6.4 moves the file into a folder
+/// "files" beneath whichever folder is current, and says that it went to the trash.
+bool hasTrash()
+{
+    if (thisPlatform != HostPlatform::Linux) {
+        return true;
+    }
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QFileInfo trash(data + "/Trash"_L1);
+    return QDir().mkpath(data) &&
+           (trash.isDir() || (!trash.exists() && QFileInfo(data).isWritable()));
+}
+
 } // namespace
 
 QList<quint64> runningProcessIds()
@@ -170,13 +183,14 @@ BackupRemoval removeBackups(const QString& settingsPath, const QStringList& path
 {
     const QFileInfo settings(settingsPath);
     const QString prefix = backupPrefix(settings);
+    const bool tryTrash = toTrash && hasTrash();
     BackupRemoval result;
     for (const QString& path : paths) {
         const QFileInfo file(path);
         const bool isBackup = file.fileName().startsWith(prefix, Qt::CaseSensitive) &&
                               file.absolutePath() == settings.absolutePath() && file.isFile();
         const qint64 size = file.size();
-        const bool trashed = isBackup && toTrash && QFile::moveToTrash(path);
+        const bool trashed = isBackup && tryTrash && QFile::moveToTrash(path);
         if (trashed || (isBackup && QFile::remove(path))) {
             ++result.removed;
             result.freedBytes += size;
