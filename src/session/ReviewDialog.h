@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+#include <QList>
+
+#include <vector>
+
+class QCheckBox;
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace kse {
+
+class SettingsModel;
+struct XsdtDocument;
+struct XsdtNode;
+
+/// Lists what a save would write and lets the user take any of it back, at once and for good.
+/// Accepted means: save. If the tree is replaced beneath it, the dialog rejects itself.
+class ReviewDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    enum RowKind { EditRow = 0, DeletionRow = 1, RemovedValueRow = 2 };
+    /// Of a row's first column: its `XsdtNode*`, null in a row that only tells something, and its
+    /// `RowKind`.
+    enum Role { NodeRole = Qt::UserRole, KindRole };
+
+    /// `model` shows `document`; both must outlive the dialog.
+    ReviewDialog(SettingsModel* model, const XsdtDocument* document, QWidget* parent = nullptr);
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private slots:
+    void populate();
+    void populateDeletion(QTreeWidgetItem* row);
+    void updateDetail();
+    void onRevert();
+    void onModelReset();
+
+private:
+    struct PendingNode
+    {
+        QString path;
+        XsdtNode* node = nullptr;
+    };
+
+    void createWidgets();
+    void createTree();
+    void createLayout();
+    void connectWidgets();
+    void updateSummary(qsizetype removedValues);
+    void updateDetailHeight();
+    bool passesFilter(const PendingNode& pending, const QString& filter) const;
+    std::vector<PendingNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
+    void addDeletions(const QList<XsdtNode*>& nodes);
+    void addEdits(const QList<XsdtNode*>& nodes);
+
+    SettingsModel* m_model = nullptr;
+    const XsdtDocument* m_document = nullptr;
+    quint64 m_generation = 0; ///< Of the model when the rows' nodes were alive.
+    qsizetype m_editCount = 0;
+    qsizetype m_deletionCount = 0;
+
+    QLabel* m_summary = nullptr;
+    QLineEdit* m_filter = nullptr;
+    QCheckBox* m_showEdits = nullptr;
+    QCheckBox* m_showDeletions = nullptr;
+    QTreeWidget* m_tree = nullptr;
+    QPlainTextEdit* m_detail = nullptr;
+    QPushButton* m_revert = nullptr;
+    QPushButton* m_cancel = nullptr;
+    QPushButton* m_save = nullptr;
+};
+
+} // namespace kse
