@@ -122,6 +122,7 @@ private slots:
         QCOMPARE(policy.warnCandidates(document), (QList<XsdtNode*>{second, third, twin}));
         QCOMPARE(policy.matchPattern(document, u"/*//*/C"), (QList<XsdtNode*>{first, third, twin}));
         QVERIFY(policy.matchPattern(document, u"X/**").isEmpty());
+        QCOMPARE(policy.decide(second).reason, policy.decide(&document.root).reason);
         QCOMPARE(policy.decide(&document.root).level, DeleteLevel::Never);
         QVERIFY(policy.isEditLocked(nullptr) && policy.isCompareNoCopy(nullptr));
     }

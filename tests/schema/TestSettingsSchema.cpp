@@ -96,7 +96,7 @@ private slots:
         QFETCH(QStringList, cells);
         const QByteArray globals = R"({"variables":{"A/Key":{"readOnly":1,"description":
             " See the A/B global variable. In [ -5, 2.5 ], not [7,8]. See the pcl::X namespace"}}})";
-        const QByteArray overlay = R"({"pages":[7,{"title":"","paths":["A"]},{"title":"T"}],)"
+        const QByteArray overlay = R"({"pages":[7,{"title":"","paths":["Global"]},{"title":"T"}],)"
                                    R"("variables":{"A/Key":)" +
                                    cells[0].toUtf8() + "}}";
         SettingsSchema schema;
