@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "schema/SettingsSchema.h"
+
+#include <QWidget>
+
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QLineEdit;
+class QSpinBox;
+class QToolButton;
+
+namespace kse {
+
+class ColorButton;
+class SettingsModel;
+struct XsdtNode;
+
+/// One setting with its name, its description, the editor that suits it and an arrow that takes
+/// its change back. Writes through the model and reads from the node; what the user doesn't
+/// touch is never written.
+class SettingRow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Made for a value of the document that `model` holds, and of no use with the model's next
+    /// one: it then writes nothing, but must not be refreshed any more.
+    SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* model,
+               QWidget* parent = nullptr);
+
+    XsdtNode* node() const { return m_node; }
+
+    /// Brings the row up to date with its node. Writes nothing.
+    void refresh();
+
+    /// While PixInsight runs.
+    void setReadOnly(bool readOnly);
+
+    /// A line that tells the groups that hold the setting, for lists from all over the tree.
+    void setShowPath(bool showPath);
+
+    /// Whether label, key, description or, of a string, the value holds `text`, ignoring case.
+    [[nodiscard]] bool matches(const QString& text) const;
+
+signals:
+    /// A value was turned down here, before it reached the model.
+    void rejected(const QString& reason);
+    /// The user asked for the node's context menu.
+    void menuRequested(XsdtNode* node, const QPoint& globalPos);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void createLabels();
+    void createEditor();
+    void createCheckBox();
+    void createComboBox();
+    void createSpinBox();
+    void createDoubleSpinBox();
+    void createLineEdit();
+    void createBrowseButton();
+    void createColorButton();
+    void createRevertButton();
+    void addEditor(QWidget* editor, const QString& name);
+    void layOut();
+
+    bool isOutdated() const;
+    QString rangeFault(const QString& text) const;
+    void commit(const QString& text);
+    void commitLine();
+    void browse();
+    void revert();
+
+    void refreshComboBox();
+    void refreshSpinBox();
+    void refreshDoubleSpinBox();
+    void refreshLineEdit();
+    void refreshRevertButton(bool isChanged);
+    void refreshEditorHost();
+    void updateFonts();
+    void updateColors();
+
+    XsdtNode* m_node = nullptr;
+    VariableInfo m_info;
+    SettingsModel* m_model = nullptr;
+    quint64 m_generation = 0; ///< The model's, when the row was made.
+    bool m_rowReadOnly = false;
+    bool m_protectedType = false; ///< The node's type can't be edited.
+
+    QLabel* m_nameLabel = nullptr;
+    QLabel* m_pathLabel = nullptr;
+    QLabel* m_descriptionLabel = nullptr;
+    QToolButton* m_revertButton = nullptr;
+    QWidget* m_editorHost = nullptr;
+    // Of these, only what edits the row's kind.
+    QCheckBox* m_checkBox = nullptr;
+    QComboBox* m_comboBox = nullptr;
+    QSpinBox* m_spinBox = nullptr;
+    QDoubleSpinBox* m_doubleSpinBox = nullptr;
+    QLineEdit* m_lineEdit = nullptr;
+    ColorButton* m_colorButton = nullptr;
+    QToolButton* m_browseButton = nullptr;
+};
+
+} // namespace kse
