@@ -122,5 +122,3 @@ private:
 [[nodiscard]] QString displayValue(const XsdtNode& node, const QString& text, qsizetype limit);
 
 } // namespace kse
-
-Q_DECLARE_METATYPE(kse::XsdtNode*)

@@ -1,0 +1,413 @@
+// SPDX-License-Identifier: MIT
+#include "app/MainWindow.h"
+
+#include "app/OpenEditor.h"
+#include "app/WaitCursor.h"
+#include "session/PixInsightEnv.h"
+#include "views/PlainText.h"
+#include "views/SettingsFilterProxy.h"
+#include "views/SettingsModel.h"
+#include "views/TreePosition.h"
+#include "views/ValueDelegate.h"
+#include "views/WheelGuard.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int pollInterval = 3000;
+
+/// The resource at `path`; empty if it can't be opened, which reads as an empty table.
+QByteArray readResource(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// File name of the newest backup of `path` that could be copied back over it, or empty.
+QString newestUsableBackup(const QString& path)
+{
+    const QStringList backups = PixInsightEnv::backupsOf(path);
+    for (const QString& backup : backups) {
+        QByteArray bytes;
+        XsdtDocument document;
+        if (SettingsStore::readFile(backup, bytes) && document.parse(bytes)) {
+            return QFileInfo(backup).fileName();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+MainWindow::MainWindow(Messages messages)
+    : m_messages(messages)
+    , m_lastFontScale(ThemeManager::instance().fontScale())
+{
+    loadTables();
+    m_store.policy = &m_policy;
+    buildUi();
+
+    m_pollTimer = new QTimer(this);
+    connect(m_pollTimer, &QTimer::timeout, this, &MainWindow::pollEnvironment);
+    m_pollTimer->start(pollInterval);
+
+    const QStringList files = PixInsightEnv::findSettingsFiles();
+    if (files.isEmpty()) {
+        rebuildFileBox();
+        refreshBanner();
+        QStringList folders = PixInsightEnv::settingsFolders();
+        for (QString& folder : folders) {
+            folder = QDir::toNativeSeparators(folder);
+        }
+        showStatus(tr("No PixInsight settings file found in %1. Use Browse to open one.")
+                       .arg(folders.join(u"; "_s)),
+                   0);
+    } else {
+        openFile(files.first());
+    }
+    pollEnvironment();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::loadTables()
+{
+    const QString overlayPath = u":/schema/overlay.json"_s;
+    QString error;
+    if (!m_schema.load(readResource(u":/schema/globals.json"_s), readResource(overlayPath),
+                       &error)) {
+        report(QMessageBox::Warning, tr("Settings schema"),
+               tr("The built-in settings descriptions could not be read (%1). Names and "
+                  "descriptions will be limited.")
+                   .arg(error));
+    }
+    if (!m_policy.load(readResource(overlayPath), &error)) {
+        report(QMessageBox::Warning, tr("Deletion rules"),
+               tr("The built-in deletion rules could not be read (%1). Deleting entries is "
+                  "disabled.")
+                   .arg(error));
+    }
+}
+
+void MainWindow::buildUi()
+{
+    resize(1100, 760);
+    m_model = new SettingsModel(this);
+    m_model->setPolicy(&m_policy);
+    m_proxy = new SettingsFilterProxy(this);
+    m_proxy->setSourceModel(m_model);
+    connect(m_model, &SettingsModel::edited, this, &MainWindow::onEdited);
+    connect(m_model, &SettingsModel::editRejected, this, [this](const QString& reason) {
+        showStatus(tr("Not accepted - %1").arg(reason), 8000);
+    });
+    m_openEditor = new OpenEditor(this);
+
+    m_tabs = new QTabWidget;
+    m_tabs->setObjectName("tabs"_L1);
+    m_advancedPage = createAdvancedPage();
+    m_tabs->addTab(m_advancedPage, tr("All settings (advanced)"));
+
+    auto* central = new QWidget;
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(createFileRow());
+    layout->addWidget(createBannerRow());
+    layout->addWidget(m_tabs, 1);
+    setCentralWidget(central);
+
+    createActions();
+    createMenus();
+    createToolBar();
+    connectTheme();
+}
+
+QWidget* MainWindow::createFileRow()
+{
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_fileBox = new QComboBox;
+    m_fileBox->setObjectName("fileBox"_L1);
+    m_fileBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    WheelGuard::install(m_fileBox);
+    connect(m_fileBox, &QComboBox::activated, this, &MainWindow::onFileActivated);
+    auto* label = new QLabel(tr("File:"));
+    label->setBuddy(m_fileBox);
+    auto* browse = new QPushButton(tr("Browse..."));
+    browse->setObjectName("browse"_L1);
+    connect(browse, &QPushButton::clicked, this, &MainWindow::onOpen);
+    layout->addWidget(label);
+    layout->addWidget(m_fileBox, 1);
+    layout->addWidget(browse);
+    return row;
+}
+
+QWidget* MainWindow::createBannerRow()
+{
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_bannerLabel = new QLabel;
+    m_bannerLabel->setObjectName("bannerLabel"_L1);
+    m_bannerLabel->setWordWrap(true);
+    m_bannerLabel->setMargin(8);
+    m_bannerLabel->setAutoFillBackground(true);
+    m_bannerReload = new QPushButton(tr("Reload"));
+    m_bannerReload->setObjectName("bannerReload"_L1);
+    connect(m_bannerReload, &QPushButton::clicked, this, &MainWindow::onReload);
+    layout->addWidget(m_bannerLabel, 1);
+    layout->addWidget(m_bannerReload);
+    return row;
+}
+
+QWidget* MainWindow::createAdvancedPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 6, 0, 0);
+
+    m_treeFilter = new QLineEdit;
+    m_treeFilter->setObjectName("treeFilter"_L1);
+    m_treeFilter->setAccessibleName(tr("Filter"));
+    m_treeFilter->setClearButtonEnabled(true);
+    m_treeFilter->setPlaceholderText(tr("Filter this tree by name or value"));
+    connect(m_treeFilter, &QLineEdit::textChanged, this, &MainWindow::applyTreeFilter);
+    m_changedOnly = new QCheckBox(tr("Changed only"));
+    m_changedOnly->setObjectName("changedOnly"_L1);
+    connect(m_changedOnly, &QCheckBox::toggled, this, &MainWindow::applyChangedOnly);
+    auto* filterRow = new QHBoxLayout;
+    filterRow->addWidget(m_treeFilter, 1);
+    filterRow->addWidget(m_changedOnly);
+    layout->addLayout(filterRow);
+
+    m_tree = new QTreeView;
+    m_tree->setObjectName("tree"_L1);
+    m_tree->setAccessibleName(tr("All settings"));
+    m_tree->setModel(m_proxy);
+    m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, new ValueDelegate(m_tree));
+    m_tree->setUniformRowHeights(true);
+    m_tree->setAlternatingRowColors(true);
+    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                            QAbstractItemView::EditKeyPressed);
+    m_tree->header()->setStretchLastSection(false);
+    m_tree->header()->setSectionResizeMode(SettingsModel::SettingColumn, QHeaderView::Interactive);
+    m_tree->header()->setSectionResizeMode(SettingsModel::ValueColumn, QHeaderView::Stretch);
+    m_tree->header()->setSectionResizeMode(SettingsModel::TypeColumn,
+                                           QHeaderView::ResizeToContents);
+    m_tree->header()->resizeSection(SettingsModel::SettingColumn, 380);
+    connect(m_tree, &QTreeView::customContextMenuRequested, this, &MainWindow::showContextMenu);
+    auto* deleteKey = new QShortcut(QKeySequence(QKeySequence::Delete), m_tree);
+    deleteKey->setContext(Qt::WidgetShortcut);
+    connect(deleteKey, &QShortcut::activated, this, &MainWindow::deleteSelected);
+    layout->addWidget(m_tree, 1);
+    return page;
+}
+
+void MainWindow::attachViews()
+{
+    m_model->setDocument(m_store.loaded ? &m_store.document : nullptr);
+    rebuildFileBox();
+}
+
+void MainWindow::detachViews()
+{
+    m_model->setDocument(nullptr);
+}
+
+bool MainWindow::openFile(const QString& path)
+{
+    m_openEditor->commit();
+    QString error;
+    const bool opened = replaceTree([&] {
+        const WaitCursor wait;
+        return m_store.load(path, &error);
+    });
+    if (!opened) {
+        const QString backup = newestUsableBackup(path);
+        const QString wayBack =
+            backup.isEmpty() ? QString()
+                             : tr("The newest backup beside it that can be read is %1. Copying it "
+                                  "over the file brings that state back.")
+                                   .arg(backup);
+        m_staleOnDisk = m_staleOnDisk && m_store.loaded;
+        report(QMessageBox::Critical, tr("Cannot open file"), error, wayBack);
+        refreshBanner();
+        return false;
+    }
+    m_staleOnDisk = false;
+    resetExpansion();
+    showStatus(tr("Loaded %1").arg(QDir::toNativeSeparators(path)), 5000);
+    refreshBanner();
+    return true;
+}
+
+bool MainWindow::confirmDiscard(const QString& tail)
+{
+    const qsizetype pending = pendingCount();
+    if (pending == 0) {
+        return true;
+    }
+    const QString text = tr("You have %n unsaved change(s). %1", nullptr, int(pending)).arg(tail);
+    return askQuestion(this, tr("Discard changes?"), text,
+                       QMessageBox::Discard | QMessageBox::Cancel,
+                       QMessageBox::Cancel) == QMessageBox::Discard;
+}
+
+void MainWindow::onOpen()
+{
+    m_openEditor->commit();
+    if (!confirmDiscard(tr("Opening another file discards them."))) {
+        return;
+    }
+    const QString folder =
+        m_store.loaded ? QFileInfo(m_store.path).path() : PixInsightEnv::settingsFolders().value(0);
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Open PixInsight settings file"), folder,
+                                     tr("PixInsight settings (*.settings);;All files (*)"));
+    if (!path.isEmpty()) {
+        openFile(path);
+    }
+}
+
+void MainWindow::onReload()
+{
+    if (!m_store.loaded) {
+        return;
+    }
+    m_openEditor->commit();
+    const QString path = m_store.path;
+    if (confirmDiscard(tr("Reloading discards them."))) {
+        openFile(path);
+    }
+}
+
+void MainWindow::onFileActivated(int index)
+{
+    m_openEditor->commit();
+    const QString path = m_fileBox->itemData(index).toString();
+    if (path.isEmpty() || (m_store.loaded && QFileInfo(path) == QFileInfo(m_store.path))) {
+        return;
+    }
+    if (confirmDiscard(tr("Opening another file discards them."))) {
+        openFile(path);
+    } else {
+        rebuildFileBox();
+    }
+}
+
+void MainWindow::rebuildFileBox()
+{
+    m_knownFiles = PixInsightEnv::findSettingsFiles();
+    const QString current = m_store.loaded ? m_store.path : QString();
+    const QSignalBlocker blocker(m_fileBox);
+    m_fileBox->clear();
+    int selected = -1;
+    for (const QString& path : std::as_const(m_knownFiles)) {
+        m_fileBox->addItem(PixInsightEnv::describeFile(path), path);
+        if (!current.isEmpty() && QFileInfo(path) == QFileInfo(current)) {
+            selected = m_fileBox->count() - 1;
+        }
+    }
+    if (!current.isEmpty() && selected < 0) {
+        m_fileBox->addItem(PixInsightEnv::describeFile(current), current);
+        selected = m_fileBox->count() - 1;
+    }
+    if (m_fileBox->count() == 0) {
+        m_fileBox->addItem(tr("No settings file found - use Browse..."), QString());
+    }
+    m_fileBox->setCurrentIndex(selected);
+}
+
+void MainWindow::expandPreferences()
+{
+    if (!m_store.loaded) {
+        return;
+    }
+    const XsdtNode* node = m_store.document.root.findByPath(u"Global/Preferences");
+    QModelIndex index = m_proxy->mapFromSource(m_model->indexForNode(node));
+    for (; index.isValid(); index = index.parent()) {
+        m_tree->expand(index);
+    }
+}
+
+void MainWindow::resetExpansion()
+{
+    m_tree->collapseAll();
+    expandPreferences();
+}
+
+void MainWindow::applyTreeFilter(const QString& text)
+{
+    const TreePosition position(*m_tree, *m_proxy);
+    m_proxy->setFilterText(text);
+    if (text.trimmed().isEmpty()) {
+        resetExpansion();
+    } else {
+        m_tree->expandAll();
+    }
+    position.restore();
+}
+
+void MainWindow::applyChangedOnly(bool changedOnly)
+{
+    const TreePosition position(*m_tree, *m_proxy);
+    m_proxy->setChangedOnly(changedOnly);
+    if (changedOnly) {
+        m_tree->expandAll();
+    }
+    position.restore();
+}
+
+void MainWindow::onEdited()
+{
+    refreshBanner();
+}
+
+qsizetype MainWindow::pendingCount() const
+{
+    return m_store.loaded ? m_store.document.pendingCount() : 0;
+}
+
+void MainWindow::report(QMessageBox::Icon icon, const QString& title, const QString& text,
+                        const QString& informativeText)
+{
+    if (m_messages == Messages::Boxes) {
+        showMessage(this, icon, title, text, informativeText);
+        return;
+    }
+    const QString line = title + u": "_s + text +
+                         (informativeText.isEmpty() ? QString() : u' ' + informativeText) + u'\n';
+    std::fputs(line.toLocal8Bit().constData(), stderr);
+}
+
+void MainWindow::showStatus(const QString& text, int milliseconds)
+{
+    // A status bar is one line: more characters than any screen holds only cost time.
+    statusBar()->showMessage(abbreviated(text, 1000), milliseconds);
+}
+
+} // namespace kse

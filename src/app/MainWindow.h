@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/ThemeManager.h"
+#include "app/ToolbarIcons.h"
+#include "schema/DeletePolicy.h"
+#include "schema/SettingsSchema.h"
+#include "session/SettingsStore.h"
+
+#include <QHash>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QStringList>
+
+#include <utility>
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTabWidget;
+class QTimer;
+class QToolBar;
+class QTreeView;
+
+namespace kse {
+
+class OpenEditor;
+class SettingsFilterProxy;
+class SettingsModel;
+
+/// The program's one window. It owns what lives for a run (the open file, the built-in tables, the
+/// tree model) and carries out every command.
+///
+/// Whatever replaces nodes goes through `replaceTree`, so that no view keeps one that is gone.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// How messages that need no answer reach the user.
+    enum class Messages {
+        Boxes,         ///< modal boxes
+        StandardError, ///< lines on standard error: nobody is there to close a box
+    };
+
+    /// Reads the built-in tables, opens the first settings file found and starts the poll.
+    explicit MainWindow(Messages messages = Messages::Boxes);
+    ~MainWindow() override;
+
+    /// Opens `path` and drops pending changes without asking. A failure is told to the user; a
+    /// file that can't be read leaves the open one as it is, one that doesn't parse leaves none.
+    bool openFile(const QString& path);
+
+    /// Renders the pages and dialogs of the open file to PNG files in `dir`, which is made if it
+    /// doesn't exist. Changes settings on the way and takes the changes back; never saves.
+    void renderScreenshots(const QString& dir);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private slots:
+    void onOpen();
+    void onReload();
+    bool onSave();
+    void onRestoreBackup();
+    void onRevertAll();
+    void onEdited();
+    void pollEnvironment();
+    void showContextMenu(const QPoint& pos);
+    void deleteSelected();
+    void onManageBackups();
+    void refreshToolbarIcons();
+    void updateMinimumWidth();
+    void updateStatusBarStyle();
+
+private:
+    void buildUi();
+    void createActions();
+    void createMenus();
+    void createThemeMenu(QMenu& menu);
+    void createToolBar();
+    QWidget* createFileRow();
+    QWidget* createBannerRow();
+    QWidget* createAdvancedPage();
+    void connectTheme();
+
+    void loadTables();
+    void attachViews();
+    void detachViews();
+
+    /// Runs `operation`, which may replace or destroy nodes, while no view holds any.
+    template <typename Operation>
+    bool replaceTree(Operation&& operation)
+    {
+        detachViews();
+        const bool done = std::forward<Operation>(operation)();
+        attachViews();
+        return done;
+    }
+
+    /// Whether pending changes may go: there are none, or the user says so. `tail` ends the text.
+    bool confirmDiscard(const QString& tail);
+    void expandPreferences();
+    void resetExpansion();
+    void rebuildFileBox();
+    void onFileActivated(int index);
+    void applyTreeFilter(const QString& text);
+    void applyChangedOnly(bool changedOnly);
+    void refreshBanner();
+    void refreshActions(qsizetype pending);
+    void deleteNode(XsdtNode* node);
+    bool confirmDeletion(const QString& path, int values, const QString& reason);
+    void onThemeChanged();
+    QString wayBackText(const QString& recoverFrom) const;
+    void report(QMessageBox::Icon icon, const QString& title, const QString& text,
+                const QString& informativeText = {});
+    void showStatus(const QString& text, int milliseconds);
+    void grabTo(QWidget& widget, const QString& dir, const QString& name);
+
+    qsizetype pendingCount() const;
+
+    Messages m_messages;
+    SettingsStore m_store;
+    SettingsSchema m_schema;
+    DeletePolicy m_policy;
+    SettingsModel* m_model = nullptr;
+    SettingsFilterProxy* m_proxy = nullptr;
+    OpenEditor* m_openEditor = nullptr;
+    QComboBox* m_fileBox = nullptr;
+    QStringList m_knownFiles;
+    QWidget* m_advancedPage = nullptr;
+    QTabWidget* m_tabs = nullptr;
+    QTreeView* m_tree = nullptr;
+    QLineEdit* m_treeFilter = nullptr;
+    QCheckBox* m_changedOnly = nullptr;
+    QLabel* m_bannerLabel = nullptr;
+    QPushButton* m_bannerReload = nullptr;
+    QTimer* m_pollTimer = nullptr;
+    QAction* m_actOpen = nullptr;
+    QAction* m_actReload = nullptr;
+    QAction* m_actSave = nullptr;
+    QAction* m_actRestore = nullptr;
+    QAction* m_actBackups = nullptr;
+    QAction* m_actRevert = nullptr;
+    QAction* m_actToggleTheme = nullptr;
+    QHash<ThemeMode, QAction*> m_themeActions;
+    double m_lastFontScale = 0;
+    QToolBar* m_toolbar = nullptr;
+    QList<std::pair<QAction*, ToolbarIconKind>> m_toolbarEntries;
+    bool m_running = false;
+    bool m_staleOnDisk = false;
+    bool m_dontAskDelete = false;
+};
+
+} // namespace kse

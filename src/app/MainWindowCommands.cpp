@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: MIT
+#include "app/MainWindow.h"
+
+#include "app/OpenEditor.h"
+#include "app/WaitCursor.h"
+#include "session/BackupsDialog.h"
+#include "session/PixInsightEnv.h"
+#include "session/ReviewDialog.h"
+#include "views/PlainText.h"
+#include "views/SettingsModel.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QLayout>
+#include <QMenuBar>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QTreeView>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int toolbarIconSize = 18;
+const QString toolbarVisibleKey = u"Appearance/ToolbarVisible"_s;
+
+/// Ctrl+= is how Ctrl++ is typed on many keyboards; where the platform binds it to zooming in
+/// already, naming it twice would make it ambiguous and dead.
+QList<QKeySequence> zoomInKeys()
+{
+    QList<QKeySequence> keys = QKeySequence::keyBindings(QKeySequence::ZoomIn);
+    const QKeySequence equal(Qt::CTRL | Qt::Key_Equal);
+    if (!keys.contains(equal)) {
+        keys.append(equal);
+    }
+    return keys;
+}
+
+} // namespace
+
+void MainWindow::createActions()
+{
+    const auto create = [this](const QString& name, const QString& text,
+                               const QList<QKeySequence>& keys = {}) {
+        auto* action = new QAction(text, this);
+        action->setObjectName(name);
+        action->setShortcuts(keys);
+        return action;
+    };
+    m_actOpen = create(u"actOpen"_s, tr("&Open settings file..."),
+                       QKeySequence::keyBindings(QKeySequence::Open));
+    m_actReload = create(u"actReload"_s, tr("&Reload from disk"),
+                         QKeySequence::keyBindings(QKeySequence::Refresh));
+    m_actSave =
+        create(u"actSave"_s, tr("&Save changes..."), QKeySequence::keyBindings(QKeySequence::Save));
+    m_actSave->setStatusTip(tr("Review the pending changes, then save"));
+    m_actRestore = create(u"actRestore"_s, tr("Restore &backup..."));
+    m_actBackups = create(u"actBackups"_s, tr("&Manage backups..."));
+    m_actRevert = create(u"actRevert"_s, tr("Revert &all changes"));
+    m_actToggleTheme =
+        create(u"actToggleTheme"_s, tr("Toggle light/dark"), {Qt::CTRL | Qt::SHIFT | Qt::Key_D});
+
+    connect(m_actOpen, &QAction::triggered, this, &MainWindow::onOpen);
+    connect(m_actReload, &QAction::triggered, this, &MainWindow::onReload);
+    connect(m_actSave, &QAction::triggered, this, &MainWindow::onSave);
+    connect(m_actRestore, &QAction::triggered, this, &MainWindow::onRestoreBackup);
+    connect(m_actBackups, &QAction::triggered, this, &MainWindow::onManageBackups);
+    connect(m_actRevert, &QAction::triggered, this, &MainWindow::onRevertAll);
+    connect(m_actToggleTheme, &QAction::triggered, &ThemeManager::instance(),
+            &ThemeManager::toggle);
+}
+
+void MainWindow::createMenus()
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->addActions({m_actOpen, m_actReload});
+    file->addSeparator();
+    file->addActions({m_actSave, m_actRestore, m_actBackups});
+    file->addSeparator();
+    QAction* quit = file->addAction(tr("&Quit"), this, &QWidget::close);
+    quit->setShortcuts(QKeySequence::Quit);
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    edit->addAction(m_actRevert);
+    edit->addSeparator();
+    createThemeMenu(*edit->addMenu(tr("&Theme")));
+
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    view->addAction(tr("&Expand all"), m_tree, &QTreeView::expandAll);
+    view->addAction(tr("&Collapse all"), this, &MainWindow::resetExpansion);
+    view->addSeparator();
+    ThemeManager* theme = &ThemeManager::instance();
+    view->addAction(tr("&Larger text"), theme, [theme] { theme->step(0.1); })
+        ->setShortcuts(zoomInKeys());
+    view->addAction(tr("&Smaller text"), theme, [theme] { theme->step(-0.1); })
+        ->setShortcuts(QKeySequence::ZoomOut);
+    view->addAction(tr("&Default text size"), theme, &ThemeManager::resetFontScale)
+        ->setShortcut(Qt::CTRL | Qt::Key_0);
+    view->addSeparator();
+    m_toolbar = addToolBar(tr("Main toolbar"));
+    view->addAction(m_toolbar->toggleViewAction());
+    m_toolbar->toggleViewAction()->setText(tr("&Toolbar"));
+
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)
+        ->setMenuRole(QAction::AboutQtRole);
+}
+
+void MainWindow::createThemeMenu(QMenu& menu)
+{
+    auto* group = new QActionGroup(this);
+    const auto add = [&](ThemeMode mode, const QString& text) {
+        QAction* action = menu.addAction(text);
+        action->setCheckable(true);
+        action->setChecked(ThemeManager::instance().mode() == mode);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this,
+                [mode] { ThemeManager::instance().setMode(mode, true); });
+        m_themeActions.insert(mode, action);
+    };
+    add(ThemeMode::Light, tr("&Light"));
+    add(ThemeMode::Dark, tr("&Dark"));
+    add(ThemeMode::System, tr("Follow &system"));
+    menu.addSeparator();
+    menu.addAction(m_actToggleTheme);
+}
+
+void MainWindow::createToolBar()
+{
+    m_toolbar->setObjectName("MainToolbar"_L1);
+    m_toolbar->setMovable(false);
+    m_toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    const auto add = [this](QAction* action, const QString& iconText, ToolbarIconKind kind) {
+        action->setIconText(iconText);
+        action->setIconVisibleInMenu(false);
+        m_toolbar->addAction(action);
+        m_toolbarEntries.append({action, kind});
+    };
+    add(m_actOpen, tr("Open"), ToolbarIconKind::Open);
+    add(m_actReload, tr("Reload"), ToolbarIconKind::Reload);
+    m_toolbar->addSeparator();
+    add(m_actSave, tr("Save"), ToolbarIconKind::Save);
+    add(m_actRevert, tr("Revert all"), ToolbarIconKind::Revert);
+    m_toolbar->addSeparator();
+    add(m_actBackups, tr("Backups"), ToolbarIconKind::Backups);
+    add(m_actRestore, tr("Restore"), ToolbarIconKind::Restore);
+    m_toolbar->addSeparator();
+    add(m_actToggleTheme, tr("Theme"), ToolbarIconKind::Theme);
+
+    m_toolbar->setVisible(QSettings().value(toolbarVisibleKey, true).toBool());
+    connect(m_toolbar, &QToolBar::visibilityChanged, this, [this](bool visible) {
+        // The toolbar also goes when the window closes; that isn't the user's wish.
+        if (isVisible()) {
+            QSettings().setValue(toolbarVisibleKey, visible);
+        }
+        updateMinimumWidth();
+    });
+}
+
+void MainWindow::connectTheme()
+{
+    const ThemeManager* theme = &ThemeManager::instance();
+    updateStatusBarStyle();
+    connect(theme, &ThemeManager::changed, this, &MainWindow::updateStatusBarStyle);
+    refreshToolbarIcons();
+    connect(theme, &ThemeManager::changed, this, &MainWindow::refreshToolbarIcons);
+    connect(theme, &ThemeManager::changed, this, &MainWindow::onThemeChanged);
+}
+
+void MainWindow::onThemeChanged()
+{
+    const ThemeManager& theme = ThemeManager::instance();
+    m_themeActions.value(theme.mode())->setChecked(true);
+    refreshBanner();
+    if (std::abs(theme.fontScale() - m_lastFontScale) > 1e-6) {
+        m_lastFontScale = theme.fontScale();
+        const int percent = int(m_lastFontScale * 100 / 1.25 + 0.5);
+        showStatus(tr("Text size %1%").arg(percent), 3000);
+    }
+}
+
+void MainWindow::updateStatusBarStyle()
+{
+    statusBar()->setStyleSheet(u"QStatusBar { background: palette(midlight); border-top: 1px solid "
+                               u"palette(mid); }"_s);
+}
+
+void MainWindow::refreshToolbarIcons()
+{
+    const QPalette palette = QGuiApplication::palette();
+    const QColor normal = palette.color(QPalette::Active, QPalette::ButtonText);
+    const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
+    m_toolbar->setIconSize({toolbarIconSize, toolbarIconSize});
+    QFont toolbarFont = font();
+    toolbarFont.setPointSizeF(std::max(toolbarFont.pointSizeF() * 0.62, 6.5));
+    m_toolbar->setFont(toolbarFont);
+    m_toolbar->setMaximumHeight(QFontMetrics(toolbarFont).lineSpacing() + 39);
+    m_toolbar->setStyleSheet(
+        u"QToolBar QToolButton {  border-width: %1px; border-style: solid;  border-top-color: "
+        u"palette(light); border-left-color: palette(light);  border-bottom-color: palette(dark); "
+        u"border-right-color: palette(dark);  border-radius: 2px; padding: %2px %3px; background: "
+        u"palette(button); }QToolBar QToolButton:hover { background: palette(midlight); }QToolBar "
+        u"QToolButton:pressed {  border-top-color: palette(dark); border-left-color: "
+        u"palette(dark);  border-bottom-color: palette(light); border-right-color: "
+        u"palette(light);  background: palette(midlight); }QToolBar QToolButton:disabled { "
+        u"border-color: palette(mid); background: transparent; }"_s.arg(1)
+            .arg(3)
+            .arg(4));
+    updateMinimumWidth();
+    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
+    for (const auto& [action, kind] : std::as_const(m_toolbarEntries)) {
+        action->setIcon(
+            makeToolbarIcon(kind, normal, disabled, toolbarIconSize, devicePixelRatio()));
+    }
+}
+
+void MainWindow::updateMinimumWidth()
+{
+    int width = centralWidget()->minimumSizeHint().width();
+    if (m_toolbar->isVisible()) {
+        m_toolbar->layout()->activate();
+        m_toolbar->updateGeometry();
+        width = std::max(width, m_toolbar->sizeHint().width());
+    }
+    setMinimumWidth(width);
+}
+
+bool MainWindow::onSave()
+{
+    m_openEditor->commit();
+    if (pendingCount() == 0) {
+        return true;
+    }
+    const quint64 generation = m_model->generation();
+    ReviewDialog review(m_model, &m_store.document, this);
+    if (review.exec() != QDialog::Accepted || m_model->generation() != generation) {
+        return false;
+    }
+    if (pendingCount() == 0) {
+        return true;
+    }
+    QString error;
+    QString backupPath;
+    QString recoverFrom;
+    const auto save = [&] {
+        const WaitCursor wait;
+        return m_store.save(&error, &backupPath, &recoverFrom);
+    };
+    // A save without deletions destroys no node, so the tree keeps its expansion.
+    const bool destroysNodes = !m_store.document.deletions().isEmpty();
+    const bool saved = destroysNodes ? replaceTree(save) : save();
+    if (destroysNodes) {
+        resetExpansion();
+    }
+    if (!saved) {
+        report(QMessageBox::Critical, tr("Save failed"), error, wayBackText(recoverFrom));
+        pollEnvironment();
+        return false;
+    }
+    m_model->refreshAll();
+    showStatus(tr("Saved. Backup: %1").arg(QFileInfo(backupPath).fileName()), 10000);
+    refreshBanner();
+    return true;
+}
+
+void MainWindow::onRestoreBackup()
+{
+    if (!m_store.loaded) {
+        return;
+    }
+    m_openEditor->commit();
+    const QString title = tr("Restore backup");
+    const QString path = m_store.path;
+    const QStringList backups = PixInsightEnv::backupsOf(path);
+    if (backups.isEmpty()) {
+        showMessage(this, QMessageBox::Information, title,
+                    tr("No backups were found next to the settings file."));
+        return;
+    }
+    QStringList lines;
+    for (const QString& backup : backups) {
+        const QFileInfo info(backup);
+        lines.append(tr("%1   (%2, %3 KiB)")
+                         .arg(info.fileName(),
+                              info.lastModified().toString(u"yyyy-MM-dd HH:mm:ss"_s),
+                              QString::number(info.size() / 1024)));
+    }
+    bool chosen = false;
+    const QString line = QInputDialog::getItem(this, title, tr("Backup to restore (newest first):"),
+                                               lines, 0, false, &chosen);
+    if (!chosen || !confirmDiscard(tr("Restoring discards them."))) {
+        return;
+    }
+    const QString backup = backups.value(lines.indexOf(line));
+    const QString name = QFileInfo(backup).fileName();
+    const QString question = tr("Replace the current settings file with\n%1\n\nThe current file "
+                                "is backed up first.")
+                                 .arg(name);
+    if (askQuestion(this, title, question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) !=
+            QMessageBox::Yes ||
+        !m_store.loaded || m_store.path != path) {
+        return;
+    }
+    QString error;
+    QString recoverFrom;
+    const bool restored = replaceTree([&] {
+        const WaitCursor wait;
+        return m_store.restoreBackup(backup, &error, &recoverFrom);
+    });
+    if (restored) {
+        m_staleOnDisk = false;
+        showStatus(tr("Restored %1").arg(name), 8000);
+    } else {
+        report(QMessageBox::Critical, tr("Restore failed"), error, wayBackText(recoverFrom));
+    }
+    resetExpansion();
+    refreshBanner();
+}
+
+QString MainWindow::wayBackText(const QString& recoverFrom) const
+{
+    return recoverFrom.isEmpty()
+               ? QString()
+               : tr("The file had been replaced by then. Its former content is in the backup %1, "
+                    "which can be restored.")
+                     .arg(QFileInfo(recoverFrom).fileName());
+}
+
+void MainWindow::onRevertAll()
+{
+    m_openEditor->commit();
+    const qsizetype pending = pendingCount();
+    if (pending == 0) {
+        return;
+    }
+    const quint64 generation = m_model->generation();
+    const bool confirmed =
+        askQuestion(this, tr("Revert all changes"),
+                    tr("Discard all %n unsaved change(s)?", nullptr, int(pending)),
+                    QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+    if (confirmed && m_model->generation() == generation) {
+        m_model->revertAll();
+    }
+}
+
+void MainWindow::onManageBackups()
+{
+    if (!m_store.loaded) {
+        return;
+    }
+    BackupsDialog dialog(m_store.path, this);
+    connect(&dialog, &BackupsDialog::message, this,
+            [this](const QString& text) { showStatus(text, 10000); });
+    dialog.exec();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    m_openEditor->commit();
+    const qsizetype pending = pendingCount();
+    if (pending > 0) {
+        const QMessageBox::StandardButton answer = askQuestion(
+            this, tr("Unsaved changes"),
+            tr("You have %n unsaved change(s).", nullptr, int(pending)),
+            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+        const bool stay =
+            answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !onSave());
+        if (stay) {
+            event->ignore();
+            return;
+        }
+    }
+    event->accept();
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
+}
+
+} // namespace kse

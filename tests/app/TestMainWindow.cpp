@@ -1,0 +1,478 @@
+// SPDX-License-Identifier: MIT
+#include "app/MainWindow.h"
+#include "app/ThemeManager.h"
+#include "document/XsdtDocument.h"
+#include "session/PixInsightEnv.h"
+#include "support/DialogAnswerer.h"
+#include "support/FakePixInsight.h"
+#include "support/TestMain.h"
+#include "views/SettingsModel.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QStatusBar>
+#include <QTest>
+#include <QTreeView>
+#include <QTreeWidget>
+
+using namespace kse;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString safePath = u"Global/Statistics"_s;
+const QString warnPath = u"ModuleData/Ostrand"_s;
+const QString neverPath = u"Global/Preferences/Process"_s;
+const QString stringPath = u"Global/Preferences/Identifiers/Preview/Prefix"_s;
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+} // namespace
+
+/// Drives the real window over copies of the sample files, with mouse and keyboard.
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<MainWindow> m_window;
+    QString m_folder;
+    QString m_file;
+
+    template <typename Widget>
+    Widget* find(const char* name) const
+    {
+        return m_window->findChild<Widget*>(QLatin1String(name));
+    }
+    QTreeView* tree() const { return find<QTreeView>("tree"); }
+    SettingsModel* model() const { return m_window->findChild<SettingsModel*>(); }
+    QAction* action(const char* name) const { return find<QAction>(name); }
+    XsdtNode* node(const QString& path) const { return model()->document()->root.findByPath(path); }
+    qsizetype pending() const { return model()->document()->pendingCount(); }
+    QString status() const { return m_window->statusBar()->currentMessage(); }
+    void poll() const { QMetaObject::invokeMethod(m_window.get(), "pollEnvironment"); }
+
+    QModelIndex select(const QString& path, int column = SettingsModel::SettingColumn) const
+    {
+        auto* proxy = static_cast<QSortFilterProxyModel*>(tree()->model());
+        const QModelIndex index = proxy->mapFromSource(model()->indexForNode(node(path), column));
+        tree()->setCurrentIndex(index);
+        tree()->scrollTo(index);
+        return index;
+    }
+
+    /// Opens the editor of the value at `path` and types `text` over it, without Enter.
+    QWidget* type(const QString& path, const QString& text) const
+    {
+        select(path, SettingsModel::ValueColumn);
+        tree()->setFocus();
+        QTest::keyClick(tree(), Qt::Key_F2);
+        QWidget* editor = m_window->focusWidget();
+        if (editor != tree()) {
+            QTest::keyClicks(editor, text);
+        }
+        return editor;
+    }
+
+    void edit(const QString& path, const QString& text) const
+    {
+        QTest::keyClick(type(path, text), Qt::Key_Return);
+    }
+
+    void pressDelete(const QString& path) const
+    {
+        select(path);
+        tree()->setFocus();
+        QTest::keyClick(tree(), Qt::Key_Delete);
+    }
+
+    /// Opens the window on the first sample, with the second beside it.
+    void openWindow()
+    {
+        m_window = std::make_unique<MainWindow>();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+private slots:
+    void initTestCase()
+    {
+        if (!PixInsightEnv::runningProcessIds().isEmpty()) {
+            QSKIP("A process named as PixInsight's runs on this computer");
+        }
+        ThemeManager::instance().init(false);
+    }
+
+    void init()
+    {
+        m_folder = PixInsightEnv::settingsFolders().constFirst();
+        QDir(m_folder).removeRecursively();
+        QVERIFY(QDir().mkpath(m_folder));
+        for (const QString& name : {u"core-001-pxi.settings"_s, u"core-002-pxi.settings"_s}) {
+            QVERIFY(QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples/") + name,
+                                m_folder + u'/' + name));
+        }
+        m_file = m_folder + u"/core-001-pxi.settings"_s;
+        openWindow();
+    }
+
+    void cleanup() { m_window.reset(); }
+
+    void editsEveryType_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("refusal");
+        const QString process = u"Global/Preferences/Process/"_s;
+        QTest::newRow("integer") << process + u"MaxConsoleLines"_s << u" 007 "_s << u"7"_s
+                                 << QString();
+        QTest::newRow("integer, bad") << process + u"MaxConsoleLines"_s << u"many"_s << QString()
+                                      << u"MaxConsoleLines: Expected an integer between "
+                                         "-2147483648 and 2147483647."_s;
+        QTest::newRow("unsigned, bad")
+            << u"Global/Preferences/ImageWindow/WheelStepAngle"_s << u"-1"_s << QString()
+            << u"WheelStepAngle: Expected an integer between 0 and 4294967295."_s;
+        QTest::newRow("real") << u"Global/RGBWorkingSpace/Gamma"_s << u"1.50"_s << u"1.5"_s
+                              << QString();
+        QTest::newRow("real, decimal comma") << u"Global/RGBWorkingSpace/Gamma"_s << u"1,5"_s
+                                             << QString() << u"Gamma: Expected a real number."_s;
+        QTest::newRow("string") << stringPath << u" <b>&%1\u00fc"_s << u" <b>&%1\u00fc"_s
+                                << QString();
+    }
+
+    void editsEveryType()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, typed);
+        QFETCH(QString, stored);
+        QFETCH(QString, refusal);
+        const QString before = node(path)->value;
+        edit(path, typed);
+        if (refusal.isEmpty()) {
+            QCOMPARE(node(path)->value, stored);
+            QCOMPARE(m_window->windowTitle(), u"Kestrane Settings Editor - 1 unsaved change(s)"_s);
+            QVERIFY(action("actSave")->isEnabled());
+        } else {
+            QCOMPARE(node(path)->value, before);
+            QCOMPARE(status(), u"Not accepted - "_s + refusal);
+            QVERIFY(!action("actSave")->isEnabled());
+        }
+    }
+
+    void choosesABoolean()
+    {
+        const QString path = u"Global/Preferences/MainWindow/AnimateCombo"_s;
+        const QString before = node(path)->value;
+        QWidget* editor = type(path, QString());
+        QTest::keyClick(editor, before == "true"_L1 ? Qt::Key_Down : Qt::Key_Up);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QVERIFY(node(path)->isModified());
+    }
+
+    void asksBeforeAWarnedDeletionOnce()
+    {
+        DialogAnswerer<QMessageBox> no([](QMessageBox& box) {
+            QCOMPARE(box.windowTitle(), u"Delete saved information?"_s);
+            QVERIFY(box.text().startsWith("Delete ModuleData/Ostrand?\n("_L1));
+            QVERIFY(box.informativeText().endsWith("you can undo it before then."_L1));
+            QCOMPARE(box.defaultButton(), box.button(QMessageBox::Cancel));
+            QTest::keyClick(&box, Qt::Key_Return);
+        });
+        pressDelete(warnPath);
+        QVERIFY(no.wasAsked());
+        QCOMPARE(pending(), 0);
+
+        DialogAnswerer<QMessageBox> yes([](QMessageBox& box) {
+            box.checkBox()->click();
+            box.button(QMessageBox::Yes)->click();
+        });
+        pressDelete(warnPath);
+        QVERIFY(yes.wasAsked());
+        QVERIFY(status().startsWith("ModuleData/Ostrand queued for deletion ("_L1));
+        pressDelete(u"Thornwick"_s);
+        pressDelete(safePath);
+        QCOMPARE(pending(), 3);
+    }
+
+    void tellsWhyAnEntryStays()
+    {
+        DialogAnswerer<QMessageBox> why([](QMessageBox& box) {
+            QCOMPARE(box.windowTitle(), u"Cannot delete"_s);
+            QCOMPARE(box.text(), neverPath +
+                                     u"\n\nPreferences are edited, not deleted: removing one "
+                                     "silently reverts it to a default."_s);
+            box.close();
+        });
+        pressDelete(neverPath);
+        QVERIFY(why.wasAsked());
+        tree()->selectionModel()->clearSelection();
+        QTest::keyClick(tree(), Qt::Key_Delete);
+        QCOMPARE(pending(), 0);
+    }
+
+    void offersWhatTheEntryAllows_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("last");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("safe") << u"DontShowAgain"_s << u"Delete this entry"_s << true;
+        QTest::newRow("warn") << warnPath << u"Delete this entry..."_s << true;
+        QTest::newRow("never") << neverPath << u"Why can't this be deleted?"_s << true;
+        QTest::newRow("marked") << safePath << u"Undo deletion"_s << true;
+        QTest::newRow("inside") << safePath + u"/Process"_s
+                                << u"Inside an entry marked for deletion"_s << false;
+    }
+
+    void offersWhatTheEntryAllows()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, last);
+        QFETCH(bool, enabled);
+        pressDelete(safePath);
+        const QRect rect = tree()->visualRect(select(path));
+        DialogAnswerer<QMenu> menu([&](QMenu& shown) {
+            QCOMPARE(shown.actions().size(), 5);
+            QCOMPARE(shown.actions().constLast()->text(), last);
+            QCOMPARE(shown.actions().constLast()->isEnabled(), enabled);
+            QVERIFY(!shown.actions().at(0)->isEnabled());
+            shown.setActiveAction(shown.actions().at(1));
+            QTest::keyClick(&shown, Qt::Key_Return);
+        });
+        emit tree()->customContextMenuRequested(rect.center());
+        QVERIFY(menu.wasAsked());
+        QCOMPARE(QGuiApplication::clipboard()->text(), path);
+    }
+
+    void reviewsSavesAndRestores()
+    {
+        const QByteArray before = contentOf(m_file);
+        const QString other = u"Global/Preferences/Process/MaxConsoleLines"_s;
+        edit(other, u"77"_s);
+        pressDelete(safePath);
+        // The text is still in its editor when Save is pressed.
+        QWidget* editor = type(stringPath, u"typed"_s);
+        DialogAnswerer<QDialog> review([&](QDialog& dialog) {
+            QCOMPARE(dialog.windowTitle(), u"Review changes"_s);
+            auto* list = dialog.findChild<QTreeWidget*>();
+            QCOMPARE(list->topLevelItemCount(), 3);
+            const auto items = list->findItems(other, Qt::MatchExactly, 1);
+            QCOMPARE(items.size(), 1);
+            list->setCurrentItem(items.constFirst());
+            dialog.findChild<QPushButton*>(u"revertButton"_s)->click();
+            QCOMPARE(list->topLevelItemCount(), 2);
+            dialog.accept();
+        });
+        QTest::keyClick(editor, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(review.wasAsked());
+
+        const QStringList backups = PixInsightEnv::backupsOf(m_file);
+        QCOMPARE(backups.size(), 1);
+        QCOMPARE(contentOf(backups.constFirst()), before);
+        QCOMPARE(status(), u"Saved. Backup: "_s + QFileInfo(backups.constFirst()).fileName());
+        XsdtDocument saved;
+        QVERIFY(saved.parse(contentOf(m_file)));
+        QCOMPARE(saved.root.findByPath(stringPath)->value, u"typed"_s);
+        QVERIFY(!saved.root.findByPath(safePath));
+        QCOMPARE(pending(), 0);
+        QCOMPARE(m_window->windowTitle(), u"Kestrane Settings Editor"_s);
+
+        DialogAnswerer<QInputDialog> choose([&](QInputDialog& dialog) {
+            QVERIFY(dialog.textValue().startsWith(QFileInfo(backups.constFirst()).fileName()));
+            new DialogAnswerer<QMessageBox>(
+                [](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
+            dialog.accept();
+        });
+        action("actRestore")->trigger();
+        QVERIFY(choose.wasAsked());
+        QCOMPARE(contentOf(m_file), before);
+        QVERIFY(node(safePath));
+        QCOMPARE(PixInsightEnv::backupsOf(m_file).size(), 2);
+    }
+
+    void turnsViewOnlyWhilePixInsightRuns()
+    {
+        QWidget* editor = type(stringPath, u"kept"_s);
+        Q_UNUSED(editor)
+        FakePixInsight process;
+        QVERIFY(process.start());
+        poll();
+        QCOMPARE(node(stringPath)->value, u"kept"_s);
+        auto* banner = find<QLabel>("bannerLabel");
+        QVERIFY(banner->text().startsWith("<b>PixInsight is running - view only.</b>"_L1));
+        QVERIFY(!action("actSave")->isEnabled() && !action("actRestore")->isEnabled());
+        QVERIFY(action("actRevert")->isEnabled());
+        QCOMPARE(type(stringPath, u"x"_s), tree());
+        DialogAnswerer<QMessageBox> refusal([](QMessageBox& box) {
+            QCOMPARE(box.text(), u"PixInsight is running; nothing can be changed."_s);
+            box.close();
+        });
+        pressDelete(safePath);
+        QVERIFY(refusal.wasAsked());
+
+        QVERIFY(process.stop());
+        poll();
+        QVERIFY(banner->isHidden() && action("actSave")->isEnabled());
+        edit(stringPath, u"again"_s);
+        QCOMPARE(node(stringPath)->value, u"again"_s);
+    }
+
+    void takesUpWhatPixInsightWroteUnderAnOpenBox()
+    {
+        FakePixInsight process;
+        bool reloaded = false;
+        DialogAnswerer<QMessageBox> question([&](QMessageBox& box) {
+            QVERIFY(process.start());
+            poll();
+            write(m_file, contentOf(m_file).replace("\"7680\"", "\"1\"") + "\n");
+            QVERIFY(process.stop());
+            poll();
+            reloaded = status().startsWith("Loaded "_L1);
+            box.button(QMessageBox::Yes)->click();
+        });
+        pressDelete(warnPath);
+        QVERIFY(question.wasAsked());
+        QVERIFY(reloaded);
+        QCOMPARE(pending(), 0);
+    }
+
+    void blocksSavingOfAFileThatChanged()
+    {
+        edit(stringPath, u"mine"_s);
+        write(m_file, contentOf(m_file) + "\n");
+        poll();
+        QCOMPARE(find<QLabel>("bannerLabel")->text(),
+                 u"<b>The file changed on disk since it was loaded.</b> Saving is blocked. Reload "
+                 "to continue (your 1 unsaved change(s) will be discarded)."_s);
+        QVERIFY(!action("actSave")->isEnabled());
+        DialogAnswerer<QMessageBox> discard([](QMessageBox& box) {
+            QCOMPARE(box.text(), u"You have 1 unsaved change(s). Reloading discards them."_s);
+            QCOMPARE(box.defaultButton(), box.button(QMessageBox::Cancel));
+            box.button(QMessageBox::Discard)->click();
+        });
+        QTest::mouseClick(find<QPushButton>("bannerReload"), Qt::LeftButton);
+        QVERIFY(discard.wasAsked());
+        QVERIFY(find<QLabel>("bannerLabel")->isHidden());
+        QVERIFY(!node(stringPath)->isModified());
+    }
+
+    void asksBeforeLeavingAFileWithChanges()
+    {
+        edit(stringPath, u"mine"_s);
+        auto* box = find<QComboBox>("fileBox");
+        QCOMPARE(box->count(), 2);
+        DialogAnswerer<QMessageBox> cancel([](QMessageBox& asked) { asked.close(); });
+        box->setCurrentIndex(1);
+        emit box->activated(1);
+        QVERIFY(cancel.wasAsked());
+        QCOMPARE(box->currentIndex(), 0);
+
+        DialogAnswerer<QMessageBox> close([](QMessageBox& asked) {
+            QCOMPARE(asked.text(), u"You have 1 unsaved change(s)."_s);
+            QCOMPARE(asked.defaultButton(), asked.button(QMessageBox::Save));
+            asked.button(QMessageBox::Cancel)->click();
+        });
+        QVERIFY(!m_window->close());
+        QVERIFY(close.wasAsked());
+        DialogAnswerer<QMessageBox> revert(
+            [](QMessageBox& asked) { asked.button(QMessageBox::Yes)->click(); });
+        action("actRevert")->trigger();
+        QVERIFY(revert.wasAsked());
+        QVERIFY(m_window->close());
+    }
+
+    void namesABackupForAFileThatCannotBeOpened()
+    {
+        const QString bad = m_folder + u"/<b>%1.settings"_s;
+        write(bad, "nonsense");
+        write(bad + u".bak-20260102-000000"_s, "nonsense too");
+        write(bad + u".bak-20260101-000000"_s, contentOf(m_file));
+        DialogAnswerer<QMessageBox> told([&](QMessageBox& box) {
+            QCOMPARE(box.windowTitle(), u"Cannot open file"_s);
+            QCOMPARE(box.text(), bad +
+                                     u" is not a valid PixInsight settings file: Not a PixInsight "
+                                     "settings file (no <xsdt> element)."_s);
+            QVERIFY(box.informativeText().contains("&lt;b&gt;%1.settings.bak-20260101-000000"_L1));
+            box.close();
+        });
+        QVERIFY(!m_window->openFile(bad));
+        QVERIFY(told.wasAsked());
+        QVERIFY(!model()->document());
+        QVERIFY(!action("actReload")->isEnabled());
+        QVERIFY(m_window->openFile(m_file));
+    }
+
+    void filtersAndKeepsItsPlace()
+    {
+        auto* filter = find<QLineEdit>("treeFilter");
+        QTest::keyClicks(filter, u"animate"_s);
+        const QModelIndex index = select(u"Global/Preferences/MainWindow/AnimateCombo"_s);
+        QVERIFY(index.isValid());
+        QVERIFY(!select(stringPath).isValid());
+        select(u"Global/Preferences/MainWindow/AnimateCombo"_s);
+        filter->clear();
+        QCOMPARE(tree()->currentIndex().data().toString(), u"AnimateCombo"_s);
+        QVERIFY(tree()->selectionModel()->isSelected(tree()->currentIndex()));
+        QVERIFY(!tree()->isExpanded(tree()->model()->index(0, 0)));
+
+        edit(stringPath, u"x"_s);
+        find<QCheckBox>("changedOnly")->click();
+        QCOMPARE(tree()->model()->rowCount(), 1);
+        QVERIFY(tree()->isExpanded(tree()->model()->index(0, 0)));
+    }
+
+    void rendersItsPicturesAndLeavesTheFileAlone()
+    {
+        const QByteArray before = contentOf(m_file);
+        const QStringList files = QDir(m_folder).entryList(QDir::Files);
+        QTemporaryDir pictures;
+        m_window->renderScreenshots(pictures.filePath(u"new"_s));
+        QCOMPARE(QDir(pictures.filePath(u"new"_s)).entryList(QDir::Files),
+                 QStringList({u"advanced-changed.png"_s, u"advanced.png"_s, u"backups.png"_s,
+                              u"review.png"_s}));
+        QCOMPARE(contentOf(m_file), before);
+        QCOMPARE(QDir(m_folder).entryList(QDir::Files), files);
+        QCOMPARE(pending(), 0);
+    }
+
+    void worksOnAFileOfAMillionLevels()
+    {
+        const int depth = 1'000'000;
+        const QString deep = m_folder + u"/core-003-pxi.settings"_s;
+        write(deep, "<xsdt>" + QByteArray("<i k=\"g\">").repeated(depth) +
+                        "<v k=\"v\" t=\"i\" v=\"1\"/>" + QByteArray("</i>").repeated(depth) +
+                        "<i k=\"top\"><v k=\"v\" t=\"i\" v=\"1\"/></i></xsdt>");
+        QVERIFY(m_window->openFile(deep));
+        tree()->expandAll();
+        QTest::keyClicks(find<QLineEdit>("treeFilter"), u"top"_s);
+        edit(u"top/v"_s, u"2"_s);
+        DialogAnswerer<QDialog> review([](QDialog& dialog) { dialog.accept(); });
+        action("actSave")->trigger();
+        QVERIFY(review.wasAsked());
+        QVERIFY(status().startsWith("Saved."_L1));
+        QVERIFY(contentOf(deep).endsWith("<i k=\"top\"><v k=\"v\" t=\"i\" v=\"2\"/></i></xsdt>"));
+    }
+};
+
+KSE_TEST_MAIN(TestMainWindow)
+#include "TestMainWindow.moc"
