@@ -34,4 +34,20 @@ inline XsdtNode* addNode(XsdtDocument& document, const QString& path, QChar type
     return addNode(document, path.split(u'/'), typeCode);
 }
 
+/// Adds a node for each part of `text`, which stand between "; ": "path" is a group, "path:t=value"
+/// a value of type t, and " deleted" behind either marks it.
+inline void addNodes(XsdtDocument& document, const QString& text)
+{
+    for (QString part : text.split(QStringLiteral("; "), Qt::SkipEmptyParts)) {
+        const QString mark = QStringLiteral(" deleted");
+        const bool marked = part.endsWith(mark);
+        part.chop(marked ? mark.size() : 0);
+        const qsizetype colon = part.indexOf(u':');
+        XsdtNode* node = colon < 0 ? addNode(document, part)
+                                   : addNode(document, part.left(colon), part.at(colon + 1));
+        node->value = node->original = colon < 0 ? QString() : part.mid(colon + 3);
+        node->markedForDeletion = marked;
+    }
+}
+
 } // namespace kse

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "schema/ModuleCatalog.h"
+#include "support/SettingsTree.h"
+#include "support/TestMain.h"
+#include "support/TextRows.h"
+
+using namespace Qt::StringLiterals;
+using namespace kse;
+
+namespace {
+
+/// "name: path path", the nodes in their order.
+QString modulesText(const QList<ModuleInfo>& modules)
+{
+    QStringList lines;
+    for (const ModuleInfo& module : modules) {
+        QString line = module.name + u':';
+        for (const XsdtNode* node : module.nodes) {
+            line += u' ' + node->path();
+        }
+        lines.append(line);
+    }
+    return lines.join(u"; "_s);
+}
+
+} // namespace
+
+class TestModuleCatalog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void namesModulesByTheirFiles_data()
+    {
+        addTextRows({"C:/Program Files/PixInsight/bin/Foo-pxm.dll > Foo",
+                     "@pxi_bin_dir/Foo-pxm.so > Foo", "C:\\bin/x\\Foo-pxm.dylib > Foo",
+                     "a-pxm.so-pxm.so > a-pxm.so", "Foo-pxm.so\n > Foo", "Foo-pxm.DLL > ",
+                     "Foo-pxm.dll.bak > ", "Foo.dll > ", "bin/-pxm.dll > ", "Foo-pxm-dll > "});
+    }
+
+    void namesModulesByTheirFiles()
+    {
+        QFETCH(QStringList, cells);
+        QCOMPARE(ModuleCatalog::moduleNameFromPath(cells[0]), cells[1]);
+    }
+
+    /// Nodes, the registered names, those with data, and what is unused.
+    void findsWhatIsUnused_data()
+    {
+        addTextRows(
+            {"ModuleData/B; ModuleData/0; ModuleData/V:s=x; a; 0; Global; T:s=x >  > 0 a B > "
+             "0: ModuleData/0 0; a: a; B: ModuleData/B",
+             "Modules:s=x; Modules; Modules/A:s=A-pxm.so; ModuleData:s=x; ModuleData/M; A >  > A > "
+             "A: A",
+             "Modules/1:s=b/Foo-pxm.so; Modules/2:s=c/Foo-pxm.so; Modules/3:s=Bar.so; "
+             "Modules/4/x:s=Bar-pxm.so; ModuleDataAccess/foo; Foo; ModuleData/Bar > Foo > "
+             "Bar Foo foo > Bar: ModuleData/Bar; foo: ModuleDataAccess/foo",
+             "M/Interfaces/T; ModuleData/M; ModuleData/M/Interfaces/P:s=x; "
+             "ModuleData/M/Interfaces/T; ModuleData/M/Interfaces; ModuleDataAccess/M/Interfaces/X; "
+             "Global/Preferences/ProcessInterface/T; Global/Preferences/ProcessInterface/P:s=x; "
+             "Global/Preferences/ProcessInterface/P; Global/Preferences/ProcessInterface/M; "
+             "Global/Statistics/Process/T; Global/Statistics/Process/X; "
+             "Global/Statistics/Process/P >  > M > M: ModuleData/M ModuleDataAccess/M M "
+             "Global/Preferences/ProcessInterface/M Global/Statistics/Process/P "
+             "Global/Preferences/ProcessInterface/T Global/Statistics/Process/T",
+             "ModuleData/Global/Interfaces/P; Global/Interfaces/Q; Global/Statistics/Process/P; "
+             "Global/Statistics/Process/Q >  > Global > "
+             "Global: ModuleData/Global Global/Statistics/Process/P"});
+    }
+
+    void findsWhatIsUnused()
+    {
+        QFETCH(QStringList, cells);
+        XsdtDocument document;
+        addNodes(document, cells[0]);
+        QCOMPARE(ModuleCatalog::registeredModules(document).join(u' '), cells[1]);
+        QCOMPARE(ModuleCatalog::modulesWithData(document).join(u' '), cells[2]);
+        QCOMPARE(modulesText(ModuleCatalog::unusedModules(document)), cells[3]);
+    }
+
+    void searchesNames_data()
+    {
+        addTextRows({" foo > Foo:; foo: foo > exact", "FOOB > FooBar: ModuleData/FooBar > ",
+                     "oo > Foo:; foo: foo; FooBar: ModuleData/FooBar > ", "  >  > ", "x >  > "});
+    }
+
+    void searchesNames()
+    {
+        QFETCH(QStringList, cells);
+        XsdtDocument document;
+        addNodes(document, u"Modules/1:s=b/Foo-pxm.so; ModuleData/FooBar; foo; foo:s=x"_s);
+        bool exact = cells[2].isEmpty();
+        QCOMPARE(modulesText(ModuleCatalog::searchModules(document, cells[0], &exact)), cells[1]);
+        QCOMPARE(exact, !cells[2].isEmpty());
+    }
+
+    void listsAndCountsTheValues()
+    {
+        XsdtDocument document;
+        addNodes(document, u"Modules/1:s=Foo-pxm.so; Modules/2:s=Foo-pxm.so; Modules/3:s=M-pxm.so; "
+                           "Foo/d:s=x; ModuleData/Foo/a/b:s=x deleted; ModuleData/Foo/c:s=x"_s);
+        const ModuleInfo foo = ModuleCatalog::moduleInfo(document, u"Foo"_s);
+        QStringList paths;
+        for (const XsdtNode* leaf : ModuleCatalog::moduleLeaves(foo)) {
+            paths.append(leaf->path());
+        }
+        QCOMPARE(paths.join(u' '), u"Modules/1 ModuleData/Foo/a/b ModuleData/Foo/c Foo/d"_s);
+        QCOMPARE(ModuleCatalog::moduleValueCount(foo), 4);
+        QCOMPARE(ModuleCatalog::moduleDataSize(foo),
+                 document.root.findByPath(u"Foo")->serializedSize() +
+                     document.root.findByPath(u"ModuleData/Foo")->serializedSize());
+        const ModuleInfo bare = ModuleCatalog::moduleInfo(document, u"M"_s);
+        QVERIFY(bare.registered);
+        QCOMPARE(ModuleCatalog::moduleValueCount(bare), 1);
+        QCOMPARE(ModuleCatalog::moduleDataSize(bare), 0);
+    }
+};
+
+KSE_GUILESS_TEST_MAIN(TestModuleCatalog)
+#include "TestModuleCatalog.moc"
