@@ -37,8 +37,14 @@ public:
     /// Starts it and waits until `runningProcessIds` tells of it.
     [[nodiscard]] bool start()
     {
+        return startUnseen() && waitUntilSeen(processId(), true);
+    }
+
+    /// Starts it and waits until it runs, whether or not `runningProcessIds` knows its name.
+    [[nodiscard]] bool startUnseen()
+    {
         m_process.start(m_program, QStringList());
-        return m_copied && m_process.waitForReadyRead() && waitUntilSeen(processId(), true);
+        return m_copied && m_process.waitForReadyRead();
     }
 
     /// Ends it and waits until `runningProcessIds` no longer tells of it. True also if it isn't
