@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "schema/DeletePolicy.h"
+#include "session/SettingsStore.h"
+#include "support/DocumentText.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QTemporaryDir>
+
+namespace kse {
+
+/// A settings file alone in a folder of its own, and the store that has it open. A step of the
+/// fixture that fails ends the test program.
+struct StoreFixture
+{
+    QTemporaryDir dir;
+    QString path = dir.filePath(QStringLiteral("core-001-pxi.settings"));
+    DeletePolicy policy; ///< "Free" may be deleted, nothing else, with "Stays." as the reason.
+    SettingsStore store;
+
+    explicit StoreFixture(const QByteArray& bytes = defaultBytes())
+    {
+        const bool read = policy.load("{\"policy\": {\"defaultReason\": \"Stays.\", \"delete\": "
+                                      "[{\"path\": \"Free/**\", \"level\": \"safe\"}]}}");
+        require(read, path);
+        store.policy = &policy;
+        write(path, bytes);
+        require(store.load(path), path);
+    }
+
+    static QByteArray defaultBytes()
+    {
+        return fileBytes("<i k=\"A\"><v k=\"x\" t=\"i\" v=\"1\"/><v k=\"s\" t=\"s\">text</v></i>"
+                         "<i k=\"Free\"><v k=\"y\" t=\"b\" v=\"true\"/></i>");
+    }
+
+    static void write(const QString& path, const QByteArray& bytes)
+    {
+        QFile file(path);
+        require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+                    file.flush(),
+                path);
+    }
+
+    static QByteArray read(const QString& path)
+    {
+        QFile file(path);
+        require(file.open(QIODevice::ReadOnly), path);
+        return file.readAll();
+    }
+
+    void edit(const char* nodePath, const QString& value) { node(nodePath).value = value; }
+
+    void mark(const char* nodePath) { node(nodePath).markedForDeletion = true; }
+
+    XsdtNode& node(const char* nodePath)
+    {
+        XsdtNode* const found = store.document.root.findByPath(QString::fromUtf8(nodePath));
+        require(found, QString::fromUtf8(nodePath));
+        return *found;
+    }
+
+    /// Name and content of every file in the folder.
+    QMap<QString, QByteArray> files() const
+    {
+        QMap<QString, QByteArray> contents;
+        const QDir folder(dir.path());
+        const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+        for (const QString& name : names) {
+            contents.insert(name, read(folder.filePath(name)));
+        }
+        return contents;
+    }
+
+    /// All that the store holds, for comparing before and after.
+    QString state() const
+    {
+        return QStringLiteral("%1 %2 %3 %4\n%5")
+            .arg(store.path, store.loaded ? QStringLiteral("open") : QStringLiteral("closed"),
+                 QString::fromLatin1(store.loadedHash.toHex()),
+                 QString::number(store.document.pendingCount()), treeText(store.document.root));
+    }
+
+private:
+    static void require(bool done, const QString& what)
+    {
+        if (!done) {
+            qFatal("The fixture failed at %s", qPrintable(what));
+        }
+    }
+};
+
+} // namespace kse
