@@ -38,55 +38,44 @@ class TestProcessList : public QObject
     Q_OBJECT
 
 private slots:
-    void listsWhatRunsByItsName_data();
-    void listsWhatRunsByItsName();
-    void leavesOutWhatEndedUnreaped();
-};
-
-void TestProcessList::listsWhatRunsByItsName_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("plain") << u"PixInsight.exe"_s;
-    QTest::newRow("blank") << u"Pix Insight"_s;
-    QTest::newRow("parentheses") << u"a) Z (b"_s;
-}
-
-void TestProcessList::listsWhatRunsByItsName()
-{
-    QFETCH(const QString, name);
-    const QTemporaryDir dir;
-    const QString program = dir.filePath(name);
-    QVERIFY(QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), program));
-    QProcess process;
-    process.start(program, QStringList());
-    QVERIFY(process.waitForReadyRead());
-    const qint64 id = process.processId();
-    QVERIFY(isListed(id, name));
-    QVERIFY(QFile::remove(program)); // as an update does with a program that runs
-    QVERIFY(isListed(id, name));
-    process.closeWriteChannel();
-    QVERIFY(process.waitForFinished());
-    QVERIFY(!isListed(id, name));
-}
-
-void TestProcessList::leavesOutWhatEndedUnreaped()
-{
-#ifdef Q_OS_UNIX
-    const pid_t id = fork(); // a child of this program's own name
-    if (id == 0) {
-        pause();
+    void listsWhatRunsByItsName()
+    {
+        for (const QString& name : {u"Pix Insight.exe"_s, u"a) Z (b"_s}) {
+            const QTemporaryDir dir;
+            const QString program = dir.filePath(name);
+            QVERIFY(QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), program));
+            QProcess process;
+            process.start(program, QStringList());
+            QVERIFY(process.waitForReadyRead());
+            const qint64 id = process.processId();
+            QVERIFY(isListed(id, name));
+            QVERIFY(QFile::remove(program)); // as an update does with a program that runs
+            QVERIFY(isListed(id, name));
+            process.closeWriteChannel();
+            QVERIFY(process.waitForFinished());
+            QVERIFY(!isListed(id, name));
+        }
     }
-    const QString name = u"TestProcessList"_s;
-    QVERIFY(isListed(id, name));
-    QCOMPARE(kill(id, SIGKILL), 0);
-    siginfo_t ended = {};
-    QCOMPARE(waitid(P_PID, static_cast<id_t>(id), &ended, WEXITED | WNOWAIT), 0);
-    QVERIFY(!isListed(id, name));
-    QCOMPARE(waitpid(id, nullptr, 0), id);
+
+    void leavesOutWhatEndedUnreaped()
+    {
+#ifdef Q_OS_UNIX
+        const pid_t id = fork(); // a child of this program's own name
+        if (id == 0) {
+            pause();
+        }
+        const QString name = u"TestProcessList"_s;
+        QVERIFY(isListed(id, name));
+        QCOMPARE(kill(id, SIGKILL), 0);
+        siginfo_t ended = {};
+        QCOMPARE(waitid(P_PID, static_cast<id_t>(id), &ended, WEXITED | WNOWAIT), 0);
+        QVERIFY(!isListed(id, name));
+        QCOMPARE(waitpid(id, nullptr, 0), id);
 #else
-    QSKIP("No process outlives its end here.");
+        QSKIP("No process outlives its end here.");
 #endif
-}
+    }
+};
 
 KSE_GUILESS_TEST_MAIN(TestProcessList)
 #include "TestProcessList.moc"

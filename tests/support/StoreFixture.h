@@ -37,12 +37,13 @@ struct StoreFixture
                          "<i k=\"Free\"><v k=\"y\" t=\"b\" v=\"true\"/></i>");
     }
 
-    static void write(const QString& path, const QByteArray& bytes)
+    static bool write(const QString& path, const QByteArray& bytes)
     {
         QFile file(path);
         require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
                     file.flush(),
                 path);
+        return true;
     }
 
     static QByteArray read(const QString& path)
@@ -52,9 +53,13 @@ struct StoreFixture
         return file.readAll();
     }
 
-    void edit(const char* nodePath, const QString& value) { node(nodePath).value = value; }
+    bool edit(const char* nodePath, const QString& value)
+    {
+        node(nodePath).value = value;
+        return true;
+    }
 
-    void mark(const char* nodePath) { node(nodePath).markedForDeletion = true; }
+    bool mark(const char* nodePath) { return node(nodePath).markedForDeletion = true; }
 
     XsdtNode& node(const char* nodePath)
     {
@@ -84,7 +89,6 @@ struct StoreFixture
                  QString::number(store.document.pendingCount()), treeText(store.document.root));
     }
 
-private:
     static void require(bool done, const QString& what)
     {
         if (!done) {
