@@ -27,4 +27,13 @@ struct CompareEntry
 [[nodiscard]] QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
                                                    const XsdtDocument& otherDocument);
 
+/// The heading under which an entry is listed, and what is left of its path for its own line.
+struct GroupedPath
+{
+    QString group; ///< The first two parts, three in the preferences; "(top level)" for one part.
+    QString name;  ///< At least the last part.
+};
+
+[[nodiscard]] GroupedPath groupedPath(const QString& path);
+
 } // namespace kse

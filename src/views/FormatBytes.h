@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+namespace kse {
+
+/// A size to be read: "1023 B", then "1.0 KiB", with one decimal and no larger unit.
+[[nodiscard]] QString formatBytes(qint64 bytes);
+
+} // namespace kse

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "schema/SettingsSchema.h"
+#include "support/DocumentText.h"
+#include "support/PlainWays.h"
+#include "support/RandomTree.h"
+#include "support/TestMain.h"
+#include "support/TextRows.h"
+#include "views/SearchIndex.h"
+
+#include <QtTest>
+
+using namespace kse;
+
+class TestSearchIndex : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_schema.load({}, R"({"variables": {
+            "Alpha": {"label": "Speed of Light", "description": "How FAST it is."}}})"));
+    }
+
+    void splitsTerms_data()
+    {
+        QTest::addColumn<QString>("terms");
+        QTest::newRow(" Two  words ") << "two|words";
+        QTest::newRow("\"One Phrase\" x") << "one phrase|x";
+        QTest::newRow("a\"b c\" \"open") << "a\"b|c\"|\"open";
+        QTest::newRow("\"\" \t") << "\"\"";
+    }
+    void splitsTerms()
+    {
+        QTEST(searchTerms(QString::fromUtf8(QTest::currentDataTag())).join(u'|'), "terms");
+    }
+
+    /// Where to look (names, values, descriptions; changed, protected, restricted), what for, and
+    /// the keys of what is found.
+    void findsBestFirst_data()
+    {
+        addTextRows(
+            {"nvd >  > Alpha Gone Mask b MaskOn sMask Top", "nvd > MASK > Mask MaskOn sMask b Top",
+             "nvd > light > Alpha b", "d > fast > Alpha", "v > mask > b Top", "nvp > block > Block",
+             "nvd > fast 12 > Alpha", "nvd > \"light speed\" > ", " > mask > ",
+             "nvdc >  > Alpha Gone", "nvdc > gone > Gone", "nvdr >  > Block Mask", "nvdrc >  > "});
+    }
+    void findsBestFirst()
+    {
+        const auto document = documentFrom(
+            R"(<v k="Top" t="s" v="unMASKed"/><v k="Block" t="B" v="mask"/>)"
+            R"(<v k="Alpha" t="i" v="0"/><i k="G"><v k="Gone" t="b" v="1"/></i>)"
+            R"(<i k="Mask"><v k="b" t="s" v="Light Mask"/></i><v k="sMask" t="i" v="0"/>)"
+            R"(<v k="MaskOn" t="i" v="0"/><v k="Mask" t="i" v="0"/>)");
+        XsdtNode& root = document->root;
+        root.childByKey(u"Alpha")->value = QStringLiteral("12");
+        root.childByKey(u"G")->markedForDeletion = true;
+        const QSet<XsdtNode*> some = {root.childByKey(u"Block"), root.children.back().get()};
+
+        QFETCH(QStringList, cells);
+        const QString scopes = cells[0];
+        SearchQuery options;
+        options.terms = searchTerms(cells[1]);
+        options.names = scopes.contains(u'n');
+        options.values = scopes.contains(u'v');
+        options.descriptions = scopes.contains(u'd');
+        options.changedOnly = scopes.contains(u'c');
+        options.includeProtected = scopes.contains(u'p');
+        options.restriction = scopes.contains(u'r') ? &some : nullptr;
+        const QList<SearchIndexEntry> index = buildSearchIndex(*document, m_schema);
+        QStringList keys;
+        for (const qsizetype place : search(index, options)) {
+            keys.append(index[place].node->key);
+        }
+        QCOMPARE(keys.join(u' '), cells[2]);
+    }
+
+    void agreesWithThePlainWay()
+    {
+        // Letters whose lower case isn't their folded case, pairs and halves of pairs, and signs
+        // that sort before and after the slash.
+        QStringList keys =
+            QStringLiteral(u",a,A,a b,a-b,a.b,/,AB/ab,B,K,\u212A,s,\u017F,\u03A3,\u03C2,\u0130,"
+                           u"\u13A0,\uAB70,\U00010400,\U00010428")
+                .split(u',');
+        keys << QChar(0xD801) << QChar(0xD801) + QString(QChar(0xFFFD));
+        QRandomGenerator random(1);
+        SearchQuery query;
+        query.includeProtected = true;
+        for (int round = 0; round < 100; ++round) {
+            XsdtDocument document;
+            growRandomTree(document.root, random, keys, 150);
+            const QList<SearchIndexEntry> index = buildSearchIndex(document, m_schema);
+            for (const SearchIndexEntry& entry : index) {
+                const QString path = entry.node->path();
+                if (path.isValidUtf16()) { // else even Qt's own lower case depends on the rest
+                    QCOMPARE(entry.haystack, path.toLower() + u' ' + entry.label.toLower());
+                }
+            }
+            for (const char16_t* text : {u"", u"a", u"k s"}) {
+                query.terms = searchTerms(QString::fromUtf16(text));
+                QCOMPARE(search(index, query), plainSearch(index, query));
+            }
+        }
+    }
+
+private:
+    SettingsSchema m_schema;
+};
+
+KSE_GUILESS_TEST_MAIN(TestSearchIndex)
+#include "TestSearchIndex.moc"
