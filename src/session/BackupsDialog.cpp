@@ -3,6 +3,7 @@
 
 #include "session/PixInsightEnv.h"
 #include "views/PlainText.h"
+#include "views/WheelGuard.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -75,6 +76,7 @@ void BackupsDialog::createWidgets()
     m_keep->setObjectName(QStringLiteral("keep"));
     m_keep->setRange(0, 999);
     m_keep->setValue(storedKeep());
+    WheelGuard::install(m_keep);
     m_deleteOlder = new QPushButton(this);
     m_deleteOlder->setObjectName(QStringLiteral("deleteOlder"));
     m_deleteSelected = new QPushButton(this);
