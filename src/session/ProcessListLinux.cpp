@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "session/ProcessList.h"
 
+#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 #include <dirent.h>
 #include <unistd.h>
@@ -15,8 +14,15 @@ namespace {
 /// The kernel's short name of the process in `folder`; empty if it has ended, reaped or not.
 std::string shortName(const std::string& folder)
 {
-    std::ifstream file(folder + "/stat", std::ios::binary);
-    const std::string stat{std::istreambuf_iterator<char>(file), {}};
+    // Not by a stream: its buffer throws where a read fails, as it does for a process that ends
+    // between the opening and the reading.
+    std::FILE* const file = std::fopen((folder + "/stat").c_str(), "rbe");
+    if (!file) {
+        return {};
+    }
+    char buffer[1024]; // the name is within the first 100 bytes or so
+    const std::string stat(buffer, std::fread(buffer, 1, sizeof buffer, file));
+    std::fclose(file);
     // The line is "id (name) state ...", and the name itself may hold blanks and parentheses.
     const auto open = stat.find('(');
     const auto close = stat.rfind(')');
