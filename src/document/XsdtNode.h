@@ -30,13 +30,14 @@ struct XsdtNode
     XsdtNode* parent = nullptr;     ///< Null in the root.
     std::vector<std::unique_ptr<XsdtNode>> children; ///< In file order; empty in a value.
     quint32 rowHint = 0; ///< Where the node was put among its siblings; see `rowInParent`.
+    quint32 depth = 0;   ///< Levels above it: 0 for the root. Set by `append`.
 
     XsdtNode() = default;
     ~XsdtNode();
     XsdtNode(const XsdtNode&) = delete;
     XsdtNode& operator=(const XsdtNode&) = delete;
 
-    /// Appends `child` and returns it.
+    /// Appends `child`, which has no children yet, and returns it.
     XsdtNode* append(std::unique_ptr<XsdtNode> child);
 
     /// Keys from below the root to this node, joined with "/" and never escaped. The root's is

@@ -24,17 +24,6 @@ namespace {
 constexpr qsizetype keyLimit = 1000;
 constexpr qsizetype valueLimit = 200;
 
-/// Levels from the root to `node`, but never counted further than the first one not shown.
-int depthOf(const XsdtNode& node)
-{
-    int depth = 0;
-    for (const XsdtNode* above = node.parent; above && depth <= SettingsModel::maximumDepth;
-         above = above->parent) {
-        ++depth;
-    }
-    return depth;
-}
-
 int toInt(qsizetype count)
 {
     return static_cast<int>(qMin<qsizetype>(count, std::numeric_limits<int>::max()));
@@ -167,7 +156,7 @@ void SettingsModel::setReadOnly(bool readOnly)
 
 QModelIndex SettingsModel::indexForNode(const XsdtNode* node, int column) const
 {
-    if (!node || !node->parent || depthOf(*node) > maximumDepth) {
+    if (!node || !node->parent || node->depth > maximumDepth) {
         return {};
     }
     return createIndex(static_cast<int>(node->rowInParent()), column, node);
@@ -277,7 +266,7 @@ QModelIndex SettingsModel::parent(const QModelIndex& index) const
 int SettingsModel::rowCount(const QModelIndex& parent) const
 {
     const XsdtNode* node = parent.column() > 0 ? nullptr : nodeForIndex(parent);
-    if (!node || node->children.empty() || depthOf(*node) >= maximumDepth) {
+    if (!node || node->children.empty() || node->depth >= maximumDepth) {
         return 0;
     }
     return toInt(qsizetype(node->children.size()));

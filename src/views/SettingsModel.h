@@ -24,7 +24,7 @@ class SettingsModel : public QAbstractItemModel
 public:
     enum Column { SettingColumn, ValueColumn, TypeColumn, ColumnCount };
     enum Role { NodeRole = Qt::UserRole + 1 }; ///< The `XsdtNode*` of the row.
-    static constexpr int maximumDepth = 1000;
+    static constexpr quint32 maximumDepth = 1000;
 
     /// While one lives, changes reach the views all at once when the outermost ends: one
     /// `refreshAll` and one `edited`, however many nodes changed. For commands that change many
