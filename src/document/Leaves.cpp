@@ -5,35 +5,37 @@
 
 namespace kse {
 
-QList<XsdtNode*> valuesOf(const XsdtNode& node)
+namespace {
+
+QList<XsdtNode*> values(const XsdtNode& node, bool skipMarked)
 {
     auto& top = const_cast<XsdtNode&>(node);
     if (node.kind == XsdtNode::Kind::Value) {
         return {&top};
     }
-    QList<XsdtNode*> values;
+    QList<XsdtNode*> found;
     walkTree(top, [&](XsdtNode& inner) {
-        if (inner.kind == XsdtNode::Kind::Value) {
-            values.append(&inner);
-        }
-        return Walk::Into;
-    });
-    return values;
-}
-
-QList<XsdtNode*> unmarkedValues(const XsdtNode& root)
-{
-    QList<XsdtNode*> values;
-    walkTree(const_cast<XsdtNode&>(root), [&](XsdtNode& node) {
-        if (node.markedForDeletion) {
+        if (skipMarked && inner.markedForDeletion) {
             return Walk::Over;
         }
-        if (node.kind == XsdtNode::Kind::Value) {
-            values.append(&node);
+        if (inner.kind == XsdtNode::Kind::Value) {
+            found.append(&inner);
         }
         return Walk::Into;
     });
-    return values;
+    return found;
+}
+
+} // namespace
+
+QList<XsdtNode*> valuesOf(const XsdtNode& node)
+{
+    return values(node, false);
+}
+
+QList<XsdtNode*> unmarkedValues(const XsdtNode& node)
+{
+    return values(node, true);
 }
 
 } // namespace kse

@@ -10,8 +10,8 @@ struct XsdtNode;
 /// The values at or beneath `node` in file order, marked ones included: a value gives itself.
 [[nodiscard]] QList<XsdtNode*> valuesOf(const XsdtNode& node);
 
-/// The values beneath `root` in file order, without those that are marked for deletion or lie in
-/// a marked group. A mark on `root` itself or above it isn't looked at.
-[[nodiscard]] QList<XsdtNode*> unmarkedValues(const XsdtNode& root);
+/// The same without those beneath `node` that are marked for deletion or lie in a marked group. A
+/// mark on `node` itself or above it isn't looked at.
+[[nodiscard]] QList<XsdtNode*> unmarkedValues(const XsdtNode& node);
 
 } // namespace kse

@@ -17,12 +17,28 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace kse {
 
 namespace {
+
+/// The unmarked values in those parts of the file that can hold a path below "Global/", so that
+/// nobody has to make paths of all the data of modules.
+QList<XsdtNode*> unmarkedSettings(const XsdtNode& root)
+{
+    QList<XsdtNode*> settings;
+    for (const auto& child : root.children) {
+        // An empty key adds nothing to a path, and a key may hold the separator itself.
+        if (!child->markedForDeletion && (child->key.isEmpty() || child->key == "Global"_L1 ||
+                                          child->key.startsWith("Global/"_L1))) {
+            settings += unmarkedValues(*child);
+        }
+    }
+    return settings;
+}
 
 /// One run of the checks over one document.
 class Checkup
@@ -60,11 +76,12 @@ private:
     const SettingsSchema& m_schema;
     const HealthEnv& m_env;
     QList<Finding> m_findings;
+    std::vector<size_t> m_hashes; ///< Kept from group to group for its memory.
 };
 
 QList<Finding> Checkup::findings()
 {
-    const QList<XsdtNode*> leaves = unmarkedValues(m_document.root);
+    const QList<XsdtNode*> leaves = unmarkedSettings(m_document.root);
     checkValues(leaves);
     checkProcessors();
     checkModuleFiles(leaves);
@@ -245,16 +262,22 @@ void Checkup::checkDuplicates()
 
 void Checkup::checkDuplicatesIn(const XsdtNode& group)
 {
+    // Almost no group has duplicates: sorted hashes tell so without a table of its keys.
+    m_hashes.clear();
+    for (const auto& child : group.children) {
+        if (!child->markedForDeletion) {
+            m_hashes.push_back(qHash(child->key));
+        }
+    }
+    std::sort(m_hashes.begin(), m_hashes.end());
+    if (std::adjacent_find(m_hashes.begin(), m_hashes.end()) == m_hashes.end()) {
+        return;
+    }
     QHash<QStringView, QList<XsdtNode*>> byKey;
-    qsizetype count = 0;
     for (const auto& child : group.children) {
         if (!child->markedForDeletion) {
             byKey[child->key].append(child.get());
-            ++count;
         }
-    }
-    if (byKey.size() == count) {
-        return;
     }
     const QString place = group.parent ? group.path() : u"the top level"_s;
     for (const auto& child : group.children) {

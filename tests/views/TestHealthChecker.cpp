@@ -124,6 +124,7 @@ private slots:
              "Global/Preferences/Process/MaxProcessors:i=9 deleted; "
              "Global/Preferences/Security/AllowInsecureRepositories:b=true deleted; "
              "Global/Preferences/Security/AllowUnsignedRepositories:b=True >  > ",
+             "/Global/N:i=0 >  > out-of-range Global/N; unused-modules",
              "Modules:s=C:/a; Modules; A >  > duplicate-key Modules Modules; unused-modules",
              "Modules/1:s=@pxi_bin_dir/A-pxm.dll; Modules/2:s=/opt/B-pxm.so; Modules/3:s=C:/c "
              "deleted; Modules/4:s=@pxi_bin_dir/D-pxm.dll; A; D > C:/PixInsight/bin, "
