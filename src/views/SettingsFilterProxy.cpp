@@ -91,7 +91,7 @@ bool SettingsFilterProxy::filterAcceptsRow(int sourceRow, const QModelIndex& sou
         collectAccepted(*root);
         m_isStale = false;
     }
-    return m_accepted.contains(node);
+    return isAccepted(*node);
 }
 
 bool SettingsFilterProxy::passes(const XsdtNode& node, bool pathMatches) const
@@ -129,9 +129,8 @@ void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
         const bool pathMatches =
             groupMatches || QStringView(path).mid(from).contains(m_filterText, Qt::CaseInsensitive);
         if (passes(node, pathMatches)) {
-            for (const XsdtNode* up = &node; up->parent && !m_accepted.contains(up);
+            for (const XsdtNode* up = &node; up->parent && setAccepted(*up, true);
                  up = up->parent) {
-                m_accepted.insert(up);
             }
         }
         if (node.children.empty() || levels.size() == SettingsModel::maximumDepth) {
@@ -142,20 +141,36 @@ void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
     });
 }
 
+bool SettingsFilterProxy::isAccepted(const XsdtNode& node) const
+{
+    const auto rows = m_accepted.find(node.parent);
+    return rows != m_accepted.end() && rows->second[std::size_t(node.rowInParent())];
+}
+
+bool SettingsFilterProxy::setAccepted(const XsdtNode& node, bool accepted) const
+{
+    std::vector<bool>& rows = m_accepted[node.parent];
+    rows.resize(node.parent->children.size());
+    const auto row = rows.begin() + node.rowInParent();
+    if (*row == accepted) {
+        return false;
+    }
+    *row = accepted;
+    return true;
+}
+
 void SettingsFilterProxy::updateAccepted(const XsdtNode& changed)
 {
     for (const XsdtNode* node = &changed; node->parent; node = node->parent) {
+        const auto rows = m_accepted.find(node);
+        const bool holdsAccepted =
+            rows != m_accepted.end() &&
+            std::find(rows->second.begin(), rows->second.end(), true) != rows->second.end();
         const bool accepted =
-            passes(*node, node->path().contains(m_filterText, Qt::CaseInsensitive)) ||
-            std::any_of(node->children.begin(), node->children.end(),
-                        [this](const auto& child) { return m_accepted.contains(child.get()); });
-        if (accepted == m_accepted.contains(node)) {
+            holdsAccepted ||
+            passes(*node, node->path().contains(m_filterText, Qt::CaseInsensitive));
+        if (!setAccepted(*node, accepted)) {
             return;
-        }
-        if (accepted) {
-            m_accepted.insert(node);
-        } else {
-            m_accepted.remove(node);
         }
     }
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QSet>
 #include <QSortFilterProxyModel>
+
+#include <unordered_map>
+#include <vector>
 
 namespace kse {
 
@@ -41,12 +43,15 @@ private:
     bool passes(const XsdtNode& node, bool pathMatches) const;
     void collectAccepted(const XsdtNode& root) const;
     void updateAccepted(const XsdtNode& changed);
+    bool isAccepted(const XsdtNode& node) const;
+    bool setAccepted(const XsdtNode& node, bool accepted) const;
     void refilter();
 
     QString m_filterText;
     bool m_changedOnly = false;
-    mutable QSet<const XsdtNode*> m_accepted; ///< What passes, and its ancestors.
-    mutable bool m_isStale = true;            ///< `m_accepted` is to be collected anew.
+    /// Of each group, the rows that pass or hold what passes; a group without any may lack.
+    mutable std::unordered_map<const XsdtNode*, std::vector<bool>> m_accepted;
+    mutable bool m_isStale = true; ///< `m_accepted` is to be collected anew.
 };
 
 } // namespace kse
