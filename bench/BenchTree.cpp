@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: MIT
+#include "LargeFile.h"
+#include "document/TreeWalk.h"
+#include "document/XsdtDocument.h"
+#include "schema/DeletePolicy.h"
+#include "views/SettingsFilterProxy.h"
+#include "views/SettingsModel.h"
+#include "views/TreePosition.h"
+
+#include <QApplication>
+#include <QTreeView>
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <vector>
+
+using namespace kse;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Shape { Usual, Wide };
+
+/// The tree of all settings as the window shows it, everything expanded.
+struct Tree
+{
+    explicit Tree(const benchmark::State& state)
+    {
+        const int values = static_cast<int>(state.range(0));
+        if (!document.parse(state.range(1) == Wide ? wideFile(values) : largeFile(values))) {
+            qFatal("the file doesn't parse");
+        }
+        proxy.setSourceModel(&model);
+        view.setModel(&proxy);
+        view.setUniformRowHeights(true);
+        view.resize(1000, 700);
+        view.show();
+        showAnew();
+    }
+
+    void settle() { QApplication::processEvents(); }
+
+    void showAnew()
+    {
+        model.setDocument(&document);
+        view.expandAll();
+        settle();
+    }
+
+    void filter(const QString& text)
+    {
+        const TreePosition position(view, proxy);
+        proxy.setFilterText(text);
+        view.expandAll();
+        position.restore();
+        settle();
+    }
+
+    /// Every `step`th value that can be edited.
+    std::vector<XsdtNode*> values(int step)
+    {
+        std::vector<XsdtNode*> found;
+        int count = 0;
+        walkTree(document.root, [&](XsdtNode& node) {
+            if (node.typeCode == u'b' && count++ % step == 0) {
+                found.push_back(&node);
+            }
+            return Walk::Into;
+        });
+        return found;
+    }
+
+    void flip(const XsdtNode* node)
+    {
+        const QString text = node->value == "true"_L1 ? u"false"_s : u"true"_s;
+        model.setData(model.indexForNode(node, SettingsModel::ValueColumn), text);
+    }
+
+    XsdtDocument document;
+    SettingsModel model;
+    SettingsFilterProxy proxy;
+    QTreeView view;
+};
+
+/// What the other figures are measured against.
+void setDocumentAndExpandAll(benchmark::State& state)
+{
+    Tree tree(state);
+    for (auto _ : state) {
+        tree.showAnew();
+    }
+}
+
+/// One change of the filter; `texts` is gone through in turn, so it narrows and widens.
+void changeFilter(benchmark::State& state, const QStringList& texts)
+{
+    Tree tree(state);
+    qsizetype next = 0;
+    for (auto _ : state) {
+        tree.filter(texts.at(next++ % texts.size()));
+    }
+}
+
+void filterByKey(benchmark::State& state)
+{
+    changeFilter(state, {u"o"_s, u"op"_s, u"opt"_s, u"op"_s});
+}
+
+void filterByValue(benchmark::State& state)
+{
+    changeFilter(state, {u"tru"_s, u"true"_s});
+}
+
+void filterToNothing(benchmark::State& state)
+{
+    changeFilter(state, {u"no such text"_s, u""_s});
+}
+
+void toggleChangedOnly(benchmark::State& state)
+{
+    Tree tree(state);
+    for (XsdtNode* node : tree.values(2)) {
+        node->value += u'x';
+    }
+    for (auto _ : state) {
+        tree.proxy.setChangedOnly(!tree.proxy.isChangedOnly());
+        tree.view.expandAll();
+        tree.settle();
+    }
+}
+
+void editOne(benchmark::State& state)
+{
+    Tree tree(state);
+    tree.proxy.setFilterText(u"o"_s);
+    tree.view.expandAll();
+    const std::vector<XsdtNode*> values = tree.values(1);
+    for (auto _ : state) {
+        tree.flip(values.at(values.size() / 2));
+        tree.settle();
+    }
+}
+
+void revertOneOfManyChanged(benchmark::State& state)
+{
+    Tree tree(state);
+    const std::vector<XsdtNode*> values = tree.values(1);
+    for (XsdtNode* node : values) {
+        node->value += u'x';
+    }
+    tree.proxy.setChangedOnly(true);
+    tree.view.expandAll();
+    auto next = values.begin();
+    for (auto _ : state) {
+        tree.model.revertValue(*next++);
+        tree.settle();
+    }
+}
+
+void flipManyInABatch(benchmark::State& state)
+{
+    Tree tree(state);
+    tree.proxy.setChangedOnly(true);
+    const std::vector<XsdtNode*> values = tree.values(2);
+    for (auto _ : state) {
+        {
+            const SettingsModel::Batch batch(tree.model);
+            std::for_each(values.begin(), values.end(), [&](auto* node) { tree.flip(node); });
+        }
+        tree.view.expandAll();
+        tree.settle();
+    }
+}
+
+/// The mark and its undo, with all that is beneath.
+void deleteAndUndoTopGroup(benchmark::State& state)
+{
+    Tree tree(state);
+    DeletePolicy policy;
+    if (!policy.load(R"({"policy": {"delete": [{"path": "**", "level": "safe", "reason": "Free."}]}})")) {
+        qFatal("the policy doesn't load");
+    }
+    tree.model.setPolicy(&policy);
+    for (auto _ : state) {
+        XsdtNode* group = tree.document.root.children.front().get();
+        if (!tree.model.markForDeletion(group)) {
+            state.SkipWithError("not deleted");
+        }
+        tree.settle();
+        tree.model.undoDeletion(group);
+        tree.settle();
+    }
+}
+
+void revertAll(benchmark::State& state)
+{
+    Tree tree(state);
+    for (auto _ : state) {
+        tree.model.revertAll();
+        tree.view.expandAll();
+        tree.settle();
+    }
+}
+
+void refreshAll(benchmark::State& state)
+{
+    Tree tree(state);
+    for (auto _ : state) {
+        tree.model.refreshAll();
+        tree.settle();
+    }
+}
+
+void sizes(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgNames({"values", "wide"})->Unit(benchmark::kMillisecond);
+    for (const int values : {60'000, 100'000, 1'000'000}) {
+        bench->Args({values, Usual});
+    }
+    bench->Args({100'000, Wide})->Args({1'000'000, Wide});
+}
+
+BENCHMARK(setDocumentAndExpandAll)->Apply(sizes);
+BENCHMARK(filterByKey)->Apply(sizes);
+BENCHMARK(filterByValue)->Apply(sizes);
+BENCHMARK(filterToNothing)->Apply(sizes);
+BENCHMARK(toggleChangedOnly)->Apply(sizes);
+BENCHMARK(editOne)->Apply(sizes);
+BENCHMARK(revertOneOfManyChanged)->Apply(sizes);
+BENCHMARK(flipManyInABatch)->Apply(sizes);
+BENCHMARK(deleteAndUndoTopGroup)->Apply(sizes);
+BENCHMARK(revertAll)->Apply(sizes);
+BENCHMARK(refreshAll)->Apply(sizes);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
