@@ -16,6 +16,7 @@
 #include <QNetworkRequest>
 #include <QPainter>
 #include <QTimer>
+#include <qdrawutil.h>
 
 #include <algorithm>
 #include <memory>
@@ -46,7 +47,7 @@ QPixmap loadPicture(QIODevice& device)
 QPixmap loadPixmapFile(const QString& path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? loadPicture(file) : QPixmap();
+    return !path.isEmpty() && file.open(QIODevice::ReadOnly) ? loadPicture(file) : QPixmap();
 }
 
 QPixmap loadPixmapBytes(QByteArray bytes)
@@ -95,7 +96,9 @@ protected:
                              m_text);
         }
         if (hasFocus()) {
-            paintFocus(painter);
+            // Light on dark, since one of the two stands out from whatever the picture is.
+            qDrawPlainRect(&painter, rect(), QColor(10, 16, 32), 4);
+            qDrawPlainRect(&painter, rect(), Qt::white, 2);
         }
     }
 
@@ -112,15 +115,6 @@ protected:
     }
 
 private:
-    // Light on dark, since one of the two stands out from whatever the picture is.
-    void paintFocus(QPainter& painter) const
-    {
-        painter.setPen(QPen(QColor(10, 16, 32), 4));
-        painter.drawRect(rect().adjusted(2, 2, -2, -2));
-        painter.setPen(QPen(Qt::white, 2));
-        painter.drawRect(rect().adjusted(1, 1, -1, -1));
-    }
-
     AdBanner* m_banner;
     QString m_text; // what stands in for a picture
 };
@@ -135,6 +129,7 @@ AdBanner::AdBanner(const QString& cacheFolder, const QUrl& site, QWidget* parent
 {
     m_caption->setObjectName(u"caption"_s);
     m_caption->setForegroundRole(QPalette::PlaceholderText);
+    m_caption->setBuddy(m_strip); // a screen reader tells that it is an ad
     m_strip->setObjectName(u"strip"_s);
     m_strip->describe({});
     connect(m_strip, &QAbstractButton::clicked, this, &AdBanner::openPage);

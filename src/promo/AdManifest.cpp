@@ -23,28 +23,24 @@ constexpr QLatin1String manifestName("manifest.xml");
 constexpr QLatin1String fetchedName("manifest.fetched");
 constexpr QLatin1String imageExtensions[] = {".png"_L1, ".jpg"_L1, ".img"_L1};
 
-// The unit is the last character as it stands: a blank behind it makes the text no number.
+constexpr struct
+{
+    QChar suffix;
+    double hours;
+} ttlUnits[] = {{u'm', 1.0 / 60.0}, {u'h', 1.0}, {u'd', 24.0}, {u'w', 168.0}};
+
 double readTtl(QStringView text)
 {
     double hoursPerUnit = 1.0;
-    bool hasUnit = true;
-    switch (text.isEmpty() ? u'\0' : text.back().toLower().unicode()) {
-    case u'm':
-        hoursPerUnit = 1.0 / 60.0;
-        break;
-    case u'h':
-        break;
-    case u'd':
-        hoursPerUnit = 24.0;
-        break;
-    case u'w':
-        hoursPerUnit = 168.0;
-        break;
-    default:
-        hasUnit = false;
+    for (const auto& unit : ttlUnits) {
+        if (text.endsWith(unit.suffix, Qt::CaseInsensitive)) {
+            hoursPerUnit = unit.hours;
+            text.chop(1);
+            break;
+        }
     }
     bool ok = false;
-    const double hours = text.chopped(hasUnit ? 1 : 0).trimmed().toDouble(&ok) * hoursPerUnit;
+    const double hours = text.trimmed().toDouble(&ok) * hoursPerUnit;
     return ok && std::isfinite(hours) && hours >= 0 ? hours : ManifestData().ttlHours;
 }
 
