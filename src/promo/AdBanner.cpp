@@ -96,9 +96,9 @@ protected:
                              m_text);
         }
         if (hasFocus()) {
-            // Light on dark, since one of the two stands out from whatever the picture is.
-            qDrawPlainRect(&painter, rect(), QColor(10, 16, 32), 4);
-            qDrawPlainRect(&painter, rect(), Qt::white, 2);
+            // One of the two stands out from whatever the picture and the window are.
+            qDrawPlainRect(&painter, rect(), Qt::white, 4);
+            qDrawPlainRect(&painter, rect(), palette().color(QPalette::Highlight), 2);
         }
     }
 
