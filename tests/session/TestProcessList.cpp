@@ -8,8 +8,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <algorithm>
-
 #include <csignal>
 
 #ifdef Q_OS_UNIX
@@ -24,11 +22,13 @@ namespace {
 
 bool isListed(qint64 id, const QString& name)
 {
-    const std::vector<ProcessEntry> processes = listProcesses();
-    return std::any_of(processes.begin(), processes.end(), [&](const ProcessEntry& process) {
-        return process.id == static_cast<std::uint64_t>(id) &&
-               process.executableName == name.toStdString();
-    });
+    for (const ProcessEntry& process : listProcesses()) {
+        if (process.id == static_cast<quint64>(id) &&
+            process.executableName == name.toStdString()) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace

@@ -4,10 +4,7 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QRandomGenerator>
 #include <QRegularExpression>
-
-#include <csignal>
 
 using namespace kse;
 
@@ -18,43 +15,55 @@ class TestSaveFaults : public QObject
 private slots:
     void initTestCase()
     {
-        std::signal(SIGXFSZ, SIG_IGN); // so that a size limit is an error, like a full disk
         if (!PixInsightEnv::runningProcessIds().isEmpty()) {
             QSKIP("A process of PixInsight's name runs here, so nothing can be saved.");
         }
     }
 
-    /// The trouble, the number of backups made, and the message.
+    /// The operation, its trouble, the number of backups made, and the message.
     void leavesEverythingAsItWas_data()
     {
         addTextRows(
-            {"running > 0 > PixInsight is running. It keeps its settings in memory and would "
-             "overwrite the file. Close PixInsight first.",
-             "changed > 0 > The file changed on disk since it was loaded (PixInsight may have "
+            {"save > running > 0 > PixInsight is running. It keeps its settings in memory and "
+             "would overwrite the file. Close PixInsight first.",
+             "save > changed > 0 > The file changed on disk since it was loaded (PixInsight may "
+             "have written it). Reload it and redo your edits.",
+             "save > gone > 0 > The file changed on disk since it was loaded (PixInsight may have "
              "written it). Reload it and redo your edits.",
-             "gone > 0 > The file changed on disk since it was loaded (PixInsight may have "
-             "written it). Reload it and redo your edits.",
-             "protected > 0 > 'A/s' is protected and cannot be deleted. Stays. Nothing was "
+             "save > protected > 0 > 'A/s' is protected and cannot be deleted. Stays. Nothing was "
              "written.",
-             "no policy > 0 > 'Free' is protected and cannot be deleted.  Nothing was written.",
-             "no root > 0 > Internal error: the edited document does not parse back (Not a "
+             "save > no policy > 0 > 'Free' is protected and cannot be deleted.  Nothing was "
+             "written.",
+             "save > no root > 0 > Internal error: the edited document does not parse back (Not a "
              "PixInsight settings file (no <xsdt> element).). Nothing was written.",
-             "no character > 0 > Internal error: the edited document differs after re-parsing at "
-             "A/s. Nothing was written.",
-             "folder denied > 0 > Could not create the backup %1.bak-%2. Nothing was written.",
-             "no room for the backup > 0 > Could not create the backup %1.bak-%2. Nothing was "
+             "save > no character > 0 > Internal error: the edited document differs after "
+             "re-parsing at A/s. Nothing was written.",
+             "save > folder denied > 0 > Could not create the backup %1.bak-%2. Nothing was "
              "written.",
-             "real folder denied > 1 > Cannot open %1 for writing: Permission denied",
-             "no room > 1 > Error writing %1: File too large",
-             "room for a part > 1 > Error writing %1: File too large",
-             "full disk > 1 > Error writing %1: No space left on device",
-             "no replacement > 1 > Error writing %1: Device or resource busy"});
+             "save > no room for the backup > 0 > Could not create the backup %1.bak-%2. Nothing "
+             "was written.",
+             "save > real folder denied > 1 > Cannot open %1 for writing: Permission denied",
+             "save > no room > 1 > Error writing %1: File too large",
+             "save > room for a part > 1 > Error writing %1: File too large",
+             "save > full disk > 1 > Error writing %1: No space left on device",
+             "save > no replacement > 1 > Error writing %1: Device or resource busy",
+             "save > closed > 0 > No file is loaded.",
+             "restore > closed > 0 > No file is loaded.",
+             "restore > running > 0 > PixInsight is running. Close it before restoring a backup.",
+             "restore > no source > 0 > Cannot read %1.bak-old: No such file or directory",
+             "restore > text > 0 > The backup is not a valid settings file: Not a PixInsight "
+             "settings file (no <xsdt> element).",
+             "restore > gone > 0 > Could not back up the current file first. Nothing was changed.",
+             "restore > folder denied > 0 > Could not back up the current file first. Nothing was "
+             "changed.",
+             "restore > real folder denied > 1 > Cannot open %1 for writing: Permission denied",
+             "restore > no replacement > 1 > Error writing %1: Device or resource busy"});
     }
     void leavesEverythingAsItWas()
     {
         QFETCH(const QStringList, cells);
         FaultyStore f;
-        if (!f.make(cells[0])) {
+        if (!f.make(cells[1])) {
             QSKIP("Only root can make this trouble.");
         }
         const QString state = f.state();
@@ -62,14 +71,14 @@ private slots:
         QString error;
         QString backup = u"none"_s;
         QString recover = u"none"_s;
-        QVERIFY(!f.save(&error, &backup, &recover));
+        QVERIFY(!f.run(cells[0] == u"restore"_s, &error, &backup, &recover));
         static const QRegularExpression stamp(u"\\d{8}-\\d{6}"_s);
-        QCOMPARE(error.replace(stamp, u"%2"_s), QString(cells[2]).replace(u"%1"_s, f.path));
+        QCOMPARE(error.replace(stamp, u"%2"_s), QString(cells[3]).replace(u"%1"_s, f.path));
         QCOMPARE(backup + recover, u"nonenone"_s);
         QCOMPARE(f.state(), state);
         auto after = f.files();
         const QStringList made = after.keys().filter(stamp);
-        QCOMPARE(made.size(), cells[1].toInt());
+        QCOMPARE(made.size(), cells[2].toInt());
         for (const QString& name : made) {
             QCOMPARE(after.take(name), StoreFixture::defaultBytes());
         }
@@ -102,12 +111,12 @@ private slots:
             const QString copy = f.store.backupName(restore ? u"before-restore"_s : QString());
             QString error;
             QString recover;
-            const auto run = [&] {
-                const Meddler meddler(ofFile ? f.path : copy, cells[2] == u"remove"_s);
-                return restore ? f.store.restoreBackup(source, &error, &recover)
-                               : f.store.save(&error, nullptr, &recover);
-            };
-            if (run()) {
+            auto meddler =
+                std::make_unique<Meddler>(ofFile ? f.path : copy, cells[2] == u"remove"_s);
+            const bool done = restore ? f.store.restoreBackup(source, &error, &recover)
+                                      : f.store.save(&error, nullptr, &recover);
+            meddler.reset();
+            if (done) {
                 continue; // too late
             }
             QCOMPARE(error, QString(cells[3]).replace(u"%1"_s, f.path).replace(u"%2"_s, copy));
@@ -133,13 +142,7 @@ private slots:
         f.write(f.dir.filePath(other), "other");
         const QRegularExpression leftOver(u"^qt_temp\\.|\\.settings\\.[A-Za-z]{6}$"_s);
         for (int round = 0; round < 100; ++round) {
-            QProcess saver;
-            saver.start(QCoreApplication::applicationFilePath(), {u"--save-in-a-loop"_s, f.path});
-            QVERIFY(saver.waitForReadyRead());
-            QTest::qSleep(QRandomGenerator::global()->bounded(40));
-            saver.kill();
-            QVERIFY(saver.waitForFinished());
-            QVERIFY2(saver.exitStatus() == QProcess::CrashExit, saver.readAllStandardError());
+            QVERIFY(killWhileSaving(f.path));
             auto files = f.files();
             QCOMPARE(files.take(other), "other");
             QVERIFY(whole.contains(files.take(QFileInfo(f.path).fileName())));

@@ -2,7 +2,6 @@
 #include "session/SettingsStore.h"
 
 #include "session/PixInsightEnv.h"
-#include "support/FakePixInsight.h"
 #include "support/StoreFixture.h"
 #include "support/TestMain.h"
 #include "support/TextRows.h"
@@ -60,8 +59,8 @@ private slots:
         QVERIFY(!f.store.load(other, &error));
         QCOMPARE(error, other + u" is not a valid PixInsight settings file: "
                                 "Not a PixInsight settings file (no <xsdt> element)."_s);
-        QVERIFY(!f.store.loaded && !f.store.isChangedOnDisk() && !f.store.save(&error));
-        QCOMPARE(f.store.path + error, f.path + u"No file is loaded."_s);
+        QVERIFY(!f.store.loaded && !f.store.isChangedOnDisk());
+        QCOMPARE(f.store.path, f.path);
     }
 
     void seesChangesOfContentAlone()
@@ -89,13 +88,12 @@ private slots:
         const QByteArray start = "<i k=\"ProcessExplorer\"><v k=\"Height\" t=\"i\" v=\"";
         expected.replace(start + "980\"", start + "&lt;&amp;&gt; \xc3\xa9 981\"");
         QVERIFY(expected != before);
-        QCOMPARE(f.read(f.path), expected);
-        QCOMPARE(f.read(backup), before);
-        QCOMPARE(PixInsightEnv::backupsOf(f.path), {backup});
-        QCOMPARE(f.files().size(), 2);
+        const QString name = QFileInfo(f.path).fileName();
+        const QMap<QString, QByteArray> files{{name, expected},
+                                              {QFileInfo(backup).fileName(), before}};
+        QCOMPARE(f.files(), files);
         QCOMPARE(untouched, u"as it was"_s);
-        QCOMPARE(f.store.document.pendingCount(), 0);
-        QVERIFY(!f.store.isChangedOnDisk());
+        QVERIFY(f.store.document.pendingCount() == 0 && !f.store.isChangedOnDisk());
     }
 
     /// The file's mode, and links, each to the one before it, the first to the file.
@@ -108,14 +106,8 @@ private slots:
         QFETCH(const QStringList, cells);
         StoreFixture f;
         const auto mode = static_cast<mode_t>(cells[0].toUInt(nullptr, 8));
-        QVERIFY(QDir(f.dir.path()).mkdir(u"sub"_s));
         QCOMPARE(chmod(QFile::encodeName(f.path).constData(), mode), 0);
-        QString opened = f.path;
-        for (const QString& link : cells.mid(1)) {
-            const QFileInfo path(f.dir.filePath(link));
-            QVERIFY(QFile::link(path.absoluteDir().relativeFilePath(opened), path.filePath()));
-            opened = path.filePath();
-        }
+        const QString opened = f.linkTo(f.path, cells.mid(1));
         QVERIFY(f.store.load(opened));
         f.edit("A/x", u"2"_s);
         QString backup;
@@ -179,38 +171,6 @@ private slots:
         QCOMPARE(f.files().size(), 3);
         const QStringList copies = QDir(f.dir.path()).entryList({u"*-before-restore"_s});
         QCOMPARE(f.read(f.dir.filePath(copies.value(0))), "changed meanwhile");
-    }
-
-    void refusesToRestore_data()
-    {
-        addTextRows({"closed > No file is loaded.",
-                     "running > PixInsight is running. Close it before restoring a backup.",
-                     "missing > Cannot read %1: No such file or directory",
-                     "text > The backup is not a valid settings file: Not a PixInsight settings "
-                     "file (no <xsdt> element).",
-                     "gone > Could not back up the current file first. Nothing was changed."});
-    }
-    void refusesToRestore()
-    {
-        QFETCH(const QStringList, cells);
-        const QString& fault = cells[0];
-        StoreFixture f;
-        const QString backup = f.path + u".bak-1"_s;
-        f.edit("A/x", u"2"_s);
-        FakePixInsight process;
-        QVERIFY(fault == u"missing"_s ||
-                f.write(backup, fault == u"text"_s ? "text" : StoreFixture::defaultBytes()));
-        QVERIFY(fault != u"running"_s || process.start());
-        QVERIFY(fault != u"gone"_s || QFile::remove(f.path));
-        f.store.loaded = fault != u"closed"_s;
-        const QString before = f.state();
-        const auto files = f.files();
-        QString error;
-        QString recover;
-        QVERIFY(!f.store.restoreBackup(backup, &error, &recover));
-        QCOMPARE(error + recover, QString(cells[1]).replace(u"%1"_s, backup));
-        QCOMPARE(f.state(), before);
-        QCOMPARE(f.files(), files);
     }
 
     /// What is compared with <i k='g'><v k='a' t='s'>1</v></i>, and where it differs, if at all.

@@ -4,7 +4,11 @@
 #include "support/FakePixInsight.h"
 #include "support/StoreFixture.h"
 
+#include <QCoreApplication>
+#include <QRandomGenerator>
+
 #include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -40,9 +44,21 @@ struct FaultyStore : StoreFixture
     bool make(const QString& name)
     {
         edit("A/x", QStringLiteral("2"));
-        write(path + u".bak-old"_s, "older backup");
+        write(source(), "<xsdt><i k=\"B\"/></xsdt>");
         const auto size = static_cast<rlim_t>(QFileInfo(path).size());
         const std::map<QString, std::function<bool()>> troubles{
+            {u"closed"_s,
+             [&] {
+                 return !(store.loaded = false);
+             }},
+            {u"no source"_s,
+             [&] {
+                 return QFile::remove(source());
+             }},
+            {u"text"_s,
+             [&] {
+                 return write(source(), "text");
+             }},
             {u"running"_s,
              [&] {
                  return m_process.start();
@@ -105,16 +121,21 @@ struct FaultyStore : StoreFixture
         return troubles.at(name)();
     }
 
-    /// `store.save` under the size limit, if that is the trouble.
-    bool save(QString* error, QString* backup, QString* recover)
+    /// The older backup.
+    QString source() const { return path + u".bak-old"_s; }
+
+    /// Saves, or restores the older backup, under the size limit if that is the trouble.
+    bool run(bool restore, QString* error, QString* backup, QString* recover)
     {
         rlimit before = {};
         getrlimit(RLIMIT_FSIZE, &before);
         const rlimit limit = {m_sizeLimit, before.rlim_max};
+        std::signal(SIGXFSZ, SIG_IGN); // so that the limit is an error, like a full disk
         setrlimit(RLIMIT_FSIZE, &limit);
-        const bool saved = store.save(error, backup, recover);
+        const bool done = restore ? store.restoreBackup(source(), error, recover)
+                                  : store.save(error, backup, recover);
         setrlimit(RLIMIT_FSIZE, &before);
-        return saved;
+        return done;
     }
 
 private:
@@ -219,6 +240,20 @@ inline QString loopValue(int turn)
 inline XsdtNode* loopNode(SettingsStore& store)
 {
     return store.document.root.findByPath(u"CentralWidgetClients/ProcessConsole/Height");
+}
+
+/// Starts a process that saves the file at `path` in a loop, by calling the test program with
+/// "--save-in-a-loop", and kills it at a random moment. False if it ended in another way.
+inline bool killWhileSaving(const QString& path)
+{
+    QProcess saver;
+    saver.start(QCoreApplication::applicationFilePath(), {u"--save-in-a-loop"_s, path});
+    if (!saver.waitForReadyRead()) {
+        return false;
+    }
+    QThread::msleep(QRandomGenerator::global()->bounded(40));
+    saver.kill();
+    return saver.waitForFinished() && saver.exitStatus() == QProcess::CrashExit;
 }
 
 /// Saves the file at `path` until it is killed, and tells of the first save.

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMap>
 #include <QTemporaryDir>
 
@@ -66,6 +67,21 @@ struct StoreFixture
         XsdtNode* const found = store.document.root.findByPath(QString::fromUtf8(nodePath));
         require(found, QString::fromUtf8(nodePath));
         return *found;
+    }
+
+    /// Makes `links` in the folder, each relative and to the one before it, the first to `file`.
+    /// Gives the last of them, or `file`.
+    QString linkTo(QString file, const QStringList& links) const
+    {
+        for (const QString& link : links) {
+            const QFileInfo made(dir.filePath(link));
+            const QDir folder = made.absoluteDir();
+            require(folder.mkpath(QStringLiteral(".")) &&
+                        QFile::link(folder.relativeFilePath(file), made.filePath()),
+                    link);
+            file = made.filePath();
+        }
+        return file;
     }
 
     /// Name and content of every file in the folder.
