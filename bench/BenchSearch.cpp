@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "GeneratedDocument.h"
+#include "document/TreeWalk.h"
+#include "schema/SettingsSchema.h"
+#include "views/LowerCasePath.h"
+#include "views/SearchIndex.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <random>
+
+using namespace kse;
+
+namespace {
+
+QByteArray builtInTable(const char* name)
+{
+    QFile file(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// A document with its index, and a query that leaves no value out.
+struct Searched
+{
+    explicit Searched(benchmark::State& state)
+    {
+        generateDocument(state, document);
+        if (!schema.load(builtInTable("globals.json"), builtInTable("overlay.json"))) {
+            state.SkipWithError("the tables don't load");
+        }
+        index = buildSearchIndex(document, schema);
+        query.includeProtected = true;
+    }
+
+    XsdtDocument document;
+    SettingsSchema schema;
+    QList<SearchIndexEntry> index;
+    SearchQuery query;
+};
+
+void buildIndex(benchmark::State& state)
+{
+    const Searched searched(state);
+    measure(state, [&] { return buildSearchIndex(searched.document, searched.schema); });
+}
+
+void describeAll(benchmark::State& state)
+{
+    const Searched searched(state);
+    measure(state, [&] {
+        for (const SearchIndexEntry& entry : searched.index) {
+            benchmark::DoNotOptimize(searched.schema.describe(*entry.node));
+        }
+        return 0;
+    });
+}
+
+void indexPaths(benchmark::State& state)
+{
+    Searched searched(state);
+    measure(state, [&] {
+        QList<SearchIndexEntry> index;
+        LowerCasePath path(searched.document.root);
+        walkTree(searched.document.root, [&](XsdtNode& node) {
+            const QString& here = path.moveTo(node);
+            if (node.kind == XsdtNode::Kind::Value) {
+                index.append({&node, {}, QString(here.data(), here.size()), {}});
+            }
+            return Walk::Into;
+        });
+        return index;
+    });
+}
+
+void indexPathsPlainly(benchmark::State& state)
+{
+    Searched searched(state);
+    measure(state, [&] {
+        QList<SearchIndexEntry> index;
+        walkTree(searched.document.root, [&](XsdtNode& node) {
+            if (node.kind == XsdtNode::Kind::Value) {
+                index.append({&node, {}, node.path().toLower(), {}});
+            }
+            return Walk::Into;
+        });
+        return index;
+    });
+}
+
+const QString absent = QStringLiteral("tangerine");
+
+void searchInVain(benchmark::State& state)
+{
+    Searched searched(state);
+    searched.query.terms = {absent};
+    measure(state, [&] { return search(searched.index, searched.query); });
+}
+
+void scan(benchmark::State& state)
+{
+    const Searched searched(state);
+    measure(state, [&] {
+        return std::count_if(
+            searched.index.begin(), searched.index.end(), [](const SearchIndexEntry& entry) {
+                const XsdtNode& node = *entry.node;
+                return entry.haystack.contains(absent) || entry.description.contains(absent) ||
+                       (node.typeCode != u'B' && node.value.contains(absent, Qt::CaseInsensitive));
+            });
+    });
+}
+
+/// Without terms every value is found, so that the time is that of putting them in order.
+void order(benchmark::State& state)
+{
+    const Searched searched(state);
+    measure(state, [&] { return search(searched.index, searched.query); });
+}
+
+/// The same where the file's order has nothing to do with the paths.
+void orderShuffled(benchmark::State& state)
+{
+    Searched searched(state);
+    std::shuffle(searched.index.begin(), searched.index.end(), std::mt19937(1));
+    measure(state, [&] { return search(searched.index, searched.query); });
+}
+
+void searchEverywhere(benchmark::State& state)
+{
+    Searched searched(state);
+    searched.query.terms = {QStringLiteral("module")};
+    measure(state, [&] { return search(searched.index, searched.query); });
+}
+
+} // namespace
+
+KSE_BENCHMARK(buildIndex);
+KSE_BENCHMARK(describeAll);
+KSE_BENCHMARK(indexPaths);
+KSE_BENCHMARK(indexPathsPlainly);
+KSE_BENCHMARK(searchInVain);
+KSE_BENCHMARK(scan);
+KSE_BENCHMARK(order);
+KSE_BENCHMARK(orderShuffled);
+KSE_BENCHMARK(searchEverywhere);
+
+BENCHMARK_MAIN();
