@@ -7,6 +7,9 @@
 
 namespace kse {
 
+/// The same as `text += addition.toLower()`, but needs no memory of its own for ASCII.
+void appendLowerCase(QString& text, const QString& addition);
+
 /// The paths of a tree's nodes in lower case, one after another as a depth-first walk meets them.
 /// Each key is put in lower case once, not once for every value beneath it.
 class LowerCasePath

@@ -9,10 +9,11 @@
 #include "views/TextOrder.h"
 
 #include <QRegularExpression>
-#include <QStringBuilder>
 #include <QStringMatcher>
 
-#include <algorithm>
+#include <functional>
+#include <map>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -42,36 +43,64 @@ struct Hit
     int score;
 };
 
-int nameScore(const SearchIndexEntry& entry, const Term& term)
+/// Tells how well an entry matches a query.
+class Scorer
 {
-    const QString key = entry.node->key.toLower();
-    if (key == term.text) {
-        return 10;
+public:
+    explicit Scorer(const SearchQuery& query)
+        : m_query(query)
+        , m_terms(query.terms.begin(), query.terms.end())
+    {
     }
-    if (key.startsWith(term.text)) {
-        return 6;
-    }
-    if (term.exact.indexIn(key) >= 0) {
-        return 4;
-    }
-    return term.anyCase.indexIn(entry.label) >= 0 ? 3 : 2;
-}
 
-/// What `term` earns in `entry`; 0 if it doesn't match.
-int termScore(const SearchIndexEntry& entry, const Term& term, const SearchQuery& query)
-{
-    if (query.names && term.exact.indexIn(entry.haystack) >= 0) {
-        return nameScore(entry, term);
+    /// The sum over all terms; -1 if one of them doesn't match.
+    int score(const SearchIndexEntry& entry)
+    {
+        int sum = 0;
+        for (const Term& term : m_terms) {
+            const int points = termScore(entry, term);
+            if (points == 0) {
+                return -1;
+            }
+            sum += points;
+        }
+        return sum;
     }
-    if (query.descriptions && term.exact.indexIn(entry.description) >= 0) {
-        return 1;
+
+private:
+    int termScore(const SearchIndexEntry& entry, const Term& term)
+    {
+        if (m_query.names && term.exact.indexIn(entry.haystack) >= 0) {
+            return nameScore(entry, term);
+        }
+        const XsdtNode& node = *entry.node;
+        const bool elsewhere =
+            (m_query.descriptions && term.exact.indexIn(entry.description) >= 0) ||
+            (m_query.values && node.typeCode != XsdtValueType::Block &&
+             term.anyCase.indexIn(node.value) >= 0);
+        return elsewhere ? 1 : 0;
     }
-    const XsdtNode& node = *entry.node;
-    return query.values && node.typeCode != XsdtValueType::Block &&
-                   term.anyCase.indexIn(node.value) >= 0
-               ? 1
-               : 0;
-}
+
+    int nameScore(const SearchIndexEntry& entry, const Term& term)
+    {
+        m_key.truncate(0);
+        appendLowerCase(m_key, entry.node->key);
+        if (m_key == term.text) {
+            return 10;
+        }
+        if (m_key.startsWith(term.text)) {
+            return 6;
+        }
+        if (term.exact.indexIn(m_key) >= 0) {
+            return 4;
+        }
+        return term.anyCase.indexIn(entry.label) >= 0 ? 3 : 2;
+    }
+
+    const SearchQuery& m_query;
+    std::vector<Term> m_terms;
+    QString m_key; ///< Kept for its memory.
+};
 
 bool isWanted(XsdtNode* node, const SearchQuery& query)
 {
@@ -80,20 +109,6 @@ bool isWanted(XsdtNode* node, const SearchQuery& query)
         return false;
     }
     return !query.changedOnly || node->isModified() || node->isInsideDeletion();
-}
-
-/// The sum over all terms; -1 if one of them doesn't match.
-int score(const SearchIndexEntry& entry, const std::vector<Term>& terms, const SearchQuery& query)
-{
-    int sum = 0;
-    for (const Term& term : terms) {
-        const int points = termScore(entry, term, query);
-        if (points == 0) {
-            return -1;
-        }
-        sum += points;
-    }
-    return sum;
 }
 
 bool isAscii(const QString& text)
@@ -106,15 +121,15 @@ bool isAscii(const QString& text)
     return bits < 0x80;
 }
 
-/// Puts `hits`, which are in file order, by path.
-std::vector<Hit> orderedByPath(const QList<SearchIndexEntry>& index, const std::vector<Hit>& hits)
+/// The places of `hits`, which are in file order, in the order of their paths.
+QList<qsizetype> orderByPath(const QList<SearchIndexEntry>& index, const std::vector<Hit>& hits)
 {
     QList<QStringView> paths;
     paths.reserve(static_cast<qsizetype>(hits.size()));
     QStringList built; // keeps alive what the views point to
     for (const Hit& hit : hits) {
         const SearchIndexEntry& entry = index[hit.place];
-        // Lower case is as good as the path itself, and its end is known, where all is ASCII.
+        // In ASCII, lower case is as good as the path itself, and tells where the label begins.
         if (isAscii(entry.haystack)) {
             paths.append(QStringView(entry.haystack).chopped(entry.label.size() + 1));
         } else {
@@ -122,12 +137,7 @@ std::vector<Hit> orderedByPath(const QList<SearchIndexEntry>& index, const std::
             paths.append(built.constLast());
         }
     }
-    std::vector<Hit> ordered;
-    ordered.reserve(hits.size());
-    for (const qsizetype place : orderIgnoringCase(paths)) {
-        ordered.push_back(hits[static_cast<size_t>(place)]);
-    }
-    return ordered;
+    return orderIgnoringCase(paths);
 }
 
 } // namespace
@@ -151,8 +161,12 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
         const QString& here = path.moveTo(node);
         if (node.kind == XsdtNode::Kind::Value) {
             const VariableInfo info = schema.describe(node);
-            index.append({&node, info.label, here % u' ' % info.label.toLower(),
-                          info.description.toLower()});
+            SearchIndexEntry entry{&node, info.label, {}, info.description.toLower()};
+            entry.haystack.reserve(here.size() + 1 + info.label.size());
+            entry.haystack += here;
+            entry.haystack += u' ';
+            appendLowerCase(entry.haystack, info.label);
+            index.append(std::move(entry));
         }
         return Walk::Into;
     });
@@ -161,26 +175,27 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
 
 QList<qsizetype> search(const QList<SearchIndexEntry>& index, const SearchQuery& query)
 {
-    const std::vector<Term> terms(query.terms.begin(), query.terms.end());
+    Scorer scorer(query);
     std::vector<Hit> hits;
     for (qsizetype i = 0; i < index.size(); ++i) {
         if (isWanted(index[i].node, query)) {
-            const int points = score(index[i], terms, query);
-            if (points >= 0) {
-                hits.push_back({i, points});
+            const int score = scorer.score(index[i]);
+            if (score >= 0) {
+                hits.push_back({i, score});
             }
         }
     }
-    hits = orderedByPath(index, hits);
-    std::stable_sort(hits.begin(), hits.end(),
-                     [](const Hit& a, const Hit& b) { return a.score > b.score; });
 
-    QList<qsizetype> results;
-    results.reserve(static_cast<qsizetype>(hits.size()));
-    for (const Hit& hit : hits) {
-        results.append(hit.place);
+    std::map<int, QList<qsizetype>, std::greater<>> placesByScore;
+    for (const qsizetype i : orderByPath(index, hits)) {
+        const Hit& hit = hits[static_cast<size_t>(i)];
+        placesByScore[hit.score].append(hit.place);
     }
-    return results;
+    QList<qsizetype> places;
+    for (const auto& [score, equals] : placesByScore) {
+        places.append(equals);
+    }
+    return places;
 }
 
 } // namespace kse
