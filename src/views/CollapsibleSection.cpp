@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "views/CollapsibleSection.h"
+
+#include "views/PlainText.h"
+
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype titleLimit = 200;
+
+} // namespace
+
+CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWidget* parent)
+    : QWidget(parent)
+    , m_toggleButton(new QToolButton(this))
+    , m_body(new QWidget(this))
+    , m_bodyLayout(new QVBoxLayout(m_body))
+    , m_startExpanded(expanded)
+{
+    m_toggleButton->setObjectName(u"toggleButton"_s);
+    m_toggleButton->setCheckable(true);
+    m_toggleButton->setAutoRaise(true);
+    m_toggleButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_toggleButton->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_toggleButton->setMinimumWidth(1); // a long title must not widen the page
+    QFont font; // sets the weight alone; the size goes on following the application's
+    font.setWeight(QFont::Bold);
+    m_toggleButton->setFont(font);
+    setTitle(title);
+
+    m_body->setObjectName(u"body"_s);
+    m_bodyLayout->setContentsMargins(18, 0, 0, 0);
+    m_bodyLayout->setSpacing(0);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_toggleButton);
+    layout->addWidget(m_body);
+
+    connect(m_toggleButton, &QToolButton::toggled, this, &CollapsibleSection::setExpanded);
+    setExpanded(expanded);
+}
+
+void CollapsibleSection::setTitle(const QString& title)
+{
+    m_toggleButton->setText(asCaption(abbreviated(title, titleLimit)));
+}
+
+void CollapsibleSection::setExpanded(bool expanded)
+{
+    m_toggleButton->setChecked(expanded);
+    m_toggleButton->setArrowType(expanded ? Qt::DownArrow : Qt::RightArrow);
+    if (expanded) {
+        if (const auto build = std::exchange(m_lazyBuilder, nullptr)) {
+            build();
+        }
+    }
+    m_body->setVisible(expanded);
+}
+
+void CollapsibleSection::setLazyBuilder(std::function<void()> builder)
+{
+    m_lazyBuilder = std::move(builder);
+}
+
+void CollapsibleSection::setContextMenuHandler(std::function<void(const QPoint&)> handler)
+{
+    m_toggleButton->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_toggleButton, &QWidget::customContextMenuRequested, this,
+            [this, handler = std::move(handler)](const QPoint& pos) {
+                handler(m_toggleButton->mapToGlobal(pos));
+            });
+}
+
+} // namespace kse

@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: MIT
+#include "views/PreferencesView.h"
+
+#include "document/XsdtDocument.h"
+#include "schema/PrettyName.h"
+#include "schema/SettingsSchema.h"
+#include "views/CollapsibleSection.h"
+#include "views/PlainText.h"
+#include "views/SettingRow.h"
+#include "views/SettingRowSet.h"
+#include "views/SettingsModel.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int maximumNesting = 16; // of sections in one another
+constexpr qsizetype titleLimit = 100;
+
+/// Shows the rows and sections that `text` finds; whether there are any rows.
+bool filterRows(const QList<SettingRow*>& rows, const QString& text)
+{
+    bool found = false;
+    for (SettingRow* row : rows) {
+        const bool matches = row->matches(text);
+        row->setVisible(matches);
+        found = found || matches;
+    }
+    return found;
+}
+
+bool showsContent(const CollapsibleSection& section)
+{
+    const QBoxLayout* layout = section.bodyLayout();
+    for (int i = 0; i < layout->count(); ++i) {
+        if (!layout->itemAt(i)->widget()->isHidden()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+/// A group and what is shown of it.
+struct PreferencesView::Group
+{
+    XsdtNode* node = nullptr;
+    QList<XsdtNode*> values;
+    std::vector<Group> groups; // none of them empty
+
+    bool isEmpty() const { return values.isEmpty() && groups.empty(); }
+};
+
+PreferencesView::PreferencesView(SettingsModel* model, const SettingsSchema* schema,
+                                 QWidget* parent)
+    : QWidget(parent)
+    , m_schema(schema)
+    , m_rows(new SettingRowSet(model, schema, this, SettingRowSet::Reveal::NotOffered))
+{
+    createUi();
+    connect(m_searchEdit, &QLineEdit::textChanged, this, &PreferencesView::applyFilter);
+    connect(m_pageList, &QListWidget::currentRowChanged, this, &PreferencesView::showPage);
+    connect(m_rows, &SettingRowSet::message, this, &PreferencesView::message);
+    connect(m_rows, &SettingRowSet::deleteRequested, this, &PreferencesView::deleteRequested);
+    connect(m_rows, &SettingRowSet::restoreRequested, this, &PreferencesView::restoreRequested);
+    // Once a change, where `dataChanged` comes once for each group that a bulk command touched.
+    connect(model, &SettingsModel::edited, this, &PreferencesView::updatePageCounts);
+}
+
+void PreferencesView::createUi()
+{
+    m_searchEdit = new QLineEdit;
+    m_searchEdit->setObjectName(u"searchEdit"_s);
+    m_searchEdit->setAccessibleName(tr("Search preferences"));
+    m_searchEdit->setPlaceholderText(tr("Search names, descriptions and text values"));
+    m_searchEdit->setClearButtonEnabled(true);
+
+    m_pageList = new QListWidget;
+    m_pageList->setObjectName(u"pageList"_s);
+    m_pageList->setAccessibleName(tr("Pages"));
+    m_pageList->setMinimumWidth(170);
+    m_pageList->setMaximumWidth(300);
+    m_pageList->setWordWrap(true);
+    m_pageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
+    m_emptyLabel = new QLabel(tr("No matching settings."));
+    m_emptyLabel->setObjectName(u"emptyLabel"_s);
+    m_emptyLabel->setAlignment(Qt::AlignCenter);
+    m_pageStack = new QStackedWidget;
+    m_pageStack->setObjectName(u"pageStack"_s);
+    m_pageStack->addWidget(m_emptyLabel);
+
+    auto* splitter = new QSplitter(Qt::Horizontal);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(m_pageList);
+    splitter->addWidget(m_pageStack);
+    splitter->setStretchFactor(1, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_searchEdit);
+    layout->addWidget(splitter, 1);
+}
+
+void PreferencesView::setDocument(const XsdtDocument* document)
+{
+    discardPages();
+    if (!document) {
+        return;
+    }
+    for (const PageSpec& spec : m_schema->decoratedPages(*document)) {
+        buildPage(*document, spec);
+    }
+    if (!m_pages.empty()) {
+        m_pageList->setCurrentRow(0);
+    }
+    updatePageCounts();
+    applyFilter();
+}
+
+void PreferencesView::discardPages()
+{
+    m_rows->clear();
+    m_pages.clear();
+    m_shownGroups.clear();
+    m_pageList->clear();
+    showPage(-1);
+    for (int i = m_pageStack->count() - 1; i > 0; --i) {
+        QWidget* page = m_pageStack->widget(i);
+        m_pageStack->removeWidget(page);
+        page->hide();
+        page->deleteLater();
+    }
+}
+
+PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
+{
+    Group part{node, {}, {}};
+    if (m_shownGroups.contains(node)) { // where keys repeat or hold a "/", paths are ambiguous
+        return part;
+    }
+    for (const auto& child : node->children) {
+        const bool isGroup = child->kind == XsdtNode::Kind::Group && depth < maximumNesting;
+        if ((!isGroup && !child->isEditableType()) || m_schema->isHidden(*child)) {
+            continue;
+        }
+        if (!isGroup) {
+            part.values.append(child.get());
+        } else if (Group below = visiblePart(child.get(), depth + 1); !below.isEmpty()) {
+            part.groups.push_back(std::move(below));
+        }
+    }
+    m_shownGroups.insert(node);
+    return part;
+}
+
+void PreferencesView::buildPage(const XsdtDocument& document, const PageSpec& spec)
+{
+    const bool several = spec.paths.size() > 1;
+    std::vector<Group> groups;
+    for (const QString& path : spec.paths) {
+        XsdtNode* node = document.root.findByPath(path);
+        if (!node || node->path() != path) { // a path that ends in an empty key leads elsewhere
+            continue;
+        }
+        if (Group group = visiblePart(node, several ? 1 : 0); !group.isEmpty()) {
+            groups.push_back(std::move(group));
+        }
+    }
+    if (groups.empty()) {
+        return;
+    }
+
+    auto* area = new QScrollArea(m_pageStack);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    auto* content = new QWidget(area);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    Page page;
+    page.title = abbreviated(spec.title, titleLimit);
+    for (const Group& group : groups) {
+        if (several) {
+            buildSection(group, true, layout, page);
+        } else {
+            buildGroup(group, layout, page);
+        }
+    }
+    layout->addStretch();
+    area->setWidget(content);
+    m_pageStack->addWidget(area);
+    page.item = new QListWidgetItem(page.title, m_pageList);
+    m_pages.push_back(std::move(page));
+}
+
+void PreferencesView::buildGroup(const Group& group, QBoxLayout* layout, Page& page)
+{
+    for (XsdtNode* value : group.values) {
+        SettingRow* row = m_rows->add(value, layout->parentWidget());
+        layout->addWidget(row);
+        page.rows.append(row);
+    }
+    for (const Group& below : group.groups) {
+        buildSection(below, false, layout, page);
+    }
+}
+
+void PreferencesView::buildSection(const Group& group, bool expanded, QBoxLayout* layout,
+                                   Page& page)
+{
+    XsdtNode* node = group.node;
+    auto* section = new CollapsibleSection(prettyName(node->key), expanded, layout->parentWidget());
+    section->setContextMenuHandler(
+        [this, node](const QPoint& globalPos) { m_rows->showMenu(node, globalPos); });
+    layout->addWidget(section);
+    page.sections.append(section);
+    buildGroup(group, section->bodyLayout(), page);
+}
+
+void PreferencesView::setReadOnly(bool readOnly)
+{
+    if (readOnly != m_rows->isReadOnly()) {
+        m_rows->setReadOnly(readOnly);
+    }
+}
+
+bool PreferencesView::selectPage(int index)
+{
+    const QListWidgetItem* item = m_pageList->item(index);
+    if (!item || item->isHidden()) {
+        return false;
+    }
+    m_pageList->setCurrentRow(index);
+    return true;
+}
+
+void PreferencesView::setSearchText(const QString& text)
+{
+    m_searchEdit->setText(text);
+}
+
+void PreferencesView::updatePageCounts()
+{
+    for (const Page& page : m_pages) {
+        const auto changed =
+            std::count_if(page.rows.begin(), page.rows.end(),
+                          [](const SettingRow* row) { return row->node()->isModified(); });
+        QFont font; // sets the weight alone, for the list's own font
+        font.setWeight(changed > 0 ? QFont::Bold : QFont::Normal);
+        page.item->setFont(font);
+        page.item->setText(changed > 0 ? tr("%1   ● %2").arg(page.title, QString::number(changed))
+                                       : page.title);
+    }
+}
+
+void PreferencesView::applyFilter()
+{
+    const QString text = m_searchEdit->text().trimmed();
+    QListWidgetItem* firstFound = nullptr;
+    for (const Page& page : m_pages) {
+        const bool found = filterRows(page.rows, text);
+        for (auto it = page.sections.rbegin(); it != page.sections.rend(); ++it) {
+            CollapsibleSection* section = *it;
+            const bool finds = !text.isEmpty() && showsContent(*section);
+            section->setVisible(finds || text.isEmpty());
+            section->setExpanded(text.isEmpty() ? section->startExpanded() : finds);
+        }
+        page.item->setHidden(!found);
+        if (found && !firstFound) {
+            firstFound = page.item;
+        }
+    }
+    const QListWidgetItem* current = m_pageList->currentItem();
+    if (!current || current->isHidden()) {
+        m_pageList->setCurrentItem(firstFound);
+    }
+    showPage(m_pageList->currentRow());
+}
+
+void PreferencesView::showPage(int index)
+{
+    m_pageStack->setCurrentIndex(index + 1);
+}
+
+} // namespace kse

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QSet>
+#include <QWidget>
+
+#include <vector>
+
+class QBoxLayout;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+class QStackedWidget;
+
+namespace kse {
+
+class CollapsibleSection;
+class SettingRow;
+class SettingRowSet;
+class SettingsModel;
+class SettingsSchema;
+struct PageSpec;
+struct XsdtDocument;
+struct XsdtNode;
+
+/// The everyday way of editing: the preferences that can be typed into, in pages, with their
+/// descriptions. Values of other types, hidden ones and what is nested more than 16 groups deep
+/// are left to the tree of all settings.
+class PreferencesView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Model and schema stay the caller's.
+    PreferencesView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent = nullptr);
+
+    /// Shows the document that the model holds, or nothing for null. Pass null before its tree is
+    /// replaced.
+    void setDocument(const XsdtDocument* document);
+
+    /// While PixInsight runs.
+    void setReadOnly(bool readOnly);
+
+    /// Pages of the document, whether or not the search hides them.
+    int pageCount() const { return static_cast<int>(m_pages.size()); }
+
+    /// Shows the page `index`, counted from 0; false if there is none or the search hides it.
+    bool selectPage(int index);
+
+    void setSearchText(const QString& text);
+
+signals:
+    /// A value was turned down; `text` is the reason.
+    void message(const QString& text);
+    void deleteRequested(XsdtNode* node);
+    void restoreRequested(XsdtNode* node);
+
+private:
+    struct Page
+    {
+        QString title;
+        QListWidgetItem* item = nullptr;
+        QList<SettingRow*> rows;
+        QList<CollapsibleSection*> sections; ///< An outer one before those inside it.
+    };
+    struct Group;
+
+    void createUi();
+    void discardPages();
+    Group visiblePart(XsdtNode* node, int depth);
+    void buildPage(const XsdtDocument& document, const PageSpec& spec);
+    void buildGroup(const Group& group, QBoxLayout* layout, Page& page);
+    void buildSection(const Group& group, bool expanded, QBoxLayout* layout, Page& page);
+    void updatePageCounts();
+    void applyFilter();
+    void showPage(int index);
+
+    const SettingsSchema* m_schema = nullptr;
+    SettingRowSet* m_rows = nullptr;
+    QLineEdit* m_searchEdit = nullptr;
+    QListWidget* m_pageList = nullptr;
+    QStackedWidget* m_pageStack = nullptr; ///< `m_emptyLabel`, then the pages in their order.
+    QLabel* m_emptyLabel = nullptr;
+    std::vector<Page> m_pages;
+    QSet<const XsdtNode*> m_shownGroups;
+};
+
+} // namespace kse

@@ -1,0 +1,425 @@
+// SPDX-License-Identifier: MIT
+#include "views/UnusedModulesView.h"
+
+#include "document/Leaves.h"
+#include "document/XsdtDocument.h"
+#include "views/CollapsibleSection.h"
+#include "views/FormatBytes.h"
+#include "views/PlainText.h"
+#include "views/SettingRow.h"
+#include "views/SettingRowSet.h"
+#include "views/SettingsModel.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int rowLimit = 400; // of a card
+constexpr qsizetype textLimit = 1000;
+
+/// With their paths, in the order of these: ascending, whatever the case.
+std::vector<std::pair<QString, XsdtNode*>> sortedByPath(const QList<XsdtNode*>& nodes)
+{
+    std::vector<std::pair<QString, XsdtNode*>> sorted;
+    for (XsdtNode* node : nodes) {
+        sorted.emplace_back(node->path(), node);
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) {
+        return a.first.compare(b.first, Qt::CaseInsensitive) < 0;
+    });
+    return sorted;
+}
+
+qsizetype countMarked(const ModuleInfo& module)
+{
+    return std::count_if(module.nodes.begin(), module.nodes.end(),
+                         [](const XsdtNode* node) { return node->isInsideDeletion(); });
+}
+
+/// Without a signal: whoever changes many ticks brings the summary up to date once.
+void setTicked(QCheckBox& tick, bool ticked)
+{
+    const QSignalBlocker blocker(&tick);
+    tick.setChecked(ticked);
+}
+
+} // namespace
+
+UnusedModulesView::UnusedModulesView(SettingsModel* model, const SettingsSchema* schema,
+                                     QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_rows(new SettingRowSet(model, schema, this))
+{
+    createUi();
+    connectModel();
+    updateSummary();
+}
+
+void UnusedModulesView::createUi()
+{
+    auto* note = new QLabel(
+        tr("Modules that still have saved data but are <b>not in PixInsight's current module "
+           "list</b>: uninstalled, renamed or replaced. Expand one to see its entries and values. "
+           "The list is what PixInsight last recorded, so a module that failed to load or was "
+           "disabled for a while would appear here too. Nothing is removed until you save."));
+    note->setWordWrap(true);
+    m_summary = new QLabel;
+    m_summary->setObjectName(u"summary"_s);
+    m_summary->setTextFormat(Qt::PlainText);
+    m_summary->setWordWrap(true);
+
+    m_listWidget = new QWidget;
+    m_listWidget->setObjectName(u"listWidget"_s);
+    m_listLayout = new QVBoxLayout(m_listWidget);
+    m_listLayout->setContentsMargins(0, 0, 0, 0);
+    m_listLayout->setSpacing(2);
+    m_listLayout->addStretch();
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(m_listWidget);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->addWidget(note);
+    layout->addWidget(m_summary);
+    layout->addWidget(area, 1);
+    layout->addWidget(createButtonRow());
+}
+
+QWidget* UnusedModulesView::createButtonRow()
+{
+    auto* row = new QWidget;
+    const auto createButton = [row](const QString& name, const QString& text) {
+        auto* button = new QPushButton(text, row);
+        button->setObjectName(name);
+        return button;
+    };
+    m_tickAllButton = createButton(u"tickAllButton"_s, tr("Tick all"));
+    m_undoButton = createButton(u"undoButton"_s, tr("Undo queued deletion"));
+    m_queueButton = createButton(u"queueButton"_s, tr("Queue ticked modules for deletion"));
+    connect(m_tickAllButton, &QPushButton::clicked, this, &UnusedModulesView::tickAll);
+    connect(m_undoButton, &QPushButton::clicked, this, &UnusedModulesView::undoTicked);
+    connect(m_queueButton, &QPushButton::clicked, this, &UnusedModulesView::queueTicked);
+
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_tickAllButton);
+    layout->addStretch();
+    layout->addWidget(m_undoButton);
+    layout->addWidget(m_queueButton);
+    return row;
+}
+
+void UnusedModulesView::connectModel()
+{
+    connect(m_rows, &SettingRowSet::message, this, &UnusedModulesView::message);
+    connect(m_rows, &SettingRowSet::deleteRequested, this, &UnusedModulesView::deleteRequested);
+    connect(m_rows, &SettingRowSet::restoreRequested, this, &UnusedModulesView::restoreRequested);
+    connect(m_rows, &SettingRowSet::revealRequested, this, &UnusedModulesView::revealRequested);
+    connect(m_model, &SettingsModel::dataChanged, this, &UnusedModulesView::forgetSizes);
+    // Much has changed; `dataChanged` for each group follows, but has nothing left to do then.
+    connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_sizes.clear(); });
+    connect(m_model, &SettingsModel::edited, this, &UnusedModulesView::updateSummary);
+    connect(m_model, &SettingsModel::modelReset, this, [this] {
+        m_sizes.clear();
+        updateSummary();
+    });
+}
+
+void UnusedModulesView::setDocument(const XsdtDocument* document)
+{
+    clearCards(); // their nodes may go with the document that is let go of
+    m_document = document;
+    refresh();
+}
+
+void UnusedModulesView::refresh()
+{
+    clearCards();
+    if (m_document) {
+        const QList<ModuleInfo> modules = ModuleCatalog::unusedModules(*m_document);
+        m_cards.reserve(modules.size());
+        for (const ModuleInfo& module : modules) {
+            addCard(module);
+        }
+    }
+    updateSummary();
+}
+
+void UnusedModulesView::clearCards()
+{
+    m_rows->clear();
+    m_sizes.clear();
+    for (const Card& card : std::exchange(m_cards, {})) {
+        QWidget* row = card.tick->parentWidget();
+        m_listLayout->removeWidget(row);
+        row->hide();
+        row->deleteLater();
+    }
+}
+
+void UnusedModulesView::addCard(const ModuleInfo& module)
+{
+    auto* row = new QWidget(m_listWidget);
+    Card card{module, new QCheckBox(row), new CollapsibleSection(module.name, false, row)};
+    card.tick->setObjectName(u"tick"_s);
+    card.tick->setAccessibleName(abbreviated(module.name, textLimit));
+    card.tick->setToolTip(tr("Tick to include in the bulk actions below."));
+    connect(card.tick, &QCheckBox::toggled, this, &UnusedModulesView::updateSummary);
+    const qsizetype index = m_cards.size();
+    card.section->setLazyBuilder([this, index] { buildCard(m_cards.at(index)); });
+
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(4, 2, 4, 2);
+    layout->addWidget(card.tick, 0, Qt::AlignTop);
+    layout->addWidget(card.section, 1);
+    m_listLayout->insertWidget(m_listLayout->count() - 1, row);
+    m_cards.append(card);
+}
+
+void UnusedModulesView::buildCard(const Card& card)
+{
+    QBoxLayout* layout = card.section->bodyLayout();
+    int shown = 0;
+    qsizetype total = 0;
+    for (const auto& [path, node] : sortedByPath(card.module.nodes)) {
+        const QList<XsdtNode*> values = valuesOf(*node);
+        total += values.size();
+        addNote(card,
+                tr("%1  (%n value(s))", nullptr, static_cast<int>(values.size()))
+                    .arg(abbreviated(path, textLimit)),
+                node);
+        for (XsdtNode* value : values) {
+            if (shown == rowLimit) {
+                break;
+            }
+            layout->addWidget(m_rows->add(value, layout->parentWidget()));
+            ++shown;
+        }
+    }
+    if (shown < total) {
+        addNote(card,
+                tr("...and %1 more values. Use \"Show in All settings\" from the right-click "
+                   "menu to see the rest.")
+                    .arg(total - shown),
+                nullptr);
+    }
+}
+
+/// A line between the rows of `card`: the title of the group `node`, with a menu, or for null the
+/// closing remark.
+void UnusedModulesView::addNote(const Card& card, const QString& text, XsdtNode* node)
+{
+    QBoxLayout* layout = card.section->bodyLayout();
+    auto* label = new QLabel(text, layout->parentWidget());
+    label->setObjectName(node ? u"groupLabel"_s : u"moreLabel"_s);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setMinimumWidth(1); // one long word must not widen the page
+    layout->addWidget(label);
+    if (!node) {
+        label->setContentsMargins(4, 4, 0, 4);
+        return;
+    }
+    label->setContentsMargins(4, 8, 0, 2);
+    QFont font; // sets the weight alone; the size goes on following the application's
+    font.setWeight(QFont::Bold);
+    label->setFont(font);
+    label->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(label, &QWidget::customContextMenuRequested, this,
+            [this, label, node](QPoint pos) { m_rows->showMenu(node, label->mapToGlobal(pos)); });
+}
+
+void UnusedModulesView::setReadOnly(bool readOnly)
+{
+    m_rows->setReadOnly(readOnly);
+    updateSummary();
+}
+
+QStringList UnusedModulesView::moduleNames() const
+{
+    QStringList names;
+    for (const Card& card : m_cards) {
+        names.append(card.module.name);
+    }
+    return names;
+}
+
+void UnusedModulesView::expandCard(const QString& name)
+{
+    for (const Card& card : m_cards) {
+        if (card.module.name == name) {
+            card.section->setExpanded(true);
+            return;
+        }
+    }
+}
+
+void UnusedModulesView::updateSummary()
+{
+    int queued = 0;
+    int ticked = 0;
+    qint64 tickedBytes = 0;
+    for (const Card& card : std::as_const(m_cards)) {
+        const DataSize size = sizeOf(card.module);
+        const qsizetype marked = countMarked(card.module);
+        updateCard(card, size, marked);
+        queued += marked > 0 ? 1 : 0;
+        if (card.tick->isChecked()) {
+            ++ticked;
+            tickedBytes += size.bytes;
+        }
+    }
+    m_queueButton->setEnabled(!m_rows->isReadOnly() && ticked > 0);
+    m_undoButton->setEnabled(!m_rows->isReadOnly() && ticked > 0);
+    m_tickAllButton->setEnabled(!m_cards.isEmpty());
+    if (!m_document) {
+        m_summary->clear();
+    } else if (m_cards.isEmpty()) {
+        m_summary->setText(
+            tr("No unused module data: every module with saved data is in the module list."));
+    } else if (ticked == 0) {
+        m_summary->setText(tr("%1 unused module(s); %2 queued for deletion")
+                               .arg(QString::number(m_cards.size()), QString::number(queued)));
+    } else {
+        m_summary->setText(tr("%1 unused module(s); %2 ticked (about %3); %4 queued for deletion")
+                               .arg(QString::number(m_cards.size()), QString::number(ticked),
+                                    formatBytes(tickedBytes), QString::number(queued)));
+    }
+}
+
+void UnusedModulesView::updateCard(const Card& card, const DataSize& size, qsizetype marked)
+{
+    QString title = tr("%1  -  %n value(s), %2", nullptr, static_cast<int>(size.values))
+                        .arg(abbreviated(card.module.name, 100), formatBytes(size.bytes));
+    if (marked > 0) {
+        title += marked == card.module.nodes.size() ? tr("   [queued for deletion]")
+                                                    : tr("   [partly queued for deletion]");
+    }
+    card.section->setTitle(title);
+    card.tick->setEnabled(!m_rows->isReadOnly());
+}
+
+/// Like `moduleValueCount` and `moduleDataSize`, but measures each group once until it changes.
+UnusedModulesView::DataSize UnusedModulesView::sizeOf(const ModuleInfo& module)
+{
+    DataSize sum{module.registryNode ? 1 : 0, 0};
+    for (const XsdtNode* node : module.nodes) {
+        auto size = m_sizes.constFind(node);
+        if (size == m_sizes.cend()) {
+            size = m_sizes.insert(node, {node->valueCount(), node->serializedSize()});
+        }
+        sum.values += size->values;
+        sum.bytes += size->bytes;
+    }
+    return sum;
+}
+
+void UnusedModulesView::forgetSizes(const QModelIndex& topLeft)
+{
+    const XsdtNode* node = m_model->nodeForIndex(topLeft.parent());
+    for (; node && !m_sizes.isEmpty(); node = node->parent) {
+        m_sizes.remove(node);
+    }
+}
+
+QList<UnusedModulesView::Card> UnusedModulesView::tickedCards() const
+{
+    QList<Card> cards;
+    std::copy_if(m_cards.begin(), m_cards.end(), std::back_inserter(cards),
+                 [](const Card& card) { return card.tick->isChecked(); });
+    return cards;
+}
+
+void UnusedModulesView::tickAll()
+{
+    for (const Card& card : std::as_const(m_cards)) {
+        setTicked(*card.tick, true);
+    }
+    updateSummary();
+}
+
+void UnusedModulesView::queueTicked()
+{
+    const QList<Card> cards = tickedCards();
+    if (cards.isEmpty() || !confirmQueueing(cards)) {
+        return;
+    }
+    int queued = 0;
+    QStringList refused;
+    {
+        const SettingsModel::Batch batch(*m_model);
+        for (const Card& card : cards) {
+            for (XsdtNode* node : card.module.nodes) {
+                if (m_model->markForDeletion(node)) {
+                    ++queued;
+                } else {
+                    refused.append(node->path());
+                }
+            }
+            setTicked(*card.tick, false);
+        }
+    }
+    updateSummary();
+    if (refused.isEmpty()) {
+        emit message(tr("Queued %1 entries of %n module(s) for deletion. Save to apply.", nullptr,
+                        static_cast<int>(cards.size()))
+                         .arg(queued));
+    } else {
+        emit message(tr("Queued %1 entries; %2 protected entries were left alone (%3).")
+                         .arg(QString::number(queued), QString::number(refused.size()),
+                              abbreviated(refused.join(", "_L1), textLimit)));
+    }
+}
+
+/// False also if the cards are gone, or nothing can be changed any more, when the box closes.
+bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
+{
+    QStringList names;
+    for (const Card& card : cards) {
+        names.append(abbreviated(card.module.name, textLimit));
+    }
+    PlainMessageBox box(QMessageBox::Warning, tr("Delete unused module data?"),
+                        tr("This removes the saved data of %n module(s) that are not in the "
+                           "module list.",
+                           nullptr, static_cast<int>(cards.size())),
+                        QMessageBox::Yes | QMessageBox::Cancel, this);
+    box.setPlainInformativeText(
+        tr("Nothing is removed until you save, and you can undo it before then."));
+    box.setDetailedText(names.join(u'\n'));
+    box.setDefaultButton(QMessageBox::Cancel);
+    const quint64 generation = m_model->generation();
+    return box.exec() == QMessageBox::Yes && m_model->generation() == generation &&
+           !m_rows->isReadOnly();
+}
+
+void UnusedModulesView::undoTicked()
+{
+    {
+        const SettingsModel::Batch batch(*m_model);
+        for (const Card& card : tickedCards()) {
+            for (XsdtNode* node : card.module.nodes) {
+                m_model->undoDeletion(node);
+            }
+            setTicked(*card.tick, false);
+        }
+    }
+    updateSummary();
+}
+
+} // namespace kse
