@@ -161,6 +161,7 @@ bool SettingsFilterProxy::setAccepted(const XsdtNode& node, bool accepted) const
 
 void SettingsFilterProxy::updateAccepted(const XsdtNode& changed)
 {
+    bool isAncestorNew = false;
     for (const XsdtNode* node = &changed; node->parent; node = node->parent) {
         const auto rows = m_accepted.find(node);
         const bool holdsAccepted =
@@ -170,8 +171,14 @@ void SettingsFilterProxy::updateAccepted(const XsdtNode& changed)
             holdsAccepted ||
             passes(*node, node->path().contains(m_filterText, Qt::CaseInsensitive));
         if (!setAccepted(*node, accepted)) {
-            return;
+            break;
         }
+        isAncestorNew = accepted && node != &changed;
+    }
+    if (isAncestorNew) {
+        // What the base class remembers of groups out of sight it doesn't keep up to date: it
+        // would show the ancestor without what it is shown for.
+        invalidate();
     }
 }
 
