@@ -17,6 +17,12 @@
 
 namespace kse {
 
+inline bool operator==(const CompareEntry& a, const CompareEntry& b)
+{
+    return a.path == b.path && a.state == b.state && a.thisNode == b.thisNode &&
+           a.otherNode == b.otherNode;
+}
+
 inline QList<CompareEntry> plainCompare(const XsdtDocument& thisDocument,
                                         const XsdtDocument& otherDocument)
 {

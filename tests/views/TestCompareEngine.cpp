@@ -3,36 +3,11 @@
 #include "support/PlainWays.h"
 #include "support/RandomTree.h"
 #include "support/TestMain.h"
+#include "support/TextRows.h"
 #include "views/CompareEngine.h"
 
-#include <QtTest>
-
+using namespace Qt::StringLiterals;
 using namespace kse;
-
-namespace {
-
-/// For each entry: state, path, and what each file has there, "-" for nothing.
-QString entryLines(const QList<CompareEntry>& entries)
-{
-    const auto side = [](const XsdtNode* node) {
-        return node ? node->typeCode + QStringLiteral(":") + node->value : QStringLiteral("-");
-    };
-    QStringList lines;
-    for (const CompareEntry& entry : entries) {
-        lines.append(QStringLiteral("%1 %2 %3 %4")
-                         .arg(static_cast<int>(entry.state))
-                         .arg(entry.path, side(entry.thisNode), side(entry.otherNode)));
-    }
-    return lines.join(QLatin1String(", "));
-}
-
-bool areSame(const CompareEntry& a, const CompareEntry& b)
-{
-    return a.path == b.path && a.state == b.state && a.thisNode == b.thisNode &&
-           a.otherNode == b.otherNode;
-}
-
-} // namespace
 
 class TestCompareEngine : public QObject
 {
@@ -41,107 +16,89 @@ class TestCompareEngine : public QObject
 private slots:
     void listsWhatDiffers_data()
     {
-        QTest::addColumn<QByteArray>("here");
-        QTest::addColumn<QByteArray>("there");
-        QTest::addColumn<QString>("lines");
-        const QByteArray one = R"(<v k="a" t="F" v="1.0"/>)";
-        QTest::newRow("equal; groups don't count") << one << one + R"(<i k="g"/>)"
-                                                   << "";
-        QTest::newRow("text, type, and what only one has, the other file's last")
-            << QByteArray(R"(<v k="a" t="F" v="1.0"/><v k="new" t="b" v="true"/>)"
-                          R"(<v k="b" t="i" v="7"/>)")
-            << QByteArray(R"(<v k="old" t="b" v="true"/><v k="b" t="u" v="7"/>)"
-                          R"(<v k="a" t="F" v="1.00"/>)")
-            << "0 a F:1.0 F:1.00, 1 new b:true -, 0 b i:7 u:7, 2 old - b:true";
-        QTest::newRow("duplicates: each here against the last there")
-            << QByteArray(R"(<v k="a" t="i" v="1"/><v k="a" t="i" v="2"/><v k="a" t="i" v="3"/>)")
-            << QByteArray(R"(<v k="a" t="i" v="1"/><v k="x" t="i" v="0"/><v k="a" t="i" v="2"/>)"
-                          R"(<v k="x" t="i" v="1"/>)")
-            << "0 a i:1 i:2, 0 a i:3 i:2, 2 x - i:0, 2 x - i:1";
-        QTest::newRow("one path of other keys")
-            << QByteArray(R"(<v k="a/b" t="i" v="1"/><i k=""><v k="c" t="i" v="2"/></i>)")
-            << QByteArray(R"(<i k="a"><v k="b" t="i" v="1"/></i><v k="c" t="i" v="3"/>)")
-            << "0 c i:2 i:3";
+        // Of both files the values, and of each difference state, path and both texts.
+        addTextRows({"a:F=1.0 > a:F=1.0 > ",
+                     "a:F=1.0 new:b=1 b:i=7 > old:b=1 b:u=7 a:F=1.00 > "
+                     "0 a F:1.0 F:1.00, 1 new b:1 -, 0 b i:7 u:7, 2 old - b:1",
+                     "a:i=1 a:i=2 a:i=3 > a:i=1 x:i=0 a:i=2 x:i=1 > "
+                     "0 a i:1 i:2, 0 a i:3 i:2, 2 x - i:0, 2 x - i:1"});
     }
     void listsWhatDiffers()
     {
-        QFETCH(QByteArray, here);
-        QFETCH(QByteArray, there);
-        QTEST(entryLines(compareDocuments(*documentFrom(here), *documentFrom(there))), "lines");
+        QFETCH(QStringList, cells);
+        QCOMPARE(differences(*documentOf(cells[0]), *documentOf(cells[1])), cells[2]);
+    }
+
+    void comparesPathsAsStrings()
+    {
+        const auto here =
+            documentFrom(R"(<v k="a/b" t="i" v="1"/><i k=""><v k="c" t="i" v="2"/></i>)");
+        const auto there =
+            documentFrom(R"(<i k="a"><v k="b" t="i" v="1"/></i><v k="c" t="i" v="3"/><i k="d"/>)");
+        QCOMPARE(differences(*here, *there), u"0 c i:2 i:3"_s);
     }
 
     void agreesWithThePlainWay()
     {
-        const QStringList keys = QStringLiteral(",a,b,c,/,a/b,/a,b/,a//c,A").split(u',');
+        const QStringList keys = u",a,b,c,/,a/b,/a,b/,a//c,A"_s.split(u',');
         QRandomGenerator random(1);
         for (int round = 0; round < 300; ++round) {
             XsdtDocument here;
             XsdtDocument there;
             growRandomTree(here.root, random, keys, 100);
             growRandomTree(there.root, random, keys, 100);
-            const QList<CompareEntry> quick = compareDocuments(here, there);
-            const QList<CompareEntry> plain = plainCompare(here, there);
-            QVERIFY(std::equal(quick.begin(), quick.end(), plain.begin(), plain.end(), areSame));
+            QVERIFY(compareDocuments(here, there) == plainCompare(here, there));
         }
     }
 
     void staysQuickInADeepFile()
     {
         // A value at each level: to build, or to climb along, the path of each would take minutes.
-        XsdtDocument here;
-        XsdtDocument there;
-        for (XsdtDocument* document : {&here, &there}) {
-            addLevels(document->root, 300'000);
-        }
-        XsdtNode* top = here.root.children.back().get();
-        top->value = QStringLiteral("other");
-        QCOMPARE(entryLines(compareDocuments(here, there)), QStringLiteral("0 top i:other i:"));
+        const int levels = 300'000;
+        const QByteArray deep =
+            QByteArray(R"(<i k="level"><v k="value" t="i" v="1"/>)").repeated(levels) +
+            QByteArray("</i>").repeated(levels);
+        QCOMPARE(differences(*documentFrom(deep + R"(<v k="top" t="i" v="1"/>)"),
+                             *documentFrom(deep + R"(<v k="top" t="i" v="2"/>)")),
+                 u"0 top i:1 i:2"_s);
     }
 
     void groupsPaths_data()
     {
-        QTest::addColumn<QString>("group");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("Global/Preferences/Process/MaxProcessors") << "Global/Preferences/Process"
-                                                                  << "MaxProcessors";
-        QTest::newRow("Global/Preferences/Deep/er/still") << "Global/Preferences/Deep"
-                                                          << "er/still";
-        QTest::newRow("Global/Preferences/Version") << "Global/Preferences"
-                                                    << "Version";
-        QTest::newRow("ModuleData/A/B/C") << "ModuleData/A"
-                                          << "B/C";
-        QTest::newRow("Tool/Option") << "Tool"
-                                     << "Option";
-        QTest::newRow("/Option") << ""
-                                 << "Option";
-        QTest::newRow("Option") << "(top level)"
-                                << "Option";
+        addTextRows({"Global/Preferences/Process/MaxProcessors > Global/Preferences/Process > "
+                     "MaxProcessors",
+                     "Global/Preferences/Deep/er/still > Global/Preferences/Deep > er/still",
+                     "Global/Preferences/Version > Global/Preferences > Version",
+                     "ModuleData/A/B/C > ModuleData/A > B/C", "Tool/Option > Tool > Option",
+                     "/Option >  > Option", "Option > (top level) > Option"});
     }
     void groupsPaths()
     {
-        const GroupedPath parts = groupedPath(QString::fromUtf8(QTest::currentDataTag()));
-        QTEST(parts.group, "group");
-        QTEST(parts.name, "name");
+        QFETCH(QStringList, cells);
+        const GroupedPath parts = groupedPath(cells[0]);
+        QCOMPARE(QStringList({parts.group, parts.name}), cells.mid(1));
     }
 
 private:
-    static void addValue(XsdtNode& group, const QString& key)
+    /// A document of values written "key:t=text" with blanks between.
+    static std::unique_ptr<XsdtDocument> documentOf(const QString& values)
     {
-        XsdtNode* value = group.append(std::make_unique<XsdtNode>());
-        value->kind = XsdtNode::Kind::Value;
-        value->key = key;
-        value->typeCode = u'i';
+        static const QRegularExpression value(u"(\\w+):(\\w)=(\\S+) ?"_s);
+        return documentFrom(
+            QString(values).replace(value, uR"(<v k="\1" t="\2" v="\3"/>)"_s).toUtf8());
     }
 
-    static void addLevels(XsdtNode& root, int levels)
+    static QString differences(const XsdtDocument& here, const XsdtDocument& there)
     {
-        XsdtNode* group = &root;
-        for (int i = 0; i < levels; ++i) {
-            group = group->append(std::make_unique<XsdtNode>());
-            group->key = QStringLiteral("level");
-            addValue(*group, QStringLiteral("value"));
+        const auto side = [](const XsdtNode* node) {
+            return node ? node->typeCode + u":"_s + node->value : u"-"_s;
+        };
+        QStringList texts;
+        for (const CompareEntry& entry : compareDocuments(here, there)) {
+            texts.append(QString::number(static_cast<int>(entry.state)) + u' ' + entry.path + u' ' +
+                         side(entry.thisNode) + u' ' + side(entry.otherNode));
         }
-        addValue(root, QStringLiteral("top"));
+        return texts.join(u", "_s);
     }
 };
 

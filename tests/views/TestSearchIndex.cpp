@@ -24,15 +24,13 @@ private slots:
 
     void splitsTerms_data()
     {
-        QTest::addColumn<QString>("terms");
-        QTest::newRow(" Two  words ") << "two|words";
-        QTest::newRow("\"One Phrase\" x") << "one phrase|x";
-        QTest::newRow("a\"b c\" \"open") << "a\"b|c\"|\"open";
-        QTest::newRow("\"\" \t") << "\"\"";
+        addTextRows({" Two  words  > two|words", "\"One Phrase\" x > one phrase|x",
+                     "a\"b c\" \"open > a\"b|c\"|\"open", "\"\" \t > \"\""});
     }
     void splitsTerms()
     {
-        QTEST(searchTerms(QString::fromUtf8(QTest::currentDataTag())).join(u'|'), "terms");
+        QFETCH(QStringList, cells);
+        QCOMPARE(searchTerms(cells[0]).join(u'|'), cells[1]);
     }
 
     /// Where to look (names, values, descriptions; changed, protected, restricted), what for, and
@@ -58,18 +56,15 @@ private slots:
         const QSet<XsdtNode*> some = {root.childByKey(u"Block"), root.children.back().get()};
 
         QFETCH(QStringList, cells);
-        const QString scopes = cells[0];
-        SearchQuery options;
-        options.terms = searchTerms(cells[1]);
-        options.names = scopes.contains(u'n');
-        options.values = scopes.contains(u'v');
-        options.descriptions = scopes.contains(u'd');
-        options.changedOnly = scopes.contains(u'c');
-        options.includeProtected = scopes.contains(u'p');
-        options.restriction = scopes.contains(u'r') ? &some : nullptr;
+        const auto has = [&](char16_t scope) {
+            return cells[0].contains(scope);
+        };
+        const SearchQuery query{
+            searchTerms(cells[1]),      has(u'n'), has(u'v'), has(u'd'), has(u'c'), has(u'p'),
+            has(u'r') ? &some : nullptr};
         const QList<SearchIndexEntry> index = buildSearchIndex(*document, m_schema);
         QStringList keys;
-        for (const qsizetype place : search(index, options)) {
+        for (const qsizetype place : search(index, query)) {
             keys.append(index[place].node->key);
         }
         QCOMPARE(keys.join(u' '), cells[2]);
