@@ -72,10 +72,7 @@ private:
         }
         qsizetype number = parent;
         for (const QStringView segment : key.tokenize(u'/')) {
-            number = take(Step{number, segment});
-            if (number == unknown) {
-                break;
-            }
+            number = take(Step{number, segment}); // nothing is known beneath what is unknown
         }
         return number;
     }
