@@ -33,7 +33,7 @@ XsdtNode* XsdtNode::append(std::unique_ptr<XsdtNode> child)
 {
     child->parent = this;
     child->rowHint = static_cast<quint32>(children.size());
-    child->depth = depth + 1;
+    child->depth = static_cast<quint16>(std::min(depth + 1, 0xFFFF));
     children.push_back(std::move(child));
     return children.back().get();
 }

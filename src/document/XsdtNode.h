@@ -20,17 +20,17 @@ struct XsdtNode
     enum class Kind : qint32 { Group = 0, Value = 1 };
 
     Kind kind = Kind::Group;
-    QString key;                    ///< Entities decoded; may be empty, may repeat among siblings.
-    QChar typeCode;                 ///< One of `XsdtValueType` or any other; null in a group.
-    QString value;                  ///< The current text, entities decoded.
-    QString original;               ///< The text as loaded or as last committed.
-    bool textForm = false;          ///< The file held the value as element text.
-    bool selfClosing = false;       ///< The element stood in the file as `<.../>`.
+    quint32 rowHint = 0;      ///< Where the node was put among its siblings; see `rowInParent`.
+    QString key;              ///< Entities decoded; may be empty, may repeat among siblings.
+    QString value;            ///< The current text, entities decoded.
+    QString original;         ///< The text as loaded or as last committed.
+    QChar typeCode;           ///< One of `XsdtValueType` or any other; null in a group.
+    bool textForm = false;    ///< The file held the value as element text.
+    bool selfClosing = false; ///< The element stood in the file as `<.../>`.
     bool markedForDeletion = false; ///< This node and all beneath it go at the next save.
-    XsdtNode* parent = nullptr;     ///< Null in the root.
+    quint16 depth = 0; ///< Levels above it, 65535 for all beyond: 0 in the root. Set by `append`.
+    XsdtNode* parent = nullptr;                      ///< Null in the root.
     std::vector<std::unique_ptr<XsdtNode>> children; ///< In file order; empty in a value.
-    quint32 rowHint = 0; ///< Where the node was put among its siblings; see `rowInParent`.
-    quint32 depth = 0;   ///< Levels above it: 0 for the root. Set by `append`.
 
     XsdtNode() = default;
     ~XsdtNode();
