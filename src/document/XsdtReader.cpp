@@ -3,6 +3,7 @@
 
 #include "document/XsdtDocument.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -19,51 +20,88 @@ class StringPool
 public:
     QString string(QStringView text)
     {
-        if (text.isEmpty()) {
-            return QString(u""_s);
-        }
         if (text.size() > longest) {
             return text.toString();
         }
-        QString& entry = m_entries[slot(text)];
-        if (entry != text) {
-            entry = text.toString();
+        if (text.isEmpty()) {
+            return QString(u""_s);
         }
-        return entry;
+        const quint64 hash = hashOf(text);
+        const auto slot = static_cast<std::size_t>(hash >> (64 - slotBits));
+        const auto mark = static_cast<quint16>(hash >> 16);
+        if (m_marks[slot] != mark) {
+            // Kept from the second time on, so that what comes once displaces nothing.
+            m_marks[slot] = mark;
+            return text.toString();
+        }
+        QString& kept = m_kept[slot];
+        if (!equal(kept, text)) {
+            kept = text.toString();
+        }
+        return kept;
     }
 
 private:
     static constexpr qsizetype longest = 24;
-    static constexpr int slotBits = 12;
+    static constexpr int slotBits = 13;
 
-    static std::size_t slot(QStringView text)
+    static quint64 fourAt(QStringView text, qsizetype index)
     {
-        constexpr quint64 multiplier = 0x9E3779B97F4A7C15;
-        auto hash = static_cast<quint64>(text.size());
-        const char16_t* at = text.utf16();
-        qsizetype left = text.size();
-        for (; left >= 4; left -= 4, at += 4) {
-            quint64 four;
-            std::memcpy(&four, at, sizeof four);
-            hash = (hash ^ four) * multiplier;
-            hash ^= hash >> 32;
-        }
-        for (; left > 0; --left, ++at) {
-            hash = (hash ^ *at) * multiplier;
-        }
-        return static_cast<std::size_t>((hash * multiplier) >> (64 - slotBits));
+        quint64 four = 0;
+        std::memcpy(&four, text.data() + index, sizeof four);
+        return four;
     }
 
-    std::array<QString, std::size_t(1) << slotBits> m_entries;
+    /// Looks at the first, middle and last characters, enough to tell most texts of a file apart.
+    static quint64 hashOf(QStringView text)
+    {
+        constexpr quint64 multiplier = 0x9E3779B97F4A7C15;
+        const qsizetype size = text.size();
+        auto hash = static_cast<quint64>(size);
+        if (size < 4) {
+            for (const QChar c : text) {
+                hash = (hash << 16) | c.unicode();
+            }
+        } else {
+            hash = (hash ^ fourAt(text, 0)) * multiplier;
+            hash = (hash ^ (hash >> 32) ^ fourAt(text, size - 4)) * multiplier;
+            hash ^= (hash >> 32) ^ fourAt(text, size / 2 - 2);
+        }
+        return hash * multiplier;
+    }
+
+    /// Quicker than Qt's for texts as short as these.
+    static bool equal(QStringView a, QStringView b)
+    {
+        if (a.size() != b.size()) {
+            return false;
+        }
+        if (a.size() < 4) {
+            return std::equal(a.begin(), a.end(), b.begin());
+        }
+        quint64 difference = fourAt(a, a.size() - 4) ^ fourAt(b, b.size() - 4);
+        for (qsizetype i = 0; i + 4 < a.size(); i += 4) {
+            difference |= fourAt(a, i) ^ fourAt(b, i);
+        }
+        return difference == 0;
+    }
+
+    std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< of the texts that came last
+    std::array<QString, std::size_t(1) << slotBits> m_kept;
 };
+
+constexpr auto asciiNameCharacters = [] {
+    std::array<bool, 128> table{};
+    for (std::size_t c = 0; c < table.size(); ++c) {
+        table[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                   c == '_' || c == '-' || c == ':' || c == '.';
+    }
+    return table;
+}();
 
 bool isNameCharacter(char16_t c)
 {
-    if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9')) {
-        return true;
-    }
-    return c == u'_' || c == u'-' || c == u':' || c == u'.' ||
-           (c >= 0x80 && QChar::isLetterOrNumber(c));
+    return c < asciiNameCharacters.size() ? asciiNameCharacters[c] : QChar::isLetterOrNumber(c);
 }
 
 /// The code point of a numeric reference's digits; 0, which no reference may name, if they aren't
@@ -147,22 +185,31 @@ bool decodeEntities(QStringView input, QString& output, QString& error)
     }
 }
 
-/// The decoded text of an attribute: a part of the file's text where nothing had to be decoded.
+/// The decoded text of an attribute: a part of the file's text, or of `buffer` where references
+/// had to be decoded.
 struct Attribute
 {
     bool present = false;
     QStringView text;
-    QString decoded;
+    QString buffer;
 };
 
+/// One tag for all: to make and destroy its strings anew for each costs more than to read it.
 struct Tag
 {
     QStringView name;
+    bool closing = false;
+    bool selfClosing = false;
     Attribute k;
     Attribute t;
     Attribute v;
-    bool closing = false;
-    bool selfClosing = false;
+    Attribute other;
+
+    void clear()
+    {
+        closing = selfClosing = false;
+        k.present = t.present = v.present = false;
+    }
 };
 
 class Reader
@@ -182,15 +229,14 @@ public:
     qsizetype position() const { return m_pos - m_begin; }
 
 private:
-    bool readTag(Tag& tag);
-    bool readAttribute(Tag& tag);
+    bool readTag();
+    bool readAttribute();
     QStringView readName();
     bool readElement(XsdtNode*& group);
-    bool readValue(Tag& tag, XsdtNode& group);
-    bool readText(XsdtNode& value);
-    bool decode(QStringView raw, Attribute& attribute);
+    bool readValue(XsdtNode& group);
+    bool readText();
+    bool decode(Attribute& attribute);
 
-    QString take(Attribute& attribute);
     void skipSpace();
     bool atEnd() const { return m_pos == m_end; }
     bool atEndTag() const { return m_end - m_pos >= 2 && m_pos[0] == u'<' && m_pos[1] == u'/'; }
@@ -200,6 +246,7 @@ private:
     const char16_t* m_end;
     const char16_t* m_pos;
     QString* m_error;
+    Tag m_tag;
     StringPool m_pool;
 };
 
@@ -238,23 +285,17 @@ QStringView Reader::readName()
     return {start, m_pos};
 }
 
-QString Reader::take(Attribute& attribute)
-{
-    return attribute.decoded.isEmpty() ? m_pool.string(attribute.text)
-                                       : std::move(attribute.decoded);
-}
-
-bool Reader::decode(QStringView raw, Attribute& attribute)
+bool Reader::decode(Attribute& attribute)
 {
     QString reason;
-    if (!decodeEntities(raw, attribute.decoded, reason)) {
+    if (!decodeEntities(attribute.text, attribute.buffer, reason)) {
         return failAt(reason);
     }
-    attribute.text = attribute.decoded;
+    attribute.text = attribute.buffer;
     return true;
 }
 
-bool Reader::readAttribute(Tag& tag)
+bool Reader::readAttribute()
 {
     const QStringView name = readName();
     if (name.isEmpty()) {
@@ -278,37 +319,34 @@ bool Reader::readAttribute(Tag& tag)
     if (twin == m_end) {
         return failAt(u"unterminated attribute value"_s);
     }
-    const QStringView raw(m_pos, twin);
-    m_pos = twin + 1;
-
-    Attribute unknown;
     const char16_t letter = name.size() == 1 ? name[0].unicode() : u'\0';
-    Attribute& attribute = letter == u'k'   ? tag.k
-                           : letter == u't' ? tag.t
-                           : letter == u'v' ? tag.v
-                                            : unknown;
+    Attribute& attribute = letter == u'k'   ? m_tag.k
+                           : letter == u't' ? m_tag.t
+                           : letter == u'v' ? m_tag.v
+                                            : m_tag.other;
     attribute.present = true;
-    attribute.text = raw;
-    attribute.decoded.clear();
-    if (references && !decode(raw, attribute)) {
+    attribute.text = QStringView(m_pos, twin);
+    m_pos = twin + 1;
+    if (references && !decode(attribute)) {
         return false;
     }
-    return &attribute != &unknown || failAt(u"unsupported attribute '%1'"_s.arg(name));
+    return &attribute != &m_tag.other || failAt(u"unsupported attribute '%1'"_s.arg(name));
 }
 
-bool Reader::readTag(Tag& tag)
+bool Reader::readTag()
 {
+    m_tag.clear();
     skipSpace();
     if (atEnd() || *m_pos != u'<') {
         return failAt(u"expected '<'"_s);
     }
     ++m_pos;
     if (!atEnd() && *m_pos == u'/') {
-        tag.closing = true;
+        m_tag.closing = true;
         ++m_pos;
     }
-    tag.name = readName();
-    if (tag.name.isEmpty()) {
+    m_tag.name = readName();
+    if (m_tag.name.isEmpty()) {
         return failAt(u"expected an element name"_s);
     }
     while (true) {
@@ -321,23 +359,24 @@ bool Reader::readTag(Tag& tag)
             return true;
         }
         if (*m_pos == u'/') {
-            if (tag.closing || m_end - m_pos < 2 || m_pos[1] != u'>') {
+            if (m_tag.closing || m_end - m_pos < 2 || m_pos[1] != u'>') {
                 return failAt(u"malformed tag"_s);
             }
-            tag.selfClosing = true;
+            m_tag.selfClosing = true;
             m_pos += 2;
             return true;
         }
-        if (tag.closing) {
+        if (m_tag.closing) {
             return failAt(u"unexpected content in closing tag"_s);
         }
-        if (!readAttribute(tag)) {
+        if (!readAttribute()) {
             return false;
         }
     }
 }
 
-bool Reader::readText(XsdtNode& value)
+/// Reads the text form's value and end tag into the tag's `v`.
+bool Reader::readText()
 {
     static constexpr QStringView endTag = u"</v>";
     const QStringView rest(m_pos, m_end);
@@ -346,39 +385,36 @@ bool Reader::readText(XsdtNode& value)
         return failAt(rest.contains(endTag) ? u"markup inside a <v> text value"_s
                                             : u"unterminated <v> element"_s);
     }
-    Attribute text;
-    text.text = rest.left(length);
-    if (text.text.contains(u'&') && !decode(text.text, text)) {
+    m_tag.v.text = rest.left(length);
+    if (m_tag.v.text.contains(u'&') && !decode(m_tag.v)) {
         return false;
     }
-    value.value = take(text);
     m_pos += length + endTag.size();
     return true;
 }
 
-bool Reader::readValue(Tag& tag, XsdtNode& group)
+bool Reader::readValue(XsdtNode& group)
 {
-    if (!tag.k.present || !tag.t.present || tag.t.text.size() != 1) {
+    if (!m_tag.k.present || !m_tag.t.present || m_tag.t.text.size() != 1) {
         return failAt(u"malformed <v> element"_s);
     }
-    if (tag.selfClosing && !tag.v.present) {
+    if (m_tag.selfClosing && !m_tag.v.present) {
         return failAt(u"<v> element without a value"_s);
     }
-    if (!tag.selfClosing && tag.v.present) {
+    if (!m_tag.selfClosing && m_tag.v.present) {
         return failAt(u"<v> element with both an attribute and a text value"_s);
     }
-    auto node = std::make_unique<XsdtNode>();
-    node->kind = XsdtNode::Kind::Value;
-    node->key = take(tag.k);
-    node->typeCode = tag.t.text.front();
-    node->textForm = !tag.selfClosing;
-    node->selfClosing = tag.selfClosing;
-    if (tag.selfClosing) {
-        node->value = take(tag.v);
-    } else if (!readText(*node)) {
+    if (!m_tag.selfClosing && !readText()) {
         return false;
     }
+    std::unique_ptr<XsdtNode> node(new XsdtNode); // make_unique would zero it all first
+    node->kind = XsdtNode::Kind::Value;
+    node->key = m_pool.string(m_tag.k.text);
+    node->typeCode = m_tag.t.text.front();
+    node->value = m_pool.string(m_tag.v.text);
     node->original = node->value;
+    node->textForm = !m_tag.selfClosing;
+    node->selfClosing = m_tag.selfClosing;
     group.append(std::move(node));
     return true;
 }
@@ -386,24 +422,24 @@ bool Reader::readValue(Tag& tag, XsdtNode& group)
 /// Reads one value, or the start of a group, which then becomes `group`.
 bool Reader::readElement(XsdtNode*& group)
 {
-    Tag tag;
-    if (!readTag(tag)) {
+    if (!readTag()) {
         return false;
     }
-    if (tag.name == u"v") {
-        return readValue(tag, *group);
+    const QChar kind = m_tag.name.size() == 1 ? m_tag.name.front() : QChar();
+    if (kind == u'v') {
+        return readValue(*group);
     }
-    if (tag.name != u"i") {
-        return failAt(u"unexpected element <%1>"_s.arg(tag.name));
+    if (kind != u'i') {
+        return failAt(u"unexpected element <%1>"_s.arg(m_tag.name));
     }
-    if (!tag.k.present || tag.t.present || tag.v.present) {
+    if (!m_tag.k.present || m_tag.t.present || m_tag.v.present) {
         return failAt(u"malformed <i> element"_s);
     }
-    auto node = std::make_unique<XsdtNode>();
-    node->key = take(tag.k);
-    node->selfClosing = tag.selfClosing;
+    std::unique_ptr<XsdtNode> node(new XsdtNode); // make_unique would zero it all first
+    node->key = m_pool.string(m_tag.k.text);
+    node->selfClosing = m_tag.selfClosing;
     XsdtNode* child = group->append(std::move(node));
-    if (!tag.selfClosing) {
+    if (!m_tag.selfClosing) {
         group = child;
     }
     return true;
@@ -423,12 +459,11 @@ bool Reader::readContent(XsdtNode& root)
             }
             continue;
         }
-        Tag tag;
-        if (!readTag(tag)) {
+        if (!readTag()) {
             return false;
         }
         const bool isRoot = group == &root;
-        if (tag.name != (isRoot ? QStringView(u"xsdt") : QStringView(u"i"))) {
+        if (m_tag.name != (isRoot ? QStringView(u"xsdt") : QStringView(u"i"))) {
             return failAt(isRoot ? u"expected </xsdt>"_s : u"expected </i>"_s);
         }
         group->children.shrink_to_fit();
