@@ -212,19 +212,15 @@ void AdBanner::fetch(const QUrl& url, const Callback& callback)
 
     QNetworkReply* reply = m_network->get(request);
     const auto bytes = std::make_shared<QByteArray>();
-    const auto readMore = [reply, bytes] {
+    connect(reply, &QNetworkReply::readyRead, this, [reply, bytes] {
         *bytes += reply->read(replyLimit + 1 - bytes->size());
-        return bytes->size() <= replyLimit;
-    };
-    connect(reply, &QNetworkReply::readyRead, this, [reply, readMore] {
-        if (!readMore()) {
+        if (bytes->size() > replyLimit) {
             reply->abort();
         }
     });
-    connect(reply, &QNetworkReply::finished, this, [reply, bytes, readMore, callback] {
+    connect(reply, &QNetworkReply::finished, this, [reply, bytes, callback] {
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        const bool isGood =
-            reply->error() == QNetworkReply::NoError && status.toInt() == 200 && readMore();
+        const bool isGood = reply->error() == QNetworkReply::NoError && status.toInt() == 200;
         reply->deleteLater();
         callback(isGood ? *bytes : QByteArray());
     });

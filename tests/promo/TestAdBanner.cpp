@@ -40,10 +40,9 @@ QByteArray redPng(int width, int height)
     return buffer.data();
 }
 
-bool keepManifest(const QString& folder, const QByteArray& bytes, int hoursAgo = 0)
+bool keepManifest(const QString& folder, const QByteArray& bytes, qint64 age = 0)
 {
-    const QDateTime then = QDateTime::currentDateTimeUtc().addSecs(-3600 * hoursAgo);
-    return AdManifest::saveCached(folder, bytes, then);
+    return AdManifest::saveCached(folder, bytes, QDateTime::currentDateTimeUtc().addSecs(-age));
 }
 
 class Banner : public AdBanner
@@ -91,6 +90,9 @@ void TestAdBanner::showsWhatTheAnswerLeaves_data()
     QTest::addColumn<Answer>("answer");
     QTest::addColumn<bool>("isGood");
     QTest::newRow("good") << Answer{found} << true;
+    QTest::newRow("packed") << Answer{qCompress(found).mid(4), "200 OK",
+                                      "Content-Encoding: deflate\r\n"}
+                            << true;
     QTest::newRow("moved") << Answer{{}, "302 Found", "Location: /moved\r\n"} << true;
     QTest::newRow("bad XML") << Answer{found + "<"} << false;
     QTest::newRow("empty") << Answer{} << false;
@@ -109,7 +111,7 @@ void TestAdBanner::showsWhatTheAnswerLeaves()
     server.answers = {{manifestPath, answer}, {"/moved", {manifest("new")}}};
     const QTemporaryDir dir;
     const QString noFolderYet = dir.filePath(u"ads"_s);
-    QVERIFY(keepManifest(dir.path(), manifest("old"), 2));
+    QVERIFY(keepManifest(dir.path(), manifest("old"), 7200));
     Banner withCopy(dir.path(), server.url());
     Banner withoutCopy(noFolderYet, server.url());
     if (answer.status.isEmpty()) {
@@ -151,7 +153,7 @@ void TestAdBanner::asksOnceAndTellsNothing()
 {
     LoopbackServer server;
     const QByteArray found = manifest("new", server.url(u"/a.png"_s));
-    server.answers = {{manifestPath, {found, "200 OK", "Set-Cookie: user=1\r\n"}},
+    server.answers = {{manifestPath, {found, "200 OK", "Set-Cookie: user=1; path=/\r\n"}},
                       {"/a.png", {redPng(532, 92)}}};
     const QTemporaryDir dir;
     Banner first(dir.path(), server.url());
@@ -160,7 +162,7 @@ void TestAdBanner::asksOnceAndTellsNothing()
     Banner second(dir.path(), server.url());
     second.start(true, 0);
     QCOMPARE(second.corner(), red);
-    QVERIFY(keepManifest(dir.path(), manifest("old", server.url(u"/b.png"_s)), 2));
+    QVERIFY(keepManifest(dir.path(), manifest("old", server.url(u"/b.png"_s)), 7200));
     Banner forbidden(dir.path(), server.url());
     forbidden.start(false, 0);
     QCOMPARE(forbidden.shownId(), u"old"_s);
@@ -262,13 +264,11 @@ void TestAdBanner::placesStripAndCaption()
 {
     Banner banner{QString(), QUrl()};
     const auto* caption = banner.findChild<QLabel*>(u"caption"_s);
-    for (const double size : {8.0, 20.0}) {
-        QFont font;
-        font.setPointSizeF(size);
-        banner.setFont(font);
-        QCOMPARE(caption->font().pointSizeF(), 0.8 * size);
-        QCOMPARE(banner.minimumSizeHint(), QSize(2 * caption->sizeHint().width() + 552, 100));
-    }
+    QFont font;
+    font.setPointSizeF(20);
+    banner.setFont(font);
+    QCOMPARE(caption->font().pointSizeF(), 16.0);
+    QCOMPARE(banner.minimumSizeHint(), QSize(2 * caption->sizeHint().width() + 552, 100));
     banner.resize(732, 100);
     banner.show();
     QCOMPARE(caption->geometry(), QRect(QPoint(10, 6), caption->sizeHint()));
