@@ -50,6 +50,7 @@ public:
 
     /// Not owned. With null nothing can be deleted and nothing is locked.
     void setPolicy(const DeletePolicy* policy) { m_policy = policy; }
+    const DeletePolicy* policy() const { return m_policy; }
 
     /// While set, values can't be edited and nothing can be marked for deletion.
     void setReadOnly(bool readOnly);

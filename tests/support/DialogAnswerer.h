@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QPointer>
 #include <QTimer>
+#include <QWidget>
 
 #include <functional>
 #include <utility>
