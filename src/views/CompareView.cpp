@@ -1,0 +1,677 @@
+// SPDX-License-Identifier: MIT
+#include "views/CompareView.h"
+
+#include "schema/DeletePolicy.h"
+#include "session/PixInsightEnv.h"
+#include "session/SettingsStore.h"
+#include "views/PlainText.h"
+#include "views/SettingsModel.h"
+#include "views/WheelGuard.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHash>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSet>
+#include <QSignalBlocker>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+enum Column { SettingColumn, ThisColumn, OtherColumn, StatusColumn };
+
+constexpr int maximumExpanded = 400; // rows; beyond, the groups are closed at first
+constexpr qsizetype maximumBackups = 25;
+constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
+constexpr qsizetype valueLimit = 90;
+constexpr qsizetype toolTipValueLimit = 300;
+
+const QString browseData = u"?"_s;
+
+bool isSameFile(const QString& path, const QString& other)
+{
+    return !path.isEmpty() && !other.isEmpty() && QFileInfo(path) == QFileInfo(other);
+}
+
+QString shownValue(const XsdtNode* node)
+{
+    return node ? displayValue(*node, node->value, valueLimit) : QString();
+}
+
+QString statusText(const CompareEntry& entry)
+{
+    switch (entry.state) {
+    case CompareState::OnlyThis:
+        return CompareView::tr("Only in this file");
+    case CompareState::OnlyOther:
+        return CompareView::tr("Only in the other file");
+    case CompareState::Different:
+        break;
+    }
+    const QString text = CompareView::tr("Different");
+    const QChar type = entry.thisNode->typeCode;
+    const QChar otherType = entry.otherNode->typeCode;
+    return type == otherType
+               ? text
+               : text + CompareView::tr(" (type %1 / %2)").arg(QString(type), QString(otherType));
+}
+
+QString toolTipText(const CompareEntry& entry, bool isCopyable)
+{
+    QString text = abbreviated(entry.path, nameLimit);
+    if (entry.thisNode) {
+        text += CompareView::tr("\nThis file: %1")
+                    .arg(firstCharacters(entry.thisNode->value, toolTipValueLimit));
+    }
+    if (entry.otherNode) {
+        text += CompareView::tr("\nOther file: %1")
+                    .arg(firstCharacters(entry.otherNode->value, toolTipValueLimit));
+    }
+    if (entry.state == CompareState::Different && !isCopyable) {
+        text += CompareView::tr("\nCannot be copied: protected value type, specific to one "
+                                "PixInsight installation, or queued for deletion.");
+    } else if (entry.state == CompareState::OnlyOther) {
+        text += CompareView::tr("\nDoes not exist in this file; adding entries is not offered.");
+    }
+    return asToolTip(text);
+}
+
+bool holdsText(const CompareEntry& entry, const QString& text)
+{
+    const auto valueHolds = [&text](const XsdtNode* node) {
+        return node && node->value.contains(text, Qt::CaseInsensitive);
+    };
+    return text.isEmpty() || entry.path.contains(text, Qt::CaseInsensitive) ||
+           valueHolds(entry.thisNode) || valueHolds(entry.otherNode);
+}
+
+/// A row that isn't an entry, known by -1 where these have their number.
+QTreeWidgetItem* makeTopLevelRow(const QString& text)
+{
+    auto* row = new QTreeWidgetItem({abbreviated(text, nameLimit)});
+    row->setData(SettingColumn, Qt::UserRole, -1);
+    return row;
+}
+
+int entryIndex(const QTreeWidgetItem* item)
+{
+    return item ? item->data(SettingColumn, Qt::UserRole).toInt() : -1;
+}
+
+} // namespace
+
+/// One entry, which it doesn't own. Its texts are made when they are seen: there may be a hundred
+/// thousand rows, all built anew at each key typed into the filter.
+class CompareView::Row : public QTreeWidgetItem
+{
+public:
+    Row(const CompareEntry& entry, int index, bool isCopyable)
+        : m_entry(entry)
+        , m_index(index)
+        , m_isCopyable(isCopyable)
+    {
+    }
+
+    int index() const { return m_index; }
+
+    QVariant data(int column, int role) const override
+    {
+        if (role == Qt::DisplayRole) {
+            return shownText(column);
+        }
+        if (column != SettingColumn) {
+            return {};
+        }
+        switch (role) {
+        case Qt::UserRole:
+            return m_index;
+        case Qt::ToolTipRole:
+            return toolTipText(m_entry, m_isCopyable);
+        case Qt::ForegroundRole:
+            return m_entry.state == CompareState::Different && !m_isCopyable
+                       ? treeWidget()->palette().brush(QPalette::Disabled, QPalette::Text)
+                       : QVariant();
+        default:
+            return {};
+        }
+    }
+
+private:
+    QString shownText(int column) const
+    {
+        switch (column) {
+        case SettingColumn:
+            return abbreviated(groupedPath(m_entry.path).name, nameLimit);
+        case ThisColumn:
+            return shownValue(m_entry.thisNode);
+        case OtherColumn:
+            return shownValue(m_entry.otherNode);
+        default:
+            return statusText(m_entry);
+        }
+    }
+
+    const CompareEntry& m_entry;
+    const int m_index;
+    const bool m_isCopyable;
+};
+
+CompareView::CompareView(SettingsModel* model, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+{
+    createInputs();
+    createTree();
+    createLayout();
+    connectWidgets();
+    refillFileCombo();
+    refresh();
+}
+
+void CompareView::createInputs()
+{
+    m_fileCombo = new QComboBox(this);
+    m_fileCombo->setObjectName("fileCombo"_L1);
+    m_fileCombo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    WheelGuard::install(m_fileCombo);
+
+    const auto makeCheckBox = [this](const QString& name, const QString& text, bool on) {
+        auto* box = new QCheckBox(text, this);
+        box->setObjectName(name);
+        box->setChecked(on);
+        return box;
+    };
+    m_showDifferent = makeCheckBox(u"showDifferent"_s, tr("Different"), true);
+    m_showOnlyThis = makeCheckBox(u"showOnlyThis"_s, tr("Only in this file"), false);
+    m_showOnlyOther = makeCheckBox(u"showOnlyOther"_s, tr("Only in the other file"), false);
+    m_hideNoise =
+        makeCheckBox(u"hideNoise"_s, tr("Hide statistics, window state and generated lists"), true);
+    m_hideNoise->setToolTip(
+        tr("Statistics, window geometry and layout, histories and the featured scripts list "
+           "differ between any two files and rarely matter."));
+    m_filterEdit = new QLineEdit(this);
+    m_filterEdit->setObjectName("filterEdit"_L1);
+    m_filterEdit->setAccessibleName(tr("Search in the differences"));
+    m_filterEdit->setPlaceholderText(tr("Search"));
+    m_filterEdit->setClearButtonEnabled(true);
+}
+
+void CompareView::createTree()
+{
+    m_summaryLabel = new QLabel(this);
+    m_summaryLabel->setObjectName("summaryLabel"_L1);
+    m_summaryLabel->setTextFormat(Qt::PlainText);
+
+    m_tree = new QTreeWidget(this);
+    m_tree->setObjectName("tree"_L1);
+    m_tree->setAccessibleName(tr("Differences"));
+    m_tree->setHeaderLabels({tr("Setting"), tr("This file"), tr("Other file"), tr("Status")});
+    m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_tree->setAlternatingRowColors(true);
+    m_tree->setUniformRowHeights(true);
+    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    QHeaderView* header = m_tree->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(SettingColumn, QHeaderView::Interactive);
+    header->resizeSection(SettingColumn, 340);
+    header->setSectionResizeMode(ThisColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(OtherColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(StatusColumn, QHeaderView::ResizeToContents);
+
+    m_copySelectedButton = new QPushButton(tr("Use the other file's value for selected"), this);
+    m_copySelectedButton->setObjectName("copySelectedButton"_L1);
+    m_copyAllButton = new QPushButton(this);
+    m_copyAllButton->setObjectName("copyAllButton"_L1);
+}
+
+void CompareView::createLayout()
+{
+    auto* fileLabel = new QLabel(tr("Compare with:"), this);
+    fileLabel->setBuddy(m_fileCombo);
+    auto* fileRow = new QHBoxLayout;
+    fileRow->addWidget(fileLabel);
+    fileRow->addWidget(m_fileCombo, 1);
+    auto* filterRow = new QHBoxLayout;
+    for (QCheckBox* box : {m_showDifferent, m_showOnlyThis, m_showOnlyOther, m_hideNoise}) {
+        filterRow->addWidget(box);
+    }
+    filterRow->addWidget(m_filterEdit, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(m_copySelectedButton);
+    buttons->addWidget(m_copyAllButton);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->addLayout(fileRow);
+    layout->addLayout(filterRow);
+    layout->addWidget(m_summaryLabel);
+    layout->addWidget(m_tree, 1);
+    layout->addLayout(buttons);
+}
+
+void CompareView::connectWidgets()
+{
+    connect(m_fileCombo, &QComboBox::activated, this, &CompareView::onFileActivated);
+    for (const QCheckBox* box : {m_showDifferent, m_showOnlyThis, m_showOnlyOther, m_hideNoise}) {
+        connect(box, &QCheckBox::toggled, this, &CompareView::populate);
+    }
+    connect(m_filterEdit, &QLineEdit::textChanged, this, &CompareView::populate);
+    connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &CompareView::updateButtons);
+    connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CompareView::onContextMenu);
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &CompareView::onDoubleClicked);
+    connect(m_copySelectedButton, &QPushButton::clicked, this,
+            [this] { copyEntries(selectedEntries()); });
+    connect(m_copyAllButton, &QPushButton::clicked, this, &CompareView::onCopyAll);
+
+    m_refreshTimer.setSingleShot(true);
+    connect(&m_refreshTimer, &QTimer::timeout, this, &CompareView::refreshInPlace);
+    const auto refreshSoon = [this] {
+        m_refreshTimer.start(0);
+    };
+    connect(m_model, &SettingsModel::edited, this, refreshSoon);
+    connect(m_model, &SettingsModel::modelReset, this, refreshSoon);
+}
+
+void CompareView::setDocument(XsdtDocument* document, const QString& path)
+{
+    clearEntries();
+    m_document = document;
+    m_thisPath = path;
+    if (m_document && isSameFile(m_otherPath, path)) {
+        forgetOther();
+    }
+    refillFileCombo();
+    refresh();
+}
+
+void CompareView::setReadOnly(bool readOnly)
+{
+    m_readOnly = readOnly;
+    updateButtons();
+}
+
+bool CompareView::compareWith(const QString& path, QString* error)
+{
+    clearEntries();
+    QString reason;
+    QByteArray bytes;
+    if (isSameFile(path, m_thisPath)) {
+        reason = tr("That is the file being edited.");
+    } else if (SettingsStore::readFile(path, bytes, &reason)) {
+        if (m_other.parse(bytes, &reason)) {
+            m_otherPath = path;
+            refillFileCombo();
+        } else {
+            m_otherPath.clear();
+            reason = tr("%1 is not a valid PixInsight settings file: %2").arg(path, reason);
+        }
+    }
+    refresh();
+    if (error && !reason.isEmpty()) {
+        *error = reason;
+    }
+    return reason.isEmpty();
+}
+
+void CompareView::setStateFilters(bool different, bool onlyThis, bool onlyOther)
+{
+    m_showDifferent->setChecked(different);
+    m_showOnlyThis->setChecked(onlyThis);
+    m_showOnlyOther->setChecked(onlyOther);
+}
+
+void CompareView::clearEntries()
+{
+    const QSignalBlocker blocker(m_tree);
+    m_rows.clear();
+    m_tree->clear(); // before the entries, which the rows refer to
+    m_copyableRows = 0;
+    m_entries.clear();
+    m_isNoise.clear();
+    ++m_comparison;
+}
+
+void CompareView::forgetOther()
+{
+    const bool isEmptied = m_other.parse("<xsdt/>");
+    Q_ASSERT(isEmptied);
+    m_otherPath.clear();
+}
+
+void CompareView::refresh()
+{
+    m_refreshTimer.stop();
+    clearEntries();
+    if (m_document && !m_otherPath.isEmpty()) {
+        m_entries = compareDocuments(*m_document, m_other);
+        const DeletePolicy* policy = m_model->policy();
+        m_isNoise.reserve(size_t(m_entries.size()));
+        for (const CompareEntry& entry : std::as_const(m_entries)) {
+            const XsdtNode* node = entry.thisNode ? entry.thisNode : entry.otherNode;
+            m_isNoise.push_back(policy && policy->isCompareNoise(node));
+        }
+        populate();
+        return;
+    }
+    m_summaryLabel->setText(
+        m_document ? tr("Pick another settings file to see how it differs from this one.")
+                   : QString());
+    updateButtons();
+}
+
+void CompareView::refreshInPlace()
+{
+    QSet<QString> open;
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        if (const QTreeWidgetItem* group = m_tree->topLevelItem(i); group->isExpanded()) {
+            open.insert(group->text(SettingColumn));
+        }
+    }
+    const int top = m_tree->verticalScrollBar()->value();
+    const qsizetype currentRow = shownEntries().indexOf(entryIndex(m_tree->currentItem()));
+    refresh();
+    for (int i = 0; m_rows.size() > maximumExpanded && i < m_tree->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* group = m_tree->topLevelItem(i);
+        group->setExpanded(open.contains(group->text(SettingColumn)));
+    }
+    // What was current may be gone, for it was copied: who works by keyboard goes on where it was.
+    if (currentRow >= 0 && !m_rows.isEmpty()) {
+        Row* row = m_rows.at(qMin(currentRow, m_rows.size() - 1));
+        if (row->parent()->isExpanded()) { // the view would open it
+            m_tree->setCurrentItem(row, SettingColumn, QItemSelectionModel::NoUpdate);
+        }
+    }
+    m_tree->doItemsLayout(); // gives the scroll bar its range
+    m_tree->verticalScrollBar()->setValue(top);
+}
+
+void CompareView::populate()
+{
+    const QSignalBlocker blocker(m_tree);
+    m_rows.clear();
+    m_tree->clear();
+    m_copyableRows = 0;
+    if (!m_document || m_otherPath.isEmpty()) {
+        updateButtons();
+        return;
+    }
+    const QString text = m_filterEdit->text().trimmed();
+    const std::array<bool, 3> isOn = {m_showDifferent->isChecked(), m_showOnlyThis->isChecked(),
+                                      m_showOnlyOther->isChecked()};
+    std::array<int, 3> counts = {};
+    const bool hideNoise = m_hideNoise->isChecked();
+    int hidden = 0;
+    std::vector<int> shown;
+    for (int i = 0; i < m_entries.size(); ++i) {
+        if (hideNoise && m_isNoise[size_t(i)]) {
+            ++hidden;
+            continue;
+        }
+        const CompareEntry& entry = m_entries.at(i);
+        const auto state = static_cast<size_t>(entry.state);
+        ++counts[state];
+        if (isOn[state] && holdsText(entry, text)) {
+            shown.push_back(i);
+        }
+    }
+    addRows(shown);
+    QString summary = tr("%1 different, %2 only in this file, %3 only in the other file")
+                          .arg(counts[0])
+                          .arg(counts[1])
+                          .arg(counts[2]);
+    if (hidden > 0) {
+        summary +=
+            tr(" (%1 more hidden as statistics, window state or generated lists)").arg(hidden);
+    }
+    m_summaryLabel->setText(summary);
+    updateButtons();
+}
+
+void CompareView::addRows(const std::vector<int>& shown)
+{
+    QFont bold;
+    bold.setBold(true);
+    QList<QTreeWidgetItem*> topLevelRows;
+    QHash<QString, QTreeWidgetItem*> groups;
+    for (const int index : shown) {
+        const CompareEntry& entry = m_entries.at(index);
+        const QString name = groupedPath(entry.path).group;
+        QTreeWidgetItem*& group = groups[name];
+        if (!group) {
+            group = makeTopLevelRow(name);
+            group->setFont(SettingColumn, bold);
+            topLevelRows.append(group);
+        }
+        const bool copyable = isCopyable(entry);
+        m_copyableRows += copyable ? 1 : 0;
+        auto* row = new Row(entry, index, copyable);
+        group->addChild(row);
+        m_rows.append(row);
+    }
+    if (topLevelRows.isEmpty()) {
+        topLevelRows.append(makeTopLevelRow(tr("Nothing to show with the current filters.")));
+        topLevelRows.first()->setFlags(Qt::ItemIsEnabled);
+    }
+    // Once and filled: the tree takes rows that come one by one each by itself.
+    m_tree->addTopLevelItems(topLevelRows);
+    if (!m_rows.isEmpty() && m_rows.size() <= maximumExpanded) {
+        m_tree->expandAll();
+    }
+}
+
+void CompareView::updateButtons()
+{
+    const QList<int> selected = selectedEntries();
+    const bool selectionCopyable = std::any_of(
+        selected.cbegin(), selected.cend(), [this](int i) { return isCopyable(m_entries.at(i)); });
+    m_copySelectedButton->setEnabled(!m_readOnly && selectionCopyable);
+    m_copyAllButton->setEnabled(!m_readOnly && m_copyableRows > 0);
+    m_copyAllButton->setText(
+        m_copyableRows > 0 ? tr("Use the other file's value for all shown (%1)").arg(m_copyableRows)
+                           : tr("Use the other file's value for all shown"));
+}
+
+void CompareView::refillFileCombo()
+{
+    const QSignalBlocker blocker(m_fileCombo);
+    m_fileCombo->clear();
+    m_fileCombo->addItem(tr("Choose a file to compare with..."), QString());
+    int current = 0;
+    const auto add = [&](const QString& path, const QString& label) {
+        if (isSameFile(path, m_thisPath)) {
+            return;
+        }
+        if (isSameFile(path, m_otherPath)) {
+            current = m_fileCombo->count();
+        }
+        m_fileCombo->addItem(label.arg(PixInsightEnv::describeFile(path)), path);
+    };
+    const QStringList files = PixInsightEnv::findSettingsFiles();
+    for (const QString& path : files) {
+        add(path, u"%1"_s);
+    }
+    if (!m_thisPath.isEmpty()) {
+        const QStringList backups = PixInsightEnv::backupsOf(m_thisPath).mid(0, maximumBackups);
+        for (const QString& path : backups) {
+            add(path, tr("Backup: %1"));
+        }
+    }
+    if (!m_otherPath.isEmpty() && current == 0) {
+        add(m_otherPath, u"%1"_s);
+    }
+    m_fileCombo->addItem(tr("Browse..."), browseData);
+    m_fileCombo->setCurrentIndex(current);
+}
+
+void CompareView::chooseFile(const QString& path)
+{
+    QString error;
+    if (!compareWith(path, &error)) {
+        emit message(error);
+    }
+}
+
+void CompareView::onFileActivated(int index)
+{
+    const QString path = m_fileCombo->itemData(index).toString();
+    if (path.isEmpty()) {
+        clearEntries();
+        forgetOther();
+        refresh();
+        return;
+    }
+    if (path == browseData) {
+        const QString folder = m_thisPath.isEmpty() ? QString() : QFileInfo(m_thisPath).path();
+        const QString picked = QFileDialog::getOpenFileName(
+            window(), tr("Compare with"), folder,
+            tr("PixInsight settings (*.settings *.bak-*);;All files (*)"));
+        if (!picked.isEmpty()) {
+            chooseFile(picked);
+        }
+    } else {
+        chooseFile(path);
+    }
+    refillFileCombo();
+}
+
+void CompareView::onContextMenu(const QPoint& pos)
+{
+    const int index = entryIndex(m_tree->itemAt(pos));
+    if (index < 0) {
+        return;
+    }
+    const CompareEntry entry = m_entries.at(index);
+    QMenu menu(window());
+    QAction* use = menu.addAction(tr("Use the other file's value"));
+    use->setEnabled(!m_readOnly && isCopyable(entry));
+    QAction* show = menu.addAction(tr("Show in All settings"));
+    show->setEnabled(entry.thisNode);
+    QAction* copyPath = menu.addAction(tr("Copy setting path"));
+
+    // Beneath the menu the file may be loaded anew, or edited.
+    const quint64 comparison = m_comparison;
+    const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
+    if (!chosen || m_comparison != comparison) {
+        return;
+    }
+    if (chosen == use) {
+        copyEntries({index});
+    } else if (chosen == show) {
+        emit revealRequested(entry.thisNode);
+    } else if (chosen == copyPath) {
+        QGuiApplication::clipboard()->setText(entry.path);
+    }
+}
+
+void CompareView::onDoubleClicked(QTreeWidgetItem* item)
+{
+    const int index = entryIndex(item);
+    if (index >= 0 && m_entries.at(index).thisNode) {
+        emit revealRequested(m_entries.at(index).thisNode);
+    }
+}
+
+void CompareView::onCopyAll()
+{
+    if (m_copyableRows == 0) {
+        return;
+    }
+    const QString question =
+        tr("Copy %n value(s) from %1 into this file?\n\nThey become pending changes: you can "
+           "review, revert and save them as usual.",
+           nullptr, m_copyableRows)
+            .arg(QFileInfo(m_otherPath).fileName());
+    const quint64 comparison = m_comparison;
+    if (askQuestion(this, tr("Copy values"), question, QMessageBox::Yes | QMessageBox::No,
+                    QMessageBox::Yes) == QMessageBox::Yes &&
+        m_comparison == comparison) {
+        copyEntries(shownEntries());
+    }
+}
+
+void CompareView::copyEntries(const QList<int>& indices)
+{
+    int copied = 0;
+    int refused = 0;
+    {
+        const SettingsModel::Batch batch(*m_model);
+        for (const int index : indices) {
+            const CompareEntry& entry = m_entries.at(index);
+            const bool done =
+                isCopyable(entry) &&
+                m_model->setData(m_model->indexForNode(entry.thisNode, SettingsModel::ValueColumn),
+                                 entry.otherNode->value);
+            ++(done ? copied : refused);
+        }
+    }
+    if (refused > 0) {
+        emit message(tr("Copied %1 value(s); %2 could not be copied (protected type, not "
+                        "editable, or refused).")
+                         .arg(copied)
+                         .arg(refused));
+    } else if (copied > 0) {
+        emit message(
+            tr("Copied %n value(s) into this file. Review and save when ready.", nullptr, copied));
+    }
+}
+
+bool CompareView::isCopyable(const CompareEntry& entry) const
+{
+    if (entry.state != CompareState::Different || !entry.thisNode->isEditableType() ||
+        entry.thisNode->isInsideDeletion()) {
+        return false;
+    }
+    const DeletePolicy* policy = m_model->policy();
+    return !policy || !policy->isCompareNoCopy(entry.thisNode);
+}
+
+QList<int> CompareView::selectedEntries() const
+{
+    QList<int> indices;
+    std::vector<bool> isTaken(size_t(m_entries.size()));
+    const auto take = [&](int index) {
+        if (index >= 0 && !isTaken[size_t(index)]) {
+            isTaken[size_t(index)] = true;
+            indices.append(index);
+        }
+    };
+    const QList<QTreeWidgetItem*> items = m_tree->selectedItems();
+    for (const QTreeWidgetItem* item : items) {
+        take(entryIndex(item));
+        for (int i = 0; i < item->childCount(); ++i) {
+            take(entryIndex(item->child(i)));
+        }
+    }
+    return indices;
+}
+
+QList<int> CompareView::shownEntries() const
+{
+    QList<int> indices;
+    indices.reserve(m_rows.size());
+    for (const Row* row : m_rows) {
+        indices.append(row->index());
+    }
+    return indices;
+}
+
+} // namespace kse
