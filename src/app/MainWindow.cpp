@@ -3,11 +3,18 @@
 
 #include "app/OpenEditor.h"
 #include "app/WaitCursor.h"
+#include "promo/AdBanner.h"
 #include "session/PixInsightEnv.h"
+#include "views/CleanupView.h"
+#include "views/CompareView.h"
+#include "views/HealthView.h"
 #include "views/PlainText.h"
+#include "views/PreferencesView.h"
+#include "views/SearchView.h"
 #include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
 #include "views/TreePosition.h"
+#include "views/UnusedModulesView.h"
 #include "views/ValueDelegate.h"
 #include "views/WheelGuard.h"
 
@@ -17,14 +24,15 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFrame>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStandardPaths>
 #include <QStatusBar>
-#include <QTabWidget>
 #include <QTimer>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -125,10 +133,8 @@ void MainWindow::buildUi()
     });
     m_openEditor = new OpenEditor(this);
 
-    m_tabs = new QTabWidget;
-    m_tabs->setObjectName("tabs"_L1);
-    m_advancedPage = createAdvancedPage();
-    m_tabs->addTab(m_advancedPage, tr("All settings (advanced)"));
+    createPages();
+    connectPages();
 
     auto* central = new QWidget;
     auto* layout = new QVBoxLayout(central);
@@ -136,6 +142,14 @@ void MainWindow::buildUi()
     layout->addWidget(createFileRow());
     layout->addWidget(createBannerRow());
     layout->addWidget(m_tabs, 1);
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    layout->addWidget(line);
+    m_adBanner =
+        new AdBanner(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/ads"_s);
+    m_adBanner->setObjectName("adBanner"_L1);
+    layout->addWidget(m_adBanner);
     setCentralWidget(central);
 
     createActions();
@@ -193,7 +207,8 @@ QWidget* MainWindow::createAdvancedPage()
     m_treeFilter->setObjectName("treeFilter"_L1);
     m_treeFilter->setAccessibleName(tr("Filter"));
     m_treeFilter->setClearButtonEnabled(true);
-    m_treeFilter->setPlaceholderText(tr("Filter this tree by name or value"));
+    m_treeFilter->setPlaceholderText(
+        tr("Filter this tree by name or value (Ctrl+F searches everything)"));
     connect(m_treeFilter, &QLineEdit::textChanged, this, &MainWindow::applyTreeFilter);
     m_changedOnly = new QCheckBox(tr("Changed only"));
     m_changedOnly->setObjectName("changedOnly"_L1);
@@ -227,15 +242,32 @@ QWidget* MainWindow::createAdvancedPage()
     return page;
 }
 
+void MainWindow::startBanner(bool allowNetwork, int delayMs)
+{
+    m_adBanner->start(allowNetwork, delayMs);
+}
+
 void MainWindow::attachViews()
 {
-    m_model->setDocument(m_store.loaded ? &m_store.document : nullptr);
+    XsdtDocument* document = m_store.loaded ? &m_store.document : nullptr;
+    m_model->setDocument(document);
+    forEachPage([document](auto* page) { page->setDocument(document); });
+    m_compareView->setDocument(document, document ? m_store.path : QString());
+    setPagesReadOnly();
     rebuildFileBox();
 }
 
 void MainWindow::detachViews()
 {
+    forEachPage([](auto* page) { page->setDocument(nullptr); });
+    m_compareView->setDocument(nullptr, QString());
     m_model->setDocument(nullptr);
+}
+
+void MainWindow::setPagesReadOnly()
+{
+    forEachPage([this](auto* page) { page->setReadOnly(m_running); });
+    m_compareView->setReadOnly(m_running);
 }
 
 bool MainWindow::openFile(const QString& path)

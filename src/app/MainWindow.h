@@ -27,9 +27,16 @@ class QTreeView;
 
 namespace kse {
 
+class AdBanner;
+class CleanupView;
+class CompareView;
+class HealthView;
 class OpenEditor;
+class PreferencesView;
+class SearchView;
 class SettingsFilterProxy;
 class SettingsModel;
+class UnusedModulesView;
 
 /// The program's one window. It owns what lives for a run (the open file, the built-in tables, the
 /// tree model) and carries out every command.
@@ -54,9 +61,13 @@ public:
     /// file that can't be read leaves the open one as it is, one that doesn't parse leaves none.
     bool openFile(const QString& path);
 
+    /// Lets the promotional strip choose what it shows, `delayMs` from now or, for 0, at once.
+    void startBanner(bool allowNetwork, int delayMs);
+
     /// Renders the pages and dialogs of the open file to PNG files in `dir`, which is made if it
-    /// doesn't exist. Changes settings on the way and takes the changes back; never saves.
-    void renderScreenshots(const QString& dir);
+    /// doesn't exist; the preferences as `searchText` leaves them. Changes settings on the way and
+    /// takes the changes back; never saves.
+    void renderScreenshots(const QString& dir, const QString& searchText);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -72,6 +83,10 @@ private slots:
     void pollEnvironment();
     void showContextMenu(const QPoint& pos);
     void deleteSelected();
+    void onFindModule();
+    void onUnusedModules();
+    void onHealthCheck();
+    void onAbout();
     void onManageBackups();
     void refreshToolbarIcons();
     void updateMinimumWidth();
@@ -86,6 +101,8 @@ private:
     QWidget* createFileRow();
     QWidget* createBannerRow();
     QWidget* createAdvancedPage();
+    void createPages();
+    void connectPages();
     void connectTheme();
 
     void loadTables();
@@ -102,6 +119,22 @@ private:
         return done;
     }
 
+    /// Calls `operation` with each page that takes a document and nothing else.
+    template <typename Operation>
+    void forEachPage(Operation&& operation)
+    {
+        operation(m_preferencesView);
+        operation(m_searchView);
+        operation(m_unusedModulesView);
+        operation(m_healthView);
+        operation(m_cleanupView);
+    }
+
+    void setPagesReadOnly();
+
+    /// Whether a file is open; if not, a box titled `title` tells the user to open one.
+    bool hasFile(const QString& title);
+
     /// Whether pending changes may go: there are none, or the user says so. `tail` ends the text.
     bool confirmDiscard(const QString& tail);
     void expandPreferences();
@@ -112,6 +145,8 @@ private:
     void applyChangedOnly(bool changedOnly);
     void refreshBanner();
     void refreshActions(qsizetype pending);
+    void revealNode(XsdtNode* node);
+    void searchEverywhere(const QString& text);
     void deleteNode(XsdtNode* node);
     bool confirmDeletion(const QString& path, int values, const QString& reason);
     void onThemeChanged();
@@ -119,9 +154,15 @@ private:
     void report(QMessageBox::Icon icon, const QString& title, const QString& text,
                 const QString& informativeText = {});
     void showStatus(const QString& text, int milliseconds);
+    void grabPreferences(const QString& dir, const QString& searchText);
+    void grabSearch(const QString& dir);
+    void grabCleanup(const QString& dir);
+    void grabComparison(const QString& dir);
+    void grabDialogs(const QString& dir);
     void grabTo(QWidget& widget, const QString& dir, const QString& name);
 
     qsizetype pendingCount() const;
+    QString recordedVersion() const;
 
     Messages m_messages;
     SettingsStore m_store;
@@ -130,6 +171,12 @@ private:
     SettingsModel* m_model = nullptr;
     SettingsFilterProxy* m_proxy = nullptr;
     OpenEditor* m_openEditor = nullptr;
+    PreferencesView* m_preferencesView = nullptr;
+    CleanupView* m_cleanupView = nullptr;
+    CompareView* m_compareView = nullptr;
+    HealthView* m_healthView = nullptr;
+    SearchView* m_searchView = nullptr;
+    UnusedModulesView* m_unusedModulesView = nullptr;
     QComboBox* m_fileBox = nullptr;
     QStringList m_knownFiles;
     QWidget* m_advancedPage = nullptr;
@@ -146,10 +193,15 @@ private:
     QAction* m_actRestore = nullptr;
     QAction* m_actBackups = nullptr;
     QAction* m_actRevert = nullptr;
+    QAction* m_actFindModule = nullptr;
+    QAction* m_actUnused = nullptr;
+    QAction* m_actHealth = nullptr;
     QAction* m_actToggleTheme = nullptr;
+    QAction* m_actAbout = nullptr;
     QHash<ThemeMode, QAction*> m_themeActions;
     double m_lastFontScale = 0;
     QToolBar* m_toolbar = nullptr;
+    AdBanner* m_adBanner = nullptr;
     QList<std::pair<QAction*, ToolbarIconKind>> m_toolbarEntries;
     bool m_running = false;
     bool m_staleOnDisk = false;

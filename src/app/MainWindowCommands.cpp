@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 
+#include "app/AboutDialog.h"
 #include "app/OpenEditor.h"
+#include "app/UserGuide.h"
 #include "app/WaitCursor.h"
 #include "session/BackupsDialog.h"
 #include "session/PixInsightEnv.h"
@@ -13,6 +15,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTime>
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLayout>
@@ -22,6 +25,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
+#include <QUrl>
 
 #include <algorithm>
 #include <cmath>
@@ -68,8 +72,19 @@ void MainWindow::createActions()
     m_actRestore = create(u"actRestore"_s, tr("Restore &backup..."));
     m_actBackups = create(u"actBackups"_s, tr("&Manage backups..."));
     m_actRevert = create(u"actRevert"_s, tr("Revert &all changes"));
+    m_actFindModule =
+        create(u"actFindModule"_s, tr("Find &module data..."), {Qt::CTRL | Qt::Key_M});
+    m_actFindModule->setStatusTip(tr("Look up everything the file records about one module"));
+    m_actUnused = create(u"actUnused"_s, tr("&Unused module data"));
+    m_actUnused->setStatusTip(
+        tr("Modules with saved data that are no longer in PixInsight's module list"));
+    m_actHealth = create(u"actHealth"_s, tr("Run &health check"));
+    m_actHealth->setStatusTip(tr("Look for settings that are probably wrong"));
     m_actToggleTheme =
         create(u"actToggleTheme"_s, tr("Toggle light/dark"), {Qt::CTRL | Qt::SHIFT | Qt::Key_D});
+
+    m_actAbout = create(u"actAbout"_s, tr("&About Kestrane Settings Editor"));
+    m_actAbout->setMenuRole(QAction::AboutRole);
 
     connect(m_actOpen, &QAction::triggered, this, &MainWindow::onOpen);
     connect(m_actReload, &QAction::triggered, this, &MainWindow::onReload);
@@ -77,6 +92,10 @@ void MainWindow::createActions()
     connect(m_actRestore, &QAction::triggered, this, &MainWindow::onRestoreBackup);
     connect(m_actBackups, &QAction::triggered, this, &MainWindow::onManageBackups);
     connect(m_actRevert, &QAction::triggered, this, &MainWindow::onRevertAll);
+    connect(m_actFindModule, &QAction::triggered, this, &MainWindow::onFindModule);
+    connect(m_actUnused, &QAction::triggered, this, &MainWindow::onUnusedModules);
+    connect(m_actHealth, &QAction::triggered, this, &MainWindow::onHealthCheck);
+    connect(m_actAbout, &QAction::triggered, this, &MainWindow::onAbout);
     connect(m_actToggleTheme, &QAction::triggered, &ThemeManager::instance(),
             &ThemeManager::toggle);
 }
@@ -85,6 +104,8 @@ void MainWindow::createMenus()
 {
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addActions({m_actOpen, m_actReload});
+    file->addSeparator();
+    file->addActions({m_actFindModule, m_actUnused, m_actHealth});
     file->addSeparator();
     file->addActions({m_actSave, m_actRestore, m_actBackups});
     file->addSeparator();
@@ -114,6 +135,13 @@ void MainWindow::createMenus()
     m_toolbar->toggleViewAction()->setText(tr("&Toolbar"));
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(tr("&User Guide"), this, [] {
+        if (const QString path = exportUserGuide(); !path.isEmpty()) {
+            QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+        }
+    });
+    help->addSeparator();
+    help->addAction(m_actAbout);
     help->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)
         ->setMenuRole(QAction::AboutQtRole);
 }
@@ -154,10 +182,13 @@ void MainWindow::createToolBar()
     add(m_actSave, tr("Save"), ToolbarIconKind::Save);
     add(m_actRevert, tr("Revert all"), ToolbarIconKind::Revert);
     m_toolbar->addSeparator();
+    add(m_actFindModule, tr("Find module"), ToolbarIconKind::Find);
     add(m_actBackups, tr("Backups"), ToolbarIconKind::Backups);
     add(m_actRestore, tr("Restore"), ToolbarIconKind::Restore);
     m_toolbar->addSeparator();
     add(m_actToggleTheme, tr("Theme"), ToolbarIconKind::Theme);
+    m_toolbar->addSeparator();
+    add(m_actAbout, tr("About"), ToolbarIconKind::About);
 
     m_toolbar->setVisible(QSettings().value(toolbarVisibleKey, true).toBool());
     connect(m_toolbar, &QToolBar::visibilityChanged, this, [this](bool visible) {
@@ -364,6 +395,28 @@ void MainWindow::onManageBackups()
     connect(&dialog, &BackupsDialog::message, this,
             [this](const QString& text) { showStatus(text, 10000); });
     dialog.exec();
+}
+
+void MainWindow::onAbout()
+{
+    AboutDialog(m_store.loaded ? m_store.path : QString(), recordedVersion(), this).exec();
+}
+
+QString MainWindow::recordedVersion() const
+{
+    if (!m_store.loaded) {
+        return {};
+    }
+    const auto valueOf = [this](const QString& key) {
+        const XsdtNode* node = m_store.document.root.childByKey(key);
+        return node && node->kind == XsdtNode::Kind::Value ? node->value : QString();
+    };
+    const QString version = valueOf(u"PixInsight"_s);
+    const QString last = valueOf(u"LastVersion"_s);
+    if (version.isEmpty() || last.isEmpty()) {
+        return version + last;
+    }
+    return version + u" ["_s + last + u']';
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -68,9 +68,11 @@ int main(int argc, char** argv)
         window.openFile(arguments.first());
     }
     if (rendersScreenshots) {
-        window.renderScreenshots(parser.value(screenshots));
+        window.startBanner(false, 0);
+        window.renderScreenshots(parser.value(screenshots), parser.value(screenshotSearch));
         return 0;
     }
     window.show();
+    window.startBanner(true, 100);
     return QApplication::exec();
 }

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "app/MainWindow.h"
-#include "app/ThemeManager.h"
-#include "document/XsdtDocument.h"
-#include "session/PixInsightEnv.h"
 #include "support/DialogAnswerer.h"
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
-#include "views/SettingsModel.h"
+#include "support/WindowFixture.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -19,10 +15,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSortFilterProxyModel>
-#include <QStatusBar>
-#include <QTest>
-#include <QTreeView>
 #include <QTreeWidget>
 
 using namespace kse;
@@ -35,110 +27,16 @@ const QString warnPath = u"ModuleData/Ostrand"_s;
 const QString neverPath = u"Global/Preferences/Process"_s;
 const QString stringPath = u"Global/Preferences/ProcessIcon/Prefix"_s;
 
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-}
-
 } // namespace
 
-/// Drives the real window over copies of the sample files, with mouse and keyboard.
-class TestMainWindow : public QObject
+/// The window's own commands, and the tree of all settings.
+class TestMainWindow : public WindowFixture
 {
     Q_OBJECT
 
-private:
-    std::unique_ptr<MainWindow> m_window;
-    QString m_folder;
-    QString m_file;
-
-    template <typename Widget>
-    Widget* find(const char* name) const
-    {
-        return m_window->findChild<Widget*>(QLatin1String(name));
-    }
-    QTreeView* tree() const { return find<QTreeView>("tree"); }
-    SettingsModel* model() const { return m_window->findChild<SettingsModel*>(); }
-    QAction* action(const char* name) const { return find<QAction>(name); }
-    XsdtNode* node(const QString& path) const { return model()->document()->root.findByPath(path); }
-    qsizetype pending() const { return model()->document()->pendingCount(); }
-    QString status() const { return m_window->statusBar()->currentMessage(); }
-    void poll() const { QMetaObject::invokeMethod(m_window.get(), "pollEnvironment"); }
-
-    QModelIndex select(const QString& path, int column = SettingsModel::SettingColumn) const
-    {
-        auto* proxy = static_cast<QSortFilterProxyModel*>(tree()->model());
-        const QModelIndex index = proxy->mapFromSource(model()->indexForNode(node(path), column));
-        tree()->setCurrentIndex(index);
-        tree()->scrollTo(index);
-        return index;
-    }
-
-    /// Opens the editor of the value at `path` and types `text` over it, without Enter.
-    QWidget* type(const QString& path, const QString& text) const
-    {
-        select(path, SettingsModel::ValueColumn);
-        tree()->setFocus();
-        QTest::keyClick(tree(), Qt::Key_F2);
-        QWidget* editor = m_window->focusWidget();
-        if (editor != tree()) {
-            QTest::keyClicks(editor, text);
-        }
-        return editor;
-    }
-
-    void edit(const QString& path, const QString& text) const
-    {
-        QTest::keyClick(type(path, text), Qt::Key_Return);
-        QCoreApplication::processEvents(); // Enter takes effect a turn later
-    }
-
-    void pressDelete(const QString& path) const
-    {
-        select(path);
-        tree()->setFocus();
-        m_window->activateWindow(); // which a box that closed here doesn't do
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-        QTest::keyClick(tree(), Qt::Key_Delete);
-    }
-
-    /// Opens the window on the first sample, with the second beside it.
-    void openWindow()
-    {
-        m_window = std::make_unique<MainWindow>();
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
-
 private slots:
-    void initTestCase()
-    {
-        if (!PixInsightEnv::runningProcessIds().isEmpty()) {
-            QSKIP("A process named as PixInsight's runs on this computer");
-        }
-        ThemeManager::instance().init(false);
-    }
-
-    void init()
-    {
-        m_folder = PixInsightEnv::settingsFolders().constFirst();
-        QDir(m_folder).removeRecursively();
-        QVERIFY(QDir().mkpath(m_folder));
-        for (const QString& name : {u"core-001-pxi.settings"_s, u"core-002-pxi.settings"_s}) {
-            QVERIFY(QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples/") + name,
-                                m_folder + u'/' + name));
-        }
-        m_file = m_folder + u"/core-001-pxi.settings"_s;
-        openWindow();
-    }
-
+    void initTestCase() { prepareProgram(); }
+    void init() { openSample(); }
     void cleanup() { m_window.reset(); }
 
     void editsEveryType_data()
@@ -158,10 +56,10 @@ private slots:
             << u"WheelStepAngle: Expected an integer between 0 and 4294967295."_s;
         QTest::newRow("real") << u"Global/RGBWorkingSpace/Gamma"_s << u"1.50"_s << u"1.5"_s
                               << QString();
-        QTest::newRow("real, decimal comma") << u"Global/RGBWorkingSpace/Gamma"_s << u"1,5"_s
-                                             << QString() << u"Gamma: Expected a real number in single-precision range."_s;
-        QTest::newRow("string") << stringPath << u" <b>&%1"_s << u" <b>&%1"_s
-                                << QString();
+        QTest::newRow("real, decimal comma")
+            << u"Global/RGBWorkingSpace/Gamma"_s << u"1,5"_s << QString()
+            << u"Gamma: Expected a real number in single-precision range."_s;
+        QTest::newRow("string") << stringPath << u" <b>&%1"_s << u" <b>&%1"_s << QString();
     }
 
     void editsEveryType()
@@ -438,7 +336,7 @@ private slots:
         QVERIFY(!tree()->isExpanded(tree()->model()->index(0, 0)));
 
         edit(stringPath, u"x"_s);
-        find<QCheckBox>("changedOnly")->click();
+        find<QWidget>("advancedPage")->findChild<QCheckBox*>(u"changedOnly"_s)->click();
         QCOMPARE(tree()->model()->rowCount(), 1);
         QVERIFY(tree()->isExpanded(tree()->model()->index(0, 0)));
     }
@@ -448,7 +346,7 @@ private slots:
         const QByteArray before = contentOf(m_file);
         const QStringList files = QDir(m_folder).entryList(QDir::Files);
         QTemporaryDir pictures;
-        m_window->renderScreenshots(pictures.filePath(u"new"_s));
+        m_window->renderScreenshots(pictures.filePath(u"new"_s), QString());
         QCOMPARE(QDir(pictures.filePath(u"new"_s)).entryList(QDir::Files),
                  QStringList({u"advanced-changed.png"_s, u"advanced.png"_s, u"backups.png"_s,
                               u"review.png"_s}));

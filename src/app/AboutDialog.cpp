@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "app/AboutDialog.h"
+
+#include "Revision.h"
+#include "session/PixInsightEnv.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QSysInfo>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int pictureSize = 128;
+constexpr int minimalWidth = 640;
+
+QLabel* createText(const QString& text, Qt::TextFormat format, int topMargin = 0)
+{
+    auto* label = new QLabel(text);
+    label->setTextFormat(format);
+    label->setWordWrap(true);
+    label->setContentsMargins(0, topMargin, 0, 0);
+    return label;
+}
+
+} // namespace
+
+AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, QWidget* parent)
+    : QDialog(parent)
+{
+    setWindowTitle(tr("About Kestrane Settings Editor"));
+    auto* detailsTitle = new QLabel(tr("<b>Technical details</b> (for bug reports)"));
+    m_details = new QPlainTextEdit(buildDetails(path, pixinsightVersion));
+    m_details->setObjectName("details"_L1);
+    m_details->setReadOnly(true);
+    m_details->setTabChangesFocus(true);
+    detailsTitle->setBuddy(m_details);
+    m_notice = createText(tr("© 2026 Kestrane Settings Editor contributors. Not affiliated with or "
+                             "endorsed by Pleiades Astrophoto; PixInsight is a trademark of "
+                             "Pleiades Astrophoto S.L."),
+                          Qt::PlainText);
+    m_notice->setObjectName("notice"_L1);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setSpacing(14);
+    layout->addWidget(createHead());
+    layout->addWidget(detailsTitle);
+    layout->addWidget(m_details, 1);
+    layout->addWidget(m_notice);
+    layout->addLayout(createButtons());
+    updateLook();
+}
+
+QWidget* AboutDialog::createHead()
+{
+    auto* picture = new QLabel;
+    picture->setObjectName("picture"_L1);
+    QPixmap icon(u":/icons/kset-256.png"_s);
+    picture->setVisible(!icon.isNull());
+    if (!icon.isNull()) {
+        const int side = int(std::lround(pictureSize * devicePixelRatio()));
+        icon = icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        icon.setDevicePixelRatio(devicePixelRatio());
+        picture->setPixmap(icon);
+    }
+    picture->setFixedSize(pictureSize, pictureSize);
+    auto* head = new QWidget;
+    auto* row = new QHBoxLayout(head);
+    row->setContentsMargins({});
+    row->setSpacing(20);
+    row->addWidget(picture, 0, Qt::AlignTop);
+    row->addLayout(createTexts(), 1);
+    m_head = new QScrollArea;
+    m_head->setObjectName("head"_L1);
+    m_head->setFrameShape(QFrame::NoFrame);
+    m_head->setWidgetResizable(true);
+    m_head->setWidget(head);
+    return m_head;
+}
+
+QLayout* AboutDialog::createTexts()
+{
+    auto* column = new QVBoxLayout;
+    column->setSpacing(6);
+    m_name = new QLabel(tr("Kestrane Settings Editor"));
+    m_name->setObjectName("name"_L1);
+    column->addWidget(m_name);
+    column->addWidget(new QLabel(tr("Version %1").arg(QStringLiteral(KSE_VERSION))));
+    column->addWidget(createText(
+        tr("A safe editor for PixInsight's settings files. Change preferences with proper "
+           "controls, search everything, clean up data left behind by uninstalled modules, and "
+           "compare settings between PixInsight instances or backups - without editing XML by "
+           "hand."),
+        Qt::PlainText, 6));
+    column->addWidget(createText(
+        tr("<b>How it protects your settings</b><ul style=\"margin-top:2px; margin-bottom:0px\">"
+           "<li>It writes only while PixInsight is closed: PixInsight keeps its settings in memory "
+           "and would overwrite the file.</li><li>Every save makes a timestamped backup, checks "
+           "the result and replaces the file in one step.</li><li>Entries are deleted only when "
+           "they are known to be safe to remove, and it asks first when they hold your saved "
+           "configuration.</li></ul>"),
+        Qt::RichText));
+    column->addWidget(createText(
+        tr("<span style=\"color:#e29600\"><b>Warning:</b></span> Not every entry in \"All "
+           "settings (advanced)\" or the Health check is meant to be edited. Kestrane Settings "
+           "Editor flags values that are out of range or unrecognized, and a backup is only a "
+           "Restore away. But if you don't know what a setting does, it's better to leave it "
+           "alone."),
+        Qt::RichText, 6));
+    column->addStretch();
+    return column;
+}
+
+QLayout* AboutDialog::createButtons()
+{
+    m_copy = new QPushButton(tr("Copy details"));
+    m_copy->setObjectName("copy"_L1);
+    m_copy->setAutoDefault(false);
+    connect(m_copy, &QPushButton::clicked, this, [this] {
+        QGuiApplication::clipboard()->setText(m_details->toPlainText());
+        m_copy->setText(tr("Copied"));
+    });
+    auto* ok = new QPushButton(tr("OK"));
+    ok->setObjectName("ok"_L1);
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    auto* row = new QHBoxLayout;
+    row->addWidget(m_copy);
+    row->addStretch();
+    row->addWidget(ok);
+    return row;
+}
+
+/// What doesn't follow the application's font and palette by itself.
+void AboutDialog::updateLook()
+{
+    const double pointSize = QApplication::font().pointSizeF();
+    QFont nameFont = QApplication::font();
+    nameFont.setPointSizeF(pointSize * 1.7);
+    nameFont.setWeight(QFont::Bold);
+    m_name->setFont(nameFont);
+
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(pointSize * 0.9);
+    m_details->setFont(fixed);
+    m_details->setMinimumHeight(int(std::ceil(QFontMetricsF(fixed).lineSpacing() * 4.25)));
+
+    QPalette quiet;
+    quiet.setColor(QPalette::All, QPalette::WindowText,
+                   QApplication::palette().color(QPalette::Disabled, QPalette::WindowText));
+    m_notice->setPalette(quiet);
+
+    // Neither a window nor a scroll area asks wrapped texts how tall they get.
+    const QSize available = screen()->availableGeometry().size();
+    const int fontWidth = QFontMetrics(QApplication::font()).averageCharWidth() * 80;
+    const int width = std::max(minimalWidth, std::min(fontWidth, available.width() * 9 / 10));
+    const QMargins margins = layout()->contentsMargins();
+    const int headHeight =
+        m_head->widget()->heightForWidth(width - margins.left() - margins.right());
+    m_head->setMinimumHeight(std::min(headHeight, available.height() / 2));
+    setMinimumSize(width, layout()->totalHeightForWidth(width));
+}
+
+void AboutDialog::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange ||
+        event->type() == QEvent::ApplicationPaletteChange) {
+        updateLook();
+    }
+}
+
+QString AboutDialog::buildDetails(const QString& path, const QString& pixinsightVersion)
+{
+    QStringList folders = PixInsightEnv::settingsFolders();
+    for (QString& folder : folders) {
+        folder = QDir::toNativeSeparators(folder);
+    }
+    const QStringList lines{
+        u"Kestrane Settings Editor %1 (source %2)"_s.arg(QStringLiteral(KSE_VERSION),
+                                                         QStringLiteral(KSE_REVISION)),
+        u"Qt %1"_s.arg(QLatin1String(qVersion())),
+        u"System: %1 (%2)"_s.arg(QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture()),
+        u"Open file: %1"_s.arg(path.isEmpty() ? u"none"_s : QDir::toNativeSeparators(path)),
+        u"PixInsight recorded in the file: %1"_s.arg(
+            pixinsightVersion.isEmpty() ? u"unknown"_s : pixinsightVersion),
+        u"Settings folders searched: %1"_s.arg(folders.join(u"; "_s)),
+    };
+    return lines.join(u'\n');
+}
+
+} // namespace kse

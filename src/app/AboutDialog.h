@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+
+class QLabel;
+class QPlainTextEdit;
+class QPushButton;
+class QScrollArea;
+
+namespace kse {
+
+/// What the program is, how it protects the user's settings, and details to paste into a report of
+/// a fault.
+class AboutDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// `path` is the open file and `pixinsightVersion` what it records; either may be empty.
+    AboutDialog(const QString& path, const QString& pixinsightVersion, QWidget* parent = nullptr);
+
+    /// The technical details, one a line.
+    [[nodiscard]] static QString buildDetails(const QString& path,
+                                              const QString& pixinsightVersion);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    QWidget* createHead();
+    QLayout* createTexts();
+    QLayout* createButtons();
+    void updateLook();
+
+    QScrollArea* m_head = nullptr; ///< Scrolls where the screen is too low for all of it.
+    QLabel* m_name = nullptr;
+    QPlainTextEdit* m_details = nullptr;
+    QLabel* m_notice = nullptr;
+    QPushButton* m_copy = nullptr;
+};
+
+} // namespace kse
