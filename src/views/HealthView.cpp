@@ -176,9 +176,11 @@ void HealthView::addCards()
 {
     const qsizetype total = m_findings.size();
     const qsizetype shown = qMin(total, m_cards->count() + cardStep);
-    while (m_cards->count() < shown) {
-        m_cards->append(buildCard(m_findings[m_cards->count()]));
+    QList<QWidget*> cards;
+    for (qsizetype i = m_cards->count(); i < shown; ++i) {
+        cards.append(buildCard(m_findings[i]));
     }
+    m_cards->append(cards);
     m_cards->setMoreText(shown < total ? tr("Show more findings (%1 more)").arg(total - shown)
                                        : QString());
 }
@@ -258,7 +260,7 @@ QWidget* HealthView::buildGroupLine(XsdtNode* node, QWidget* card)
     auto* line = new QWidget(card);
     line->setObjectName(u"groupLine"_s);
     QLabel* label = createLabel(u"<b>%1</b>  (%2)"_s.arg(asHtml(path), values.toHtmlEscaped()),
-                                Qt::RichText, u"pathLabel"_s, line);
+                                Qt::RichText, u"groupLabel"_s, line);
     const QString shortPath = abbreviated(path, titleLimit);
     auto* reveal = new QPushButton(tr("Show in All settings"), line);
     reveal->setObjectName(u"revealButton"_s);

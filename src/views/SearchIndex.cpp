@@ -8,6 +8,7 @@
 #include "views/LowerCasePath.h"
 #include "views/TextOrder.h"
 
+#include <QHash>
 #include <QRegularExpression>
 #include <QStringMatcher>
 
@@ -32,6 +33,7 @@ struct Term
     {
     }
 
+    int count = 1; ///< How often the query holds it: it earns its points each time.
     QString text;
     QStringMatcher exact;
     QStringMatcher anyCase;
@@ -49,8 +51,18 @@ class Scorer
 public:
     explicit Scorer(const SearchQuery& query)
         : m_query(query)
-        , m_terms(query.terms.begin(), query.terms.end())
     {
+        // A pasted text of thousands of words has few different ones.
+        QHash<QString, size_t> places;
+        for (const QString& word : query.terms) {
+            const auto known = places.constFind(word);
+            if (known != places.cend()) {
+                ++m_terms[*known].count;
+            } else {
+                places.insert(word, m_terms.size());
+                m_terms.emplace_back(word);
+            }
+        }
     }
 
     /// The sum over all terms; -1 if one of them doesn't match.
@@ -62,7 +74,7 @@ public:
             if (points == 0) {
                 return -1;
             }
-            sum += points;
+            sum += term.count * points;
         }
         return sum;
     }

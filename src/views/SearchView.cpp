@@ -246,11 +246,13 @@ void SearchView::addRows()
 {
     const qsizetype total = m_results.size();
     const qsizetype shown = qMin(total, m_limit);
+    QList<QWidget*> rows;
     for (qsizetype i = m_resultsArea->count(); i < shown; ++i) {
         SettingRow* row = m_rowSet->add(m_index[m_results[i]].node, m_resultsArea->widget());
         row->setShowPath(true);
-        m_resultsArea->append(row);
+        rows.append(row);
     }
+    m_resultsArea->append(rows);
     m_resultsArea->setMoreText(shown < total ? tr("Show more results (%1 more)").arg(total - shown)
                                              : QString());
     if (total == 0) {

@@ -2,6 +2,7 @@
 #include "views/WidgetColumn.h"
 
 #include <QApplication>
+#include <QFocusFrame>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -12,6 +13,7 @@ namespace kse {
 WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     : QScrollArea(parent)
     , m_lastTabStop(this)
+    , m_focusFrame(new QFocusFrame(this))
 {
     auto* container = new QWidget(this);
     m_showMoreButton = new QPushButton(container);
@@ -28,16 +30,25 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     setWidget(container);
 }
 
-void WidgetColumn::append(QWidget* widget)
+void WidgetColumn::append(const QList<QWidget*>& widgets)
 {
-    m_layout->insertWidget(m_layout->count() - 2, widget);
-    m_items.append(widget);
-    // A new widget is the last of its whole window.
-    for (QWidget* child : widget->findChildren<QWidget*>()) {
-        if ((child->focusPolicy() & Qt::TabFocus) && !child->focusProxy()) {
-            setTabOrder(m_lastTabStop, child);
-            m_lastTabStop = child;
+    QList<QWidget*> tabStops;
+    for (QWidget* widget : widgets) {
+        m_layout->insertWidget(m_layout->count() - 2, widget);
+        for (QWidget* child : widget->findChildren<QWidget*>()) {
+            if ((child->focusPolicy() & Qt::TabFocus) && !child->focusProxy()) {
+                tabStops.append(child);
+            }
         }
+    }
+    m_items += widgets;
+    // Until here they come after all else in the window. Backwards, since Qt looks at every widget
+    // between one that it moves and the tab stop before that.
+    for (auto stop = tabStops.crbegin(); stop != tabStops.crend(); ++stop) {
+        setTabOrder(m_lastTabStop, *stop);
+    }
+    if (!tabStops.isEmpty()) {
+        m_lastTabStop = tabStops.constLast();
     }
     setTabOrder(m_lastTabStop, m_showMoreButton);
 }
@@ -60,10 +71,22 @@ void WidgetColumn::clear()
 void WidgetColumn::setMoreText(const QString& text)
 {
     if (text.isEmpty() && m_showMoreButton->hasFocus()) {
-        focusPreviousChild();
+        focusPreviousChild(); // from where Tab leads to what has just been appended
     }
     m_showMoreButton->setText(text);
     m_showMoreButton->setVisible(!text.isEmpty());
+}
+
+void WidgetColumn::focusInEvent(QFocusEvent* event)
+{
+    QScrollArea::focusInEvent(event);
+    m_focusFrame->setWidget(this); // without a frame of its own, nothing else tells
+}
+
+void WidgetColumn::focusOutEvent(QFocusEvent* event)
+{
+    QScrollArea::focusOutEvent(event);
+    m_focusFrame->setWidget(nullptr);
 }
 
 } // namespace kse

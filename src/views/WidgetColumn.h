@@ -4,6 +4,7 @@
 #include <QList>
 #include <QScrollArea>
 
+class QFocusFrame;
 class QPushButton;
 class QVBoxLayout;
 
@@ -18,8 +19,8 @@ class WidgetColumn : public QScrollArea
 public:
     explicit WidgetColumn(int spacing, QWidget* parent = nullptr);
 
-    /// Takes `widget`, made as a child of `QScrollArea::widget`, as the last of the column.
-    void append(QWidget* widget);
+    /// Takes `widgets`, made as children of `QScrollArea::widget`, as the last of the column.
+    void append(const QList<QWidget*>& widgets);
 
     /// Number of widgets in the column.
     qsizetype count() const { return m_items.size(); }
@@ -34,10 +35,15 @@ signals:
     /// The button was pressed.
     void moreRequested();
 
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
 private:
     QVBoxLayout* m_layout = nullptr;
     QPushButton* m_showMoreButton = nullptr;
     QWidget* m_lastTabStop = nullptr; ///< Of the column without the button.
+    QFocusFrame* m_focusFrame = nullptr;
     QList<QWidget*> m_items;
 };
 

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "support/SettingsPage.h"
+#include "support/TestMain.h"
+#include "views/HealthView.h"
+#include "views/SettingRow.h"
+
+#include <QtWidgets>
+
+using namespace Qt::StringLiterals;
+using namespace kse;
+
+namespace {
+
+struct Page : SettingsPage<HealthView>
+{
+    using SettingsPage::SettingsPage;
+
+    QList<QWidget*> cards() const { return column<QWidget>("cardsContainer"); }
+
+    // A line for each text on the cards but the details.
+    QString text() const
+    {
+        QString text;
+        for (const QWidget* card : cards()) {
+            for (const QLabel* label : card->findChildren<QLabel*>()) {
+                const bool isDetail = label->objectName() == "detailLabel"_L1;
+                text += label->isHidden() || isDetail ? QString() : label->text() + u'\n';
+            }
+        }
+        return text;
+    }
+};
+
+const QByteArray outOfRange = R"(<i k="Global"><i k="Preferences"><i k="Application">)"
+                              R"(<v k="AutoSaveSettingsPeriod" t="u" v="0"/></i></i></i>)";
+const QByteArray duplicate = R"(<v k="&lt;i>%1&amp;" t="s" v="1"/>)";
+
+} // namespace
+
+class TestHealthView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void checksWhenFirstShown()
+    {
+        Page page(outOfRange + duplicate.repeated(2));
+        QSignalSpy summary(&page.view, &HealthView::summaryChanged);
+        QVERIFY(page.cards().isEmpty());
+        page.view.show();
+        page.view.hide();
+        page.view.show();
+        QCOMPARE(summary.takeFirst(), (QVariantList{1, 1}));
+        QVERIFY(summary.isEmpty());
+        QCOMPARE(page.summary(), u"1 problem(s), 1 warning(s), 0 note(s)"_s);
+        page.view.setDocument(nullptr);
+        QCOMPARE(summary.takeFirst(), (QVariantList{0, 0}));
+        QCOMPARE(page.text() + page.summary(), QString());
+        page.view.setDocument(page.document.get()); // while it is shown
+        QCOMPARE(page.cards().size(), 2);
+    }
+
+    void mendsOnTheCard()
+    {
+        Page page(outOfRange + duplicate.repeated(2));
+        page.view.show();
+        const QString fresh = page.summary();
+        auto* box = page.view.findChild<QSpinBox*>();
+        QTest::keyClick(box, Qt::Key_Up);
+        QTest::keyClick(box, Qt::Key_Up);
+        QCOMPARE(page.summary(),
+                 fresh + u"   (You changed settings: run the check again to re-check.)"_s);
+        QTest::mouseClick(page.child<QPushButton>("rerunButton"), Qt::LeftButton);
+        QCOMPARE(page.summary(), u"0 problem(s), 1 warning(s), 0 note(s)"_s);
+        page.document->root.children.back()->markedForDeletion = true;
+        page.view.run();
+        page.model.revertValue(page.document->editedValues().constFirst());
+        QCOMPARE(page.summary(), u"No problems found."_s);
+    }
+
+    void showsTwelveSettingsOfFinding()
+    {
+        Page page(duplicate.repeated(13) + "<i k=\"ModuleData\"><i k=\"Old\"/></i>");
+        const QSignalSpy open(&page.view, &HealthView::openUnusedModules);
+        page.view.show();
+        QCOMPARE(page.text(), u"<b>Warning:</b> &quot;&lt;i&gt;%1&amp;&quot; appears 13 times in "
+                              "the top level\n"_s +
+                                  u"<i>%1&&\n"_s.repeated(12) +
+                                  u"...and 1 more.\n<b>Note:</b> 1 module(s) have saved data but "
+                                  "are not in the module list\n"_s);
+        QTest::mouseClick(page.child<QPushButton>("openUnusedButton"), Qt::LeftButton);
+        QCOMPARE(open.count(), 1);
+    }
+
+    void offersToDeleteDuplicatedGroups()
+    {
+        for (const bool readOnly : {true, false}) {
+            Page page(R"(<i k="Global"><v k="n" t="i" v="1"/></i><i k="Global"/>)"
+                      R"(<i k="ScriptData"><i k="&lt;i>&amp;"/><i k="&lt;i>&amp;"/></i>)");
+            const QSignalSpy remove(&page.view, &HealthView::deleteRequested);
+            const QSignalSpy reveal(&page.view, &HealthView::revealRequested);
+            page.view.setReadOnly(readOnly);
+            page.view.run();
+            QCOMPARE(page.text().section(u'\n', 1, 2),
+                     u"<b>Global</b>  (1 value(s))\n<b>Global</b>  (0 value(s))"_s);
+            QCOMPARE(page.text().section(u'\n', 5, 5),
+                     u"<b>ScriptData/&lt;i&gt;&amp;</b>  (0 value(s))"_s);
+            const auto buttons = page.view.findChildren<QPushButton*>(u"deleteButton"_s);
+            QVERIFY(!buttons[0]->isEnabled());
+            QVERIFY(buttons[0]->toolTip().startsWith(u"Protected: "_s));
+            QVERIFY(buttons[3]->toolTip().startsWith(u"Saved settings of a script."_s));
+            buttons[3]->click();
+            QCOMPARE(remove.count(), readOnly ? 0 : 1);
+            page.view.findChildren<QPushButton*>(u"revealButton"_s)[3]->click();
+            QCOMPARE(reveal[0][0].value<XsdtNode*>(),
+                     page.document->root.children.back()->children.back().get());
+        }
+    }
+
+    void showsManyFindingsInSteps()
+    {
+        Page page(manyValues(450, 2));
+        page.view.show();
+        auto* more = page.child<QPushButton>("showMoreButton");
+        QCOMPARE(page.summary(), u"0 problem(s), 450 warning(s), 0 note(s)"_s);
+        QCOMPARE(page.cards().size(), 200);
+        QCOMPARE(more->text(), u"Show more findings (250 more)"_s);
+        more->click();
+        more->click();
+        QCOMPARE(page.cards().size(), 450);
+        QVERIFY(!more->isVisible());
+    }
+};
+
+KSE_TEST_MAIN(TestHealthView)
+#include "TestHealthView.moc"
