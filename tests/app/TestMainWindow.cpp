@@ -14,7 +14,9 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QNetworkReply>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTreeWidget>
 
 using namespace kse;
@@ -36,7 +38,11 @@ class TestMainWindow : public WindowFixture
 
 private slots:
     void initTestCase() { prepareProgram(); }
-    void init() { openSample(); }
+    void init()
+    {
+        openSample();
+        find<QTabWidget>("tabs")->setCurrentWidget(find<QWidget>("advancedPage"));
+    }
     void cleanup() { m_window.reset(); }
 
     void editsEveryType_data()
@@ -347,9 +353,22 @@ private slots:
         const QStringList files = QDir(m_folder).entryList(QDir::Files);
         QTemporaryDir pictures;
         m_window->renderScreenshots(pictures.filePath(u"new"_s), QString());
-        QCOMPARE(QDir(pictures.filePath(u"new"_s)).entryList(QDir::Files),
-                 QStringList({u"advanced-changed.png"_s, u"advanced.png"_s, u"backups.png"_s,
-                              u"review.png"_s}));
+        QStringList expected{u"about"_s,         u"advanced-changed"_s, u"advanced"_s,
+                             u"backups"_s,       u"cleanup-queued"_s,   u"cleanup"_s,
+                             u"compare-all"_s,   u"compare"_s,          u"health"_s,
+                             u"module-search"_s, u"review"_s,           u"search-font"_s,
+                             u"search"_s,        u"unused-modules"_s};
+        for (int page = 0; page < 12; ++page) {
+            expected.append(u"prefs-%1"_s.arg(page, 2, 10, QChar(u'0')));
+        }
+        const QFileInfoList written = QDir(pictures.filePath(u"new"_s)).entryInfoList(QDir::Files);
+        QCOMPARE(written.size(), expected.size());
+        for (const QFileInfo& picture : written) {
+            QVERIFY2(expected.contains(picture.baseName()), qPrintable(picture.fileName()));
+            QCOMPARE(picture.suffix(), u"png"_s);
+            QVERIFY(!QImage(picture.filePath()).isNull());
+        }
+        QVERIFY(!m_window->findChild<QNetworkReply*>());
         QCOMPARE(contentOf(m_file), before);
         QCOMPARE(QDir(m_folder).entryList(QDir::Files), files);
         QCOMPARE(pending(), 0);

@@ -48,7 +48,7 @@ private:
         const auto rows = page->findChildren<SettingRow*>();
         for (SettingRow* candidate : rows) {
             const QString shown = candidate->toolTip().section(u'\n', 0, 0);
-            if (shown == path && !candidate->isHidden()) {
+            if (shown == path && candidate->isVisibleTo(page)) {
                 return candidate;
             }
         }
@@ -113,6 +113,7 @@ private slots:
         QWidget* search = show("searchView");
         in<QCheckBox>(search, u"changedOnly"_s)->click();
         QTRY_COMPARE(in<QLabel>(search, u"summaryLabel"_s)->text(), u"1 result(s)"_s);
+        QTRY_VERIFY(row(search, path)); // shown a turn later
         QVERIFY(isBold(row(search, path)));
         QVERIFY(treeFont(path).bold());
 
@@ -177,6 +178,7 @@ private slots:
         auto* tabs = find<QTabWidget>("tabs");
         const QString before = tabs->tabText(tabs->indexOf(health));
         QVERIFY(before.startsWith("Health check ("_L1));
+        QTRY_VERIFY(row(health, path));
         auto* editor = in<QSpinBox>(row(health, path), u"spinBox"_s);
         editor->setValue(1);
         auto* summary = in<QLabel>(health, u"summaryLabel"_s);
