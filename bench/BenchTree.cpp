@@ -177,7 +177,8 @@ void deleteAndUndoTopGroup(benchmark::State& state)
 {
     Tree tree(state);
     DeletePolicy policy;
-    if (!policy.load(R"({"policy": {"delete": [{"path": "**", "level": "safe", "reason": "Free."}]}})")) {
+    if (!policy.load(
+            R"({"policy": {"delete": [{"path": "**", "level": "safe", "reason": "Free."}]}})")) {
         qFatal("the policy doesn't load");
     }
     tree.model.setPolicy(&policy);
