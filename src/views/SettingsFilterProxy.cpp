@@ -22,6 +22,7 @@ SettingsFilterProxy::SettingsFilterProxy(QObject* parent)
     : QSortFilterProxyModel(parent)
 {
     setRecursiveFilteringEnabled(true);
+    setFilterRole(SettingsModel::NodeRole);
 }
 
 void SettingsFilterProxy::setFilterText(const QString& text)

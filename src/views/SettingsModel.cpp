@@ -390,11 +390,15 @@ void SettingsModel::notifySubtree(const XsdtNode& node)
 
 void SettingsModel::notifyBelow(const XsdtNode& node)
 {
+    // Without `NodeRole`, by which the proxy filters: otherwise it would judge all ancestors of a
+    // group anew for each group.
+    static const QList<int> roles{Qt::DisplayRole, Qt::EditRole,       Qt::ToolTipRole,
+                                  Qt::FontRole,    Qt::BackgroundRole, Qt::ForegroundRole};
     const auto notifyChildren = [this](const XsdtNode& above) {
         const QModelIndex parent = indexForNode(&above);
         const int count = rowCount(parent);
         if (count > 0) {
-            emit dataChanged(index(0, 0, parent), index(count - 1, TypeColumn, parent));
+            emit dataChanged(index(0, 0, parent), index(count - 1, TypeColumn, parent), roles);
         }
         return count > 0 ? Walk::Into : Walk::Over;
     };

@@ -45,7 +45,6 @@ private slots:
     void givesUpWhenDocumentIsReplacedUnderDialog();
     void namesItsPartsAndMatches();
     void followsThemeAndTextSize();
-    void offersMenu_data();
     void offersMenu();
 
 private:
@@ -320,68 +319,52 @@ void TestSettingRow::followsThemeAndTextSize()
     QApplication::setFont(oldFont);
 }
 
-void TestSettingRow::offersMenu_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("entries"); // in brackets what can't be chosen
-    QTest::addColumn<QString>("done");    // by choosing the first entry that can
-    const QString show = u"-|Show in All settings"_s;
-    QTest::newRow("value") << u"Group/Sub/Key"_s
-                           << u"Revert this value|-|Why can't this be deleted?|"_s + show
-                           << u"old"_s;
-    QTest::newRow("never") << u"Group/Other"_s << u"Why can't this be deleted?|"_s + show
-                           << u"Cannot delete: Group/Other\n\nNeeded <b>."_s;
-    QTest::newRow("safe") << u"Group"_s << u"Delete this group|"_s + show << u"delete Group"_s;
-    QTest::newRow("warn, running")
-        << u"!Group/Sub"_s << u"[Delete this group...]|"_s + show << u"reveal Sub"_s;
-    QTest::newRow("marked, running")
-        << u"!*Group"_s << u"Undo deletion|"_s + show << u"undo Group"_s;
-    QTest::newRow("inside") << u"*Group/Sub/Key"_s
-                            << u"[Revert this value]|-|[Inside a group marked for deletion]|"_s +
-                                   show
-                            << u"reveal Key"_s;
-}
-
 void TestSettingRow::offersMenu()
 {
-    QFETCH(QString, path); // after "!" for read-only and "*" for a mark on the top group
     makeRow('s', u"old"_s, infoOf(VariableKind::Text));
-    m_node->value = u"new"_s;
     XsdtNode* group = m_document->root.children.front().get();
     group->append(std::make_unique<XsdtNode>())->key = u"Other"_s;
-    group->markedForDeletion = path.contains(u'*');
-    XsdtNode* node = m_document->root.findByPath(QString(path).remove(u'!').remove(u'*'));
     QString done;
     const auto note = [&done](const QString& what) {
         return [&done, what](const XsdtNode* target) {
             done = what + target->key;
         };
     };
-    const auto run = [&](bool replaceDocument) {
+    // What the menu of `path` offers, in brackets what can't be chosen, and what the first
+    // entry that can be chosen does.
+    const auto menu = [&](const QString& path, bool readOnly, bool replaceDocument = false) {
+        m_node->value = u"new"_s;
+        done.clear();
         QStringList entries;
-        DialogAnswerer<QMenu> menu([&](QMenu& shown) {
+        DialogAnswerer<QMenu> answer([&](QMenu& shown) {
             for (QAction* action : shown.actions()) {
                 const QString text = action->isSeparator() ? u"-"_s : action->text();
                 entries << (action->isEnabled() ? text : u"["_s + text + u"]"_s);
             }
             if (replaceDocument) {
-                m_model->setDocument(nullptr);
+                m_model->setDocument(m_document.get());
             }
             QTest::keyClick(&shown, Qt::Key_Down);
             QTest::keyClick(&shown, Qt::Key_Return);
         });
         DialogAnswerer<QMessageBox> box(
             [&](QMessageBox& shown) { done = shown.windowTitle() + u": "_s + shown.text(); });
-        showNodeContextMenu(m_row, m_model.get(), node, {10, 10}, path.contains(u'!'),
-                            {note(u"delete "_s), note(u"undo "_s), note(u"reveal "_s)});
-        return entries.join(u'|');
+        showNodeContextMenu(m_row, m_model.get(), m_document->root.findByPath(path), {10, 10},
+                            readOnly, {note(u"delete "_s), note(u"undo "_s), note(u"reveal "_s)});
+        entries.removeOne(u"Show in All settings"_s); // always the last
+        return entries.join(u'|') + (done.isEmpty() ? m_node->value : done);
     };
-    QTEST(run(false), "entries");
-    QTEST(done.isEmpty() ? m_node->value : done, "done");
-    done.clear();
-    m_node->value = u"new"_s;
-    run(true);
-    QCOMPARE(done + m_node->value, u"new"_s);
+    const QString key = u"Group/Sub/Key"_s;
+    QCOMPARE(menu(key, false), u"Revert this value|-|Why can't this be deleted?|-old"_s);
+    QCOMPARE(menu(key, false, true), u"Revert this value|-|Why can't this be deleted?|-new"_s);
+    QCOMPARE(menu(u"Group/Other"_s, false), u"Why can't this be deleted?|-Cannot delete: "
+                                            u"Group/Other\n\nNeeded <b>."_s);
+    QCOMPARE(menu(u"Group"_s, false), u"Delete this group|-delete Group"_s);
+    QCOMPARE(menu(u"Group/Sub"_s, true), u"[Delete this group...]|-reveal Sub"_s);
+    group->markedForDeletion = true;
+    QCOMPARE(menu(u"Group"_s, true), u"Undo deletion|-undo Group"_s);
+    QCOMPARE(menu(key, false), u"[Revert this value]|-|[Inside a group marked for deletion]|-"
+                               u"reveal Key"_s);
 }
 
 } // namespace kse
