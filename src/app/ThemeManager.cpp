@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/ThemeManager.h"
 
+#include "app/ThemeStyle.h"
+
 #include <QApplication>
 #include <QFontInfo>
 #include <QPalette>
@@ -100,7 +102,7 @@ void ThemeManager::init(bool loadStored)
     const QPalette system = QApplication::palette();
     m_systemIsDark =
         system.color(QPalette::WindowText).lightness() > system.color(QPalette::Window).lightness();
-    QApplication::setStyle(u"Fusion"_s);
+    QApplication::setStyle(new ThemeStyle);
     if (loadStored) {
         load();
     }
