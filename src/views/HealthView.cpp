@@ -8,6 +8,7 @@
 #include "views/SettingRowSet.h"
 #include "views/SettingsModel.h"
 #include "views/WidgetColumn.h"
+#include "views/WrappedLabel.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -48,12 +49,8 @@ QString asHtml(const QString& text)
 QLabel* createLabel(const QString& text, Qt::TextFormat format, const QString& name,
                     QWidget* parent)
 {
-    auto* label = new QLabel(parent);
+    auto* label = new WrappedLabel(text, format, parent);
     label->setObjectName(name);
-    label->setTextFormat(format);
-    label->setText(text);
-    label->setWordWrap(true);
-    label->setMinimumWidth(1); // one long word must not widen the page
     return label;
 }
 

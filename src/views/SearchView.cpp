@@ -6,6 +6,7 @@
 #include "views/SettingRow.h"
 #include "views/SettingRowSet.h"
 #include "views/WidgetColumn.h"
+#include "views/WrappedLabel.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -36,9 +37,8 @@ SearchView::SearchView(SettingsModel* model, const SettingsSchema* schema, QWidg
     m_debounce.setInterval(200);
     createBanner();
     createQuery();
-    m_summaryLabel = new QLabel(this);
+    m_summaryLabel = new WrappedLabel({}, Qt::PlainText, this);
     m_summaryLabel->setObjectName(u"summaryLabel"_s);
-    m_summaryLabel->setWordWrap(true);
     m_resultsArea = new WidgetColumn(0, this);
     m_resultsArea->widget()->setObjectName(u"resultsContainer"_s);
     layOut();
@@ -49,11 +49,8 @@ void SearchView::createBanner()
 {
     m_banner = new QWidget(this);
     m_banner->setObjectName(u"banner"_s);
-    m_bannerLabel = new QLabel(m_banner);
+    m_bannerLabel = new WrappedLabel({}, Qt::PlainText, m_banner);
     m_bannerLabel->setObjectName(u"bannerLabel"_s);
-    m_bannerLabel->setTextFormat(Qt::PlainText);
-    m_bannerLabel->setWordWrap(true);
-    m_bannerLabel->setMinimumWidth(1); // one long name must not widen the page
     m_bannerLabel->setMargin(6);
     m_bannerLabel->setAutoFillBackground(true);
     QPalette palette; // sets this role alone; the others go on following the theme

@@ -8,6 +8,7 @@
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 #include "views/WheelGuard.h"
+#include "views/WrappedLabel.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -40,11 +41,8 @@ constexpr qsizetype labelLimit = 1000;
 
 QLabel* createLabel(const QString& text, const QString& name, QWidget* parent)
 {
-    auto* label = new QLabel(text, parent);
+    auto* label = new WrappedLabel(text, Qt::PlainText, parent);
     label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setMinimumWidth(1); // one long word must not widen the page
     return label;
 }
 

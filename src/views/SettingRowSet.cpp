@@ -26,7 +26,9 @@ SettingRowSet::SettingRowSet(SettingsModel* model, const SettingsSchema* schema,
 SettingRow* SettingRowSet::add(XsdtNode* node, QWidget* parent)
 {
     auto* row = new SettingRow(node, m_schema->describe(*node), m_model, parent);
-    row->setReadOnly(m_readOnly);
+    if (m_readOnly) {
+        row->setReadOnly(true);
+    }
     connect(row, &SettingRow::rejected, this, &SettingRowSet::message);
     connect(row, &SettingRow::menuRequested, this, &SettingRowSet::showMenu);
     m_rows.insert(node, row);

@@ -27,6 +27,7 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     m_layout->addStretch();
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // else every wrapped text is laid out twice
     setWidget(container);
 }
 
@@ -34,6 +35,7 @@ void WidgetColumn::append(const QList<QWidget*>& widgets)
 {
     QList<QWidget*> tabStops;
     for (QWidget* widget : widgets) {
+        widget->resize(viewport()->width(), widget->height()); // is laid out when it is shown
         m_layout->insertWidget(m_layout->count() - 2, widget);
         for (QWidget* child : widget->findChildren<QWidget*>()) {
             if ((child->focusPolicy() & Qt::TabFocus) && !child->focusProxy()) {
