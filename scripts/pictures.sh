@@ -1,9 +1,38 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Draws the picture of the README anew, from the first sample file.
+# Draws the pictures of the README and of the user guide anew, from a scratch copy of the sample
+# files, and puts the guide together. Needs convert (imagemagick).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
-env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$root/scripts/run.sh" --demo --theme light
+"$root/scripts/setup.sh" build
+(cd "$root" && cmake --preset release && cmake --build --preset release)
+
+home=$(mktemp -d "${TMPDIR:-/tmp}/kestrane-pictures.XXXXXX")
+trap 'rm -rf "$home"' EXIT
+settings=$home/.config/Pleiades
+mkdir -p "$settings"
+cp "$root"/examples/core-*-pxi.settings "$settings"
+for stamp in 20260311-142530 20260309-210412 20260214-183355-before-restore; do
+    cp "$root/examples/core-001-pxi.settings" "$settings/core-001-pxi.settings.bak-$stamp"
+    touch -d "${stamp:0:8} ${stamp:9:2}:${stamp:11:2}:${stamp:13:2}" "$settings"/*"$stamp"
+done
+touch -d "2026-03-11 22:48:07" "$settings"/*.settings
+env HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_CACHE_HOME="$home/.cache" \
+    XDG_DATA_HOME="$home/.local/share" QT_QPA_PLATFORM=offscreen \
+    "$root/build/release/src/app/kestrane-settings-editor" --theme light --screenshots "$home/drawn"
+
 mkdir -p "$root/docs/images"
-cp "$root/build/screenshots/advanced.png" "$root/docs/images/advanced.png"
+for name in prefs-00 health compare; do
+    convert "$home/drawn/$name.png" -dither None -colors 128 "PNG8:$root/docs/images/$name.png"
+done
+
+# The source page names the pictures; the guide carries them in it, drawn small.
+help=$root/resources/help
+while IFS= read -r line; do
+    if [[ $line =~ ^(.*\<img\ src=\")([a-z0-9-]+\.png)(\".*)$ ]]; then
+        convert "$home/drawn/${BASH_REMATCH[2]}" -resize 720x -dither None -colors 64 "PNG8:$home/small.png"
+        line="${BASH_REMATCH[1]}data:image/png;base64,$(base64 -w0 "$home/small.png")${BASH_REMATCH[3]}"
+    fi
+    printf '%s\n' "$line"
+done <"$help/help.in.html" >"$help/help.html"

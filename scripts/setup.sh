@@ -1,22 +1,24 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what is missing on Debian 12, Ubuntu 24.04 and later, and nothing if all is there.
-#   scripts/setup.sh [build] [test] [ci]
+#   scripts/setup.sh [build] [test] [package] [ci]
 set -euo pipefail
 
 # Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
 build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(procps)
-ci=(clang-format g++-mingw-w64-x86-64-posix libbenchmark-dev libpugixml-dev shellcheck)
+package=(dpkg-dev file)
+ci=(appstream clang-format desktop-file-utils g++-mingw-w64-x86-64-posix libbenchmark-dev libpugixml-dev shellcheck)
 
 needed=()
 for part in "${@:-build}"; do
     case $part in
     build) needed+=("${build[@]}") ;;
     test) needed+=("${test[@]}") ;;
+    package) needed+=("${package[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
     *)
-        echo "Usage: scripts/setup.sh [build] [test] [ci]" >&2
+        echo "Usage: scripts/setup.sh [build] [test] [package] [ci]" >&2
         exit 2
         ;;
     esac

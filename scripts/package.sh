@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs what is missing, builds the program, and makes a Debian package of it in build/package.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh build package
+cmake --preset release
+cmake --build --preset release
+rm -rf build/package
+cpack --config build/release/CPackConfig.cmake -G DEB -B build/package
+rm -r build/package/_CPack_Packages
