@@ -8,7 +8,8 @@ set -euo pipefail
 build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(procps)
 package=(dpkg-dev file)
-ci=(appstream clang-format desktop-file-utils g++-mingw-w64-x86-64-posix libbenchmark-dev libpugixml-dev shellcheck)
+ci=(appstream clang-format desktop-file-utils g++-mingw-w64-x86-64-posix libbenchmark-dev
+    libpugixml-dev shellcheck)
 
 needed=()
 for part in "${@:-build}"; do
