@@ -162,6 +162,8 @@ void MainWindow::grabDialogs(const QString& dir)
 
 void MainWindow::grabTo(QWidget& widget, const QString& dir, const QString& name)
 {
+    // What is new is shown by a first round of events, and laid out by what that posts.
+    QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     widget.grab().save(dir + u'/' + name);
 }
