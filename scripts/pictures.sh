@@ -22,17 +22,22 @@ env HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_CACHE_HOME="$home/.cache" \
     XDG_DATA_HOME="$home/.local/share" QT_QPA_PLATFORM=offscreen \
     "$root/build/release/src/app/kestrane-settings-editor" --theme light --screenshots "$home/drawn"
 
+# Without the status bar, which names a scratch folder.
 mkdir -p "$root/docs/images"
-for name in prefs-00 health compare; do
-    convert "$home/drawn/$name.png" -dither None -colors 128 "PNG8:$root/docs/images/$name.png"
+for name in prefs-00 health; do
+    convert "$home/drawn/$name.png" -crop 1200x795+0+0 +repage -dither None -colors 128 \
+        "PNG8:$root/docs/images/$name.png"
 done
 
-# The source page names the pictures; the guide carries them in it, drawn small.
+# The source page names the pictures; the guide carries them in it, drawn small, and without what
+# stands beneath the pages.
 help=$root/resources/help
 while IFS= read -r line; do
     if [[ $line =~ ^(.*\<img\ src=\")([a-z0-9-]+\.png)(\".*)$ ]]; then
-        convert "$home/drawn/${BASH_REMATCH[2]}" -resize 720x -dither None -colors 64 "PNG8:$home/small.png"
-        line="${BASH_REMATCH[1]}data:image/png;base64,$(base64 -w0 "$home/small.png")${BASH_REMATCH[3]}"
+        convert "$home/drawn/${BASH_REMATCH[2]}" -crop 1200x678+0+0 +repage -resize '720x>' \
+            -dither None -colors 64 "PNG8:$home/small.png"
+        line="${BASH_REMATCH[1]}data:image/png;base64,$(base64 -w0 "$home/small.png")"
+        line+=${BASH_REMATCH[3]}
     fi
     printf '%s\n' "$line"
 done <"$help/help.in.html" >"$help/help.html"
