@@ -230,8 +230,10 @@ void CleanupView::setDocument(XsdtDocument* document)
     addWarnEntries();
     addNoteIfEmpty(m_warnRoot, tr("No tool settings found."));
     m_tree->addTopLevelItems({m_safeRoot, m_warnRoot});
-    m_safeRoot->setExpanded(true);
-    m_warnRoot->setExpanded(true);
+    for (QTreeWidgetItem* root : {m_safeRoot, m_warnRoot}) {
+        root->setFirstColumnSpanned(true);
+        root->setExpanded(true);
+    }
     refreshStatus();
 }
 

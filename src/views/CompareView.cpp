@@ -4,6 +4,7 @@
 #include "schema/DeletePolicy.h"
 #include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
+#include "views/CompareRow.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 #include "views/WheelGuard.h"
@@ -36,62 +37,15 @@ namespace kse {
 
 namespace {
 
-enum Column { SettingColumn, ThisColumn, OtherColumn, StatusColumn };
-
 constexpr int maximumExpanded = 400; // rows; beyond, the groups are closed at first
 constexpr qsizetype maximumBackups = 25;
 constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
-constexpr qsizetype valueLimit = 90;
-constexpr qsizetype toolTipValueLimit = 300;
 
 const QString browseData = u"?"_s;
 
 bool isSameFile(const QString& path, const QString& other)
 {
     return !path.isEmpty() && !other.isEmpty() && QFileInfo(path) == QFileInfo(other);
-}
-
-QString shownValue(const XsdtNode* node)
-{
-    return node ? displayValue(*node, node->value, valueLimit) : QString();
-}
-
-QString statusText(const CompareEntry& entry)
-{
-    switch (entry.state) {
-    case CompareState::OnlyThis:
-        return CompareView::tr("Only in this file");
-    case CompareState::OnlyOther:
-        return CompareView::tr("Only in the other file");
-    case CompareState::Different:
-        break;
-    }
-    const QString text = CompareView::tr("Different");
-    const QChar type = entry.thisNode->typeCode;
-    const QChar otherType = entry.otherNode->typeCode;
-    return type == otherType
-               ? text
-               : text + CompareView::tr(" (type %1 / %2)").arg(QString(type), QString(otherType));
-}
-
-QString toolTipText(const CompareEntry& entry, bool isCopyable)
-{
-    QString text = abbreviated(entry.path, nameLimit);
-    if (entry.thisNode) {
-        text += CompareView::tr("\nThis file: %1")
-                    .arg(firstCharacters(entry.thisNode->value, toolTipValueLimit));
-    }
-    if (entry.otherNode) {
-        text += CompareView::tr("\nOther file: %1")
-                    .arg(firstCharacters(entry.otherNode->value, toolTipValueLimit));
-    }
-    if (entry.state == CompareState::Different && !isCopyable) {
-        text += CompareView::tr("\nCannot be copied: protected value type, specific to one "
-                                "PixInsight installation, or queued for deletion.");
-    } else if (entry.state == CompareState::OnlyOther) {
-        text += CompareView::tr("\nDoes not exist in this file; adding entries is not offered.");
-    }
-    return asToolTip(text);
 }
 
 bool holdsText(const CompareEntry& entry, const QString& text)
@@ -107,72 +61,16 @@ bool holdsText(const CompareEntry& entry, const QString& text)
 QTreeWidgetItem* makeTopLevelRow(const QString& text)
 {
     auto* row = new QTreeWidgetItem({abbreviated(text, nameLimit)});
-    row->setData(SettingColumn, Qt::UserRole, -1);
+    row->setData(CompareRow::SettingColumn, Qt::UserRole, -1);
     return row;
 }
 
 int entryIndex(const QTreeWidgetItem* item)
 {
-    return item ? item->data(SettingColumn, Qt::UserRole).toInt() : -1;
+    return item ? item->data(CompareRow::SettingColumn, Qt::UserRole).toInt() : -1;
 }
 
 } // namespace
-
-/// One entry, which it doesn't own. Its texts are made when they are seen: there may be a hundred
-/// thousand rows, all built anew at each key typed into the filter.
-class CompareView::Row : public QTreeWidgetItem
-{
-public:
-    Row(const CompareEntry& entry, int index, bool isCopyable)
-        : m_entry(entry)
-        , m_index(index)
-        , m_isCopyable(isCopyable)
-    {
-    }
-
-    int index() const { return m_index; }
-
-    QVariant data(int column, int role) const override
-    {
-        if (role == Qt::DisplayRole) {
-            return shownText(column);
-        }
-        if (column != SettingColumn) {
-            return {};
-        }
-        switch (role) {
-        case Qt::UserRole:
-            return m_index;
-        case Qt::ToolTipRole:
-            return toolTipText(m_entry, m_isCopyable);
-        case Qt::ForegroundRole:
-            return m_entry.state == CompareState::Different && !m_isCopyable
-                       ? treeWidget()->palette().brush(QPalette::Disabled, QPalette::Text)
-                       : QVariant();
-        default:
-            return {};
-        }
-    }
-
-private:
-    QString shownText(int column) const
-    {
-        switch (column) {
-        case SettingColumn:
-            return abbreviated(groupedPath(m_entry.path).name, nameLimit);
-        case ThisColumn:
-            return shownValue(m_entry.thisNode);
-        case OtherColumn:
-            return shownValue(m_entry.otherNode);
-        default:
-            return statusText(m_entry);
-        }
-    }
-
-    const CompareEntry& m_entry;
-    const int m_index;
-    const bool m_isCopyable;
-};
 
 CompareView::CompareView(SettingsModel* model, QWidget* parent)
     : QWidget(parent)
@@ -191,6 +89,7 @@ void CompareView::createInputs()
     m_fileCombo = new QComboBox(this);
     m_fileCombo->setObjectName("fileCombo"_L1);
     m_fileCombo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_fileCombo->setMinimumWidth(200); // a long name doesn't keep the window wide
     WheelGuard::install(m_fileCombo);
 
     const auto makeCheckBox = [this](const QString& name, const QString& text, bool on) {
@@ -219,6 +118,7 @@ void CompareView::createTree()
     m_summaryLabel = new QLabel(this);
     m_summaryLabel->setObjectName("summaryLabel"_L1);
     m_summaryLabel->setTextFormat(Qt::PlainText);
+    m_summaryLabel->setWordWrap(true);
 
     m_tree = new QTreeWidget(this);
     m_tree->setObjectName("tree"_L1);
@@ -230,11 +130,11 @@ void CompareView::createTree()
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);
-    header->setSectionResizeMode(SettingColumn, QHeaderView::Interactive);
-    header->resizeSection(SettingColumn, 340);
-    header->setSectionResizeMode(ThisColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(OtherColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(StatusColumn, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(CompareRow::SettingColumn, QHeaderView::Interactive);
+    header->resizeSection(CompareRow::SettingColumn, 340);
+    header->setSectionResizeMode(CompareRow::ThisColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(CompareRow::OtherColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(CompareRow::StatusColumn, QHeaderView::ResizeToContents);
 
     m_copySelectedButton = new QPushButton(tr("Use the other file's value for selected"), this);
     m_copySelectedButton->setObjectName("copySelectedButton"_L1);
@@ -352,8 +252,7 @@ void CompareView::clearEntries()
 
 void CompareView::forgetOther()
 {
-    const bool isEmptied = m_other.parse("<xsdt/>");
-    Q_ASSERT(isEmptied);
+    (void)m_other.parse({}); // fails, and leaves nothing behind
     m_otherPath.clear();
 }
 
@@ -383,7 +282,7 @@ void CompareView::refreshInPlace()
     QSet<QString> open;
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
         if (const QTreeWidgetItem* group = m_tree->topLevelItem(i); group->isExpanded()) {
-            open.insert(group->text(SettingColumn));
+            open.insert(group->text(CompareRow::SettingColumn));
         }
     }
     const int top = m_tree->verticalScrollBar()->value();
@@ -391,13 +290,13 @@ void CompareView::refreshInPlace()
     refresh();
     for (int i = 0; m_rows.size() > maximumExpanded && i < m_tree->topLevelItemCount(); ++i) {
         QTreeWidgetItem* group = m_tree->topLevelItem(i);
-        group->setExpanded(open.contains(group->text(SettingColumn)));
+        group->setExpanded(open.contains(group->text(CompareRow::SettingColumn)));
     }
     // What was current may be gone, for it was copied: who works by keyboard goes on where it was.
     if (currentRow >= 0 && !m_rows.isEmpty()) {
-        Row* row = m_rows.at(qMin(currentRow, m_rows.size() - 1));
+        CompareRow* row = m_rows.at(qMin(currentRow, m_rows.size() - 1));
         if (row->parent()->isExpanded()) { // the view would open it
-            m_tree->setCurrentItem(row, SettingColumn, QItemSelectionModel::NoUpdate);
+            m_tree->setCurrentItem(row, CompareRow::SettingColumn, QItemSelectionModel::NoUpdate);
         }
     }
     m_tree->doItemsLayout(); // gives the scroll bar its range
@@ -458,12 +357,12 @@ void CompareView::addRows(const std::vector<int>& shown)
         QTreeWidgetItem*& group = groups[name];
         if (!group) {
             group = makeTopLevelRow(name);
-            group->setFont(SettingColumn, bold);
+            group->setFont(CompareRow::SettingColumn, bold);
             topLevelRows.append(group);
         }
         const bool copyable = isCopyable(entry);
         m_copyableRows += copyable ? 1 : 0;
-        auto* row = new Row(entry, index, copyable);
+        auto* row = new CompareRow(entry, index, copyable);
         group->addChild(row);
         m_rows.append(row);
     }
@@ -473,6 +372,9 @@ void CompareView::addRows(const std::vector<int>& shown)
     }
     // Once and filled: the tree takes rows that come one by one each by itself.
     m_tree->addTopLevelItems(topLevelRows);
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        m_tree->setFirstColumnSpanned(i, {}, true);
+    }
     if (!m_rows.isEmpty() && m_rows.size() <= maximumExpanded) {
         m_tree->expandAll();
     }
@@ -668,7 +570,7 @@ QList<int> CompareView::shownEntries() const
 {
     QList<int> indices;
     indices.reserve(m_rows.size());
-    for (const Row* row : m_rows) {
+    for (const CompareRow* row : m_rows) {
         indices.append(row->index());
     }
     return indices;

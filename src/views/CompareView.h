@@ -21,6 +21,7 @@ class QTreeWidgetItem;
 
 namespace kse {
 
+class CompareRow;
 class SettingsModel;
 
 /// The page that compares the open file with another one, which is never written, and takes
@@ -54,8 +55,6 @@ signals:
     void message(const QString& text);
 
 private:
-    class Row;
-
     void createInputs();
     void createTree();
     void createLayout();
@@ -85,7 +84,7 @@ private:
     QString m_otherPath; ///< Empty: nothing is compared.
     QList<CompareEntry> m_entries;
     std::vector<bool> m_isNoise; ///< Of each entry; slow to find out at every key of the filter.
-    QList<Row*> m_rows;          ///< What the tree shows of the entries, from top to bottom.
+    QList<CompareRow*> m_rows;   ///< What the tree shows of the entries, from top to bottom.
     int m_copyableRows = 0;      ///< How many of these can be copied.
     quint64 m_comparison = 0;    ///< Rises whenever the entries go.
     bool m_readOnly = false;

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "views/CompareRow.h"
+
+#include "document/XsdtNode.h"
+#include "views/CompareEngine.h"
+#include "views/CompareView.h"
+#include "views/PlainText.h"
+#include "views/SettingsModel.h"
+
+#include <QApplication>
+#include <QPalette>
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
+constexpr qsizetype valueLimit = 90;
+constexpr qsizetype toolTipValueLimit = 300;
+
+QString shownValue(const XsdtNode* node)
+{
+    return node ? displayValue(*node, node->value, valueLimit) : QString();
+}
+
+QString statusText(const CompareEntry& entry)
+{
+    switch (entry.state) {
+    case CompareState::OnlyThis:
+        return CompareView::tr("Only in this file");
+    case CompareState::OnlyOther:
+        return CompareView::tr("Only in the other file");
+    case CompareState::Different:
+        break;
+    }
+    const QString text = CompareView::tr("Different");
+    const QChar type = entry.thisNode->typeCode;
+    const QChar otherType = entry.otherNode->typeCode;
+    return type == otherType
+               ? text
+               : text + CompareView::tr(" (type %1 / %2)").arg(QString(type), QString(otherType));
+}
+
+} // namespace
+
+CompareRow::CompareRow(const CompareEntry& entry, int index, bool isCopyable)
+    : m_entry(entry)
+    , m_index(index)
+    , m_isCopyable(isCopyable)
+{
+}
+
+QVariant CompareRow::data(int column, int role) const
+{
+    if (role == Qt::DisplayRole) {
+        return shownText(column);
+    }
+    if (column != SettingColumn) {
+        return {};
+    }
+    switch (role) {
+    case Qt::UserRole:
+        return m_index;
+    case Qt::ToolTipRole:
+        return toolTipText();
+    case Qt::ForegroundRole:
+        return m_entry.state == CompareState::Different && !m_isCopyable
+                   ? QApplication::palette().brush(QPalette::Disabled, QPalette::Text)
+                   : QVariant();
+    default:
+        return {};
+    }
+}
+
+QString CompareRow::shownText(int column) const
+{
+    switch (column) {
+    case SettingColumn:
+        return abbreviated(groupedPath(m_entry.path).name, nameLimit);
+    case ThisColumn:
+        return shownValue(m_entry.thisNode);
+    case OtherColumn:
+        return shownValue(m_entry.otherNode);
+    default:
+        return statusText(m_entry);
+    }
+}
+
+QString CompareRow::toolTipText() const
+{
+    QString text = abbreviated(m_entry.path, nameLimit);
+    if (m_entry.thisNode) {
+        text += CompareView::tr("\nThis file: %1")
+                    .arg(firstCharacters(m_entry.thisNode->value, toolTipValueLimit));
+    }
+    if (m_entry.otherNode) {
+        text += CompareView::tr("\nOther file: %1")
+                    .arg(firstCharacters(m_entry.otherNode->value, toolTipValueLimit));
+    }
+    if (m_entry.state == CompareState::Different && !m_isCopyable) {
+        text += CompareView::tr("\nCannot be copied: protected value type, specific to one "
+                                "PixInsight installation, or queued for deletion.");
+    } else if (m_entry.state == CompareState::OnlyOther) {
+        text += CompareView::tr("\nDoes not exist in this file; adding entries is not offered.");
+    }
+    return asToolTip(text);
+}
+
+} // namespace kse

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: MIT
+#include "document/XsdtDocument.h"
+#include "schema/DeletePolicy.h"
+#include "support/SettingsTree.h"
+#include "support/StoreFixture.h"
+#include "support/TestMain.h"
+#include "support/TextRows.h"
+#include "support/TreePage.h"
+#include "views/CompareView.h"
+#include "views/PlainText.h"
+#include "views/SettingsModel.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+using namespace Qt::StringLiterals;
+using namespace kse;
+
+namespace {
+
+// The page over a document of the first nodes, compared with a file of the others.
+struct Page
+{
+    Page(const QString& nodes, const QString& otherNodes)
+    {
+        XsdtDocument other;
+        document.head = other.head = u"<xsdt>"_s;
+        addNodes(document, nodes);
+        addNodes(other, otherNodes);
+        StoreFixture::write(otherPath, other.serialize());
+        StoreFixture::write(path, document.serialize());
+        model.setPolicy(&policy);
+        const bool read = policy.load("{\"policy\": {\"delete\": [{\"path\": \"Junk/**\", "
+                                      "\"level\": \"safe\"}]}, \"compareNoCopy\": [\"Lock/**\"]}");
+        setDocument(&document);
+        view.show();
+        if (!read || !view.compareWith(otherPath)) {
+            qFatal("The fixture failed");
+        }
+    }
+
+    void setDocument(XsdtDocument* shown)
+    {
+        model.setDocument(shown);
+        view.setDocument(shown, path);
+    }
+
+    // The same again with new nodes, as after a reload of the file.
+    void reload()
+    {
+        setDocument(nullptr);
+        QVERIFY(document.parse(document.serialize()));
+        setDocument(&document);
+    }
+
+    QStringList lines() const { return treeLines(*tree); }
+    QTreeWidgetItem* item(const QString& text) const { return treeItem(*tree, text); }
+    QPushButton* button(const QString& name) const { return view.findChild<QPushButton*>(name); }
+    QString summary() const { return view.findChild<QLabel*>(u"summaryLabel"_s)->text(); }
+    QString message()
+    {
+        return messages.isEmpty() ? QString() : messages.takeFirst()[0].toString();
+    }
+
+    QTemporaryDir dir;
+    QString path = dir.filePath(u"core-001-pxi.settings"_s);
+    QString otherPath = dir.filePath(u"other %1.settings"_s);
+    DeletePolicy policy;
+    XsdtDocument document;
+    SettingsModel model;
+    CompareView view{&model};
+    QTreeWidget* tree = view.findChild<QTreeWidget*>(u"tree"_s);
+    QComboBox* combo = view.findChild<QComboBox*>(u"fileCombo"_s);
+    QSignalSpy messages{&view, &CompareView::message};
+    QSignalSpy reveals{&view, &CompareView::revealRequested};
+};
+
+const QString sample = u"G/A/x:i=1; G/A/y:s=<b>; G/B/z:i=1; Lock/v:s=a; Junk/v:i=1; Mine/v:i=1"_s;
+const QString otherSample =
+    u"G/A/x:i=2; G/A/y:s=two; G/B/z:i=no; Lock/v:s=b; Junk/v:i=2; Yours/v:i=1"_s;
+
+} // namespace
+
+class TestCompareView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void listsDifferences_data();
+    void listsDifferences();
+    void filtersWithoutCountingAnew();
+    void copiesSelection();
+    void copiesAllShownAfterConsent();
+    void offersMenu();
+    void refusesFiles();
+    void choosesFromTheList();
+    void keepsItsPlaceWhenRefreshed();
+};
+
+void TestCompareView::listsDifferences_data()
+{
+    addTextRows({"a:i=1 > a:i=1 > 0 0 0 > Nothing to show with the current filters.",
+                 "a/b:s=1 > a/b:i=1 > 1 0 0 > a; .b|1|1|Different (type s / i)",
+                 "a/b/c:i=1 > a:i=2 > 0 1 1 > a/b; .c|1||Only in this file; (top level); "
+                 ".a||2|Only in the other file",
+                 "a:B=xyz > a:B=x > 1 0 0 > (top level); .a|(3 characters of encoded data)|"
+                 "(1 characters of encoded data)|Different!",
+                 "Lock/v:i=1 > Lock/v:i=2 > 1 0 0 > Lock; .v|1|2|Different!"});
+}
+
+void TestCompareView::listsDifferences()
+{
+    QFETCH(QStringList, cells);
+    Page page(cells[0], cells[1]);
+    page.view.setStateFilters(true, true, true);
+    const QStringList counts = cells[2].split(u' ');
+    QCOMPARE(page.summary(), u"%1 different, %2 only in this file, %3 only in the other file"_s.arg(
+                                 counts[0], counts[1], counts[2]));
+    QCOMPARE(page.lines(), cells[3].split(u"; "_s));
+}
+
+void TestCompareView::filtersWithoutCountingAnew()
+{
+    Page page(sample, otherSample);
+    const QString summary = page.summary();
+    QCOMPARE(summary, u"4 different, 1 only in this file, 1 only in the other file (1 more hidden "
+                      "as statistics, window state or generated lists)"_s);
+    QCOMPARE(page.lines().size(), 7);
+    auto* filter = page.view.findChild<QLineEdit*>(u"filterEdit"_s);
+    QTest::keyClicks(filter, u" TWO "_s);
+    QCOMPARE(page.lines(), QStringList({u"G/A"_s, u".y|<b>|two|Different"_s}));
+    QCOMPARE(page.item(u"y"_s)->toolTip(0), asToolTip(u"G/A/y\nThis file: <b>\nOther file: two"_s));
+    QTest::keyClicks(filter, u"%"_s);
+    QCOMPARE(page.lines(), QStringList{u"Nothing to show with the current filters."_s});
+    QCOMPARE(page.tree->topLevelItem(0)->flags(), Qt::ItemIsEnabled);
+    QCOMPARE(page.summary(), summary);
+    filter->clear();
+    for (const auto& name : {u"showDifferent"_s, u"hideNoise"_s, u"showOnlyThis"_s}) {
+        page.view.findChild<QCheckBox*>(name)->click();
+    }
+    QCOMPARE(page.lines(), QStringList({u"Mine"_s, u".v|1||Only in this file"_s}));
+    QCOMPARE(page.summary(), u"5 different, 1 only in this file, 1 only in the other file"_s);
+}
+
+void TestCompareView::copiesSelection()
+{
+    Page page(sample, otherSample);
+    QPushButton* copy = page.button(u"copySelectedButton"_s);
+    page.tree->setCurrentItem(page.item(u"v"_s));
+    QVERIFY(!copy->isEnabled());
+    for (const auto& row : {u"z"_s, u"G/A"_s, u"x"_s}) {
+        page.item(row)->setSelected(true);
+    }
+    QSignalSpy edits(&page.model, &SettingsModel::edited);
+    copy->click();
+    QCOMPARE(page.message(), u"Copied 2 value(s); 2 could not be copied (protected type, not "
+                             "editable, or refused)."_s);
+    QCOMPARE(edits.size(), 1);
+    QTRY_COMPARE(page.lines(), QStringList({u"G/B"_s, u".z|1|no|Different"_s, u"Lock"_s,
+                                            u".v|a|b|Different!"_s}));
+    page.model.revertAll();
+    QTRY_COMPARE(page.lines().size(), 7);
+}
+
+void TestCompareView::copiesAllShownAfterConsent()
+{
+    Page page(u"A/x:i=1; A/y:s=one"_s, u"A/x:i=2; A/y:s=two"_s);
+    QPushButton* copy = page.button(u"copyAllButton"_s);
+    QCOMPARE(copy->text(), u"Use the other file's value for all shown (2)"_s);
+    page.view.setReadOnly(true);
+    QVERIFY(!copy->isEnabled());
+    page.view.setReadOnly(false);
+    QCOMPARE(clickAndAnswer(page.view, u"copyAllButton"_s, QMessageBox::No)[0],
+             u"Copy 2 value(s) from other %1.settings into this file?\n\nThey become pending "
+             "changes: you can review, revert and save them as usual."_s);
+    clickAndAnswer(page.view, u"copyAllButton"_s, QMessageBox::Yes, [&] { page.reload(); });
+    QCOMPARE(page.message(), QString());
+    clickAndAnswer(page.view, u"copyAllButton"_s, QMessageBox::Yes);
+    QCOMPARE(page.message(), u"Copied 2 value(s) into this file. Review and save when ready."_s);
+    QTRY_VERIFY(!copy->isEnabled());
+    QCOMPARE(copy->text(), u"Use the other file's value for all shown"_s);
+}
+
+void TestCompareView::offersMenu()
+{
+    Page page(sample, otherSample);
+    page.view.setStateFilters(false, false, true);
+    QCOMPARE(chooseInMenu(*page.tree, u"v"_s, u"Copy setting path"_s),
+             QStringList({u"Use the other file's value!"_s, u"Show in All settings!"_s,
+                          u"Copy setting path"_s}));
+    QCOMPARE(QApplication::clipboard()->text(), u"Yours/v"_s);
+    page.view.setStateFilters(true, false, false);
+    page.view.setReadOnly(true);
+    QCOMPARE(chooseInMenu(*page.tree, u"x"_s, u"Show in All settings"_s)[0],
+             u"Use the other file's value!"_s);
+    const QPoint place = page.tree->visualItemRect(page.item(u"x"_s)).center();
+    QTest::mouseClick(page.tree->viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(page.tree->viewport(), Qt::LeftButton, {}, place);
+    XsdtNode* node = page.document.root.findByPath(u"G/A/x");
+    const QVariantList revealed{QVariant::fromValue(node)};
+    QCOMPARE(page.reveals, QList<QVariantList>({revealed, revealed}));
+    page.view.setReadOnly(false);
+    chooseInMenu(*page.tree, u"x"_s, u"Use the other file's value"_s);
+    QCOMPARE(node->value, u"2"_s);
+    chooseInMenu(*page.tree, u"y"_s, u"Show in All settings"_s, [&] { page.reload(); });
+    QCOMPARE(page.reveals.size(), 2);
+}
+
+void TestCompareView::refusesFiles()
+{
+    Page page(sample, otherSample);
+    const QStringList before = page.lines();
+    const QString missing = page.dir.filePath(u"%2"_s);
+    QString error;
+    QVERIFY(!page.view.compareWith(page.path, &error));
+    QCOMPARE(error, u"That is the file being edited."_s);
+    QVERIFY(!page.view.compareWith(missing, &error));
+    QVERIFY2(error.startsWith(u"Cannot read %1: "_s.arg(missing)), qPrintable(error));
+    QCOMPARE(page.lines(), before);
+    StoreFixture::write(missing, "<nothing");
+    QVERIFY(!page.view.compareWith(missing, &error));
+    QVERIFY2(error.startsWith(missing + u" is not a valid PixInsight settings file: "_s),
+             qPrintable(error));
+    QCOMPARE(page.summary(), u"Pick another settings file to see how it differs from this one."_s);
+}
+
+void TestCompareView::choosesFromTheList()
+{
+    Page page(sample, otherSample);
+    StoreFixture::write(page.path + u".bak-1"_s, page.document.serialize());
+    page.setDocument(&page.document);
+    QCOMPARE(page.combo->count(), 4);
+    QCOMPARE(page.combo->currentIndex(), 2);
+    const auto choose = [&page](int index) {
+        page.combo->setFocus();
+        page.combo->setCurrentIndex(index - 1);
+        QTest::keyClick(page.combo, Qt::Key_Down);
+        return page.summary();
+    };
+    QVERIFY(choose(1).startsWith(u"0 different, 0 only"_s));
+    QVERIFY(page.combo->currentText().startsWith(u"Backup: core-001-pxi.settings.bak-1"_s));
+    for (const QString& picked : {page.otherPath, page.path, QString()}) {
+        DialogAnswerer<QFileDialog> dialog([&](QFileDialog& browse) {
+            QCOMPARE(browse.directory(), QDir(page.dir.path()));
+            auto* name = browse.findChild<QLineEdit*>();
+            name->setText(picked);
+            QTest::keyClick(name, picked.isEmpty() ? Qt::Key_Escape : Qt::Key_Return);
+        });
+        QVERIFY(choose(page.combo->count() - 1).startsWith(u"4 different"_s));
+        QVERIFY(dialog.wasAsked());
+        QCOMPARE(page.combo->currentData().toString(), page.otherPath);
+    }
+    QCOMPARE(page.message(), u"That is the file being edited."_s);
+    QVERIFY(page.messages.isEmpty());
+    page.view.setDocument(&page.document, page.otherPath);
+    QVERIFY(page.summary().startsWith(u"Pick another"_s));
+}
+
+void TestCompareView::keepsItsPlaceWhenRefreshed()
+{
+    QString nodes;
+    for (int i = 0; i < 402; ++i) {
+        nodes += u"G/%1/v%2:i=1; "_s.arg(i / 100).arg(i);
+    }
+    Page page(nodes, QString(nodes).replace(u"=1"_s, u"=2"_s));
+    QVERIFY(!page.item(u"G/1"_s)->isExpanded());
+    page.item(u"G/1"_s)->setExpanded(true);
+    page.tree->setCurrentItem(page.item(u"v150"_s));
+    page.tree->verticalScrollBar()->setValue(40);
+    page.button(u"copySelectedButton"_s)->click();
+    QTRY_VERIFY(!page.item(u"v150"_s));
+    QVERIFY(page.item(u"G/1"_s)->isExpanded() && !page.item(u"G/0"_s)->isExpanded());
+    QCOMPARE(page.tree->currentItem(), page.item(u"v151"_s));
+    QCOMPARE(page.tree->verticalScrollBar()->value(), 40);
+}
+
+KSE_TEST_MAIN(TestCompareView)
+#include "TestCompareView.moc"
