@@ -84,6 +84,11 @@ CompareView::CompareView(SettingsModel* model, QWidget* parent)
     refresh();
 }
 
+CompareView::~CompareView()
+{
+    clearEntries(); // the tree, a child, would outlive what its rows refer to
+}
+
 void CompareView::createInputs()
 {
     m_fileCombo = new QComboBox(this);

@@ -33,6 +33,7 @@ class CompareView : public QWidget
 public:
     /// `model` isn't owned and must outlive the page.
     explicit CompareView(SettingsModel* model, QWidget* parent = nullptr);
+    ~CompareView() override;
 
     /// Compares `document`, which was read from `path`, with the other file chosen so far, unless
     /// that is the same; null forgets all nodes and keeps the choice. Pass null before the tree is
