@@ -45,6 +45,7 @@ AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, 
     : QDialog(parent)
 {
     setWindowTitle(tr("About Kestrane Settings Editor"));
+    setMinimumWidth(minimalWidth);
     auto* detailsTitle = new QLabel(tr("<b>Technical details</b> (for bug reports)"));
     m_details = new QPlainTextEdit(buildDetails(path, pixinsightVersion));
     m_details->setObjectName("details"_L1);
@@ -59,7 +60,7 @@ AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, 
 
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(14);
-    layout->addWidget(createHead());
+    layout->addWidget(createHead(), 3);
     layout->addWidget(detailsTitle);
     layout->addWidget(m_details, 1);
     layout->addWidget(m_notice);
@@ -72,8 +73,9 @@ QWidget* AboutDialog::createHead()
     auto* picture = new QLabel;
     picture->setObjectName("picture"_L1);
     QPixmap icon(u":/icons/kset-256.png"_s);
-    picture->setVisible(!icon.isNull());
-    if (!icon.isNull()) {
+    if (icon.isNull()) {
+        picture->hide();
+    } else {
         const int side = int(std::lround(pictureSize * devicePixelRatio()));
         icon = icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
         icon.setDevicePixelRatio(devicePixelRatio());
@@ -88,6 +90,7 @@ QWidget* AboutDialog::createHead()
     row->addLayout(createTexts(), 1);
     m_head = new QScrollArea;
     m_head->setObjectName("head"_L1);
+    m_head->setAccessibleName(windowTitle());
     m_head->setFrameShape(QFrame::NoFrame);
     m_head->setWidgetResizable(true);
     m_head->setWidget(head);
@@ -139,6 +142,7 @@ QLayout* AboutDialog::createButtons()
     auto* ok = new QPushButton(tr("OK"));
     ok->setObjectName("ok"_L1);
     ok->setDefault(true);
+    ok->setFocus();
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
     auto* row = new QHBoxLayout;
     row->addWidget(m_copy);
@@ -167,14 +171,15 @@ void AboutDialog::updateLook()
     m_notice->setPalette(quiet);
 
     // Neither a window nor a scroll area asks wrapped texts how tall they get.
-    const QSize available = screen()->availableGeometry().size();
+    const QSize available = screen()->availableGeometry().size() * 0.9;
     const int fontWidth = QFontMetrics(QApplication::font()).averageCharWidth() * 80;
-    const int width = std::max(minimalWidth, std::min(fontWidth, available.width() * 9 / 10));
+    const int width = std::max(minimalWidth, std::min(fontWidth, available.width()));
     const QMargins margins = layout()->contentsMargins();
     const int headHeight =
         m_head->widget()->heightForWidth(width - margins.left() - margins.right());
-    m_head->setMinimumHeight(std::min(headHeight, available.height() / 2));
-    setMinimumSize(width, layout()->totalHeightForWidth(width));
+    m_head->setMinimumHeight(0);
+    const int rest = layout()->totalHeightForWidth(width) - m_head->minimumSizeHint().height();
+    resize(width, std::min(rest + headHeight, available.height()));
 }
 
 void AboutDialog::changeEvent(QEvent* event)
@@ -188,10 +193,6 @@ void AboutDialog::changeEvent(QEvent* event)
 
 QString AboutDialog::buildDetails(const QString& path, const QString& pixinsightVersion)
 {
-    QStringList folders = PixInsightEnv::settingsFolders();
-    for (QString& folder : folders) {
-        folder = QDir::toNativeSeparators(folder);
-    }
     const QStringList lines{
         u"Kestrane Settings Editor %1 (source %2)"_s.arg(QStringLiteral(KSE_VERSION),
                                                          QStringLiteral(KSE_REVISION)),
@@ -200,7 +201,7 @@ QString AboutDialog::buildDetails(const QString& path, const QString& pixinsight
         u"Open file: %1"_s.arg(path.isEmpty() ? u"none"_s : QDir::toNativeSeparators(path)),
         u"PixInsight recorded in the file: %1"_s.arg(
             pixinsightVersion.isEmpty() ? u"unknown"_s : pixinsightVersion),
-        u"Settings folders searched: %1"_s.arg(folders.join(u"; "_s)),
+        u"Settings folders searched: %1"_s.arg(PixInsightEnv::settingsFoldersText()),
     };
     return lines.join(u'\n');
 }

@@ -86,12 +86,8 @@ MainWindow::MainWindow(Messages messages)
     if (files.isEmpty()) {
         rebuildFileBox();
         refreshBanner();
-        QStringList folders = PixInsightEnv::settingsFolders();
-        for (QString& folder : folders) {
-            folder = QDir::toNativeSeparators(folder);
-        }
         showStatus(tr("No PixInsight settings file found in %1. Use Browse to open one.")
-                       .arg(folders.join(u"; "_s)),
+                       .arg(PixInsightEnv::settingsFoldersText()),
                    0);
     } else {
         openFile(files.first());
@@ -99,7 +95,10 @@ MainWindow::MainWindow(Messages messages)
     pollEnvironment();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    detachViews(); // the views are destroyed after the tree
+}
 
 void MainWindow::loadTables()
 {
@@ -128,9 +127,7 @@ void MainWindow::buildUi()
     m_proxy = new SettingsFilterProxy(this);
     m_proxy->setSourceModel(m_model);
     connect(m_model, &SettingsModel::edited, this, &MainWindow::onEdited);
-    connect(m_model, &SettingsModel::editRejected, this, [this](const QString& reason) {
-        showStatus(tr("Not accepted - %1").arg(reason), 8000);
-    });
+    connect(m_model, &SettingsModel::editRejected, this, &MainWindow::showRejection);
     m_openEditor = new OpenEditor(this);
 
     createPages();
@@ -140,7 +137,7 @@ void MainWindow::buildUi()
     auto* layout = new QVBoxLayout(central);
     layout->setContentsMargins(8, 8, 8, 8);
     layout->addWidget(createFileRow());
-    layout->addWidget(createBannerRow());
+    layout->addLayout(createBannerRow());
     layout->addWidget(m_tabs, 1);
     auto* line = new QFrame;
     line->setFrameShape(QFrame::HLine);
@@ -179,11 +176,9 @@ QWidget* MainWindow::createFileRow()
     return row;
 }
 
-QWidget* MainWindow::createBannerRow()
+QLayout* MainWindow::createBannerRow()
 {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
+    auto* layout = new QHBoxLayout; // no widget: hidden, it must leave no gap
     m_bannerLabel = new QLabel;
     m_bannerLabel->setObjectName("bannerLabel"_L1);
     m_bannerLabel->setWordWrap(true);
@@ -194,7 +189,7 @@ QWidget* MainWindow::createBannerRow()
     connect(m_bannerReload, &QPushButton::clicked, this, &MainWindow::onReload);
     layout->addWidget(m_bannerLabel, 1);
     layout->addWidget(m_bannerReload);
-    return row;
+    return layout;
 }
 
 QWidget* MainWindow::createAdvancedPage()
@@ -235,7 +230,7 @@ QWidget* MainWindow::createAdvancedPage()
                                            QHeaderView::ResizeToContents);
     m_tree->header()->resizeSection(SettingsModel::SettingColumn, 380);
     connect(m_tree, &QTreeView::customContextMenuRequested, this, &MainWindow::showContextMenu);
-    auto* deleteKey = new QShortcut(QKeySequence(QKeySequence::Delete), m_tree);
+    auto* deleteKey = new QShortcut(QKeySequence::Delete, m_tree);
     deleteKey->setContext(Qt::WidgetShortcut);
     connect(deleteKey, &QShortcut::activated, this, &MainWindow::deleteSelected);
     layout->addWidget(m_tree, 1);
@@ -286,6 +281,7 @@ bool MainWindow::openFile(const QString& path)
                                   "over the file brings that state back.")
                                    .arg(backup);
         m_staleOnDisk = m_staleOnDisk && m_store.loaded;
+        expandPreferences();
         report(QMessageBox::Critical, tr("Cannot open file"), error, wayBack);
         refreshBanner();
         return false;
@@ -311,8 +307,7 @@ bool MainWindow::confirmDiscard(const QString& tail)
 
 void MainWindow::onOpen()
 {
-    m_openEditor->commit();
-    if (!confirmDiscard(tr("Opening another file discards them."))) {
+    if (!commitEditor() || !confirmDiscard(tr("Opening another file discards them."))) {
         return;
     }
     const QString folder =
@@ -327,10 +322,9 @@ void MainWindow::onOpen()
 
 void MainWindow::onReload()
 {
-    if (!m_store.loaded) {
+    if (!m_store.loaded || !commitEditor()) {
         return;
     }
-    m_openEditor->commit();
     const QString path = m_store.path;
     if (confirmDiscard(tr("Reloading discards them."))) {
         openFile(path);
@@ -436,10 +430,23 @@ void MainWindow::report(QMessageBox::Icon icon, const QString& title, const QStr
     std::fputs(line.toLocal8Bit().constData(), stderr);
 }
 
+bool MainWindow::commitEditor()
+{
+    m_rejected = false;
+    m_openEditor->commit();
+    return !m_rejected;
+}
+
+void MainWindow::showRejection(const QString& reason)
+{
+    m_rejected = true;
+    showStatus(tr("Not accepted - %1").arg(reason), 8000);
+}
+
 void MainWindow::showStatus(const QString& text, int milliseconds)
 {
     // A status bar is one line: more characters than any screen holds only cost time.
-    statusBar()->showMessage(abbreviated(text, 1000), milliseconds);
+    statusBar()->showMessage(withoutMiddle(text, 1000), milliseconds);
 }
 
 } // namespace kse

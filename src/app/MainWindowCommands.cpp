@@ -192,9 +192,10 @@ void MainWindow::createToolBar()
 
     m_toolbar->setVisible(QSettings().value(toolbarVisibleKey, true).toBool());
     connect(m_toolbar, &QToolBar::visibilityChanged, this, [this](bool visible) {
-        // The toolbar also goes when the window closes; that isn't the user's wish.
-        if (isVisible()) {
-            QSettings().setValue(toolbarVisibleKey, visible);
+        // The toolbar also comes and goes with the window; that isn't the user's wish.
+        QSettings settings;
+        if (isVisible() && settings.value(toolbarVisibleKey, true).toBool() != visible) {
+            settings.setValue(toolbarVisibleKey, visible);
         }
         updateMinimumWidth();
     });
@@ -270,7 +271,9 @@ void MainWindow::updateMinimumWidth()
 
 bool MainWindow::onSave()
 {
-    m_openEditor->commit();
+    if (!commitEditor()) {
+        return false;
+    }
     if (pendingCount() == 0) {
         return true;
     }
@@ -308,10 +311,9 @@ bool MainWindow::onSave()
 
 void MainWindow::onRestoreBackup()
 {
-    if (!m_store.loaded) {
+    if (!m_store.loaded || !commitEditor()) {
         return;
     }
-    m_openEditor->commit();
     const QString title = tr("Restore backup");
     const QString path = m_store.path;
     const QStringList backups = PixInsightEnv::backupsOf(path);
@@ -383,6 +385,7 @@ void MainWindow::onRevertAll()
                     QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
     if (confirmed && m_model->generation() == generation) {
         m_model->revertAll();
+        expandPreferences();
     }
 }
 
@@ -409,7 +412,8 @@ QString MainWindow::recordedVersion() const
     }
     const auto valueOf = [this](const QString& key) {
         const XsdtNode* node = m_store.document.root.childByKey(key);
-        return node && node->kind == XsdtNode::Kind::Value ? node->value : QString();
+        const bool isValue = node && node->kind == XsdtNode::Kind::Value;
+        return isValue ? displayValue(*node, node->value, 200) : QString(); // one short line
     };
     const QString version = valueOf(u"PixInsight"_s);
     const QString last = valueOf(u"LastVersion"_s);
@@ -421,7 +425,10 @@ QString MainWindow::recordedVersion() const
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    m_openEditor->commit();
+    if (!commitEditor()) {
+        event->ignore(); // the user has to see what became of the text
+        return;
+    }
     const qsizetype pending = pendingCount();
     if (pending > 0) {
         const QMessageBox::StandardButton answer = askQuestion(

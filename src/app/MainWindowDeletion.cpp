@@ -32,7 +32,7 @@ void MainWindow::deleteNode(XsdtNode* node)
     if (node->markedForDeletion) {
         return;
     }
-    const QString path = node->path();
+    const QString path = abbreviated(node->path(), 500); // what follows it must stay in sight
     const int values = int(node->valueCount());
     const DeleteDecision decision = m_model->deletionDecision(node);
     if (decision.level == DeleteLevel::Never) {
@@ -51,9 +51,9 @@ void MainWindow::deleteNode(XsdtNode* node)
         showMessage(this, QMessageBox::Information, tr("Cannot delete"), error);
         return;
     }
-    showStatus(tr("%1 queued for deletion (%n value(s)). Save to apply.", nullptr, values)
-                   .arg(abbreviated(path, 500)),
-               8000);
+    showStatus(
+        tr("%1 queued for deletion (%n value(s)). Save to apply.", nullptr, values).arg(path),
+        8000);
 }
 
 bool MainWindow::confirmDeletion(const QString& path, int values, const QString& reason)
@@ -113,7 +113,7 @@ void MainWindow::showContextMenu(const QPoint& pos)
     if (!chosen || m_model->generation() != generation) {
         return;
     }
-    if (chosen == revert) {
+    if (chosen == revert && !m_running) {
         m_model->revertValue(node);
     } else if (chosen == copyPath) {
         QGuiApplication::clipboard()->setText(node->path());

@@ -56,9 +56,6 @@ void MainWindow::createPages()
 
 void MainWindow::connectPages()
 {
-    const auto showRejection = [this](const QString& text) {
-        showStatus(tr("Not accepted - %1").arg(text), 8000);
-    };
     const auto showFor = [this](int milliseconds) {
         return [this, milliseconds](const QString& text) {
             showStatus(text, milliseconds);
@@ -69,10 +66,10 @@ void MainWindow::connectPages()
         connect(page, &Page::deleteRequested, this, &MainWindow::deleteNode);
         connect(page, &Page::restoreRequested, m_model, &SettingsModel::undoDeletion);
     };
-    connect(m_preferencesView, &PreferencesView::message, this, showRejection);
+    connect(m_preferencesView, &PreferencesView::message, this, &MainWindow::showRejection);
     connectDeletion(m_preferencesView);
 
-    connect(m_searchView, &SearchView::message, this, showRejection);
+    connect(m_searchView, &SearchView::message, this, &MainWindow::showRejection);
     connectDeletion(m_searchView);
     connect(m_searchView, &SearchView::revealRequested, this, &MainWindow::revealNode);
 
@@ -83,7 +80,7 @@ void MainWindow::connectPages()
     connect(m_unusedModulesView, &UnusedModulesView::revealRequested, this,
             &MainWindow::revealNode);
 
-    connect(m_healthView, &HealthView::message, this, showRejection);
+    connect(m_healthView, &HealthView::message, this, &MainWindow::showRejection);
     connectDeletion(m_healthView);
     connect(m_healthView, &HealthView::revealRequested, this, &MainWindow::revealNode);
     connect(m_healthView, &HealthView::openUnusedModules, this, &MainWindow::onUnusedModules);
@@ -105,7 +102,11 @@ void MainWindow::revealNode(XsdtNode* node)
     m_tabs->setCurrentWidget(m_advancedPage);
     m_treeFilter->clear();
     m_changedOnly->setChecked(false);
-    const QModelIndex index = m_proxy->mapFromSource(m_model->indexForNode(node));
+    QModelIndex index;
+    // What lies deeper than the tree shows is revealed by the nearest group above it.
+    for (; node->parent && !index.isValid(); node = node->parent) {
+        index = m_proxy->mapFromSource(m_model->indexForNode(node));
+    }
     if (!index.isValid()) {
         return;
     }
@@ -127,8 +128,8 @@ bool MainWindow::hasFile(const QString& title)
 void MainWindow::onHealthCheck()
 {
     if (hasFile(tr("Health check"))) {
+        m_healthView->run(); // first: shown unchecked, it would run by itself and then again
         m_tabs->setCurrentWidget(m_healthView);
-        m_healthView->run();
     }
 }
 

@@ -48,8 +48,8 @@ void MainWindow::renderScreenshots(const QString& dir, const QString& searchText
     grabCleanup(dir);
     grabComparison(dir);
 
-    m_tabs->setCurrentWidget(m_healthView);
     m_healthView->run();
+    m_tabs->setCurrentWidget(m_healthView);
     grabTo(*this, dir, u"health.png"_s);
 
     m_model->setReadOnly(false);

@@ -9,8 +9,6 @@ namespace kse {
 /// outline can be seen on a dark ground too.
 class ThemeStyle : public QProxyStyle
 {
-    Q_OBJECT
-
 public:
     ThemeStyle();
 

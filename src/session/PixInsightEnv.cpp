@@ -106,6 +106,15 @@ QStringList settingsFolders()
         QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));
 }
 
+QString settingsFoldersText()
+{
+    QStringList folders = settingsFolders();
+    for (QString& folder : folders) {
+        folder = QDir::toNativeSeparators(folder);
+    }
+    return folders.join(u"; "_s);
+}
+
 QStringList findSettingsFiles()
 {
     QStringList paths;

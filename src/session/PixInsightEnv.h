@@ -43,6 +43,9 @@ namespace PixInsightEnv {
 /// The same for this computer and user.
 [[nodiscard]] QStringList settingsFolders();
 
+/// `settingsFolders` as the user reads them: native separators, joined by "; ".
+[[nodiscard]] QString settingsFoldersText();
+
 /// Absolute paths of the settings files in `settingsFolders`, in the order of the folders and then
 /// by name. The first is the one that the program opens by itself.
 [[nodiscard]] QStringList findSettingsFiles();

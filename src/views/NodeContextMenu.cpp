@@ -88,7 +88,9 @@ void showNodeContextMenu(QWidget* parent, SettingsModel* model, XsdtNode* node,
         return;
     }
     if (chosen == entries.revert) {
-        model->revertValue(node);
+        if (!model->isReadOnly()) { // PixInsight may have started beneath the menu
+            model->revertValue(node);
+        }
     } else if (chosen == entries.undo) {
         call(callbacks.undoDeletion, node);
     } else if (chosen == entries.why) {
@@ -103,7 +105,7 @@ void showNodeContextMenu(QWidget* parent, SettingsModel* model, XsdtNode* node,
 void showCannotDelete(QWidget* parent, const QString& path, const QString& reason)
 {
     showMessage(parent, QMessageBox::Information, NodeContextMenu::tr("Cannot delete"),
-                NodeContextMenu::tr("%1\n\n%2").arg(path, reason));
+                NodeContextMenu::tr("%1\n\n%2").arg(abbreviated(path, 500), reason));
 }
 
 } // namespace kse

@@ -35,6 +35,18 @@ QString abbreviated(const QString& text, qsizetype limit)
     return start + QCoreApplication::translate("PlainText", "… (%1 more characters)").arg(count);
 }
 
+QString withoutMiddle(const QString& text, qsizetype limit)
+{
+    if (text.size() <= limit) {
+        return text;
+    }
+    qsizetype end = text.size() - limit / 2;
+    if (text.at(end).isLowSurrogate()) {
+        ++end;
+    }
+    return firstCharacters(text, limit / 2) + QChar(0x2026) + text.mid(end);
+}
+
 QString asToolTip(const QString& text)
 {
     const QString shown = abbreviated(text, popupLimit);
@@ -51,7 +63,7 @@ QString asCaption(const QString& text)
 
 PlainMessageBox::PlainMessageBox(Icon icon, const QString& title, const QString& text,
                                  StandardButtons buttons, QWidget* parent)
-    : QMessageBox(icon, title, abbreviated(text, popupLimit), buttons,
+    : QMessageBox(icon, title, withoutMiddle(text, popupLimit), buttons,
                   parent ? parent->window() : nullptr)
 {
     setTextFormat(Qt::PlainText);

@@ -16,6 +16,10 @@ namespace kse {
 /// For texts so long that Qt can't lay them out in a time that isn't felt.
 [[nodiscard]] QString abbreviated(const QString& text, qsizetype limit);
 
+/// `text` itself up to `limit` characters; else as many of its start and end with U+2026 between
+/// them. For sentences that hold a path and end in what was or wasn't done.
+[[nodiscard]] QString withoutMiddle(const QString& text, qsizetype limit);
+
 /// `text` for a tool tip, or anything else that takes what looks like markup for markup: shown
 /// letter for letter, abbreviated beyond 2,000 characters. Other text comes back unchanged.
 [[nodiscard]] QString asToolTip(const QString& text);
@@ -23,8 +27,8 @@ namespace kse {
 /// `text` for a menu entry, button or tab: an ampersand is no mnemonic.
 [[nodiscard]] QString asCaption(const QString& text);
 
-/// A message box whose texts are shown letter for letter, abbreviated like tool tips. It belongs to
-/// `parent`'s window. The caller may add to it before `exec`.
+/// A message box whose texts are shown letter for letter, without the middle of a long one. It
+/// belongs to `parent`'s window. The caller may add to it before `exec`.
 class PlainMessageBox : public QMessageBox
 {
 public:

@@ -288,7 +288,7 @@ QString SettingRow::rangeFault(const QString& text) const
         return {};
     }
     return tr("%1: %2 is outside the allowed range %3 to %4")
-        .arg(m_info.label, QString::number(number), QString::number(m_info.min),
+        .arg(abbreviated(m_info.label, 200), QString::number(number), QString::number(m_info.min),
              QString::number(m_info.max));
 }
 

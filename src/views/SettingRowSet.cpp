@@ -46,6 +46,10 @@ void SettingRowSet::clear()
 
 void SettingRowSet::setReadOnly(bool readOnly)
 {
+    // The poll calls this every few seconds: a refresh would take what is being typed.
+    if (readOnly == m_readOnly) {
+        return;
+    }
     m_readOnly = readOnly;
     for (SettingRow* row : std::as_const(m_rows)) {
         row->setReadOnly(readOnly);

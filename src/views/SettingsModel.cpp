@@ -315,13 +315,13 @@ bool SettingsModel::setData(const QModelIndex& index, const QVariant& value, int
     if (isLocked(node)) {
         emit editRejected(tr("%1 is part of the module registry or version records and is locked "
                              "against editing.")
-                              .arg(abbreviated(node->key, keyLimit)));
+                              .arg(abbreviated(node->key, valueLimit)));
         return false;
     }
     QString text;
     QString error;
     if (!validateValue(node->typeCode, value.toString(), text, &error)) {
-        emit editRejected(tr("%1: %2").arg(abbreviated(node->key, keyLimit), error));
+        emit editRejected(tr("%1: %2").arg(abbreviated(node->key, valueLimit), error));
         return false;
     }
     if (text == node->value) {

@@ -211,6 +211,32 @@ private slots:
         QCOMPARE(saved.root.findByPath(path)->value, other.root.findByPath(path)->value);
     }
 
+    void leavesWhatIsBeingTypedToItsUser()
+    {
+        QWidget* search = show("searchView");
+        QTest::keyClicks(in<QLineEdit>(search, u"queryEdit"_s), u"ProcessIcon"_s);
+        const QString path = u"Global/Preferences/ProcessIcon/Prefix"_s;
+        QTRY_VERIFY(row(search, path));
+        auto* editor = in<QLineEdit>(row(search, path), u"lineEdit"_s);
+        editor->setFocus();
+        editor->selectAll();
+        QTest::keyClicks(editor, u"half"_s);
+        poll();
+        QCOMPARE(editor->text(), u"half"_s);
+        QVERIFY(!node(path)->isModified());
+        DialogAnswerer<QMessageBox> cancel([](QMessageBox& box) { box.close(); });
+        QVERIFY(!m_window->close());
+        QCOMPARE(node(path)->value, u"half"_s);
+
+        const QString number = u"Global/Preferences/Process/MaxConsoleLines"_s;
+        find<QTabWidget>("tabs")->setCurrentWidget(find<QWidget>("advancedPage"));
+        model()->revertAll();
+        type(number, u"many"_s);
+        QVERIFY(!m_window->close()); // so that the refusal is seen
+        QVERIFY(status().startsWith("Not accepted - MaxConsoleLines"_L1));
+        QVERIFY(m_window->close());
+    }
+
     void turnsEveryPageOffWhilePixInsightRuns()
     {
         QWidget* preferences = show("preferencesView");
