@@ -11,6 +11,13 @@ using namespace Qt::StringLiterals;
 
 namespace kse {
 
+namespace {
+
+// More than Fusion's, so that a column of numbers at the right doesn't touch the next one's text.
+constexpr int cellMargin = 3;
+
+} // namespace
+
 ThemeStyle::ThemeStyle()
     : QProxyStyle(u"Fusion"_s)
 {
@@ -49,6 +56,9 @@ int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return std::max(pixels, QFontMetrics(QApplication::font()).ascent());
+    case PM_FocusFrameHMargin: // beside the text of every cell
+    case PM_HeaderMargin:
+        return pixels + cellMargin;
     default:
         return pixels;
     }

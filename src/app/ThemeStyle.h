@@ -6,7 +6,7 @@
 namespace kse {
 
 /// The "Fusion" style with boxes to tick that are as large as the text beside them, and whose
-/// outline can be seen on a dark ground too.
+/// outline can be seen on a dark ground too, and with a little more room beside the text of cells.
 class ThemeStyle : public QProxyStyle
 {
 public:

@@ -316,8 +316,10 @@ CleanupView::Entry* CleanupView::addEntry(QTreeWidgetItem* parent, const QString
 
 void CleanupView::setReadOnly(bool readOnly)
 {
-    m_readOnly = readOnly;
-    refreshStatus();
+    if (readOnly != m_readOnly) { // the poll calls this every few seconds
+        m_readOnly = readOnly;
+        refreshStatus();
+    }
 }
 
 void CleanupView::refreshStatus()

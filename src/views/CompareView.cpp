@@ -210,8 +210,10 @@ void CompareView::setDocument(XsdtDocument* document, const QString& path)
 
 void CompareView::setReadOnly(bool readOnly)
 {
-    m_readOnly = readOnly;
-    updateButtons();
+    if (readOnly != m_readOnly) { // the poll calls this every few seconds
+        m_readOnly = readOnly;
+        updateButtons();
+    }
 }
 
 bool CompareView::compareWith(const QString& path, QString* error)
