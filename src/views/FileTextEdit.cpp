@@ -16,8 +16,11 @@ void showFileText(QLineEdit& edit, const QString& text)
     constexpr int shownLength = 1000;
 
     const bool isTooLong = text.size() > editableLength;
-    edit.setMaxLength(std::numeric_limits<int>::max()); // by default it cuts what it is given
-    edit.setText(isTooLong ? firstCharacters(text, shownLength) : text);
+    const QString shown = isTooLong ? firstCharacters(text, shownLength) : text;
+    if (edit.text() != shown) {                             // each of these lays the text out anew
+        edit.setMaxLength(std::numeric_limits<int>::max()); // by default it cuts what it is given
+        edit.setText(shown);
+    }
     edit.setReadOnly(isTooLong);
     edit.setToolTip(
         isTooLong ? QCoreApplication::translate(

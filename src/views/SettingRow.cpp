@@ -23,6 +23,7 @@
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QStyleOptionFocusRect>
 #include <QToolButton>
 
 #include <cmath>
@@ -38,6 +39,21 @@ constexpr int markerRole = Qt::UserRole + 1; // 1 in the combo box item for a va
 constexpr double intMin = std::numeric_limits<int>::min();
 constexpr double intMax = std::numeric_limits<int>::max();
 constexpr qsizetype labelLimit = 1000;
+
+/// A spin box that takes no group separators: Qt leaves them out of the number, so that a decimal
+/// comma or point of another country would multiply the value in silence.
+template <typename Box>
+class UngroupedSpinBox : public Box
+{
+public:
+    using Box::Box;
+
+    QValidator::State validate(QString& text, int& position) const override
+    {
+        return text.contains(this->locale().groupSeparator()) ? QValidator::Invalid
+                                                              : Box::validate(text, position);
+    }
+};
 
 QLabel* createLabel(const QString& text, const QString& name, QWidget* parent)
 {
@@ -84,6 +100,7 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
     createEditor();
     createRevertButton();
     layOut();
+    setAccessibleName(abbreviated(info.label, labelLimit));
     setToolTip(asToolTip(abbreviated(node->path(), labelLimit) +
                          (info.documented ? QString() : tr("\n(not documented by PixInsight)"))));
     updateFonts();
@@ -149,6 +166,7 @@ void SettingRow::addEditor(QWidget* editor, const QString& name)
 {
     editor->setObjectName(name);
     editor->setAccessibleName(abbreviated(m_info.label, labelLimit));
+    editor->installEventFilter(this);
     m_nameLabel->setBuddy(editor);
     m_editorHost->layout()->addWidget(editor);
 }
@@ -178,7 +196,7 @@ void SettingRow::createComboBox()
 
 void SettingRow::createSpinBox()
 {
-    m_spinBox = new QSpinBox(m_editorHost);
+    m_spinBox = new UngroupedSpinBox<QSpinBox>(m_editorHost);
     addEditor(m_spinBox, u"spinBox"_s);
     WheelGuard::install(m_spinBox);
     m_spinBox->setKeyboardTracking(false);
@@ -188,7 +206,7 @@ void SettingRow::createSpinBox()
 
 void SettingRow::createDoubleSpinBox()
 {
-    m_doubleSpinBox = new QDoubleSpinBox(m_editorHost);
+    m_doubleSpinBox = new UngroupedSpinBox<QDoubleSpinBox>(m_editorHost);
     addEditor(m_doubleSpinBox, u"doubleSpinBox"_s);
     WheelGuard::install(m_doubleSpinBox);
     m_doubleSpinBox->setKeyboardTracking(false);
@@ -298,10 +316,12 @@ void SettingRow::commit(const QString& text)
         return;
     }
     const QPointer<SettingRow> self(this); // a page may drop the row on a change
-    if (const QString fault = rangeFault(text); !fault.isEmpty()) {
+    if (m_model->isReadOnly()) {           // PixInsight started beneath a dialog of the row
+        emit rejected(tr("PixInsight is running; nothing can be changed."));
+    } else if (const QString fault = rangeFault(text); !fault.isEmpty()) {
         emit rejected(fault);
     } else {
-        m_model->setData(m_model->indexForNode(m_node, SettingsModel::ValueColumn), text);
+        m_model->setValue(m_node, text);
     }
     if (self) {
         refresh();
@@ -318,10 +338,12 @@ void SettingRow::commitLine()
 void SettingRow::browse()
 {
     const QPointer<SettingRow> self(this);
+    // In a window's title "[*]" is a placeholder.
+    const QString caption = abbreviated(m_info.label, 200).replace("[*]"_L1, "[*][*]"_L1);
     const QString path = m_info.kind == VariableKind::Directory
-                             ? QFileDialog::getExistingDirectory(
-                                   window(), m_info.label, m_node->value, QFileDialog::ShowDirsOnly)
-                             : QFileDialog::getOpenFileName(window(), m_info.label, m_node->value);
+                             ? QFileDialog::getExistingDirectory(window(), caption, m_node->value,
+                                                                 QFileDialog::ShowDirsOnly)
+                             : QFileDialog::getOpenFileName(window(), caption, m_node->value);
     if (self && !path.isEmpty()) {
         commit(path);
     }
@@ -333,6 +355,9 @@ void SettingRow::revert()
         return;
     }
     const QPointer<SettingRow> self(this);
+    if (m_revertButton->hasFocus()) { // about to be disabled; Qt would give it to the next row
+        m_nameLabel->buddy()->setFocus();
+    }
     m_model->revertValue(m_node);
     if (self) {
         refresh();
@@ -412,7 +437,7 @@ void SettingRow::refreshLineEdit()
 {
     const QSignalBlocker blocker(m_lineEdit);
     if (m_protectedType) {
-        showFileText(*m_lineEdit, displayValue(*m_node, m_node->value, 1'000'000));
+        showFileText(*m_lineEdit, displayValue(*m_node, m_node->value, m_node->value.size()));
         m_lineEdit->setReadOnly(true);
     } else {
         showFileText(*m_lineEdit, m_node->value);
@@ -433,8 +458,14 @@ void SettingRow::refreshRevertButton(bool isChanged)
 void SettingRow::refreshEditorHost()
 {
     const bool isLocked = m_model->isLocked(m_node);
-    m_editorHost->setEnabled(!m_rowReadOnly && !m_info.readOnly && !m_protectedType &&
-                             !m_node->isInsideDeletion() && !isLocked);
+    const bool isEditable = !m_rowReadOnly && !m_info.readOnly && !m_protectedType &&
+                            !m_node->isInsideDeletion() && !isLocked;
+    // A row without a control in use takes the focus itself, so that the keyboard reaches its menu.
+    setFocusPolicy(isEditable || m_revertButton->isEnabled() ? Qt::NoFocus : Qt::TabFocus);
+    if (!isEditable && m_editorHost->isAncestorOf(window()->focusWidget())) {
+        setFocus();
+    }
+    m_editorHost->setEnabled(isEditable);
     if (m_info.readOnly) {
         m_editorHost->setToolTip(tr("Documented by PixInsight as read-only or write-only."));
     } else if (m_protectedType) {
@@ -476,6 +507,24 @@ void SettingRow::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setPen(line);
     painter.drawLine(rect().bottomLeft(), rect().bottomRight());
+    if (hasFocus()) {
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    }
+}
+
+bool SettingRow::eventFilter(QObject* watched, QEvent* event)
+{
+    // The menu key on an editor asks for the row's menu; its own opens with the mouse.
+    if (event->type() == QEvent::ContextMenu) {
+        const auto* request = static_cast<QContextMenuEvent*>(event);
+        if (request->reason() == QContextMenuEvent::Keyboard) {
+            emit menuRequested(m_node, request->globalPos());
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void SettingRow::contextMenuEvent(QContextMenuEvent* event)

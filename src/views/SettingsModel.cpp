@@ -305,11 +305,13 @@ QVariant SettingsModel::data(const QModelIndex& index, int role) const
 
 bool SettingsModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (role != Qt::EditRole || !index.isValid() || index.column() != ValueColumn || m_readOnly) {
-        return false;
-    }
-    XsdtNode* node = nodeForIndex(index);
-    if (!node->isEditableType() || node->isInsideDeletion()) {
+    return role == Qt::EditRole && index.isValid() && index.column() == ValueColumn &&
+           setValue(nodeForIndex(index), value.toString());
+}
+
+bool SettingsModel::setValue(XsdtNode* node, const QString& input)
+{
+    if (m_readOnly || !node->isEditableType() || node->isInsideDeletion()) {
         return false;
     }
     if (isLocked(node)) {
@@ -320,7 +322,7 @@ bool SettingsModel::setData(const QModelIndex& index, const QVariant& value, int
     }
     QString text;
     QString error;
-    if (!validateValue(node->typeCode, value.toString(), text, &error)) {
+    if (!validateValue(node->typeCode, input, text, &error)) {
         emit editRejected(tr("%1: %2").arg(abbreviated(node->key, valueLimit), error));
         return false;
     }

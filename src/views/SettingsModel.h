@@ -71,6 +71,11 @@ public:
     /// Whether the node's value is locked against editing, as module registry or version record.
     [[nodiscard]] bool isLocked(const XsdtNode* node) const;
 
+    /// Writes `input` to `node`, a value that can be edited now, as `setData` does: the one way for
+    /// nodes deeper than the model shows. False if nothing changed; what is turned down goes out
+    /// by `editRejected`.
+    bool setValue(XsdtNode* node, const QString& input);
+
     /// Queues `node` for deletion; Warn needs no less than Safe here, since the caller has asked.
     /// True also if it was inside a deletion already. On refusal `reason`, unless null, gets the
     /// sentence for the user and nothing has changed.
