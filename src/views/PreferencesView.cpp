@@ -28,6 +28,7 @@ namespace kse {
 namespace {
 
 constexpr int maximumNesting = 16; // of sections in one another
+constexpr int maximumRows = 5000; // many times what there is to prefer; Qt lays out no more in time
 constexpr qsizetype titleLimit = 100;
 
 /// Shows the rows and sections that `text` finds; whether there are any rows.
@@ -95,8 +96,16 @@ void PreferencesView::createUi()
     m_pageList->setMinimumWidth(170);
     m_pageList->setMaximumWidth(300);
     m_pageList->setWordWrap(true);
+    m_pageList->setSpacing(2);
     m_pageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
+    m_limitLabel = new QLabel(
+        tr("This file holds more settings than this page can show. The first %1 are here, and all "
+           "of them are in the tree of all settings.")
+            .arg(maximumRows));
+    m_limitLabel->setObjectName(u"limitLabel"_s);
+    m_limitLabel->setWordWrap(true);
+    m_limitLabel->hide();
     m_emptyLabel = new QLabel(tr("No matching settings."));
     m_emptyLabel->setObjectName(u"emptyLabel"_s);
     m_emptyLabel->setAlignment(Qt::AlignCenter);
@@ -109,9 +118,11 @@ void PreferencesView::createUi()
     splitter->addWidget(m_pageList);
     splitter->addWidget(m_pageStack);
     splitter->setStretchFactor(1, 1);
+    splitter->setSizes({fontMetrics().averageCharWidth() * 30, m_pageStack->sizeHint().width()});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_searchEdit);
+    layout->addWidget(m_limitLabel);
     layout->addWidget(splitter, 1);
 }
 
@@ -124,11 +135,9 @@ void PreferencesView::setDocument(const XsdtDocument* document)
     for (const PageSpec& spec : m_schema->decoratedPages(*document)) {
         buildPage(*document, spec);
     }
-    if (!m_pages.empty()) {
-        m_pageList->setCurrentRow(0);
-    }
+    m_limitLabel->setVisible(m_rowsLeft < 0);
     updatePageCounts();
-    applyFilter();
+    applyFilter(); // selects the first page, or the first that it leaves
 }
 
 void PreferencesView::discardPages()
@@ -136,6 +145,8 @@ void PreferencesView::discardPages()
     m_rows->clear();
     m_pages.clear();
     m_shownGroups.clear();
+    m_rowsLeft = maximumRows;
+    m_limitLabel->hide();
     m_pageList->clear();
     showPage(-1);
     for (int i = m_pageStack->count() - 1; i > 0; --i) {
@@ -158,6 +169,9 @@ PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
             continue;
         }
         if (!isGroup) {
+            if (--m_rowsLeft < 0) {
+                break;
+            }
             part.values.append(child.get());
         } else if (Group below = visiblePart(child.get(), depth + 1); !below.isEmpty()) {
             part.groups.push_back(std::move(below));
@@ -187,12 +201,12 @@ void PreferencesView::buildPage(const XsdtDocument& document, const PageSpec& sp
     auto* area = new QScrollArea(m_pageStack);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
-    auto* content = new QWidget(area);
-    auto* layout = new QVBoxLayout(content);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
     Page page;
     page.title = abbreviated(spec.title, titleLimit);
+    page.content = new QWidget(area);
+    auto* layout = new QVBoxLayout(page.content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     for (const Group& group : groups) {
         if (several) {
             buildSection(group, true, layout, page);
@@ -201,7 +215,7 @@ void PreferencesView::buildPage(const XsdtDocument& document, const PageSpec& sp
         }
     }
     layout->addStretch();
-    area->setWidget(content);
+    area->setWidget(page.content);
     m_pageStack->addWidget(area);
     page.item = new QListWidgetItem(page.title, m_pageList);
     m_pages.push_back(std::move(page));
@@ -272,6 +286,7 @@ void PreferencesView::applyFilter()
     const QString text = m_searchEdit->text().trimmed();
     QListWidgetItem* firstFound = nullptr;
     for (const Page& page : m_pages) {
+        page.content->hide(); // in sight, each row that comes or goes would lay out all
         const bool found = filterRows(page.rows, text);
         for (auto it = page.sections.rbegin(); it != page.sections.rend(); ++it) {
             CollapsibleSection* section = *it;
@@ -279,6 +294,7 @@ void PreferencesView::applyFilter()
             section->setVisible(finds || text.isEmpty());
             section->setExpanded(text.isEmpty() ? section->startExpanded() : finds);
         }
+        page.content->show();
         page.item->setHidden(!found);
         if (found && !firstFound) {
             firstFound = page.item;

@@ -26,8 +26,8 @@ struct XsdtDocument;
 struct XsdtNode;
 
 /// The everyday way of editing: the preferences that can be typed into, in pages, with their
-/// descriptions. Values of other types, hidden ones and what is nested more than 16 groups deep
-/// are left to the tree of all settings.
+/// descriptions. Values of other types, hidden ones, what is nested more than 16 groups deep and
+/// what comes after the first 5,000 settings are left to the tree of all settings.
 class PreferencesView : public QWidget
 {
     Q_OBJECT
@@ -62,6 +62,7 @@ private:
     {
         QString title;
         QListWidgetItem* item = nullptr;
+        QWidget* content = nullptr; ///< What the page scrolls.
         QList<SettingRow*> rows;
         QList<CollapsibleSection*> sections; ///< An outer one before those inside it.
     };
@@ -83,8 +84,10 @@ private:
     QListWidget* m_pageList = nullptr;
     QStackedWidget* m_pageStack = nullptr; ///< `m_emptyLabel`, then the pages in their order.
     QLabel* m_emptyLabel = nullptr;
+    QLabel* m_limitLabel = nullptr;
     std::vector<Page> m_pages;
     QSet<const XsdtNode*> m_shownGroups;
+    int m_rowsLeft = 0; ///< Before the document has more than are shown; negative if it has.
 };
 
 } // namespace kse

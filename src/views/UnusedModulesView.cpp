@@ -143,13 +143,13 @@ void UnusedModulesView::connectModel()
 
 void UnusedModulesView::setDocument(const XsdtDocument* document)
 {
-    clearCards(); // their nodes may go with the document that is let go of
     m_document = document;
     refresh();
 }
 
 void UnusedModulesView::refresh()
 {
+    m_listWidget->hide(); // in sight, each card that comes or goes would lay out all
     clearCards();
     if (m_document) {
         const QList<ModuleInfo> modules = ModuleCatalog::unusedModules(*m_document);
@@ -158,6 +158,7 @@ void UnusedModulesView::refresh()
             addCard(module);
         }
     }
+    m_listWidget->show();
     updateSummary();
 }
 
@@ -166,8 +167,8 @@ void UnusedModulesView::clearCards()
     m_rows->clear();
     m_sizes.clear();
     for (const Card& card : std::exchange(m_cards, {})) {
+        delete m_listLayout->takeAt(0); // in constant time, where `removeWidget` searches
         QWidget* row = card.tick->parentWidget();
-        m_listLayout->removeWidget(row);
         row->hide();
         row->deleteLater();
     }
