@@ -84,7 +84,7 @@ QList<PageSpec> readPages(const QJsonValue& value)
 {
     QList<PageSpec> pages;
     for (const QJsonValue& element : value.toArray()) {
-        const PageSpec page{element["title"_L1].toString(), toStringList(element["paths"_L1])};
+        const PageSpec page{element["title"_L1].toString(), toStringList(element["paths"_L1]), {}};
         if (!page.title.isEmpty() && !page.paths.isEmpty()) {
             pages.append(page);
         }
@@ -209,10 +209,11 @@ QList<PageSpec> SettingsSchema::decoratedPages(const XsdtDocument& document) con
     QList<PageSpec> pages;
     QSet<QString> claimed;
     for (const PageSpec& page : m_pages) {
-        PageSpec present{page.title, {}};
+        PageSpec present{page.title, {}, {}};
         for (const QString& path : page.paths) {
-            if (document.root.findByPath(path)) {
+            if (XsdtNode* node = document.root.findByPath(path)) {
                 present.paths.append(path);
+                present.nodes.append(node);
                 claimed.insert(path);
             }
         }
@@ -227,7 +228,7 @@ QList<PageSpec> SettingsSchema::decoratedPages(const XsdtDocument& document) con
     for (const auto& child : preferences->children) {
         if (child->kind == XsdtNode::Kind::Group && child->key != "ProcessInterface"_L1 &&
             !claimed.contains(child->path())) {
-            pages.append({prettyName(child->key), {child->path()}});
+            pages.append({prettyName(child->key), {child->path()}, {child.get()}});
         }
     }
     return pages;

@@ -55,6 +55,7 @@ struct PageSpec
 {
     QString title;
     QStringList paths;
+    QList<XsdtNode*> nodes; ///< Of a document's page, what is at these paths.
 };
 
 /// One row of `globals.json`.

@@ -2,6 +2,7 @@
 #include "views/CollapsibleSection.h"
 
 #include "views/PlainText.h"
+#include "views/TabOrder.h"
 
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -61,6 +62,7 @@ void CollapsibleSection::setExpanded(bool expanded)
     if (expanded) {
         if (const auto build = std::exchange(m_lazyBuilder, nullptr)) {
             build();
+            continueTabOrder(m_toggleButton, {m_body});
         }
     }
     m_body->setVisible(expanded);

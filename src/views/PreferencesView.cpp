@@ -9,11 +9,12 @@
 #include "views/SettingRow.h"
 #include "views/SettingRowSet.h"
 #include "views/SettingsModel.h"
+#include "views/TabOrder.h"
+#include "views/WidgetColumn.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QScrollArea>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -133,9 +134,14 @@ void PreferencesView::setDocument(const XsdtDocument* document)
         return;
     }
     for (const PageSpec& spec : m_schema->decoratedPages(*document)) {
-        buildPage(*document, spec);
+        buildPage(spec);
     }
     m_limitLabel->setVisible(m_rowsLeft < 0);
+    QList<QWidget*> pages;
+    for (int i = 1; i < m_pageStack->count(); ++i) {
+        pages.append(m_pageStack->widget(i));
+    }
+    continueTabOrder(m_pageList, pages);
     updatePageCounts();
     applyFilter(); // selects the first page, or the first that it leaves
 }
@@ -144,7 +150,6 @@ void PreferencesView::discardPages()
 {
     m_rows->clear();
     m_pages.clear();
-    m_shownGroups.clear();
     m_rowsLeft = maximumRows;
     m_limitLabel->hide();
     m_pageList->clear();
@@ -160,9 +165,6 @@ void PreferencesView::discardPages()
 PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
 {
     Group part{node, {}, {}};
-    if (m_shownGroups.contains(node)) { // where keys repeat or hold a "/", paths are ambiguous
-        return part;
-    }
     for (const auto& child : node->children) {
         const bool isGroup = child->kind == XsdtNode::Kind::Group && depth < maximumNesting;
         if ((!isGroup && !child->isEditableType()) || m_schema->isHidden(*child)) {
@@ -177,19 +179,14 @@ PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
             part.groups.push_back(std::move(below));
         }
     }
-    m_shownGroups.insert(node);
     return part;
 }
 
-void PreferencesView::buildPage(const XsdtDocument& document, const PageSpec& spec)
+void PreferencesView::buildPage(const PageSpec& spec)
 {
-    const bool several = spec.paths.size() > 1;
+    const bool several = spec.nodes.size() > 1;
     std::vector<Group> groups;
-    for (const QString& path : spec.paths) {
-        XsdtNode* node = document.root.findByPath(path);
-        if (!node || node->path() != path) { // a path that ends in an empty key leads elsewhere
-            continue;
-        }
+    for (XsdtNode* node : spec.nodes) {
         if (Group group = visiblePart(node, several ? 1 : 0); !group.isEmpty()) {
             groups.push_back(std::move(group));
         }
@@ -198,51 +195,45 @@ void PreferencesView::buildPage(const XsdtDocument& document, const PageSpec& sp
         return;
     }
 
-    auto* area = new QScrollArea(m_pageStack);
-    area->setWidgetResizable(true);
-    area->setFrameShape(QFrame::NoFrame);
+    auto* column = new WidgetColumn(0, m_pageStack);
     Page page;
     page.title = abbreviated(spec.title, titleLimit);
-    page.content = new QWidget(area);
-    auto* layout = new QVBoxLayout(page.content);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
+    page.content = column->widget();
     for (const Group& group : groups) {
-        if (several) {
-            buildSection(group, true, layout, page);
-        } else {
-            buildGroup(group, layout, page);
-        }
+        column->append(several ? QList<QWidget*>{buildSection(group, true, page.content, page)}
+                               : buildGroup(group, page.content, page));
     }
-    layout->addStretch();
-    area->setWidget(page.content);
-    m_pageStack->addWidget(area);
+    m_pageStack->addWidget(column);
     page.item = new QListWidgetItem(page.title, m_pageList);
     m_pages.push_back(std::move(page));
 }
 
-void PreferencesView::buildGroup(const Group& group, QBoxLayout* layout, Page& page)
+QList<QWidget*> PreferencesView::buildGroup(const Group& group, QWidget* parent, Page& page)
 {
+    QList<QWidget*> widgets;
     for (XsdtNode* value : group.values) {
-        SettingRow* row = m_rows->add(value, layout->parentWidget());
-        layout->addWidget(row);
-        page.rows.append(row);
+        page.rows.append(m_rows->add(value, parent));
+        widgets.append(page.rows.constLast());
     }
     for (const Group& below : group.groups) {
-        buildSection(below, false, layout, page);
+        widgets.append(buildSection(below, false, parent, page));
     }
+    return widgets;
 }
 
-void PreferencesView::buildSection(const Group& group, bool expanded, QBoxLayout* layout,
-                                   Page& page)
+QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidget* parent,
+                                       Page& page)
 {
     XsdtNode* node = group.node;
-    auto* section = new CollapsibleSection(prettyName(node->key), expanded, layout->parentWidget());
+    auto* section = new CollapsibleSection(prettyName(node->key), expanded, parent);
     section->setContextMenuHandler(
         [this, node](const QPoint& globalPos) { m_rows->showMenu(node, globalPos); });
-    layout->addWidget(section);
     page.sections.append(section);
-    buildGroup(group, section->bodyLayout(), page);
+    QBoxLayout* layout = section->bodyLayout();
+    for (QWidget* widget : buildGroup(group, layout->parentWidget(), page)) {
+        layout->addWidget(widget);
+    }
+    return section;
 }
 
 void PreferencesView::setReadOnly(bool readOnly)

@@ -2,12 +2,10 @@
 #pragma once
 
 #include <QList>
-#include <QSet>
 #include <QWidget>
 
 #include <vector>
 
-class QBoxLayout;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -71,9 +69,9 @@ private:
     void createUi();
     void discardPages();
     Group visiblePart(XsdtNode* node, int depth);
-    void buildPage(const XsdtDocument& document, const PageSpec& spec);
-    void buildGroup(const Group& group, QBoxLayout* layout, Page& page);
-    void buildSection(const Group& group, bool expanded, QBoxLayout* layout, Page& page);
+    void buildPage(const PageSpec& spec);
+    QList<QWidget*> buildGroup(const Group& group, QWidget* parent, Page& page);
+    QWidget* buildSection(const Group& group, bool expanded, QWidget* parent, Page& page);
     void updatePageCounts();
     void applyFilter();
     void showPage(int index);
@@ -86,7 +84,6 @@ private:
     QLabel* m_emptyLabel = nullptr;
     QLabel* m_limitLabel = nullptr;
     std::vector<Page> m_pages;
-    QSet<const XsdtNode*> m_shownGroups;
     int m_rowsLeft = 0; ///< Before the document has more than are shown; negative if it has.
 };
 

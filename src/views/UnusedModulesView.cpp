@@ -9,11 +9,11 @@
 #include "views/SettingRow.h"
 #include "views/SettingRowSet.h"
 #include "views/SettingsModel.h"
+#include "views/WidgetColumn.h"
 
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -82,22 +82,15 @@ void UnusedModulesView::createUi()
     m_summary->setTextFormat(Qt::PlainText);
     m_summary->setWordWrap(true);
 
-    m_listWidget = new QWidget;
-    m_listWidget->setObjectName(u"listWidget"_s);
-    m_listLayout = new QVBoxLayout(m_listWidget);
-    m_listLayout->setContentsMargins(0, 0, 0, 0);
-    m_listLayout->setSpacing(2);
-    m_listLayout->addStretch();
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setWidget(m_listWidget);
+    m_column = new WidgetColumn(2);
+    m_column->setObjectName(u"column"_s);
+    m_column->widget()->setObjectName(u"listWidget"_s);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 0);
     layout->addWidget(note);
     layout->addWidget(m_summary);
-    layout->addWidget(area, 1);
+    layout->addWidget(m_column, 1);
     layout->addWidget(createButtonRow());
 }
 
@@ -149,34 +142,27 @@ void UnusedModulesView::setDocument(const XsdtDocument* document)
 
 void UnusedModulesView::refresh()
 {
-    m_listWidget->hide(); // in sight, each card that comes or goes would lay out all
-    clearCards();
+    m_rows->clear();
+    m_sizes.clear();
+    m_cards.clear();
+    m_column->clear();
+    m_column->widget()->hide(); // in sight, each new card would lay out all
     if (m_document) {
         const QList<ModuleInfo> modules = ModuleCatalog::unusedModules(*m_document);
         m_cards.reserve(modules.size());
+        QList<QWidget*> rows;
         for (const ModuleInfo& module : modules) {
-            addCard(module);
+            rows.append(addCard(module));
         }
+        m_column->append(rows);
     }
-    m_listWidget->show();
+    m_column->widget()->show();
     updateSummary();
 }
 
-void UnusedModulesView::clearCards()
+QWidget* UnusedModulesView::addCard(const ModuleInfo& module)
 {
-    m_rows->clear();
-    m_sizes.clear();
-    for (const Card& card : std::exchange(m_cards, {})) {
-        delete m_listLayout->takeAt(0); // in constant time, where `removeWidget` searches
-        QWidget* row = card.tick->parentWidget();
-        row->hide();
-        row->deleteLater();
-    }
-}
-
-void UnusedModulesView::addCard(const ModuleInfo& module)
-{
-    auto* row = new QWidget(m_listWidget);
+    auto* row = new QWidget(m_column->widget());
     Card card{module, new QCheckBox(row), new CollapsibleSection(module.name, false, row)};
     card.tick->setObjectName(u"tick"_s);
     card.tick->setAccessibleName(abbreviated(module.name, textLimit));
@@ -189,8 +175,8 @@ void UnusedModulesView::addCard(const ModuleInfo& module)
     layout->setContentsMargins(4, 2, 4, 2);
     layout->addWidget(card.tick, 0, Qt::AlignTop);
     layout->addWidget(card.section, 1);
-    m_listLayout->insertWidget(m_listLayout->count() - 1, row);
     m_cards.append(card);
+    return row;
 }
 
 void UnusedModulesView::buildCard(const Card& card)
@@ -241,6 +227,9 @@ void UnusedModulesView::addNote(const Card& card, const QString& text, XsdtNode*
     QFont font; // sets the weight alone; the size goes on following the application's
     font.setWeight(QFont::Bold);
     label->setFont(font);
+    // So that the keyboard reaches the menu, and the path can be copied.
+    label->setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
+    label->setFocusPolicy(Qt::StrongFocus);
     label->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(label, &QWidget::customContextMenuRequested, this,
             [this, label, node](QPoint pos) { m_rows->showMenu(node, label->mapToGlobal(pos)); });

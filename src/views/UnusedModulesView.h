@@ -12,7 +12,6 @@ class QCheckBox;
 class QLabel;
 class QModelIndex;
 class QPushButton;
-class QVBoxLayout;
 
 namespace kse {
 
@@ -20,6 +19,7 @@ class CollapsibleSection;
 class SettingRowSet;
 class SettingsModel;
 class SettingsSchema;
+class WidgetColumn;
 struct XsdtDocument;
 struct XsdtNode;
 
@@ -72,8 +72,7 @@ private:
     void createUi();
     QWidget* createButtonRow();
     void connectModel();
-    void clearCards();
-    void addCard(const ModuleInfo& module);
+    QWidget* addCard(const ModuleInfo& module);
     void buildCard(const Card& card);
     void addNote(const Card& card, const QString& text, XsdtNode* node);
 
@@ -94,8 +93,7 @@ private:
     QList<Card> m_cards;
     QHash<const XsdtNode*, DataSize> m_sizes; ///< Of groups in cards; modules may share one.
     QLabel* m_summary = nullptr;
-    QWidget* m_listWidget = nullptr;
-    QVBoxLayout* m_listLayout = nullptr;
+    WidgetColumn* m_column = nullptr;
     QPushButton* m_queueButton = nullptr;
     QPushButton* m_undoButton = nullptr;
     QPushButton* m_tickAllButton = nullptr;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "views/WidgetColumn.h"
 
+#include "views/TabOrder.h"
+
 #include <QApplication>
 #include <QFocusFrame>
 #include <QPushButton>
@@ -33,25 +35,12 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
 
 void WidgetColumn::append(const QList<QWidget*>& widgets)
 {
-    QList<QWidget*> tabStops;
     for (QWidget* widget : widgets) {
         widget->resize(viewport()->width(), widget->height()); // is laid out when it is shown
         m_layout->insertWidget(m_layout->count() - 2, widget);
-        for (QWidget* child : widget->findChildren<QWidget*>()) {
-            if ((child->focusPolicy() & Qt::TabFocus) && !child->focusProxy()) {
-                tabStops.append(child);
-            }
-        }
     }
     m_items += widgets;
-    // Until here they come after all else in the window. Backwards, since Qt looks at every widget
-    // between one that it moves and the tab stop before that.
-    for (auto stop = tabStops.crbegin(); stop != tabStops.crend(); ++stop) {
-        setTabOrder(m_lastTabStop, *stop);
-    }
-    if (!tabStops.isEmpty()) {
-        m_lastTabStop = tabStops.constLast();
-    }
+    m_lastTabStop = continueTabOrder(m_lastTabStop, widgets);
     setTabOrder(m_lastTabStop, m_showMoreButton);
 }
 
@@ -63,7 +52,7 @@ void WidgetColumn::clear()
         setFocus();
     }
     for (QWidget* item : std::as_const(m_items)) {
-        m_layout->removeWidget(item);
+        delete m_layout->takeAt(0); // in constant time, where `removeWidget` searches
         item->hide();
         item->deleteLater();
     }

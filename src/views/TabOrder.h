@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+
+class QWidget;
+
+namespace kse {
+
+/// Has Tab go from `before` through `widgets` and what is in them, in the order in which it was
+/// made; for what is made later than its neighbours, since Qt puts a new widget last in the whole
+/// window. Returns the last that takes the focus, or `before` if none does.
+QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets);
+
+} // namespace kse

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+#include "views/PreferencesView.h"
+
+#include "document/XsdtDocument.h"
+#include "schema/SettingsSchema.h"
+#include "support/DialogAnswerer.h"
+#include "support/DocumentText.h"
+#include "support/TestMain.h"
+#include "support/TextRows.h"
+#include "views/SettingRow.h"
+#include "views/SettingsModel.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QStackedWidget>
+#include <QTest>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+const QByteArray content =
+    "<i k='Global'><i k='Preferences'>"
+    "<i k='Application'><i k='S&amp;b'><i k='Deep'><v k='Needle' t='s' v='hay'/></i></i>"
+    "<v k='Fast' t='b' v='true'/><v k='Data' t='B' v='Needle'/></i>"
+    "<i k='Identifiers'><v k='Max' t='s' v='eight'/></i>"
+    "<i k='GUI'><v k='Icon' t='s' v='%1&amp;'/></i>"
+    "<i k='ScriptEditor'><i k='Cache'><v k='c' t='s' v='1'/></i><v k='Tab' t='s' v='x'/></i>"
+    "<i k='Security'><i k='Keys'><v k='k' t='T' v='2020'/></i></i>"
+    "<i k='ProcessInterface'><v k='p' t='s' v='1'/></i><i k=''><v k='e' t='s' v='1'/></i>"
+    "</i><i k='ColorManagement'><v k='On' t='b' v='true'/></i></i>";
+
+struct Fixture
+{
+    explicit Fixture(const QByteArray& xml = content)
+        : document(documentFrom(xml))
+    {
+        if (!schema.load({}, builtInTable("overlay.json"))) {
+            qFatal("the tables don't load");
+        }
+        model.setDocument(document.get());
+        view.setDocument(document.get());
+        view.resize(900, 600);
+        view.show();
+    }
+
+    template <typename Widget>
+    Widget* onFirstPage(const char* name)
+    {
+        return stack->widget(1)->findChild<Widget*>(QLatin1String(name));
+    }
+
+    /// The titles that show, the current one in brackets.
+    QString pages()
+    {
+        QStringList titles;
+        for (int i = 0; i < list->count(); ++i) {
+            if (!list->item(i)->isHidden()) {
+                const QString title = list->item(i)->text();
+                titles.append(i == list->currentRow() ? u'[' + title + u']' : title);
+            }
+        }
+        return titles.join(u", "_s);
+    }
+
+    /// The titles and names in sight on the current page.
+    QString shown()
+    {
+        QStringList texts;
+        for (const QWidget* widget : stack->currentWidget()->findChildren<QWidget*>()) {
+            const QString name = widget->objectName();
+            if (widget->isVisible() && (name == "nameLabel"_L1 || name == "toggleButton"_L1)) {
+                texts.append(widget->property("text").toString());
+            }
+        }
+        return texts.join(u" > "_s);
+    }
+
+    std::unique_ptr<XsdtDocument> document;
+    SettingsSchema schema;
+    SettingsModel model;
+    PreferencesView view{&model, &schema};
+    QStackedWidget* stack = view.findChild<QStackedWidget*>(u"pageStack"_s);
+    QListWidget* list = view.findChild<QListWidget*>(u"pageList"_s);
+};
+
+} // namespace
+
+class TestPreferencesView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void laysOutPages();
+    void searches_data();
+    void searches();
+    void countsChanges();
+    void copesWithHostileFile();
+};
+
+void TestPreferencesView::laysOutPages()
+{
+    Fixture f;
+    QCOMPARE(f.pages(), u"[Application], Color Management, Script Editor, Identifiers and GUI, "_s);
+    QCOMPARE(f.shown(), u"Fast > S&&b"_s);
+    QTest::mouseClick(f.onFirstPage<QToolButton>("toggleButton"), Qt::LeftButton);
+    QCOMPARE(f.shown(), u"Fast > S&&b > Deep"_s);
+    DialogAnswerer<QMenu> answer([](QMenu& menu) {
+        QCOMPARE(menu.actions().size(), 1); // no way to the tree from here
+        QCOMPARE(menu.actions().first()->text(), u"Why can't this be deleted?"_s);
+    });
+    emit f.onFirstPage<QToolButton>("toggleButton")->customContextMenuRequested({});
+    QVERIFY(answer.wasAsked());
+    QTest::keyClick(f.list, Qt::Key_Down);
+    QCOMPARE(f.shown(), u"On"_s);
+    QVERIFY(f.view.selectPage(3) && !f.view.selectPage(5) && !f.view.selectPage(-1));
+    QCOMPARE(f.shown(), u"Identifiers > Max > GUI > Icon"_s);
+    QVERIFY(f.view.selectPage(4));
+    QCOMPARE(f.shown(), u"E"_s);
+
+    f.view.setDocument(nullptr);
+    QCOMPARE(f.stack->currentWidget()->objectName(), u"emptyLabel"_s);
+    QCOMPARE(f.view.pageCount(), 0);
+}
+
+void TestPreferencesView::searches_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("pages");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("key in closed sections")
+        << u" NEEDLE "_s << u"[Application]"_s << u"S&&b > Deep > Needle"_s;
+    QTest::newRow("value on another page")
+        << u"%1&"_s << u"[Identifiers and GUI]"_s << u"GUI > Icon"_s;
+    QTest::newRow("nothing") << u"zz"_s << QString() << QString();
+}
+
+void TestPreferencesView::searches()
+{
+    QFETCH(QString, text);
+    Fixture f;
+    const QString all = f.pages();
+    f.view.setReadOnly(true);
+    auto* edit = f.view.findChild<QLineEdit*>(u"searchEdit"_s);
+    QTest::keyClicks(edit, text);
+    QTEST(f.pages(), "pages");
+    QTEST(f.shown(), "shown");
+    QVERIFY(!f.view.selectPage(2));
+    f.view.setDocument(f.document.get());
+    QTEST(f.shown(), "shown");
+    QVERIFY(!f.onFirstPage<QCheckBox>("checkBox")->isEnabled());
+
+    edit->clear();
+    f.view.selectPage(0);
+    QCOMPARE(f.pages(), all);
+    QCOMPARE(f.shown(), u"Fast > S&&b"_s);
+}
+
+void TestPreferencesView::countsChanges()
+{
+    Fixture f;
+    const QListWidgetItem* item = f.list->item(0);
+    f.onFirstPage<QCheckBox>("checkBox")->click();
+    const XsdtNode* deep =
+        f.document->root.findByPath(u"Global/Preferences/Application/S&b/Deep/Needle");
+    f.model.setData(f.model.indexForNode(deep, SettingsModel::ValueColumn), u"straw"_s);
+    QCOMPARE(item->text(), u"Application   ● 2"_s);
+    QCOMPARE(item->font().weight(), QFont::Bold);
+    QCOMPARE(f.list->item(1)->text(), u"Color Management"_s);
+    f.onFirstPage<QToolButton>("revertButton")->click();
+    QCOMPARE(item->text(), u"Application   ● 1"_s);
+    f.model.revertAll();
+    QCOMPARE(item->text(), u"Application"_s);
+    QCOMPARE(item->font().weight(), QFont::Normal);
+}
+
+void TestPreferencesView::copesWithHostileFile()
+{
+    QByteArray deep;
+    QByteArray wide;
+    for (int i = 0; i < 3000; ++i) {
+        deep = "<i k='d'><v k='v' t='s' v='1'/>" + deep + "</i>";
+        wide += "<v k='w' t='s' v='1'/><i k='d'/>";
+    }
+    Fixture f("<i k='Global'><i k='Preferences'><i k='Two'>" + deep + "</i><i k='Two'>" + wide +
+              "</i><i k='Three'>" + wide + "</i></i></i>");
+    QCOMPARE(f.pages(), u"[Two], Two, Three"_s);
+    QCOMPARE(f.stack->widget(1)->findChildren<SettingRow*>().size(), 16);
+    QCOMPARE(f.stack->widget(2)->findChildren<SettingRow*>().size(), 3000);
+    QCOMPARE(f.stack->findChildren<SettingRow*>().size(), 5000);
+    QVERIFY(f.view.findChild<QWidget*>(u"limitLabel"_s)->isVisible());
+}
+
+} // namespace kse
+
+KSE_TEST_MAIN(kse::TestPreferencesView)
+#include "TestPreferencesView.moc"

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+#include "views/UnusedModulesView.h"
+
+#include "document/XsdtDocument.h"
+#include "schema/DeletePolicy.h"
+#include "schema/SettingsSchema.h"
+#include "support/DialogAnswerer.h"
+#include "support/DocumentText.h"
+#include "support/TestMain.h"
+#include "views/SettingRow.h"
+#include "views/SettingsModel.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+const QByteArray content =
+    "<i k='Modules'><v k='1' t='s' v='/bin/Used-pxm.so'/></i>"
+    "<i k='ModuleData'><i k='Used'><v k='u' t='s' v='1'/></i>"
+    "<i k='Gone'><v k='n' t='s' v='1'/><i k='Interfaces'><i k='P'/></i></i>"
+    "<i k='%1&amp;Old'><v k='m' t='s' v='1'/></i></i>"
+    "<i k='Global'><i k='Statistics'><i k='Process'><i k='P'><v k='s' t='s' v='1'/></i></i></i>"
+    "</i>";
+
+struct Fixture
+{
+    explicit Fixture(const QByteArray& xml = content)
+        : document(documentFrom(xml))
+    {
+        if (!policy.load("{\"policy\": {\"delete\": [{\"path\": \"ModuleData/*\", "
+                         "\"level\": \"safe\"}]}}")) {
+            qFatal("the policy doesn't load");
+        }
+        model.setPolicy(&policy);
+        model.setDocument(document.get());
+        view.setDocument(document.get());
+        view.resize(900, 600);
+        view.show();
+    }
+
+    template <typename Widget>
+    Widget* find(const char* name)
+    {
+        return view.findChild<Widget*>(QLatin1String(name));
+    }
+    QString summary() { return find<QLabel>("summary")->text(); }
+    QToolButton* title(int card)
+    {
+        return view.findChildren<QToolButton*>(u"toggleButton"_s).at(card);
+    }
+    void tick(int card)
+    {
+        QTest::mouseClick(view.findChildren<QCheckBox*>(u"tick"_s).at(card), Qt::LeftButton);
+    }
+
+    /// Presses the button for queueing and answers its box; what the view then says.
+    QString queue(QMessageBox::StandardButton answer, const std::function<void()>& beneath = {})
+    {
+        QSignalSpy messages(&view, &UnusedModulesView::message);
+        DialogAnswerer<QMessageBox> box([&](QMessageBox& asked) {
+            details = asked.detailedText();
+            if (beneath) {
+                beneath();
+            }
+            asked.button(answer)->click();
+        });
+        QTest::mouseClick(find<QPushButton>("queueButton"), Qt::LeftButton);
+        return messages.isEmpty() ? QString() : messages.first().first().toString();
+    }
+
+    std::unique_ptr<XsdtDocument> document;
+    SettingsSchema schema;
+    DeletePolicy policy;
+    SettingsModel model;
+    UnusedModulesView view{&model, &schema};
+    QString details;
+};
+
+} // namespace
+
+class TestUnusedModulesView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void listsModules();
+    void opensCard();
+    void queuesAndTakesBack();
+    void givesUpWhenThingsChangeBeneathTheBox();
+    void staysWithinLimits();
+};
+
+void TestUnusedModulesView::listsModules()
+{
+    Fixture f;
+    QCOMPARE(f.view.moduleNames(), QStringList({u"%1&Old"_s, u"Gone"_s}));
+    QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 44 B"_s);
+    QCOMPARE(f.summary(), u"2 unused module(s); 0 queued for deletion"_s);
+    f.tick(0);
+    QCOMPARE(f.summary(), u"2 unused module(s); 1 ticked (about 44 B); 0 queued for deletion"_s);
+
+    const XsdtNode* node = f.document->root.findByPath(u"ModuleData/%1&Old/m");
+    f.model.setData(f.model.indexForNode(node, SettingsModel::ValueColumn), u"123"_s);
+    QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 46 B"_s);
+
+    f.view.setReadOnly(true);
+    QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
+    QVERIFY(f.summary().startsWith(u"2 unused module(s); 2 ticked"));
+    QVERIFY(!f.find<QCheckBox>("tick")->isEnabled());
+    QVERIFY(!f.find<QPushButton>("queueButton")->isEnabled());
+    QVERIFY(!f.find<QPushButton>("undoButton")->isEnabled());
+}
+
+void TestUnusedModulesView::opensCard()
+{
+    Fixture f;
+    f.view.expandCard(u"Gone"_s);
+    f.title(1)->click();
+    f.title(1)->click();
+    QStringList lines;
+    for (const QLabel* label : f.view.findChildren<QLabel*>(u"groupLabel"_s)) {
+        lines.append(label->text());
+    }
+    QCOMPARE(lines, QStringList({u"Global/Statistics/Process/P  (1 value(s))"_s,
+                                 u"ModuleData/Gone  (1 value(s))"_s}));
+    QCOMPARE(f.view.findChildren<SettingRow*>().size(), 2);
+
+    // Tab goes on into what was made later, and comes out at what stands below.
+    f.view.activateWindow();
+    f.title(1)->setFocus();
+    QTest::keyClick(f.view.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(f.view.focusWidget()->objectName(), u"groupLabel"_s);
+    f.find<QPushButton>("tickAllButton")->setFocus();
+    QTest::keyClick(f.view.focusWidget(), Qt::Key_Backtab);
+    QCOMPARE(f.view.focusWidget()->objectName(), u"lineEdit"_s);
+}
+
+void TestUnusedModulesView::queuesAndTakesBack()
+{
+    Fixture f;
+    QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
+    QCOMPARE(f.queue(QMessageBox::Cancel), QString());
+    QCOMPARE(f.details, u"%1&Old\nGone"_s);
+    QCOMPARE(f.queue(QMessageBox::Yes), u"Queued 2 entries; 1 protected entries were left alone "
+                                        "(Global/Statistics/Process/P)."_s);
+    QVERIFY(f.title(0)->text().endsWith(u"   [queued for deletion]"));
+    QVERIFY(f.title(1)->text().endsWith(u"   [partly queued for deletion]"));
+    QCOMPARE(f.summary(), u"2 unused module(s); 2 queued for deletion"_s);
+
+    f.tick(0);
+    QCOMPARE(f.queue(QMessageBox::Yes),
+             u"Queued 1 entries of 1 module(s) for deletion. Save to apply."_s);
+    f.tick(1);
+    QTest::mouseClick(f.find<QPushButton>("undoButton"), Qt::LeftButton);
+    QCOMPARE(f.summary(), u"2 unused module(s); 1 queued for deletion"_s);
+    QCOMPARE(f.document->deletions().size(), 1);
+}
+
+void TestUnusedModulesView::givesUpWhenThingsChangeBeneathTheBox()
+{
+    Fixture f;
+    f.tick(0);
+    QCOMPARE(f.queue(QMessageBox::Yes, [&] { f.view.setReadOnly(true); }), QString());
+    f.view.setReadOnly(false);
+    QCOMPARE(f.queue(QMessageBox::Yes,
+                     [&] {
+                         f.view.setDocument(nullptr);
+                         f.model.setDocument(nullptr);
+                         f.document = documentFrom(content);
+                         f.model.setDocument(f.document.get());
+                         f.view.setDocument(f.document.get());
+                     }),
+             QString());
+    QCOMPARE(f.document->pendingCount(), 0);
+}
+
+void TestUnusedModulesView::staysWithinLimits()
+{
+    const QByteArray values = QByteArray("<v k='a' t='s' v='1'/>").repeated(401);
+    Fixture f("<i k='ModuleData'><i k='A'>" + values + "</i></i><i k='A'>" + values + "</i>");
+    f.view.expandCard(u"A"_s);
+    QCOMPARE(f.view.findChildren<SettingRow*>().size(), 400);
+    QCOMPARE(f.view.findChildren<QLabel*>(u"groupLabel"_s).size(), 2);
+    QCOMPARE(f.find<QLabel>("moreLabel")->text(),
+             u"...and 402 more values. Use \"Show in All settings\" from the right-click menu to "
+             "see the rest."_s);
+
+    f.view.setDocument(nullptr);
+    QCOMPARE(f.summary(), QString());
+    f.document = documentFrom("<i k='Modules'/>");
+    f.view.setDocument(f.document.get());
+    QCOMPARE(f.summary(),
+             u"No unused module data: every module with saved data is in the module list."_s);
+    QVERIFY(!f.find<QPushButton>("tickAllButton")->isEnabled());
+}
+
+} // namespace kse
+
+KSE_TEST_MAIN(kse::TestUnusedModulesView)
+#include "TestUnusedModulesView.moc"
