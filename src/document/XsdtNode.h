@@ -61,7 +61,8 @@ struct XsdtNode
     /// Whether this node or an ancestor is marked for deletion.
     [[nodiscard]] bool isInsideDeletion() const;
 
-    /// Index among the parent's children; 0 without a parent. Constant time.
+    /// Index among the parent's children; 0 without a parent. Constant time for
+    /// what `append` has put there.
     [[nodiscard]] qsizetype rowInParent() const;
 
     /// Values at or beneath this node, marked ones included: 1 for a value.

@@ -21,6 +21,7 @@ SettingRowSet::SettingRowSet(SettingsModel* model, const SettingsSchema* schema,
 {
     connect(model, &SettingsModel::dataChanged, this, &SettingRowSet::onDataChanged);
     connect(model, &SettingsModel::modelReset, this, &SettingRowSet::refreshAll);
+    connect(model, &SettingsModel::edited, this, &SettingRowSet::refreshDeepRows);
 }
 
 SettingRow* SettingRowSet::add(XsdtNode* node, QWidget* parent)
@@ -95,6 +96,16 @@ void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex&
     for (int i = first; i <= last; ++i) {
         const XsdtNode* node = parent->children[static_cast<std::size_t>(i)].get();
         for (auto row = m_rows.constFind(node); row != m_rows.cend() && row.key() == node; ++row) {
+            row.value()->refresh();
+        }
+    }
+}
+
+/// Nodes deeper than the model shows have no index that it could name in `dataChanged`.
+void SettingRowSet::refreshDeepRows()
+{
+    for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
+        if (row.key()->depth > SettingsModel::maximumDepth) {
             row.value()->refresh();
         }
     }

@@ -55,6 +55,7 @@ signals:
 
 private:
     void onDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+    void refreshDeepRows();
     void refreshAll();
 
     SettingsModel* m_model = nullptr;

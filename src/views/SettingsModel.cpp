@@ -63,7 +63,7 @@ QVariant editText(const XsdtNode& node, int column)
 
 QString toolTipText(const XsdtNode& node, const DeleteDecision& decision)
 {
-    QString text = abbreviated(node.path(), keyLimit);
+    QString text = withoutMiddle(node.path(), keyLimit);
     if (node.kind == XsdtNode::Kind::Value) {
         text += u'\n' + typeName(node.typeCode);
         if (!node.isEditableType()) {
@@ -93,7 +93,9 @@ QVariant rowFont(const XsdtNode& node)
         return {};
     }
     QFont font = QApplication::font();
-    font.setWeight(modified ? QFont::Bold : QFont::Normal);
+    if (modified || node.markedForDeletion) {
+        font.setWeight(modified ? QFont::Bold : QFont::Normal);
+    }
     font.setStrikeOut(struckOut);
     return font;
 }
