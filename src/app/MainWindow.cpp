@@ -54,10 +54,12 @@ QByteArray readResource(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// File name of the newest backup of `path` that could be copied back over it, or empty.
+/// File name of the newest backup of `path` that could be copied back over it; empty if none of
+/// the newest ten could.
 QString newestUsableBackup(const QString& path)
 {
-    const QStringList backups = PixInsightEnv::backupsOf(path);
+    const WaitCursor wait;
+    const QStringList backups = PixInsightEnv::backupsOf(path).mid(0, 10);
     for (const QString& backup : backups) {
         QByteArray bytes;
         XsdtDocument document;
@@ -246,9 +248,9 @@ void MainWindow::attachViews()
 {
     XsdtDocument* document = m_store.loaded ? &m_store.document : nullptr;
     m_model->setDocument(document);
+    setPagesReadOnly(); // first: what is built now is built by it
     forEachPage([document](auto* page) { page->setDocument(document); });
     m_compareView->setDocument(document, document ? m_store.path : QString());
-    setPagesReadOnly();
     rebuildFileBox();
 }
 
@@ -307,7 +309,7 @@ bool MainWindow::confirmDiscard(const QString& tail)
 
 void MainWindow::onOpen()
 {
-    if (!commitEditor() || !confirmDiscard(tr("Opening another file discards them."))) {
+    if (!m_openEditor->commit() || !confirmDiscard(tr("Opening another file discards them."))) {
         return;
     }
     const QString folder =
@@ -322,7 +324,7 @@ void MainWindow::onOpen()
 
 void MainWindow::onReload()
 {
-    if (!m_store.loaded || !commitEditor()) {
+    if (!m_store.loaded || !m_openEditor->commit()) {
         return;
     }
     const QString path = m_store.path;
@@ -333,7 +335,10 @@ void MainWindow::onReload()
 
 void MainWindow::onFileActivated(int index)
 {
-    m_openEditor->commit();
+    if (!m_openEditor->commit()) {
+        rebuildFileBox();
+        return;
+    }
     const QString path = m_fileBox->itemData(index).toString();
     if (path.isEmpty() || (m_store.loaded && QFileInfo(path) == QFileInfo(m_store.path))) {
         return;
@@ -430,16 +435,9 @@ void MainWindow::report(QMessageBox::Icon icon, const QString& title, const QStr
     std::fputs(line.toLocal8Bit().constData(), stderr);
 }
 
-bool MainWindow::commitEditor()
-{
-    m_rejected = false;
-    m_openEditor->commit();
-    return !m_rejected;
-}
-
 void MainWindow::showRejection(const QString& reason)
 {
-    m_rejected = true;
+    m_openEditor->noteRejection();
     showStatus(tr("Not accepted - %1").arg(reason), 8000);
 }
 

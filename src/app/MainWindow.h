@@ -153,9 +153,6 @@ private:
     QString wayBackText(const QString& recoverFrom) const;
     void report(QMessageBox::Icon icon, const QString& title, const QString& text,
                 const QString& informativeText = {});
-
-    /// Hands what is being typed to the document; false if that was turned down.
-    bool commitEditor();
     void showRejection(const QString& reason);
     void showStatus(const QString& text, int milliseconds);
     void grabPreferences(const QString& dir, const QString& searchText);
@@ -207,7 +204,6 @@ private:
     QToolBar* m_toolbar = nullptr;
     AdBanner* m_adBanner = nullptr;
     QList<std::pair<QAction*, ToolbarIconKind>> m_toolbarEntries;
-    bool m_rejected = false; ///< A value was turned down since `commitEditor` began.
     bool m_running = false;
     bool m_staleOnDisk = false;
     bool m_dontAskDelete = false;

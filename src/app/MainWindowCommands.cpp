@@ -271,15 +271,15 @@ void MainWindow::updateMinimumWidth()
 
 bool MainWindow::onSave()
 {
-    if (!commitEditor()) {
+    if (!m_openEditor->commit()) {
         return false;
     }
     if (pendingCount() == 0) {
         return true;
     }
     const quint64 generation = m_model->generation();
-    ReviewDialog review(m_model, &m_store.document, this);
-    if (review.exec() != QDialog::Accepted || m_model->generation() != generation) {
+    const int answer = ReviewDialog(m_model, &m_store.document, this).exec();
+    if (answer != QDialog::Accepted || m_model->generation() != generation) {
         return false;
     }
     if (pendingCount() == 0) {
@@ -311,7 +311,7 @@ bool MainWindow::onSave()
 
 void MainWindow::onRestoreBackup()
 {
-    if (!m_store.loaded || !commitEditor()) {
+    if (!m_store.loaded || !m_openEditor->commit()) {
         return;
     }
     const QString title = tr("Restore backup");
@@ -357,6 +357,7 @@ void MainWindow::onRestoreBackup()
         showStatus(tr("Restored %1").arg(name), 8000);
     } else {
         report(QMessageBox::Critical, tr("Restore failed"), error, wayBackText(recoverFrom));
+        m_staleOnDisk = m_store.isChangedOnDisk();
     }
     resetExpansion();
     refreshBanner();
@@ -373,8 +374,7 @@ QString MainWindow::wayBackText(const QString& recoverFrom) const
 
 void MainWindow::onRevertAll()
 {
-    m_openEditor->commit();
-    const qsizetype pending = pendingCount();
+    const qsizetype pending = m_openEditor->commit() ? pendingCount() : 0;
     if (pending == 0) {
         return;
     }
@@ -425,7 +425,7 @@ QString MainWindow::recordedVersion() const
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (!commitEditor()) {
+    if (!m_openEditor->commit()) {
         event->ignore(); // the user has to see what became of the text
         return;
     }

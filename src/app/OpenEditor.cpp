@@ -38,11 +38,12 @@ OpenEditor::OpenEditor(QWidget* window)
     qApp->installEventFilter(this);
 }
 
-void OpenEditor::commit()
+bool OpenEditor::commit()
 {
+    m_rejected = false;
     QWidget* editor = m_window->focusWidget();
     if (!editor) {
-        return;
+        return true;
     }
     if (QAbstractItemView* view = viewOfEditor(*editor)) {
         QAbstractItemDelegate* delegate = view->itemDelegateForIndex(view->currentIndex());
@@ -54,18 +55,22 @@ void OpenEditor::commit()
     } else if (auto* lineEdit = qobject_cast<QLineEdit*>(editor)) {
         emit lineEdit->editingFinished();
     }
+    return !m_rejected;
 }
 
 bool OpenEditor::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         if (static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
-            commit();
+            if (!commit()) {
+                event->accept(); // taken: the shortcut isn't looked up
+                return true;
+            }
         }
     } else if (event->type() == QEvent::MouseButtonPress) {
         const auto* pressed = qobject_cast<QWidget*>(watched);
-        if (pressed && !isInside(pressed, m_window->focusWidget())) {
-            commit();
+        if (pressed && !isInside(pressed, m_window->focusWidget()) && !commit()) {
+            return true;
         }
     }
     return QObject::eventFilter(watched, event);

@@ -233,7 +233,12 @@ private slots:
         model()->revertAll();
         type(number, u"many"_s);
         QVERIFY(!m_window->close()); // so that the refusal is seen
+        edit(path, u"pending"_s);
+        QWidget* typing = type(number, u"many"_s);
+        QTest::keyClick(typing, Qt::Key_S, Qt::ControlModifier); // a review would hang here
+        QVERIFY(!QApplication::activeModalWidget());
         QVERIFY(status().startsWith("Not accepted - MaxConsoleLines"_L1));
+        model()->revertAll();
         QVERIFY(m_window->close());
     }
 
