@@ -119,7 +119,7 @@ void PreferencesView::createUi()
     splitter->addWidget(m_pageList);
     splitter->addWidget(m_pageStack);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({fontMetrics().averageCharWidth() * 30, m_pageStack->sizeHint().width()});
+    splitter->setSizes({qBound(170, fontMetrics().averageCharWidth() * 30, 300), 700});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_searchEdit);

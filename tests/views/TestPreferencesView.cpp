@@ -96,105 +96,99 @@ class TestPreferencesView : public QObject
     Q_OBJECT
 
 private slots:
-    void laysOutPages();
-    void searches_data();
-    void searches();
-    void countsChanges();
-    void copesWithHostileFile();
-};
+    void laysOutPages()
+    {
+        Fixture f;
+        QCOMPARE(f.pages(),
+                 u"[Application], Color Management, Script Editor, Identifiers and GUI, "_s);
+        QCOMPARE(f.shown(), u"Fast > S&&b"_s);
+        QTest::mouseClick(f.onFirstPage<QToolButton>("toggleButton"), Qt::LeftButton);
+        QCOMPARE(f.shown(), u"Fast > S&&b > Deep"_s);
+        DialogAnswerer<QMenu> answer([](QMenu& menu) {
+            QCOMPARE(menu.actions().size(), 1); // no way to the tree from here
+            QCOMPARE(menu.actions().first()->text(), u"Why can't this be deleted?"_s);
+        });
+        emit f.onFirstPage<QToolButton>("toggleButton")->customContextMenuRequested({});
+        QVERIFY(answer.wasAsked());
+        QTest::keyClick(f.list, Qt::Key_Down);
+        QCOMPARE(f.shown(), u"On"_s);
+        QVERIFY(f.view.selectPage(3) && !f.view.selectPage(5) && !f.view.selectPage(-1));
+        QCOMPARE(f.shown(), u"Identifiers > Max > GUI > Icon"_s);
+        QVERIFY(f.view.selectPage(4));
+        QCOMPARE(f.shown(), u"E"_s);
 
-void TestPreferencesView::laysOutPages()
-{
-    Fixture f;
-    QCOMPARE(f.pages(), u"[Application], Color Management, Script Editor, Identifiers and GUI, "_s);
-    QCOMPARE(f.shown(), u"Fast > S&&b"_s);
-    QTest::mouseClick(f.onFirstPage<QToolButton>("toggleButton"), Qt::LeftButton);
-    QCOMPARE(f.shown(), u"Fast > S&&b > Deep"_s);
-    DialogAnswerer<QMenu> answer([](QMenu& menu) {
-        QCOMPARE(menu.actions().size(), 1); // no way to the tree from here
-        QCOMPARE(menu.actions().first()->text(), u"Why can't this be deleted?"_s);
-    });
-    emit f.onFirstPage<QToolButton>("toggleButton")->customContextMenuRequested({});
-    QVERIFY(answer.wasAsked());
-    QTest::keyClick(f.list, Qt::Key_Down);
-    QCOMPARE(f.shown(), u"On"_s);
-    QVERIFY(f.view.selectPage(3) && !f.view.selectPage(5) && !f.view.selectPage(-1));
-    QCOMPARE(f.shown(), u"Identifiers > Max > GUI > Icon"_s);
-    QVERIFY(f.view.selectPage(4));
-    QCOMPARE(f.shown(), u"E"_s);
-
-    f.view.setDocument(nullptr);
-    QCOMPARE(f.stack->currentWidget()->objectName(), u"emptyLabel"_s);
-    QCOMPARE(f.view.pageCount(), 0);
-}
-
-void TestPreferencesView::searches_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("pages");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("key in closed sections")
-        << u" NEEDLE "_s << u"[Application]"_s << u"S&&b > Deep > Needle"_s;
-    QTest::newRow("value on another page")
-        << u"%1&"_s << u"[Identifiers and GUI]"_s << u"GUI > Icon"_s;
-    QTest::newRow("nothing") << u"zz"_s << QString() << QString();
-}
-
-void TestPreferencesView::searches()
-{
-    QFETCH(QString, text);
-    Fixture f;
-    const QString all = f.pages();
-    f.view.setReadOnly(true);
-    auto* edit = f.view.findChild<QLineEdit*>(u"searchEdit"_s);
-    QTest::keyClicks(edit, text);
-    QTEST(f.pages(), "pages");
-    QTEST(f.shown(), "shown");
-    QVERIFY(!f.view.selectPage(2));
-    f.view.setDocument(f.document.get());
-    QTEST(f.shown(), "shown");
-    QVERIFY(!f.onFirstPage<QCheckBox>("checkBox")->isEnabled());
-
-    edit->clear();
-    f.view.selectPage(0);
-    QCOMPARE(f.pages(), all);
-    QCOMPARE(f.shown(), u"Fast > S&&b"_s);
-}
-
-void TestPreferencesView::countsChanges()
-{
-    Fixture f;
-    const QListWidgetItem* item = f.list->item(0);
-    f.onFirstPage<QCheckBox>("checkBox")->click();
-    const XsdtNode* deep =
-        f.document->root.findByPath(u"Global/Preferences/Application/S&b/Deep/Needle");
-    f.model.setData(f.model.indexForNode(deep, SettingsModel::ValueColumn), u"straw"_s);
-    QCOMPARE(item->text(), u"Application   ● 2"_s);
-    QCOMPARE(item->font().weight(), QFont::Bold);
-    QCOMPARE(f.list->item(1)->text(), u"Color Management"_s);
-    f.onFirstPage<QToolButton>("revertButton")->click();
-    QCOMPARE(item->text(), u"Application   ● 1"_s);
-    f.model.revertAll();
-    QCOMPARE(item->text(), u"Application"_s);
-    QCOMPARE(item->font().weight(), QFont::Normal);
-}
-
-void TestPreferencesView::copesWithHostileFile()
-{
-    QByteArray deep;
-    QByteArray wide;
-    for (int i = 0; i < 3000; ++i) {
-        deep = "<i k='d'><v k='v' t='s' v='1'/>" + deep + "</i>";
-        wide += "<v k='w' t='s' v='1'/><i k='d'/>";
+        f.view.setDocument(nullptr);
+        QCOMPARE(f.stack->currentWidget()->objectName(), u"emptyLabel"_s);
+        QCOMPARE(f.view.pageCount(), 0);
     }
-    Fixture f("<i k='Global'><i k='Preferences'><i k='Two'>" + deep + "</i><i k='Two'>" + wide +
-              "</i><i k='Three'>" + wide + "</i></i></i>");
-    QCOMPARE(f.pages(), u"[Two], Two, Three"_s);
-    QCOMPARE(f.stack->widget(1)->findChildren<SettingRow*>().size(), 16);
-    QCOMPARE(f.stack->widget(2)->findChildren<SettingRow*>().size(), 3000);
-    QCOMPARE(f.stack->findChildren<SettingRow*>().size(), 5000);
-    QVERIFY(f.view.findChild<QWidget*>(u"limitLabel"_s)->isVisible());
-}
+
+    void searches_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("pages");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("key in closed sections")
+            << u" NEEDLE "_s << u"[Application]"_s << u"S&&b > Deep > Needle"_s;
+        QTest::newRow("value on another page")
+            << u"%1&"_s << u"[Identifiers and GUI]"_s << u"GUI > Icon"_s;
+        QTest::newRow("nothing") << u"zz"_s << QString() << QString();
+    }
+
+    void searches()
+    {
+        QFETCH(QString, text);
+        Fixture f;
+        const QString all = f.pages();
+        f.view.setReadOnly(true);
+        auto* edit = f.view.findChild<QLineEdit*>(u"searchEdit"_s);
+        QTest::keyClicks(edit, text);
+        QTEST(f.pages(), "pages");
+        QTEST(f.shown(), "shown");
+        QVERIFY(!f.view.selectPage(2));
+        f.view.setDocument(f.document.get());
+        QTEST(f.shown(), "shown");
+        QVERIFY(!f.onFirstPage<QCheckBox>("checkBox")->isEnabled());
+
+        edit->clear();
+        f.view.selectPage(0);
+        QCOMPARE(f.pages(), all);
+        QCOMPARE(f.shown(), u"Fast > S&&b"_s);
+    }
+
+    void countsChanges()
+    {
+        Fixture f;
+        const QListWidgetItem* item = f.list->item(0);
+        f.onFirstPage<QCheckBox>("checkBox")->click();
+        const XsdtNode* deep =
+            f.document->root.findByPath(u"Global/Preferences/Application/S&b/Deep/Needle");
+        f.model.setData(f.model.indexForNode(deep, SettingsModel::ValueColumn), u"straw"_s);
+        QCOMPARE(item->text(), u"Application   ● 2"_s);
+        QCOMPARE(item->font().weight(), QFont::Bold);
+        f.onFirstPage<QToolButton>("revertButton")->click();
+        QCOMPARE(item->text(), u"Application   ● 1"_s);
+        f.model.revertAll();
+        QCOMPARE(item->text(), u"Application"_s);
+        QCOMPARE(item->font().weight(), QFont::Normal);
+    }
+
+    void copesWithHostileFile()
+    {
+        QByteArray deep;
+        QByteArray wide;
+        for (int i = 0; i < 3000; ++i) {
+            deep = "<i k='d'><v k='v' t='s' v='1'/>" + deep + "</i>";
+            wide += "<v k='w' t='s' v='1'/><i k='d'/>";
+        }
+        Fixture f("<i k='Global'><i k='Preferences'><i k='Two'>" + deep + "</i><i k='Two'>" + wide +
+                  "</i><i k='Three'>" + wide + "</i></i></i>");
+        QCOMPARE(f.pages(), u"[Two], Two, Three"_s);
+        QCOMPARE(f.stack->widget(1)->findChildren<SettingRow*>().size(), 16);
+        QCOMPARE(f.stack->widget(2)->findChildren<SettingRow*>().size(), 3000);
+        QCOMPARE(f.stack->findChildren<SettingRow*>().size(), 5000);
+        QVERIFY(f.view.findChild<QWidget*>(u"limitLabel"_s)->isVisible());
+    }
+};
 
 } // namespace kse
 

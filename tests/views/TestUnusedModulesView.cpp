@@ -64,14 +64,13 @@ struct Fixture
     }
 
     /// Presses the button for queueing and answers its box; what the view then says.
-    QString queue(QMessageBox::StandardButton answer, const std::function<void()>& beneath = {})
+    QString queue(
+        QMessageBox::StandardButton answer, const std::function<void()>& beneath = [] {})
     {
         QSignalSpy messages(&view, &UnusedModulesView::message);
         DialogAnswerer<QMessageBox> box([&](QMessageBox& asked) {
             details = asked.detailedText();
-            if (beneath) {
-                beneath();
-            }
+            beneath();
             asked.button(answer)->click();
         });
         QTest::mouseClick(find<QPushButton>("queueButton"), Qt::LeftButton);
@@ -93,116 +92,112 @@ class TestUnusedModulesView : public QObject
     Q_OBJECT
 
 private slots:
-    void listsModules();
-    void opensCard();
-    void queuesAndTakesBack();
-    void givesUpWhenThingsChangeBeneathTheBox();
-    void staysWithinLimits();
-};
+    void listsModules()
+    {
+        Fixture f;
+        QCOMPARE(f.view.moduleNames(), QStringList({u"%1&Old"_s, u"Gone"_s}));
+        QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 44 B"_s);
+        QCOMPARE(f.summary(), u"2 unused module(s); 0 queued for deletion"_s);
+        f.tick(0);
+        QCOMPARE(f.summary(),
+                 u"2 unused module(s); 1 ticked (about 44 B); 0 queued for deletion"_s);
 
-void TestUnusedModulesView::listsModules()
-{
-    Fixture f;
-    QCOMPARE(f.view.moduleNames(), QStringList({u"%1&Old"_s, u"Gone"_s}));
-    QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 44 B"_s);
-    QCOMPARE(f.summary(), u"2 unused module(s); 0 queued for deletion"_s);
-    f.tick(0);
-    QCOMPARE(f.summary(), u"2 unused module(s); 1 ticked (about 44 B); 0 queued for deletion"_s);
+        const XsdtNode* node = f.document->root.findByPath(u"ModuleData/%1&Old/m");
+        f.model.setData(f.model.indexForNode(node, SettingsModel::ValueColumn), u"123"_s);
+        QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 46 B"_s);
 
-    const XsdtNode* node = f.document->root.findByPath(u"ModuleData/%1&Old/m");
-    f.model.setData(f.model.indexForNode(node, SettingsModel::ValueColumn), u"123"_s);
-    QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 46 B"_s);
-
-    f.view.setReadOnly(true);
-    QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
-    QVERIFY(f.summary().startsWith(u"2 unused module(s); 2 ticked"));
-    QVERIFY(!f.find<QCheckBox>("tick")->isEnabled());
-    QVERIFY(!f.find<QPushButton>("queueButton")->isEnabled());
-    QVERIFY(!f.find<QPushButton>("undoButton")->isEnabled());
-}
-
-void TestUnusedModulesView::opensCard()
-{
-    Fixture f;
-    f.view.expandCard(u"Gone"_s);
-    f.title(1)->click();
-    f.title(1)->click();
-    QStringList lines;
-    for (const QLabel* label : f.view.findChildren<QLabel*>(u"groupLabel"_s)) {
-        lines.append(label->text());
+        f.view.setReadOnly(true);
+        QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
+        QVERIFY(f.summary().startsWith(u"2 unused module(s); 2 ticked"));
+        for (const char* name : {"tick", "queueButton", "undoButton"}) {
+            QVERIFY2(!f.find<QWidget>(name)->isEnabled(), name);
+        }
     }
-    QCOMPARE(lines, QStringList({u"Global/Statistics/Process/P  (1 value(s))"_s,
-                                 u"ModuleData/Gone  (1 value(s))"_s}));
-    QCOMPARE(f.view.findChildren<SettingRow*>().size(), 2);
 
-    // Tab goes on into what was made later, and comes out at what stands below.
-    f.view.activateWindow();
-    f.title(1)->setFocus();
-    QTest::keyClick(f.view.focusWidget(), Qt::Key_Tab);
-    QCOMPARE(f.view.focusWidget()->objectName(), u"groupLabel"_s);
-    f.find<QPushButton>("tickAllButton")->setFocus();
-    QTest::keyClick(f.view.focusWidget(), Qt::Key_Backtab);
-    QCOMPARE(f.view.focusWidget()->objectName(), u"lineEdit"_s);
-}
+    void opensCard()
+    {
+        Fixture f;
+        f.view.expandCard(u"Gone"_s);
+        f.title(1)->click();
+        f.title(1)->click();
+        QStringList lines;
+        for (const QLabel* label : f.view.findChildren<QLabel*>(u"groupLabel"_s)) {
+            lines.append(label->text());
+        }
+        QCOMPARE(lines, QStringList({u"Global/Statistics/Process/P  (1 value(s))"_s,
+                                     u"ModuleData/Gone  (1 value(s))"_s}));
+        QCOMPARE(f.view.findChildren<SettingRow*>().size(), 2);
 
-void TestUnusedModulesView::queuesAndTakesBack()
-{
-    Fixture f;
-    QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
-    QCOMPARE(f.queue(QMessageBox::Cancel), QString());
-    QCOMPARE(f.details, u"%1&Old\nGone"_s);
-    QCOMPARE(f.queue(QMessageBox::Yes), u"Queued 2 entries; 1 protected entries were left alone "
-                                        "(Global/Statistics/Process/P)."_s);
-    QVERIFY(f.title(0)->text().endsWith(u"   [queued for deletion]"));
-    QVERIFY(f.title(1)->text().endsWith(u"   [partly queued for deletion]"));
-    QCOMPARE(f.summary(), u"2 unused module(s); 2 queued for deletion"_s);
+        // Tab goes on into what was made later, and comes out at what stands below.
+        f.view.activateWindow();
+        f.title(1)->setFocus();
+        QTest::keyClick(f.view.focusWidget(), Qt::Key_Tab);
+        QCOMPARE(f.view.focusWidget()->objectName(), u"groupLabel"_s);
+        f.find<QPushButton>("tickAllButton")->setFocus();
+        QTest::keyClick(f.view.focusWidget(), Qt::Key_Backtab);
+        QCOMPARE(f.view.focusWidget()->objectName(), u"lineEdit"_s);
+    }
 
-    f.tick(0);
-    QCOMPARE(f.queue(QMessageBox::Yes),
-             u"Queued 1 entries of 1 module(s) for deletion. Save to apply."_s);
-    f.tick(1);
-    QTest::mouseClick(f.find<QPushButton>("undoButton"), Qt::LeftButton);
-    QCOMPARE(f.summary(), u"2 unused module(s); 1 queued for deletion"_s);
-    QCOMPARE(f.document->deletions().size(), 1);
-}
+    void queuesAndTakesBack()
+    {
+        Fixture f;
+        QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
+        QCOMPARE(f.queue(QMessageBox::Cancel), QString());
+        QCOMPARE(f.details, u"%1&Old\nGone"_s);
+        QCOMPARE(f.queue(QMessageBox::Yes),
+                 u"Queued 2 entries; 1 protected entries were left alone "
+                 "(Global/Statistics/Process/P)."_s);
+        QVERIFY(f.title(0)->text().endsWith(u"   [queued for deletion]"));
+        QVERIFY(f.title(1)->text().endsWith(u"   [partly queued for deletion]"));
+        QCOMPARE(f.summary(), u"2 unused module(s); 2 queued for deletion"_s);
 
-void TestUnusedModulesView::givesUpWhenThingsChangeBeneathTheBox()
-{
-    Fixture f;
-    f.tick(0);
-    QCOMPARE(f.queue(QMessageBox::Yes, [&] { f.view.setReadOnly(true); }), QString());
-    f.view.setReadOnly(false);
-    QCOMPARE(f.queue(QMessageBox::Yes,
-                     [&] {
-                         f.view.setDocument(nullptr);
-                         f.model.setDocument(nullptr);
-                         f.document = documentFrom(content);
-                         f.model.setDocument(f.document.get());
-                         f.view.setDocument(f.document.get());
-                     }),
-             QString());
-    QCOMPARE(f.document->pendingCount(), 0);
-}
+        f.tick(0);
+        QCOMPARE(f.queue(QMessageBox::Yes),
+                 u"Queued 1 entries of 1 module(s) for deletion. Save to apply."_s);
+        f.tick(1);
+        QTest::mouseClick(f.find<QPushButton>("undoButton"), Qt::LeftButton);
+        QCOMPARE(f.summary(), u"2 unused module(s); 1 queued for deletion"_s);
+        QCOMPARE(f.document->deletions().size(), 1);
+    }
 
-void TestUnusedModulesView::staysWithinLimits()
-{
-    const QByteArray values = QByteArray("<v k='a' t='s' v='1'/>").repeated(401);
-    Fixture f("<i k='ModuleData'><i k='A'>" + values + "</i></i><i k='A'>" + values + "</i>");
-    f.view.expandCard(u"A"_s);
-    QCOMPARE(f.view.findChildren<SettingRow*>().size(), 400);
-    QCOMPARE(f.view.findChildren<QLabel*>(u"groupLabel"_s).size(), 2);
-    QCOMPARE(f.find<QLabel>("moreLabel")->text(),
-             u"...and 402 more values. Use \"Show in All settings\" from the right-click menu to "
-             "see the rest."_s);
+    void givesUpWhenThingsChangeBeneathTheBox()
+    {
+        Fixture f;
+        f.tick(0);
+        QCOMPARE(f.queue(QMessageBox::Yes, [&] { f.view.setReadOnly(true); }), QString());
+        f.view.setReadOnly(false);
+        QCOMPARE(f.queue(QMessageBox::Yes,
+                         [&] {
+                             f.view.setDocument(nullptr);
+                             f.document = documentFrom(content);
+                             f.model.setDocument(f.document.get());
+                             f.view.setDocument(f.document.get());
+                         }),
+                 QString());
+        QCOMPARE(f.document->pendingCount(), 0);
+    }
 
-    f.view.setDocument(nullptr);
-    QCOMPARE(f.summary(), QString());
-    f.document = documentFrom("<i k='Modules'/>");
-    f.view.setDocument(f.document.get());
-    QCOMPARE(f.summary(),
-             u"No unused module data: every module with saved data is in the module list."_s);
-    QVERIFY(!f.find<QPushButton>("tickAllButton")->isEnabled());
-}
+    void staysWithinLimits()
+    {
+        const QByteArray values = QByteArray("<v k='a' t='s' v='1'/>").repeated(401);
+        Fixture f("<i k='ModuleData'><i k='A'>" + values + "</i></i><i k='A'>" + values + "</i>");
+        f.view.expandCard(u"A"_s);
+        QCOMPARE(f.view.findChildren<SettingRow*>().size(), 400);
+        QCOMPARE(f.view.findChildren<QLabel*>(u"groupLabel"_s).size(), 2);
+        QCOMPARE(
+            f.find<QLabel>("moreLabel")->text(),
+            u"...and 402 more values. Use \"Show in All settings\" from the right-click menu to "
+            "see the rest."_s);
+
+        f.view.setDocument(nullptr);
+        QCOMPARE(f.summary(), QString());
+        f.document = documentFrom("<i k='Modules'/>");
+        f.view.setDocument(f.document.get());
+        QCOMPARE(f.summary(),
+                 u"No unused module data: every module with saved data is in the module list."_s);
+        QVERIFY(!f.find<QPushButton>("tickAllButton")->isEnabled());
+    }
+};
 
 } // namespace kse
 
