@@ -29,7 +29,10 @@ namespace kse {
 namespace {
 
 constexpr int maximumNesting = 16; // of sections in one another
-constexpr int maximumRows = 5000; // many times what there is to prefer; Qt lays out no more in time
+// Many times what there is to prefer; Qt lays out no more in time. One swollen group leaves room
+// for the other pages.
+constexpr int maximumRows = 5000;
+constexpr int maximumPageRows = 2000;
 constexpr qsizetype titleLimit = 100;
 
 /// Shows the rows and sections that `text` finds; whether there are any rows.
@@ -81,6 +84,8 @@ PreferencesView::PreferencesView(SettingsModel* model, const SettingsSchema* sch
     connect(m_rows, &SettingRowSet::restoreRequested, this, &PreferencesView::restoreRequested);
     // Once a change, where `dataChanged` comes once for each group that a bulk command touched.
     connect(model, &SettingsModel::edited, this, &PreferencesView::updatePageCounts);
+    // A save makes the edits the saved state; nothing is edited then.
+    connect(model, &SettingsModel::layoutChanged, this, &PreferencesView::updatePageCounts);
 }
 
 void PreferencesView::createUi()
@@ -100,10 +105,9 @@ void PreferencesView::createUi()
     m_pageList->setSpacing(2);
     m_pageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
-    m_limitLabel = new QLabel(
-        tr("This file holds more settings than this page can show. The first %1 are here, and all "
-           "of them are in the tree of all settings.")
-            .arg(maximumRows));
+    m_limitLabel = new QLabel(tr(
+        "This file holds more settings than these pages can show. All of them are in the tree of "
+        "all settings."));
     m_limitLabel->setObjectName(u"limitLabel"_s);
     m_limitLabel->setWordWrap(true);
     m_limitLabel->hide();
@@ -136,7 +140,7 @@ void PreferencesView::setDocument(const XsdtDocument* document)
     for (const PageSpec& spec : m_schema->decoratedPages(*document)) {
         buildPage(spec);
     }
-    m_limitLabel->setVisible(m_rowsLeft < 0);
+    m_limitLabel->setVisible(m_isCut);
     QList<QWidget*> pages;
     for (int i = 1; i < m_pageStack->count(); ++i) {
         pages.append(m_pageStack->widget(i));
@@ -151,6 +155,7 @@ void PreferencesView::discardPages()
     m_rows->clear();
     m_pages.clear();
     m_rowsLeft = maximumRows;
+    m_isCut = false;
     m_limitLabel->hide();
     m_pageList->clear();
     showPage(-1);
@@ -171,9 +176,12 @@ PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
             continue;
         }
         if (!isGroup) {
-            if (--m_rowsLeft < 0) {
+            if (m_rowsLeft == 0 || m_pageRowsLeft == 0) {
+                m_isCut = true;
                 break;
             }
+            --m_rowsLeft;
+            --m_pageRowsLeft;
             part.values.append(child.get());
         } else if (Group below = visiblePart(child.get(), depth + 1); !below.isEmpty()) {
             part.groups.push_back(std::move(below));
@@ -185,6 +193,7 @@ PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
 void PreferencesView::buildPage(const PageSpec& spec)
 {
     const bool several = spec.nodes.size() > 1;
+    m_pageRowsLeft = maximumPageRows;
     std::vector<Group> groups;
     for (XsdtNode* node : spec.nodes) {
         if (Group group = visiblePart(node, several ? 1 : 0); !group.isEmpty()) {

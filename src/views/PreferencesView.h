@@ -84,7 +84,9 @@ private:
     QLabel* m_emptyLabel = nullptr;
     QLabel* m_limitLabel = nullptr;
     std::vector<Page> m_pages;
-    int m_rowsLeft = 0; ///< Before the document has more than are shown; negative if it has.
+    int m_rowsLeft = 0;     ///< That may still be made, while the pages are built.
+    int m_pageRowsLeft = 0; ///< The same for the page that is built.
+    bool m_isCut = false;   ///< The document has more rows than are shown.
 };
 
 } // namespace kse

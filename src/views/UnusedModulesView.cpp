@@ -237,8 +237,10 @@ void UnusedModulesView::addNote(const Card& card, const QString& text, XsdtNode*
 
 void UnusedModulesView::setReadOnly(bool readOnly)
 {
-    m_rows->setReadOnly(readOnly);
-    updateSummary();
+    if (readOnly != m_rows->isReadOnly()) { // the poll calls this every few seconds
+        m_rows->setReadOnly(readOnly);
+        updateSummary();
+    }
 }
 
 QStringList UnusedModulesView::moduleNames() const
@@ -394,8 +396,14 @@ bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
     box.setDetailedText(names.join(u'\n'));
     box.setDefaultButton(QMessageBox::Cancel);
     const quint64 generation = m_model->generation();
-    return box.exec() == QMessageBox::Yes && m_model->generation() == generation &&
-           !m_rows->isReadOnly();
+    if (box.exec() != QMessageBox::Yes || m_model->generation() != generation) {
+        return false;
+    }
+    if (m_rows->isReadOnly()) { // started beneath the box
+        emit message(tr("PixInsight is running; nothing can be changed."));
+        return false;
+    }
+    return true;
 }
 
 void UnusedModulesView::undoTicked()

@@ -242,6 +242,17 @@ private slots:
         QVERIFY(m_window->close());
     }
 
+    void forgetsTheCountOnceItIsSaved()
+    {
+        QWidget* preferences = show("preferencesView");
+        const QString path = u"Global/Preferences/Process/MaxConsoleLines"_s;
+        model()->setValue(node(path), u"77"_s);
+        auto* pages = in<QListWidget>(preferences, u"pageList"_s);
+        QCOMPARE(pages->findItems(u"Processes   ● 1"_s, Qt::MatchExactly).size(), 1);
+        reviewAndAccept([](QTreeWidget&) {});
+        QCOMPARE(pages->findItems(u"Processes"_s, Qt::MatchExactly).size(), 1);
+    }
+
     void turnsEveryPageOffWhilePixInsightRuns()
     {
         QWidget* preferences = show("preferencesView");

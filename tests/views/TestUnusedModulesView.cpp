@@ -164,7 +164,8 @@ private slots:
     {
         Fixture f;
         f.tick(0);
-        QCOMPARE(f.queue(QMessageBox::Yes, [&] { f.view.setReadOnly(true); }), QString());
+        QCOMPARE(f.queue(QMessageBox::Yes, [&] { f.view.setReadOnly(true); }),
+                 u"PixInsight is running; nothing can be changed."_s);
         f.view.setReadOnly(false);
         QCOMPARE(f.queue(QMessageBox::Yes,
                          [&] {
