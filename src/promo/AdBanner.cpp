@@ -212,15 +212,20 @@ void AdBanner::fetch(const QUrl& url, const Callback& callback)
 
     QNetworkReply* reply = m_network->get(request);
     const auto bytes = std::make_shared<QByteArray>();
-    connect(reply, &QNetworkReply::readyRead, this, [reply, bytes] {
+    // False once there is too much of it.
+    const auto drain = [reply, bytes] {
         *bytes += reply->read(replyLimit + 1 - bytes->size());
-        if (bytes->size() > replyLimit) {
+        return bytes->size() <= replyLimit;
+    };
+    connect(reply, &QNetworkReply::readyRead, this, [reply, drain] {
+        if (!drain()) {
             reply->abort();
         }
     });
-    connect(reply, &QNetworkReply::finished, this, [reply, bytes, callback] {
+    connect(reply, &QNetworkReply::finished, this, [reply, bytes, drain, callback] {
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        const bool isGood = reply->error() == QNetworkReply::NoError && status.toInt() == 200;
+        const bool isGood =
+            reply->error() == QNetworkReply::NoError && status.toInt() == 200 && drain();
         reply->deleteLater();
         callback(isGood ? *bytes : QByteArray());
     });
