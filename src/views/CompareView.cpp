@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -25,6 +26,7 @@
 #include <QScrollBar>
 #include <QSet>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -116,6 +118,14 @@ void CompareView::createInputs()
     m_filterEdit->setAccessibleName(tr("Search in the differences"));
     m_filterEdit->setPlaceholderText(tr("Search"));
     m_filterEdit->setClearButtonEnabled(true);
+    fitFilter();
+}
+
+/// Room for a word and the button that clears it: the boxes beside it grow with the text.
+void CompareView::fitFilter()
+{
+    m_filterEdit->setMinimumWidth(10 * fontMetrics().averageCharWidth() +
+                                  2 * style()->pixelMetric(QStyle::PM_SmallIconSize));
 }
 
 void CompareView::createTree()
@@ -214,6 +224,14 @@ void CompareView::setReadOnly(bool readOnly)
         m_readOnly = readOnly;
         updateButtons();
     }
+}
+
+void CompareView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange) {
+        fitFilter();
+    }
+    QWidget::changeEvent(event);
 }
 
 bool CompareView::compareWith(const QString& path, QString* error)
@@ -487,7 +505,8 @@ void CompareView::onContextMenu(const QPoint& pos)
     } else if (chosen == show) {
         emit revealRequested(entry.thisNode);
     } else if (chosen == copyPath) {
-        QGuiApplication::clipboard()->setText(entry.path);
+        QGuiApplication::clipboard()->setText(
+            (entry.thisNode ? entry.thisNode : entry.otherNode)->path());
     }
 }
 
@@ -526,9 +545,7 @@ void CompareView::copyEntries(const QList<int>& indices)
         for (const int index : indices) {
             const CompareEntry& entry = m_entries.at(index);
             const bool done =
-                isCopyable(entry) &&
-                m_model->setData(m_model->indexForNode(entry.thisNode, SettingsModel::ValueColumn),
-                                 entry.otherNode->value);
+                isCopyable(entry) && m_model->setValue(entry.thisNode, entry.otherNode->value);
             ++(done ? copied : refused);
         }
     }

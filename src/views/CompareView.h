@@ -55,8 +55,12 @@ signals:
     /// What came of copying, or why a file can't be compared with, for the status line.
     void message(const QString& text);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void createInputs();
+    void fitFilter();
     void createTree();
     void createLayout();
     void connectWidgets();

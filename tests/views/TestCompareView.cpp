@@ -94,6 +94,7 @@ private slots:
     void offersMenu();
     void refusesFiles();
     void choosesFromTheList();
+    void copiesWhatTheTreeDoesNotShow();
     void keepsItsPlaceWhenRefreshed();
 };
 
@@ -254,6 +255,17 @@ void TestCompareView::choosesFromTheList()
     QVERIFY(page.messages.isEmpty());
     page.view.setDocument(&page.document, page.otherPath);
     QVERIFY(page.summary().startsWith(u"Pick another"_s));
+}
+
+void TestCompareView::copiesWhatTheTreeDoesNotShow()
+{
+    const QString groups = QString(u"deep/"_s).repeated(SettingsModel::maximumDepth + 1);
+    Page page(groups + u"v:i=1"_s, groups + u"v:i=2"_s);
+    page.tree->selectAll();
+    page.button(u"copySelectedButton"_s)->click();
+    const QList<XsdtNode*> copied = page.document.editedValues();
+    QCOMPARE(copied.size(), 1);
+    QCOMPARE(copied.constFirst()->value, u"2"_s);
 }
 
 void TestCompareView::keepsItsPlaceWhenRefreshed()
