@@ -370,6 +370,11 @@ HealthEnv HealthEnv::system()
 {
     HealthEnv env;
     env.exists = [](const QString& path) {
+#ifndef Q_OS_WIN
+        if (path.startsWith("~/"_L1)) {
+            return QFileInfo::exists(QDir::homePath() + path.sliced(1));
+        }
+#endif
         return QFileInfo::exists(path);
     };
     env.processors = QThread::idealThreadCount();

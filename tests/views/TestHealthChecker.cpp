@@ -197,6 +197,10 @@ private slots:
         QCOMPARE(findingsText(HealthChecker::run(document, m_schema, HealthEnv::system())),
                  u"path-missing Global/Preferences/X/BDirectory"_s);
         QVERIFY(!HealthEnv::system().installFolders.isEmpty());
+#ifndef Q_OS_WIN
+        QVERIFY(HealthEnv::system().exists(u"~/."_s));
+        QVERIFY(!HealthEnv::system().exists(u"~/missing"_s));
+#endif
     }
 
     void checksTheSample()
