@@ -16,6 +16,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -43,7 +44,7 @@ QColor severityColor(Severity severity)
 
 QString asHtml(const QString& text)
 {
-    return abbreviated(text, titleLimit).toHtmlEscaped().replace(u'\n', u"<br>"_s);
+    return asMarkup(withoutMiddle(text, titleLimit));
 }
 
 QLabel* createLabel(const QString& text, Qt::TextFormat format, const QString& name,
@@ -128,6 +129,9 @@ void HealthView::setDocument(const XsdtDocument* document)
 void HealthView::setReadOnly(bool readOnly)
 {
     m_rowSet->setReadOnly(readOnly);
+    for (QPushButton* button : std::as_const(m_deleteButtons)) {
+        button->setEnabled(!readOnly);
+    }
 }
 
 void HealthView::run()
@@ -164,6 +168,7 @@ void HealthView::removeCards()
     m_cards->clear();
     m_cards->setMoreText({});
     m_rowSet->clear();
+    m_deleteButtons.clear();
     m_findings.clear();
     m_stale = false;
 }
@@ -228,7 +233,7 @@ void HealthView::addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* 
     const QString severity = HealthChecker::severityName(finding.severity).toHtmlEscaped();
     layout->addWidget(createLabel(u"<b>%1:</b> %2"_s.arg(severity, asHtml(finding.title)),
                                   Qt::RichText, u"titleLabel"_s, card));
-    layout->addWidget(createLabel(abbreviated(finding.detail, detailLimit), Qt::PlainText,
+    layout->addWidget(createLabel(withoutMiddle(finding.detail, detailLimit), Qt::PlainText,
                                   u"detailLabel"_s, card));
 }
 
@@ -273,6 +278,9 @@ QWidget* HealthView::buildGroupLine(XsdtNode* node, QWidget* card)
     remove->setToolTip(
         asToolTip(isProtected ? tr("Protected: %1").arg(decision.reason) : decision.reason));
     connect(remove, &QPushButton::clicked, this, [this, node] { emit deleteRequested(node); });
+    if (!isProtected) {
+        m_deleteButtons.append(remove);
+    }
 
     auto* layout = new QHBoxLayout(line);
     layout->setContentsMargins({});

@@ -29,7 +29,7 @@ public:
     /// before its tree is replaced.
     void setDocument(const XsdtDocument* document);
 
-    /// While PixInsight runs. The buttons of cards that stand already stay as they are.
+    /// While PixInsight runs.
     void setReadOnly(bool readOnly);
 
     /// Checks now.
@@ -67,6 +67,7 @@ private:
     bool m_stale = false;  ///< Edited since, and the summary says so.
     QList<Finding> m_findings;
     SettingRowSet* m_rowSet = nullptr;
+    QList<QPushButton*> m_deleteButtons; ///< On the cards, without those of protected groups.
 
     QLabel* m_summaryLabel = nullptr;
     QPushButton* m_rerunButton = nullptr;

@@ -47,13 +47,15 @@ QString withoutMiddle(const QString& text, qsizetype limit)
     return firstCharacters(text, limit / 2) + QChar(0x2026) + text.mid(end);
 }
 
+QString asMarkup(const QString& text)
+{
+    return u"<span style=\"white-space:pre-wrap\">"_s + text.toHtmlEscaped() + u"</span>"_s;
+}
+
 QString asToolTip(const QString& text)
 {
     const QString shown = abbreviated(text, popupLimit);
-    if (!Qt::mightBeRichText(shown)) {
-        return shown;
-    }
-    return u"<span style=\"white-space:pre-wrap\">"_s + shown.toHtmlEscaped() + u"</span>"_s;
+    return Qt::mightBeRichText(shown) ? asMarkup(shown) : shown;
 }
 
 QString asCaption(const QString& text)

@@ -20,6 +20,9 @@ namespace kse {
 /// them. For sentences that hold a path and end in what was or wasn't done.
 [[nodiscard]] QString withoutMiddle(const QString& text, qsizetype limit);
 
+/// `text` as markup that shows it letter for letter, runs of blanks and line feeds among it.
+[[nodiscard]] QString asMarkup(const QString& text);
+
 /// `text` for a tool tip, or anything else that takes what looks like markup for markup: shown
 /// letter for letter, abbreviated beyond 2,000 characters. Other text comes back unchanged.
 [[nodiscard]] QString asToolTip(const QString& text);

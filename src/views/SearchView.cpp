@@ -153,7 +153,7 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
 {
     m_restriction = QSet<XsdtNode*>(nodes.begin(), nodes.end());
     m_restricted = true;
-    m_bannerLabel->setText(abbreviated(bannerText, bannerLimit));
+    m_bannerLabel->setText(withoutMiddle(bannerText, bannerLimit));
     m_banner->show();
     {
         const QSignalBlocker query(m_queryEdit);

@@ -27,7 +27,7 @@ struct Page : SettingsPage<HealthView>
                 text += label->isHidden() || isDetail ? QString() : label->text() + u'\n';
             }
         }
-        return text;
+        return text.remove(u"<span style=\"white-space:pre-wrap\">"_s).remove(u"</span>"_s);
     }
 };
 
@@ -111,10 +111,24 @@ private slots:
             QVERIFY(buttons[3]->toolTip().startsWith(u"Saved settings of a script."_s));
             buttons[3]->click();
             QCOMPARE(remove.count(), readOnly ? 0 : 1);
+            page.view.setReadOnly(!readOnly); // the card stands on
+            QVERIFY(!buttons[0]->isEnabled());
+            QCOMPARE(buttons[3]->isEnabled(), readOnly);
             page.view.findChildren<QPushButton*>(u"revealButton"_s)[3]->click();
             QCOMPARE(reveal[0][0].value<XsdtNode*>(),
                      page.document->root.children.back()->children.back().get());
         }
+    }
+
+    void keepsBothEndsOfLongTexts()
+    {
+        Page page(
+            QByteArray(duplicate).replace("k=\"", "k=\"a  " + QByteArray(9999, 'k')).repeated(2));
+        page.view.run();
+        QVERIFY(page.text().startsWith(u"<b>Warning:</b> &quot;a  kk"_s));
+        QVERIFY(page.text().contains(u"&quot; appears 2 times in the top level\n"_s));
+        const QLabel* title = page.child<QLabel>("titleLabel");
+        QVERIFY(title->text().contains(u"pre-wrap"_s)); // both blanks of the key are shown
     }
 
     void showsManyFindingsInSteps()
