@@ -42,7 +42,12 @@ pictures=$root/build/screenshots
 echo "There is no display here: drawing pictures of the window instead."
 rm -rf "$pictures"
 "${program[@]}" --screenshots "$pictures" "$@"
-for name in review backups advanced-changed advanced; do
+names=(search search-font module-search unused-modules cleanup cleanup-queued health review backups
+    about advanced-changed advanced)
+if $demo; then
+    names+=(prefs-00 compare compare-all) # those that a file and a second one make
+fi
+for name in "${names[@]}"; do
     if [[ ! -s $pictures/$name.png ]]; then
         echo "The picture $pictures/$name.png was not written." >&2
         exit 1

@@ -6,7 +6,7 @@ set -euo pipefail
 
 # Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
 build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
-test=(procps)
+test=(openssl procps)
 package=(dpkg-dev file)
 ci=(appstream clang-format desktop-file-utils g++-mingw-w64-x86-64-posix libbenchmark-dev
     libpugixml-dev shellcheck)
