@@ -85,7 +85,9 @@ void saveFloor(benchmark::State& state)
             Fixture::require(readWhole(fixture.path, bytes));
             benchmark::DoNotOptimize(sha256(bytes));
         }
-        Fixture::require(QFile::copy(fixture.path, copy) && flushFile(copy));
+        QFile copied(copy);
+        Fixture::require(QFile::copy(fixture.path, copy) && copied.open(QIODevice::ReadWrite) &&
+                         flushToDisk(copied));
         QSaveFile file(fixture.path);
         Fixture::require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
                          file.flush() && flushToDisk(file) && file.commit());

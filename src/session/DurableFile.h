@@ -18,12 +18,15 @@ namespace kse {
 /// Absolute path, free of links, of what exists at `path`; empty if that can't be told.
 [[nodiscard]] QString realPath(const QString& path, QString* error = nullptr);
 
+/// Gives the open `file` the owner and group of the file at `path`, so that a new file in its place
+/// is still its owner's when root writes it. False if root can't keep the owner, or if there is
+/// none to be told; whatever else isn't allowed is left. Does nothing on Windows, where a new file
+/// takes after its folder.
+[[nodiscard]] bool keepOwner(QFileDevice& file, const QString& path, QString* error = nullptr);
+
 /// Has the system write `file`, which is open and flushed, to the disk itself. False if the
 /// system says that it failed.
 [[nodiscard]] bool flushToDisk(QFileDevice& file, QString* error = nullptr);
-
-/// The same for the closed file at `path`.
-[[nodiscard]] bool flushFile(const QString& path, QString* error = nullptr);
 
 /// The same for the entries of the folder at `path`, so that a new or renamed file survives a
 /// power cut. A file system that knows no such flush counts as done.

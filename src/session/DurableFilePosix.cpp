@@ -49,16 +49,29 @@ int flushDescriptor(int descriptor)
     return result < 0 ? errno : 0;
 }
 
-/// Opens what is at `path`, flushes and closes it: 0, or the system's error code.
-int flushPath(const QString& path, int flags)
+/// Whether `status` is that of a regular file.
+bool isRegular(const struct stat& status, QString* error)
 {
-    const int descriptor = openRetrying(path, O_RDONLY | flags);
-    if (descriptor < 0) {
-        return errno;
+    if (S_ISDIR(status.st_mode)) {
+        return fail(error, EISDIR);
     }
-    const int code = flushDescriptor(descriptor);
-    ::close(descriptor);
-    return code;
+    if (!S_ISREG(status.st_mode)) {
+        if (error) {
+            *error = QStringLiteral("Not a regular file");
+        }
+        return false;
+    }
+    return true;
+}
+
+/// Whether `descriptor`, opened without blocking, is a regular file; it blocks from then on.
+bool settle(int descriptor, QString* error)
+{
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0) {
+        return fail(error, errno);
+    }
+    return isRegular(status, error) && (::fcntl(descriptor, F_SETFL, 0) == 0 || fail(error, errno));
 }
 
 } // namespace
@@ -69,19 +82,18 @@ bool openRegular(QFile& file, const QString& path, QString* error)
     if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
         return fail(error, errno);
     }
-    if (S_ISDIR(status.st_mode)) {
-        return fail(error, EISDIR);
-    }
-    if (!S_ISREG(status.st_mode)) {
-        if (error) {
-            *error = QStringLiteral("Not a regular file");
-        }
+    // Asked before as well, since to open some devices is to use them.
+    if (!isRegular(status, error)) {
         return false;
     }
     // Non-blocking, in case a pipe has taken the file's place since.
     const int descriptor = openRetrying(path, O_RDONLY | O_NONBLOCK);
     if (descriptor < 0) {
         return fail(error, errno);
+    }
+    if (!settle(descriptor, error)) {
+        ::close(descriptor);
+        return false;
     }
     if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(descriptor);
@@ -104,21 +116,40 @@ QString realPath(const QString& path, QString* error)
     return QFile::decodeName(resolved.get());
 }
 
+bool keepOwner(QFileDevice& file, const QString& path, QString* error)
+{
+    struct stat wanted = {};
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &wanted) != 0 ||
+        ::fstat(file.handle(), &status) != 0) {
+        return fail(error, errno);
+    }
+    const auto change = [&file](uid_t owner, gid_t group) {
+        return ::fchown(file.handle(), owner, group) == 0;
+    };
+    constexpr auto sameOwner = static_cast<uid_t>(-1);
+    constexpr auto sameGroup = static_cast<gid_t>(-1);
+    if (status.st_gid != wanted.st_gid) {
+        (void)change(sameOwner, wanted.st_gid);
+    }
+    return status.st_uid == wanted.st_uid || change(wanted.st_uid, sameGroup) || ::geteuid() != 0 ||
+           fail(error, errno);
+}
+
 bool flushToDisk(QFileDevice& file, QString* error)
 {
     const int code = flushDescriptor(file.handle());
     return code == 0 || fail(error, code);
 }
 
-bool flushFile(const QString& path, QString* error)
-{
-    const int code = flushPath(path, 0);
-    return code == 0 || fail(error, code);
-}
-
 bool flushFolder(const QString& path, QString* error)
 {
-    const int code = flushPath(path, O_DIRECTORY);
+    const int descriptor = openRetrying(path, O_RDONLY | O_DIRECTORY);
+    if (descriptor < 0) {
+        return fail(error, errno);
+    }
+    const int code = flushDescriptor(descriptor);
+    ::close(descriptor);
     return code == 0 || code == EINVAL || code == ENOTSUP || fail(error, code);
 }
 

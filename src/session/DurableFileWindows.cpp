@@ -21,16 +21,24 @@ bool failLast(QString* error)
     return false;
 }
 
+HANDLE handleOf(const QFileDevice& file)
+{
+    return reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
+}
+
 } // namespace
 
 bool openRegular(QFile& file, const QString& path, QString* error)
 {
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile()) {
+    const auto refuse = [error] {
         if (error) {
             *error = QStringLiteral("Not a regular file");
         }
         return false;
+    };
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) {
+        return refuse();
     }
     file.setFileName(path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -39,35 +47,31 @@ bool openRegular(QFile& file, const QString& path, QString* error)
         }
         return false;
     }
+    // A pipe or a device can also come under a name that no folder lists.
+    if (GetFileType(handleOf(file)) != FILE_TYPE_DISK) {
+        file.close();
+        return refuse();
+    }
     return true;
 }
 
 QString realPath(const QString& path, QString* error)
 {
     const QString resolved = QFileInfo(path).canonicalFilePath();
-    if (resolved.isEmpty()) {
-        (void)failLast(error);
+    if (resolved.isEmpty() && error) {
+        *error = qt_error_string(ERROR_FILE_NOT_FOUND); // Qt has made other calls since
     }
     return resolved;
 }
 
-bool flushToDisk(QFileDevice& file, QString* error)
+bool keepOwner(QFileDevice&, const QString&, QString*)
 {
-    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
-    return FlushFileBuffers(handle) || failLast(error);
+    return true;
 }
 
-bool flushFile(const QString& path, QString* error)
+bool flushToDisk(QFileDevice& file, QString* error)
 {
-    // Only a handle that may write can be flushed.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
-        if (error) {
-            *error = file.errorString();
-        }
-        return false;
-    }
-    return flushToDisk(file, error);
+    return FlushFileBuffers(handleOf(file)) || failLast(error);
 }
 
 bool flushFolder(const QString&, QString*)

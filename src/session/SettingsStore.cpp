@@ -25,6 +25,12 @@ bool fail(QString* error, const QString& message)
     return false;
 }
 
+bool failChanged(QString* error)
+{
+    return fail(error, u"The file changed on disk since it was loaded (PixInsight may have "
+                       "written it). Reload it and redo your edits."_s);
+}
+
 /// Makes `bytes`, whose hash is `hash`, the content of `store`: the last step of whatever opens a
 /// file. On failure nothing is loaded any more.
 bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes,
@@ -120,8 +126,7 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* recoverFr
                            "overwrite the file. Close PixInsight first."_s);
     }
     if (isChangedOnDisk()) {
-        return fail(error, u"The file changed on disk since it was loaded (PixInsight may have "
-                           "written it). Reload it and redo your edits."_s);
+        return failChanged(error);
     }
     if (!mayDeleteAll(*this, error)) {
         return false;
@@ -132,6 +137,9 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* recoverFr
     }
     const QString backup = backupName();
     if (!copyVerified(path, backup, loadedHash)) {
+        if (isChangedOnDisk()) { // by now
+            return failChanged(error);
+        }
         return fail(error, u"Could not create the backup %1. Nothing was written."_s.arg(backup));
     }
     bool replaced = false;

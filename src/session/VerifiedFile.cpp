@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QTemporaryFile>
 
 namespace kse {
 
@@ -40,19 +41,28 @@ QFileDevice::Permissions modeOf(QFileDevice::Permissions permissions)
                           P::WriteGroup | P::ExeGroup | P::ReadOther | P::WriteOther | P::ExeOther);
 }
 
-/// Gives the temporary file all that it needs before it may take the place of the real one:
-/// `commit` itself overlooks a disk that fills up while it empties its buffer.
-bool prepare(QSaveFile& file, const QByteArray& bytes, QFileDevice::Permissions mode,
-             QString* reason)
+/// Writes `bytes` to the open `file`, through to the disk.
+bool writeThrough(QFileDevice& file, const QByteArray& bytes, QString* reason = nullptr)
 {
-    const bool set = file.setPermissions(mode);
-    if (!mode || modeOf(file.permissions()) != mode) {
-        return fail(reason, set ? u"Its permissions cannot be kept"_s : reasonOf(file));
-    }
     if (file.write(bytes) != bytes.size() || !file.flush()) {
         return fail(reason, reasonOf(file));
     }
     return flushToDisk(file, reason);
+}
+
+/// Gives the temporary file all that it needs before it may take the place of the one at `target`:
+/// `commit` itself overlooks a disk that fills up while it empties its buffer.
+bool prepare(QSaveFile& file, const QString& target, const QByteArray& bytes,
+             QFileDevice::Permissions mode, QString* reason)
+{
+    if (!keepOwner(file, target, reason)) { // first, since it may take bits of the mode away
+        return false;
+    }
+    const bool set = file.setPermissions(mode);
+    if (!mode || modeOf(file.permissions()) != mode) {
+        return fail(reason, set ? u"Its permissions cannot be kept"_s : reasonOf(file));
+    }
+    return writeThrough(file, bytes, reason);
 }
 
 } // namespace
@@ -96,7 +106,7 @@ bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced,
     if (!file.open(QIODevice::WriteOnly)) {
         return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reasonOf(file)));
     }
-    if (!prepare(file, bytes, mode, &reason)) {
+    if (!prepare(file, target, bytes, mode, &reason)) {
         file.cancelWriting();
         return fail(error, u"Error writing %1: %2"_s.arg(path, reason));
     }
@@ -120,9 +130,23 @@ bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced,
 
 bool copyVerified(const QString& from, const QString& to, const QByteArray& hash)
 {
-    QByteArray copied;
-    return QFile::copy(from, to) && flushFile(to) && flushFolder(QFileInfo(to).absolutePath()) &&
-           readWhole(to, copied) && sha256(copied) == hash;
+    // Not by QFile::copy: on some systems the copy then has the time of the original's last change,
+    // and backups go by their time.
+    QByteArray bytes;
+    QTemporaryFile copy(from + u".XXXXXX"_s); // a name that counts as no backup
+    if (!readWhole(from, bytes) || !copy.open()) {
+        return false;
+    }
+    // A copy that nobody can read but root is better than none. Where a file that may not be
+    // written can't be removed either, its copy still can.
+    (void)keepOwner(copy, from);
+    (void)copy.setPermissions(modeOf(QFile::permissions(from)) | QFileDevice::WriteOwner);
+    if (!writeThrough(copy, bytes) || !copy.rename(to)) {
+        return false;
+    }
+    copy.setAutoRemove(false);
+    return flushFolder(QFileInfo(to).absolutePath()) && readWhole(to, bytes) &&
+           sha256(bytes) == hash;
 }
 
 } // namespace kse

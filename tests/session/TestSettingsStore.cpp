@@ -6,9 +6,11 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
+#include <QDateTime>
 #include <QRegularExpression>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -121,6 +123,44 @@ private slots:
         QCOMPARE(f.read(f.path), StoreFixture::defaultBytes().replace("v=\"1\"", "v=\"2\""));
         QVERIFY(backup.startsWith(opened + u".bak-"_s));
         QCOMPARE(f.read(backup), StoreFixture::defaultBytes());
+    }
+
+    void keepsTheOwnerWhenRootSaves()
+    {
+        if (geteuid() != 0) {
+            QSKIP("Only root saves for others.");
+        }
+        StoreFixture f;
+        constexpr uid_t owner = 65534;
+        constexpr gid_t group = 65533;
+        QCOMPARE(chown(QFile::encodeName(f.path).constData(), owner, group), 0);
+        QCOMPARE(chmod(QFile::encodeName(f.path).constData(), 0640), 0);
+        f.edit("A/x", u"2"_s);
+        QString backup;
+        QVERIFY(f.store.save(nullptr, &backup));
+        for (const QString& path : {f.path, backup}) {
+            struct stat status = {};
+            QCOMPARE(stat(QFile::encodeName(path).constData(), &status), 0);
+            QCOMPARE(status.st_uid, owner);
+            QCOMPARE(status.st_gid, group);
+            QCOMPARE(status.st_mode, mode_t(S_IFREG | 0640));
+        }
+    }
+
+    void datesABackupByItsMaking()
+    {
+        StoreFixture f;
+        f.write(f.path + u".bak-older"_s, {});
+        QFile file(f.path);
+        QVERIFY(file.open(QIODevice::ReadWrite) &&
+                file.setFileTime(QDateTime({2001, 2, 3}, {4, 5, 6}),
+                                 QFileDevice::FileModificationTime));
+        f.edit("A/x", u"2"_s);
+        const QDateTime before = QDateTime::currentDateTime().addSecs(-2);
+        QString backup;
+        QVERIFY(f.store.save(nullptr, &backup));
+        QVERIFY(QFileInfo(backup).lastModified() > before);
+        QCOMPARE(PixInsightEnv::backupsOf(f.path).first(), backup);
     }
 
     void writesAnyLayoutCompactlyAndOnlyChanges()
