@@ -224,6 +224,7 @@ void BackupsDialog::confirmAndRemove(const QStringList& paths, qint64 totalBytes
         return;
     }
     const BackupRemoval result = PixInsightEnv::removeBackups(m_settingsPath, paths, true);
+    m_list->setFocus(); // the button may go dead, and the next in line deletes everything
     refresh();
     QString text = (result.usedTrash ? tr("Moved %1 backup(s) to the Recycle Bin (%2).")
                                      : tr("Deleted %1 backup(s) (%2)."))

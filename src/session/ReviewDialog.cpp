@@ -323,7 +323,6 @@ void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
         rows.append(
             makeRow({QString(), rowPath(name), rowValue(value, value.value), tr("(removed)")},
                     RemovedValueRow, node));
-        rows.last()->setToolTip(BeforeColumn, rowToolTip(value.value));
     };
     if (deleted->kind == XsdtNode::Kind::Value) {
         addValue(*deleted, deleted->key, nullptr);
@@ -335,6 +334,7 @@ void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
         walkTree(*deleted, [&](XsdtNode& node) {
             if (node.kind == XsdtNode::Kind::Value && ++values <= removedRowLimit) {
                 addValue(node, node.path().mid(prefix), &node);
+                rows.last()->setToolTip(BeforeColumn, rowToolTip(node.value));
             }
             return Walk::Into;
         });
@@ -385,16 +385,15 @@ void ReviewDialog::onRevert()
     int firstRow = -1;
     {
         const SettingsModel::Batch batch(*m_model);
-        const QList<QTreeWidgetItem*> selected = m_tree->selectedItems();
-        for (QTreeWidgetItem* row : selected) {
-            XsdtNode* node = nodeOf(row);
-            if (row->parent() || !node) {
+        const QModelIndexList selected = m_tree->selectionModel()->selectedRows();
+        for (const QModelIndex& row : selected) {
+            auto* node = row.data(NodeRole).value<XsdtNode*>();
+            if (row.parent().isValid() || !node) {
                 continue;
             }
-            if (firstRow < 0) {
-                firstRow = m_tree->indexOfTopLevelItem(row);
-            }
-            kindOf(row) == DeletionRow ? m_model->undoDeletion(node) : m_model->revertValue(node);
+            firstRow = firstRow < 0 ? row.row() : std::min(firstRow, row.row());
+            row.data(KindRole).toInt() == DeletionRow ? m_model->undoDeletion(node)
+                                                      : m_model->revertValue(node);
         }
     }
     if (firstRow < 0) {

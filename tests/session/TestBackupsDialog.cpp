@@ -53,6 +53,7 @@ struct Backups
             QCOMPARE(box.defaultButton(), box.button(QMessageBox::No));
             box.button(answer)->click();
         });
+        button(name)->setFocus();
         button(name)->click();
         return question;
     }
@@ -158,6 +159,7 @@ void TestBackupsDialog::removesAfterConsent()
         left += backups.list->item(row)->text().back();
     }
     QTEST(left, "left");
+    QCOMPARE(backups.dialog->focusWidget(), backups.list);
     QCOMPARE(QDir(backups.folder.path()).entryList(QDir::Files).size(), left.size());
     QCOMPARE(told.value(0).value(0).toString(), message);
 }

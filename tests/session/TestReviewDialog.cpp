@@ -86,6 +86,7 @@ private slots:
     void showsFullText();
     void cutsLongTexts();
     void revertsSelectedInOneRefresh();
+    void goesOnAtTheTopmostRevertedRow();
     void endsWhenTreeIsReplaced();
     void returnSavesButNotFromTheFilter();
 };
@@ -105,6 +106,8 @@ void TestReviewDialog::listsChangesByPath()
                             "Edit|B/y|one\u23CEtwo|new\n"
                             "Edit|C<b>%1&|<i>|%2\n"_s);
     QVERIFY(review.tree->topLevelItem(4)->toolTip(2).contains(u"&lt;i&gt;"_s));
+    QCOMPARE(review.tree->topLevelItem(0)->child(1)->toolTip(2), u"%1"_s);
+    QCOMPARE(review.tree->topLevelItem(1)->child(0)->toolTip(2), QString());
 }
 
 void TestReviewDialog::filtersList_data()
@@ -208,6 +211,16 @@ void TestReviewDialog::revertsSelectedInOneRefresh()
     QCOMPARE(review.summary(), u"There are no changes to save."_s);
     QVERIFY(!review.button(u"save"_s)->isEnabled());
     QCOMPARE(review.document->pendingCount(), 0);
+}
+
+void TestReviewDialog::goesOnAtTheTopmostRevertedRow()
+{
+    const Review review(sample, edits, deletions);
+    for (const int row : {3, 1}) { // also in this order
+        review.tree->topLevelItem(row)->setSelected(true);
+    }
+    review.button(u"revert"_s)->click();
+    QCOMPARE(review.tree->currentIndex().row(), 1);
 }
 
 void TestReviewDialog::endsWhenTreeIsReplaced()
