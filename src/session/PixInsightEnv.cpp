@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QStorageInfo>
 
 #include <algorithm>
 
@@ -41,17 +42,23 @@ QString backupPrefix(const QFileInfo& settings)
     return settings.fileName() + ".bak-"_L1;
 }
 
-/// Whether the user has a trash or can get one. Without one, Qt 6.4 moves the file into a folder
-/// "files" beneath whichever folder is current, and says that it went to the trash.
-bool hasTrash()
+/// Whether there is a trash for files in `folder`, or the user can get one. Without one, Qt 6.4
+/// moves the file into a folder "files" beneath whichever folder is current, and says that it went
+/// to the trash.
+bool hasTrash(const QString& folder)
 {
     if (thisPlatform != HostPlatform::Linux) {
         return true;
     }
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     const QFileInfo trash(data + "/Trash"_L1);
-    return QDir().mkpath(data) &&
-           (trash.isDir() || (!trash.exists() && QFileInfo(data).isWritable()));
+    if (QDir().mkpath(data) &&
+        (trash.isDir() || (!trash.exists() && QFileInfo(data).isWritable()))) {
+        return true;
+    }
+    // Another device has a trash of its own, in its topmost folder.
+    const QStorageInfo device(folder);
+    return device != QStorageInfo(QDir::homePath()) && QFileInfo(device.rootPath()).isWritable();
 }
 
 } // namespace
@@ -192,7 +199,7 @@ BackupRemoval removeBackups(const QString& settingsPath, const QStringList& path
 {
     const QFileInfo settings(settingsPath);
     const QString prefix = backupPrefix(settings);
-    const bool tryTrash = toTrash && hasTrash();
+    const bool tryTrash = toTrash && hasTrash(settings.absolutePath());
     BackupRemoval result;
     for (const QString& path : paths) {
         const QFileInfo file(path);

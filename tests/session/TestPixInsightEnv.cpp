@@ -7,6 +7,9 @@
 
 #include <QDateTime>
 #include <QStandardPaths>
+#include <QStorageInfo>
+
+#include <unistd.h>
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -151,6 +154,27 @@ private slots:
                                                            u"Trash/files/x.settings.bak-1"_s);
             QCOMPARE(!trashed.isEmpty(), toTrash);
         }
+    }
+
+    void usesTheTrashOfAnotherDevice()
+    {
+        const QStorageInfo device(u"/dev/shm"_s);
+        if (device == QStorageInfo(QDir::homePath()) ||
+            !QFileInfo(device.rootPath()).isWritable()) {
+            QSKIP("No other device is at hand here.");
+        }
+        const QTemporaryDir dir(u"/dev/shm/XXXXXX"_s);
+        const QString name = QFileInfo(dir.path()).fileName() + u".bak-1"_s; // nobody else's
+        touch(dir.filePath(name));
+        const QByteArray data = qgetenv("XDG_DATA_HOME");
+        qputenv("XDG_DATA_HOME", "/dev/null");
+        const BackupRemoval result =
+            PixInsightEnv::removeBackups(dir.filePath(name.chopped(6)), {dir.filePath(name)}, true);
+        qputenv("XDG_DATA_HOME", data);
+        QVERIFY(result.usedTrash);
+        const QString trash = device.rootPath() + u"/.Trash-%1/"_s.arg(getuid());
+        QVERIFY(QFile::remove(trash + u"files/"_s + name));
+        QVERIFY(QFile::remove(trash + u"info/"_s + name + u".trashinfo"_s));
     }
 };
 
