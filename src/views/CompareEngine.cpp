@@ -2,6 +2,7 @@
 #include "views/CompareEngine.h"
 
 #include "document/OpenGroups.h"
+#include "document/ShortPath.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 
@@ -84,23 +85,37 @@ struct NumberedValue
 {
     XsdtNode* node;
     qsizetype path;
+    const XsdtNode* top; ///< At or above it, where the keys that are always shown end.
 };
+
+/// The path to show for a value.
+QString shownPath(const XsdtNode& node, const XsdtNode& top)
+{
+    return node.depth > deepestWholePath ? top.path() + u'/' + shortPath(node) : node.path();
+}
 
 /// The values of `document` that aren't marked, with what `number(parent's, key)` gives them.
 template <typename Number>
 std::vector<NumberedValue> numberedValues(const XsdtDocument& document, Number&& number)
 {
     std::vector<NumberedValue> values;
-    OpenGroups<qsizetype> groups(document.root, PathNumbers::emptyPath);
+    struct Group
+    {
+        qsizetype path;
+        const XsdtNode* top;
+    };
+    constexpr quint16 topDepth = 3; // as many keys as a heading has at most
+    OpenGroups<Group> groups(document.root, {PathNumbers::emptyPath, nullptr});
     walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
         if (node.markedForDeletion) {
             return Walk::Over;
         }
-        const qsizetype path = number(groups.ofParent(node), node.key);
+        const Group& parent = groups.ofParent(node);
+        const Group here{number(parent.path, node.key), node.depth > topDepth ? parent.top : &node};
         if (node.kind == XsdtNode::Kind::Value) {
-            values.push_back({&node, path});
+            values.push_back({&node, here.path, here.top});
         } else {
-            groups.enter(node, path);
+            groups.enter(node, here);
         }
         return Walk::Into;
     });
@@ -129,21 +144,21 @@ QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
 
     QList<CompareEntry> entries;
     std::vector<bool> isHere(otherByPath.size());
-    for (const auto& [node, path] : values) {
+    for (const auto& [node, path, top] : values) {
         XsdtNode* other = nullptr;
         if (path != PathNumbers::unknown) {
             isHere[static_cast<size_t>(path)] = true;
             other = otherByPath[static_cast<size_t>(path)];
         }
         if (!other) {
-            entries.append({node->path(), CompareState::OnlyThis, node, nullptr});
+            entries.append({shownPath(*node, *top), CompareState::OnlyThis, node, nullptr});
         } else if (node->typeCode != other->typeCode || node->value != other->value) {
-            entries.append({node->path(), CompareState::Different, node, other});
+            entries.append({shownPath(*node, *top), CompareState::Different, node, other});
         }
     }
-    for (const auto& [node, path] : others) {
+    for (const auto& [node, path, top] : others) {
         if (!isHere[static_cast<size_t>(path)]) {
-            entries.append({node->path(), CompareState::OnlyOther, nullptr, node});
+            entries.append({shownPath(*node, *top), CompareState::OnlyOther, nullptr, node});
         }
     }
     return entries;

@@ -2,6 +2,7 @@
 #include "views/HealthChecker.h"
 
 #include "document/Leaves.h"
+#include "document/ShortPath.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "schema/ModuleCatalog.h"
@@ -26,7 +27,8 @@ namespace kse {
 namespace {
 
 /// The unmarked values in those parts of the file that can hold a path below "Global/", so that
-/// nobody has to make paths of all the data of modules.
+/// nobody has to make paths of all the data of modules. Values too deep for whole paths are left
+/// out: no documented setting lies there.
 QList<XsdtNode*> unmarkedSettings(const XsdtNode& root)
 {
     QList<XsdtNode*> settings;
@@ -37,6 +39,7 @@ QList<XsdtNode*> unmarkedSettings(const XsdtNode& root)
             settings += unmarkedValues(*child);
         }
     }
+    settings.removeIf([](const XsdtNode* node) { return node->depth > deepestWholePath; });
     return settings;
 }
 
@@ -279,7 +282,7 @@ void Checkup::checkDuplicatesIn(const XsdtNode& group)
             byKey[child->key].append(child.get());
         }
     }
-    const QString place = group.parent ? group.path() : u"the top level"_s;
+    const QString place = group.parent ? shortPath(group) : u"the top level"_s;
     for (const auto& child : group.children) {
         if (child->markedForDeletion) {
             continue;

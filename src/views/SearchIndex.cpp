@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "views/SearchIndex.h"
 
+#include "document/ShortPath.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "document/XsdtValueType.h"
+#include "schema/PrettyName.h"
 #include "schema/SettingsSchema.h"
 #include "views/LowerCasePath.h"
 #include "views/TextOrder.h"
@@ -12,6 +14,7 @@
 #include <QRegularExpression>
 #include <QStringMatcher>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <utility>
@@ -114,13 +117,41 @@ private:
     QString m_key; ///< Kept for its memory.
 };
 
-bool isWanted(XsdtNode* node, const SearchQuery& query)
+/// Tells what is inside a deletion, and climbs from no group twice.
+class Deletions
+{
+public:
+    bool hold(const XsdtNode& node)
+    {
+        m_climbed.clear();
+        bool inside = node.markedForDeletion;
+        for (const XsdtNode* group = node.parent; group && !inside; group = group->parent) {
+            const auto known = m_groups.constFind(group);
+            if (known != m_groups.cend()) {
+                inside = *known;
+                break;
+            }
+            m_climbed.push_back(group);
+            inside = group->markedForDeletion;
+        }
+        for (const XsdtNode* group : m_climbed) {
+            m_groups.insert(group, inside);
+        }
+        return inside;
+    }
+
+private:
+    QHash<const XsdtNode*, bool> m_groups;
+    std::vector<const XsdtNode*> m_climbed; ///< Kept for its memory.
+};
+
+bool isWanted(XsdtNode* node, const SearchQuery& query, Deletions& deletions)
 {
     if (query.restriction ? !query.restriction->contains(node)
                           : !query.includeProtected && !node->isEditableType()) {
         return false;
     }
-    return !query.changedOnly || node->isModified() || node->isInsideDeletion();
+    return !query.changedOnly || node->isModified() || deletions.hold(*node);
 }
 
 bool isAscii(const QString& text)
@@ -144,6 +175,8 @@ QList<qsizetype> orderByPath(const QList<SearchIndexEntry>& index, const std::ve
         // In ASCII, lower case is as good as the path itself, and tells where the label begins.
         if (isAscii(entry.haystack)) {
             paths.append(QStringView(entry.haystack).chopped(entry.label.size() + 1));
+        } else if (entry.node->depth > deepestWholePath) {
+            paths.append(entry.haystack);
         } else {
             built.append(entry.node->path());
             paths.append(built.constLast());
@@ -170,17 +203,25 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
     QList<SearchIndexEntry> index;
     LowerCasePath path(document.root);
     walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
-        const QString& here = path.moveTo(node);
-        if (node.kind == XsdtNode::Kind::Value) {
-            const VariableInfo info = schema.describe(node);
-            SearchIndexEntry entry{&node, info.label, {}, info.description.toLower()};
-            entry.haystack.reserve(here.size() + 1 + info.label.size());
-            entry.haystack += here;
-            entry.haystack += u' ';
-            appendLowerCase(entry.haystack, info.label);
-            index.append(std::move(entry));
+        QStringView here = path.moveTo(node);
+        if (node.kind != XsdtNode::Kind::Value) {
+            return Walk::Into;
         }
-        return Walk::Into;
+        SearchIndexEntry entry{&node, {}, {}, {}};
+        if (node.depth > deepestWholePath) {
+            here = here.last(std::min(here.size(), shortPathLength));
+            entry.label = prettyName(node.key);
+        } else {
+            const VariableInfo info = schema.describe(node);
+            entry.label = info.label;
+            entry.description = info.description.toLower();
+        }
+        entry.haystack.reserve(here.size() + 1 + entry.label.size());
+        entry.haystack += here;
+        entry.haystack += u' ';
+        appendLowerCase(entry.haystack, entry.label);
+        index.append(std::move(entry));
+        return Walk::Over;
     });
     return index;
 }
@@ -188,9 +229,10 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
 QList<qsizetype> search(const QList<SearchIndexEntry>& index, const SearchQuery& query)
 {
     Scorer scorer(query);
+    Deletions deletions;
     std::vector<Hit> hits;
     for (qsizetype i = 0; i < index.size(); ++i) {
-        if (isWanted(index[i].node, query)) {
+        if (isWanted(index[i].node, query, deletions)) {
             const int score = scorer.score(index[i]);
             if (score >= 0) {
                 hits.push_back({i, score});

@@ -17,7 +17,7 @@ struct SearchIndexEntry
 {
     XsdtNode* node = nullptr;
     QString label;       ///< As the schema gives it, in its own case.
-    QString haystack;    ///< Path, one blank, label; lower case.
+    QString haystack;    ///< Path, one blank, label; lower case. Of a deep path only the end.
     QString description; ///< Lower case.
 };
 
@@ -37,7 +37,9 @@ struct SearchQuery
 [[nodiscard]] QStringList searchTerms(const QString& text);
 
 /// Every value of `document` in file order, whatever its type. It rests on the tree and the
-/// schema alone, so that an edit leaves it valid; it dies with the tree.
+/// schema alone, so that an edit leaves it valid; it dies with the tree. Below `deepestWholePath`
+/// levels an entry holds the last `shortPathLength` characters of its path, which are also what it
+/// is ordered by, and what its key tells without the schema.
 [[nodiscard]] QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document,
                                                        const SettingsSchema& schema);
 

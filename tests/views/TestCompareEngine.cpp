@@ -55,12 +55,26 @@ private slots:
     {
         // A value at each level: to build, or to climb along, the path of each would take minutes.
         const int levels = 300'000;
-        const QByteArray deep =
-            QByteArray(R"(<i k="level"><v k="value" t="i" v="1"/>)").repeated(levels) +
-            QByteArray("</i>").repeated(levels);
+        const QByteArray deep = deepFile(levels);
         QCOMPARE(differences(*documentFrom(deep + R"(<v k="top" t="i" v="1"/>)"),
                              *documentFrom(deep + R"(<v k="top" t="i" v="2"/>)")),
                  u"0 top i:1 i:2"_s);
+    }
+
+    void keepsBothEndsOfDeepPaths()
+    {
+        const int levels = 20'000; // the paths of all values are 2 GB
+        const QByteArray deep = deepFile(levels);
+        const auto here = documentFrom(deep);
+        const auto there = documentFrom(QByteArray(deep).replace("v=\"1\"", "v=\"2\""));
+        const QList<CompareEntry> entries = compareDocuments(*here, *there);
+        QCOMPARE(entries.size(), levels);
+        QCOMPARE(entries[900].path, entries[900].thisNode->path());
+        const QString& path = entries.constLast().path;
+        QCOMPARE(path.size(), u"level/level/level/…"_s.size() + 1000);
+        QVERIFY(path.startsWith(u"level/level/level/…"_s));
+        QVERIFY(path.endsWith(u"/level/level/value"_s));
+        QCOMPARE(groupedPath(path).group, u"level/level"_s);
     }
 
     void groupsPaths_data()

@@ -239,6 +239,19 @@ private slots:
         QCOMPARE(findings.size(), 1 + pairs + 1);
     }
 
+    void namesDeepPlacesShortly()
+    {
+        const int levels = 20'000; // the paths of all values are 2 GB
+        const QByteArray value = R"(<v k="value" t="i" v="1"/>)";
+        const auto document = documentFrom("<i k=\"Global\">" +
+                                           deepFile(levels).replace(value, value + value) + "</i>");
+        const auto findings = HealthChecker::run(*document, m_schema, computerWith({}));
+        QCOMPARE(findings.size(), levels);
+        const QString& title = findings.constLast().title;
+        QVERIFY(title.startsWith(u"\"value\" appears 2 times in …"_s));
+        QVERIFY(title.endsWith(u"/level/level"_s) && title.size() < 1100);
+    }
+
 private:
     SettingsSchema m_schema;
 };

@@ -99,6 +99,24 @@ private slots:
         }
     }
 
+    void keepsTheEndOfDeepPaths()
+    {
+        const int levels = 20'000; // the paths of all values are 2 GB
+        const auto document = documentFrom(deepFile(levels));
+        const QList<SearchIndexEntry> index = buildSearchIndex(*document, m_schema);
+        QCOMPARE(index.size(), levels);
+        QCOMPARE(index[900].haystack, index[900].node->path() + QStringLiteral(" value"));
+        QCOMPARE(index.constLast().haystack.size(), 1000 + 6);
+        QVERIFY(index.constLast().haystack.endsWith(QStringLiteral("/level/value value")));
+
+        SearchQuery query{searchTerms(QStringLiteral("level value"))};
+        QCOMPARE(search(index, query).size(), levels);
+        query.changedOnly = true;
+        QVERIFY(search(index, query).isEmpty());
+        index[10'000].node->parent->markedForDeletion = true;
+        QCOMPARE(search(index, query).size(), levels - 10'000);
+    }
+
 private:
     SettingsSchema m_schema;
 };
