@@ -18,9 +18,7 @@ private slots:
     void keepsCharactersAndSurroundings();
     void saysWhatIsWrongAndWhere_data();
     void saysWhatIsWrongAndWhere();
-    void sharesEqualShortStrings();
-    void survivesPrefixes();
-    void survivesChangedBytes();
+    void survivesCutAndChangedFiles();
     void readsHugeStrings();
     void failsQuicklyOnUnfinishedInput();
 
@@ -130,23 +128,7 @@ void TestXsdtReader::saysWhatIsWrongAndWhere_data()
         {"unknown entity &12345678901;", {{"<i k='&12345678901;'>", 27}}},
         {"unknown entity &%1%2%3;", {{"<i k='&%1%2%3;'>", 22}}},
         {"unknown entity &;", {{"<i k='&;'>", 16}, {"<v k='a' t='s'>&;</v>", 22}}},
-        {"unknown entity &AMP;", {{"<i k='&AMP;' &", 19}}},
-        {"invalid character reference",
-         {{"<i k='&#;'>", 17},
-          {"<i k='&#x;'>", 18},
-          {"<i k='&#X41;'>", 20},
-          {"<i k='&#0;'>", 18},
-          {"<i k='&#x0;'>", 19},
-          {"<i k='&#-5;'>", 19},
-          {"<i k='&#+5;'>", 19},
-          {"<i k='&# 5;'>", 19},
-          {"<i k='&#5 ;'>", 19},
-          {"<i k='&#x0x41;'>", 22},
-          {"<i k='&#1114112;'>", 24},
-          {"<i k='&#4294967361;'>", 27},
-          {"<i k='&#x100000041;'>", 27},
-          {"<i k='&#5a;'>", 19},
-          {"<i k='&#xg;'>", 19}}}};
+        {"unknown entity &AMP;", {{"<i k='&AMP;' &", 19}}}};
     for (const auto& [message, faults] : contents) {
         for (const Fault& fault : faults) {
             QTest::newRow(QByteArray(fault.content).simplified().constData())
@@ -154,6 +136,14 @@ void TestXsdtReader::saysWhatIsWrongAndWhere_data()
                 << QStringLiteral("%1 (line 1, column %2)")
                        .arg(QString::fromUtf8(message), QString::number(fault.column));
         }
+    }
+    for (const char* reference : {"#", "#x", "#X41", "#0", "#x0", "#-5", "# 5", "#5 ", "#x0x41",
+                                  "#1114112", "#4294967361", "#x100000041", "#5a", "#xg"}) {
+        const QByteArray tag = QByteArray("<i k='&") + reference + ";'>";
+        QTest::newRow(reference) << "<xsdt>" + tag
+                                 << QStringLiteral(
+                                        "invalid character reference (line 1, column %1)")
+                                        .arg(tag.size() + 6);
     }
 }
 
@@ -170,32 +160,13 @@ void TestXsdtReader::saysWhatIsWrongAndWhere()
     QVERIFY(!document->parse(file));
 }
 
-void TestXsdtReader::sharesEqualShortStrings()
-{
-    const auto document =
-        documentFrom(QByteArray("<i k='Geometry'><v k='Open' t='b' v='true'/></i>").repeated(3));
-    const auto& groups = document->root.children;
-    const XsdtNode& second = *groups[1]->children[0];
-    const XsdtNode& third = *groups[2]->children[0];
-    QVERIFY(groups[1]->key.isSharedWith(groups[2]->key));
-    QVERIFY(second.key.isSharedWith(third.key) && second.value.isSharedWith(third.value));
-    QVERIFY(third.original.isSharedWith(third.value));
-}
-
-void TestXsdtReader::survivesPrefixes()
+void TestXsdtReader::survivesCutAndChangedFiles()
 {
     const QByteArray file = everyConstruct();
-    XsdtDocument document;
-    QString error;
-    QVERIFY2(document.parse(file, &error), qPrintable(error));
+    QVERIFY(XsdtDocument().parse(file));
     for (qsizetype size = 0; size <= file.size(); ++size) {
         checkAnswer(file.left(size));
     }
-}
-
-void TestXsdtReader::survivesChangedBytes()
-{
-    const QByteArray file = everyConstruct();
     static constexpr char likely[] = "<>/\"'&;#=kvti \n\0\xC3\xED";
     std::minstd_rand random(1);
     for (int round = 0; round < 8000 && !QTest::currentTestFailed(); ++round) {

@@ -50,4 +50,19 @@ inline void addNodes(XsdtDocument& document, const QString& text)
     }
 }
 
+/// Name and paths of each of `items`, which have `nodes`: "name path path; name".
+template <typename Item>
+QString namesAndPaths(const QList<Item>& items, QString Item::*name)
+{
+    QStringList texts;
+    for (const Item& item : items) {
+        QString text = item.*name;
+        for (const XsdtNode* node : item.nodes) {
+            text += u' ' + node->path();
+        }
+        texts.append(text);
+    }
+    return texts.join(QStringLiteral("; "));
+}
+
 } // namespace kse

@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "views/PreferencesView.h"
 
-#include "document/XsdtDocument.h"
-#include "schema/SettingsSchema.h"
 #include "support/DialogAnswerer.h"
-#include "support/DocumentText.h"
+#include "support/SettingsPage.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 #include "views/SettingRow.h"
-#include "views/SettingsModel.h"
 
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QStackedWidget>
-#include <QTest>
-#include <QToolButton>
+#include <QtTest>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 
@@ -35,17 +26,11 @@ const QByteArray content =
     "<i k='ProcessInterface'><v k='p' t='s' v='1'/></i><i k=''><v k='e' t='s' v='1'/></i>"
     "</i><i k='ColorManagement'><v k='On' t='b' v='true'/></i></i>";
 
-struct Fixture
+struct Fixture : SettingsPage<PreferencesView>
 {
     explicit Fixture(const QByteArray& xml = content)
-        : document(documentFrom(xml))
+        : SettingsPage(xml)
     {
-        if (!schema.load({}, builtInTable("overlay.json"))) {
-            qFatal("the tables don't load");
-        }
-        model.setDocument(document.get());
-        view.setDocument(document.get());
-        view.resize(900, 600);
         view.show();
     }
 
@@ -81,10 +66,6 @@ struct Fixture
         return texts.join(u" > "_s);
     }
 
-    std::unique_ptr<XsdtDocument> document;
-    SettingsSchema schema;
-    SettingsModel model;
-    PreferencesView view{&model, &schema};
     QStackedWidget* stack = view.findChild<QStackedWidget*>(u"pageStack"_s);
     QListWidget* list = view.findChild<QListWidget*>(u"pageList"_s);
 };
@@ -160,8 +141,7 @@ private slots:
         Fixture f;
         const QListWidgetItem* item = f.list->item(0);
         f.onFirstPage<QCheckBox>("checkBox")->click();
-        const XsdtNode* deep =
-            f.document->root.findByPath(u"Global/Preferences/Application/S&b/Deep/Needle");
+        const XsdtNode* deep = f.node(u"Global/Preferences/Application/S&b/Deep/Needle"_s);
         f.model.setData(f.model.indexForNode(deep, SettingsModel::ValueColumn), u"straw"_s);
         QCOMPARE(item->text(), u"Application   ● 2"_s);
         QCOMPARE(item->font().weight(), QFont::Bold);

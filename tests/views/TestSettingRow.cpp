@@ -8,10 +8,7 @@
 #include "views/NodeContextMenu.h"
 #include "views/SettingsModel.h"
 
-#include <QAccessible>
-#include <QAction>
-#include <QSignalSpy>
-#include <QTest>
+#include <QtTest>
 #include <QtWidgets>
 
 using namespace Qt::StringLiterals;
@@ -107,7 +104,6 @@ void TestSettingRow::writesWhatIsTypedAndNothingElse_data()
     row("integer", infoOf(K::Integer), u"i7"_s, u"7"_s, u"-12"_s, u"-12"_s);
     row("below its range", small, u"i0"_s, u"0"_s, {}, u"0"_s);
     row("no integer", small, u"imany"_s, u"0"_s, {}, u"many"_s);
-    row("small unsigned", infoOf(K::Unsigned, 0, 99), u"u7"_s, u"7"_s, u"12"_s, u"12"_s);
     row("unsigned", infoOf(K::Unsigned), u"u7"_s, u"7"_s, u"4294967295"_s, u"4294967295"_s);
     row("above its range", infoOf(K::Unsigned), u"u99999999999"_s, u"99999999999"_s, {},
         u"99999999999"_s);
@@ -115,7 +111,6 @@ void TestSettingRow::writesWhatIsTypedAndNothingElse_data()
     row("real", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1"_s, u"1"_s);
     row("real out of range", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1.5"_s,
         u"A & B: 1.5 is outside the allowed range 0 to 1"_s);
-    row("malformed", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"much"_s, u"Key: "_s);
     row("other form", infoOf(K::Real), u"F 1e0"_s, u" 1e0"_s, {}, u" 1e0"_s);
     row("text", infoOf(K::Text), u"sa"_s, u"a"_s, u"b"_s, u"b"_s);
     row("lines", infoOf(K::FilePath), u"sa\nb"_s, u"a\nb"_s, {}, u"a\nb"_s);

@@ -9,14 +9,8 @@
 #include "views/SettingsFilterProxy.h"
 #include "views/TreePosition.h"
 
-#include <QAbstractItemModelTester>
-#include <QApplication>
-#include <QColor>
-#include <QFont>
-#include <QRandomGenerator>
-#include <QSignalSpy>
-#include <QTest>
-#include <QTreeView>
+#include <QtTest>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 
@@ -316,9 +310,6 @@ void TestSettingsModel::filterKeepsPlaceInView()
     const auto shown = [&f](const QString& path) {
         return f.proxy.mapFromSource(f.model.indexForNode(f.node(path)));
     };
-    const auto top = [&view] {
-        return view.indexAt({0, 0}).data().toString();
-    };
     view.setCurrentIndex(shown(u"group150/even"_s));
     view.scrollTo(shown(u"group120/even"_s), QAbstractItemView::PositionAtTop);
     for (const QString& text : {u"even"_s, u"e"_s, u""_s}) {
@@ -326,15 +317,10 @@ void TestSettingsModel::filterKeepsPlaceInView()
         f.proxy.setFilterText(text);
         view.expandAll();
         position.restore();
-        QCOMPARE(top(), u"even"_s);
-        QCOMPARE(view.indexAt({0, 0}).parent(), shown(u"group120"_s));
+        QCOMPARE(view.indexAt({0, 0}), shown(u"group120/even"_s));
         QCOMPARE(view.currentIndex(), shown(u"group150/even"_s));
         QVERIFY(view.selectionModel()->isSelected(view.currentIndex()));
     }
-    const TreePosition position(view, f.proxy);
-    view.collapseAll();
-    position.restore();
-    QCOMPARE(top(), u"group120"_s);
 }
 
 void TestSettingsModel::copesWithDeepFile()

