@@ -14,7 +14,9 @@ class TestXsdtDocument : public QObject
 private slots:
     void findsNodesByPath();
     void buildsPaths();
+    void knowsRowsAndCounts();
     void countsEditsOutsideDeletions();
+    void revertsEverything();
     void commitsEditsAndDeletions();
     void handlesAMillionLevels();
     void handlesAMillionChildren();
@@ -51,6 +53,23 @@ void TestXsdtDocument::buildsPaths()
                           QStringLiteral("a//b"), QString(), QString(), QStringLiteral("c/d")}));
 }
 
+void TestXsdtDocument::knowsRowsAndCounts()
+{
+    const auto document = documentFrom("<i k='a'/><i k='b'><v k='X' t='s' v=''/>"
+                                       "<v k='X' t='s' v=''/></i>");
+    const XsdtNode& group = *document->root.children[1];
+    QCOMPARE(document->root.rowInParent(), 0);
+    QCOMPARE(group.rowInParent(), 1);
+    QCOMPARE(group.childByKey(u"X"), group.children[0].get());
+    QCOMPARE(group.children[1]->rowInParent(), 1);
+    QCOMPARE(group.valueCount(), 2);
+    QCOMPARE(group.children[0]->valueCount(), 1);
+    QCOMPARE(document->root.children[0]->valueCount(), 0);
+    // A wrong hint costs time, not the answer.
+    group.children[1]->rowHint = 7;
+    QCOMPARE(group.children[1]->rowInParent(), 1);
+}
+
 void TestXsdtDocument::countsEditsOutsideDeletions()
 {
     const auto document = documentFrom("<i k='a'><v k='b' t='s' v='1'/><i k='c'>"
@@ -75,6 +94,18 @@ void TestXsdtDocument::countsEditsOutsideDeletions()
     QVERIFY(d->isInsideDeletion() && a->isInsideDeletion() && !e->isInsideDeletion());
     a->markedForDeletion = false;
     QCOMPARE(document->deletions(), QList<XsdtNode*>({c}));
+}
+
+void TestXsdtDocument::revertsEverything()
+{
+    const auto document = documentFrom("<i k='a'><i k='b'><v k='c' t='s' v='1'/></i></i>");
+    const QString before = treeText(document->root);
+    XsdtNode* c = document->root.findByPath(u"a/b/c");
+    c->value = QStringLiteral("2");
+    c->parent->markedForDeletion = c->parent->parent->markedForDeletion = true;
+    document->revertAll();
+    QCOMPARE(document->pendingCount(), 0);
+    QCOMPARE(treeText(document->root), before);
 }
 
 void TestXsdtDocument::commitsEditsAndDeletions()

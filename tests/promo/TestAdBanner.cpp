@@ -3,9 +3,16 @@
 #include "support/LoopbackServer.h"
 #include "support/TestMain.h"
 
-#include <QtNetwork>
-#include <QtTest>
-#include <QtWidgets>
+#include <QAccessible>
+#include <QBuffer>
+#include <QDesktopServices>
+#include <QLabel>
+#include <QNetworkReply>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -87,6 +94,8 @@ void TestAdBanner::showsWhatTheAnswerLeaves_data()
                                       "Content-Encoding: deflate\r\n"}
                             << true;
     QTest::newRow("moved") << Answer{{}, "302 Found", "Location: /moved\r\n"} << true;
+    QTest::newRow("bad XML") << Answer{found + "<"} << false;
+    QTest::newRow("empty") << Answer{} << false;
     QTest::newRow("truncated") << Answer{found.chopped(1)} << false;
     QTest::newRow("not found") << Answer{found, "404 Not Found"} << false;
     QTest::newRow("not 200") << Answer{found, "203 Non-Authoritative"} << false;

@@ -42,10 +42,16 @@ private slots:
     {
         const QJsonObject variables =
             QJsonDocument::fromJson(builtInTable("globals.json"))["variables"_L1].toObject();
+        QMap<QString, int> counts;
         for (const QByteArray& line : builtInTable("globals.tsv").trimmed().split('\n').mid(1)) {
             const QStringList cells = QString::fromUtf8(line).split(u'\t');
-            QCOMPARE(variables[cells.at(0)]["description"_L1].toString(), cells.at(3));
+            const QJsonValue row = variables[cells.at(0)];
+            QCOMPARE(row["description"_L1].toString(), cells.at(3));
+            ++counts[row["type"_L1].toString()];
+            counts[u"empty"_s] += cells.at(3).isEmpty();
+            counts[u"readOnly"_s] += row["readOnly"_L1].toBool();
         }
+        QCOMPARE(counts.values(), (QList<int>{12, 107, 105, 33, 36, 85, 6}));
         QCOMPARE(variables.size(), 243);
     }
 
