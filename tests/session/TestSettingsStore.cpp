@@ -150,11 +150,14 @@ private slots:
     void datesABackupByItsMaking()
     {
         StoreFixture f;
-        f.write(f.path + u".bak-older"_s, {});
-        QFile file(f.path);
-        QVERIFY(file.open(QIODevice::ReadWrite) &&
-                file.setFileTime(QDateTime({2001, 2, 3}, {4, 5, 6}),
-                                 QFileDevice::FileModificationTime));
+        const QString older = f.path + u".bak-older"_s;
+        f.write(older, {});
+        for (const auto& [path, year] : {std::pair(f.path, 2001), std::pair(older, 2010)}) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(QDateTime({year, 2, 3}, {4, 5, 6}),
+                                     QFileDevice::FileModificationTime));
+        }
         f.edit("A/x", u"2"_s);
         const QDateTime before = QDateTime::currentDateTime().addSecs(-2);
         QString backup;
