@@ -13,37 +13,34 @@ namespace kse {
 
 namespace {
 
-/// Gives equal short texts one shared string: a file repeats few keys and values many times.
-/// A cache rather than a set, so that it stays small whatever the file holds.
-class StringPool
+/// Gives equal keys one shared string: a file repeats few of them many times. A cache rather than
+/// a set, so that it stays small whatever the file holds.
+class KeyPool
 {
 public:
-    QString string(QStringView text)
+    QString string(QStringView key)
     {
-        if (text.size() > longest) {
-            return text.toString();
+        if (key.size() > longest) {
+            return key.toString();
         }
-        if (text.isEmpty()) {
-            return QString(u""_s);
-        }
-        const quint64 hash = hashOf(text);
+        const quint64 hash = hashOf(key);
         const auto slot = static_cast<std::size_t>(hash >> (64 - slotBits));
         const auto mark = static_cast<quint16>(hash >> 16);
         if (m_marks[slot] != mark) {
             // Kept from the second time on, so that what comes once displaces nothing.
             m_marks[slot] = mark;
-            return text.toString();
+            return key.toString();
         }
         QString& kept = m_kept[slot];
-        if (!equal(kept, text)) {
-            kept = text.toString();
+        if (!equal(kept, key)) {
+            kept = key.toString();
         }
         return kept;
     }
 
 private:
-    static constexpr qsizetype longest = 24;
-    static constexpr int slotBits = 13;
+    static constexpr qsizetype longest = 32;
+    static constexpr int slotBits = 11; ///< more would push the text out of the processor's cache
 
     static quint64 fourAt(QStringView text, qsizetype index)
     {
@@ -52,25 +49,25 @@ private:
         return four;
     }
 
-    /// Looks at the first, middle and last characters, enough to tell most texts of a file apart.
-    static quint64 hashOf(QStringView text)
+    /// Looks at the first, middle and last characters, enough to tell most keys of a file apart.
+    static quint64 hashOf(QStringView key)
     {
         constexpr quint64 multiplier = 0x9E3779B97F4A7C15;
-        const qsizetype size = text.size();
+        const qsizetype size = key.size();
         auto hash = static_cast<quint64>(size);
         if (size < 4) {
-            for (const QChar c : text) {
+            for (const QChar c : key) {
                 hash = (hash << 16) | c.unicode();
             }
         } else {
-            hash = (hash ^ fourAt(text, 0)) * multiplier;
-            hash = (hash ^ (hash >> 32) ^ fourAt(text, size - 4)) * multiplier;
-            hash ^= (hash >> 32) ^ fourAt(text, size / 2 - 2);
+            hash = (hash ^ fourAt(key, 0)) * multiplier;
+            hash = (hash ^ (hash >> 32) ^ fourAt(key, size - 4)) * multiplier;
+            hash ^= (hash >> 32) ^ fourAt(key, size / 2 - 2);
         }
         return hash * multiplier;
     }
 
-    /// Quicker than Qt's for texts as short as these.
+    /// Quicker than Qt's for strings as short as these.
     static bool equal(QStringView a, QStringView b)
     {
         if (a.size() != b.size()) {
@@ -86,9 +83,15 @@ private:
         return difference == 0;
     }
 
-    std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< of the texts that came last
+    std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< of the keys that came last
     std::array<QString, std::size_t(1) << slotBits> m_kept;
 };
+
+/// Nearly every value that repeats often is one of these two.
+QString valueString(QStringView text)
+{
+    return text == u"true" ? u"true"_s : text == u"false" ? u"false"_s : text.toString();
+}
 
 constexpr auto asciiNameCharacters = [] {
     std::array<bool, 128> table{};
@@ -102,6 +105,22 @@ constexpr auto asciiNameCharacters = [] {
 bool isNameCharacter(char16_t c)
 {
     return c < asciiNameCharacters.size() ? asciiNameCharacters[c] : QChar::isLetterOrNumber(c);
+}
+
+const char16_t* nameEnd(const char16_t* at)
+{
+    while (isNameCharacter(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+const char16_t* spaceEnd(const char16_t* at)
+{
+    while (QChar::isSpace(*at)) {
+        ++at;
+    }
+    return at;
 }
 
 /// The code point of a numeric reference's digits; 0, which no reference may name, if they aren't
@@ -127,62 +146,55 @@ char32_t codePoint(QStringView digits, int base)
     return number;
 }
 
-/// Appends what the reference `name`, without & and ;, stands for. False with the reason in
-/// `error` if it stands for nothing.
-bool appendReference(QStringView name, QString& output, QString& error)
+/// The code point that the reference `name`, without & and ;, stands for; 0 if for none.
+char32_t referredTo(QStringView name)
 {
-    static constexpr struct
-    {
-        QLatin1String name;
-        char16_t character;
-    } named[] = {{QLatin1String("amp"), u'&'},
-                 {QLatin1String("lt"), u'<'},
-                 {QLatin1String("gt"), u'>'},
-                 {QLatin1String("quot"), u'"'},
-                 {QLatin1String("apos"), u'\''}};
-    for (const auto& entity : named) {
-        if (name == entity.name) {
-            output += entity.character;
-            return true;
+    static constexpr std::pair<QStringView, char32_t> named[] = {
+        {u"amp", U'&'}, {u"lt", U'<'}, {u"gt", U'>'}, {u"quot", U'"'}, {u"apos", U'\''}};
+    for (const auto& [entity, character] : named) {
+        if (name == entity) {
+            return character;
         }
     }
-    if (!name.startsWith(u'#')) {
-        error = u"unknown entity &%1;"_s.arg(name);
-        return false;
+    if (name.startsWith(u"#x")) {
+        return codePoint(name.mid(2), 16);
     }
-    const bool hexadecimal = name.startsWith(u"#x");
-    const char32_t code = codePoint(name.mid(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10);
-    if (code == 0) {
-        error = u"invalid character reference"_s;
-        return false;
-    }
-    output += QChar::fromUcs4(code); // QString::fromUcs4 would take U+FEFF for a byte order mark
-    return true;
+    return name.startsWith(u'#') ? codePoint(name.mid(1), 10) : 0;
 }
 
+/// Decodes the references of `input`. False with the reason in `error` if one is wrong.
 bool decodeEntities(QStringView input, QString& output, QString& error)
 {
     constexpr qsizetype longestReference = 12; // from & to ;
-    output.clear();
-    output.reserve(input.size());
-    qsizetype from = 0;
-    while (true) {
-        const qsizetype ampersand = input.indexOf(u'&', from);
-        if (ampersand < 0) {
-            output += input.mid(from);
-            return true;
+    output.resize(input.size());               // no character is longer than its reference
+    QChar* to = output.data();
+    const QChar* const end = input.cend();
+    for (const QChar* at = input.cbegin(); at != end;) {
+        if (*at != u'&') {
+            *to++ = *at++;
+            continue;
         }
-        output += input.mid(from, ampersand - from);
-        const qsizetype length = input.mid(ampersand, longestReference + 1).indexOf(u';');
+        const QStringView reach(at + 1, std::min<qsizetype>(end - at - 1, longestReference));
+        const qsizetype length = reach.indexOf(u';');
         if (length < 0) {
             error = u"malformed entity reference"_s;
             return false;
         }
-        if (!appendReference(input.mid(ampersand + 1, length - 1), output, error)) {
+        const QStringView name = reach.left(length);
+        const char32_t character = referredTo(name);
+        if (character == 0) {
+            error = name.startsWith(u'#') ? u"invalid character reference"_s
+                                          : u"unknown entity &%1;"_s.arg(name);
             return false;
         }
-        from = ampersand + length + 1;
+        // QString::fromUcs4 would take U+FEFF for a byte order mark and drop it.
+        for (const char16_t unit : QChar::fromUcs4(character)) {
+            *to++ = unit;
+        }
+        at += length + 2;
     }
+    output.truncate(to - output.constData());
+    return true;
 }
 
 /// The decoded text of an attribute: a part of the file's text, or of `buffer` where references
@@ -215,8 +227,8 @@ struct Tag
 class Reader
 {
 public:
-    Reader(QStringView text, qsizetype from, QString* error)
-        : m_begin(text.utf16())
+    Reader(const QString& text, qsizetype from, QString* error)
+        : m_begin(reinterpret_cast<const char16_t*>(text.utf16()))
         , m_end(m_begin + text.size())
         , m_pos(m_begin + from)
         , m_error(error)
@@ -230,34 +242,29 @@ public:
 
 private:
     bool readTag();
-    bool readAttribute();
-    QStringView readName();
+    bool readAttribute(const char16_t*& at);
     bool readElement(XsdtNode*& group);
     bool readValue(XsdtNode& group);
     bool readText();
-    bool decode(Attribute& attribute);
-
-    void skipSpace();
-    bool atEnd() const { return m_pos == m_end; }
-    bool atEndTag() const { return m_end - m_pos >= 2 && m_pos[0] == u'<' && m_pos[1] == u'/'; }
-    bool failAt(const QString& message);
+    bool decode(Attribute& attribute, const char16_t* position);
+    bool failAt(const char16_t* position, const QString& message);
 
     const char16_t* m_begin;
-    const char16_t* m_end;
+    const char16_t* m_end; ///< holds a NUL, which ends white space, names and tags
     const char16_t* m_pos;
     QString* m_error;
     Tag m_tag;
-    StringPool m_pool;
+    KeyPool m_keys;
 };
 
-bool Reader::failAt(const QString& message)
+bool Reader::failAt(const char16_t* position, const QString& message)
 {
     if (!m_error) {
         return false;
     }
     qsizetype line = 1;
     qsizetype column = 1;
-    for (const char16_t* at = m_begin; at != m_pos; ++at) {
+    for (const char16_t* at = m_begin; at != position; ++at) {
         ++column;
         if (*at == u'\n') {
             ++line;
@@ -269,55 +276,38 @@ bool Reader::failAt(const QString& message)
     return false;
 }
 
-void Reader::skipSpace()
-{
-    while (m_pos != m_end && QChar::isSpace(*m_pos)) {
-        ++m_pos;
-    }
-}
-
-QStringView Reader::readName()
-{
-    const char16_t* start = m_pos;
-    while (m_pos != m_end && isNameCharacter(*m_pos)) {
-        ++m_pos;
-    }
-    return {start, m_pos};
-}
-
-bool Reader::decode(Attribute& attribute)
+bool Reader::decode(Attribute& attribute, const char16_t* position)
 {
     QString reason;
     if (!decodeEntities(attribute.text, attribute.buffer, reason)) {
-        return failAt(reason);
+        return failAt(position, reason);
     }
     attribute.text = attribute.buffer;
     return true;
 }
 
-bool Reader::readAttribute()
+bool Reader::readAttribute(const char16_t*& at)
 {
-    const QStringView name = readName();
+    const QStringView name(at, nameEnd(at));
     if (name.isEmpty()) {
-        return failAt(u"malformed attribute"_s);
+        return failAt(at, u"malformed attribute"_s);
     }
-    skipSpace();
-    if (atEnd() || *m_pos != u'=') {
-        return failAt(u"expected '=' after attribute name"_s);
+    at = spaceEnd(at + name.size());
+    if (*at != u'=') {
+        return failAt(at, u"expected '=' after attribute name"_s);
     }
-    ++m_pos;
-    skipSpace();
-    if (atEnd() || (*m_pos != u'"' && *m_pos != u'\'')) {
-        return failAt(u"expected a quoted attribute value"_s);
+    at = spaceEnd(at + 1);
+    if (*at != u'"' && *at != u'\'') {
+        return failAt(at, u"expected a quoted attribute value"_s);
     }
-    const char16_t quote = *m_pos++;
-    const char16_t* twin = m_pos;
+    const char16_t quote = *at++;
+    const char16_t* twin = at;
     bool references = false;
     while (twin != m_end && *twin != quote) {
         references |= *twin++ == u'&';
     }
     if (twin == m_end) {
-        return failAt(u"unterminated attribute value"_s);
+        return failAt(at, u"unterminated attribute value"_s);
     }
     const char16_t letter = name.size() == 1 ? name[0].unicode() : u'\0';
     Attribute& attribute = letter == u'k'   ? m_tag.k
@@ -325,51 +315,49 @@ bool Reader::readAttribute()
                            : letter == u'v' ? m_tag.v
                                             : m_tag.other;
     attribute.present = true;
-    attribute.text = QStringView(m_pos, twin);
-    m_pos = twin + 1;
-    if (references && !decode(attribute)) {
+    attribute.text = QStringView(at, twin);
+    at = twin + 1;
+    if (references && !decode(attribute, at)) {
         return false;
     }
-    return &attribute != &m_tag.other || failAt(u"unsupported attribute '%1'"_s.arg(name));
+    return &attribute != &m_tag.other || failAt(at, u"unsupported attribute '%1'"_s.arg(name));
 }
 
 bool Reader::readTag()
 {
     m_tag.clear();
-    skipSpace();
-    if (atEnd() || *m_pos != u'<') {
-        return failAt(u"expected '<'"_s);
+    const char16_t* at = spaceEnd(m_pos); // a local, which the compiler keeps in a register
+    if (*at != u'<') {
+        return failAt(at, u"expected '<'"_s);
     }
-    ++m_pos;
-    if (!atEnd() && *m_pos == u'/') {
-        m_tag.closing = true;
-        ++m_pos;
-    }
-    m_tag.name = readName();
+    m_tag.closing = *++at == u'/';
+    at += m_tag.closing ? 1 : 0;
+    m_tag.name = QStringView(at, nameEnd(at));
     if (m_tag.name.isEmpty()) {
-        return failAt(u"expected an element name"_s);
+        return failAt(at, u"expected an element name"_s);
     }
+    at += m_tag.name.size();
     while (true) {
-        skipSpace();
-        if (atEnd()) {
-            return failAt(u"unexpected end of file inside a tag"_s);
+        at = spaceEnd(at);
+        if (at == m_end) {
+            return failAt(at, u"unexpected end of file inside a tag"_s);
         }
-        if (*m_pos == u'>') {
-            ++m_pos;
+        if (*at == u'>') {
+            m_pos = at + 1;
             return true;
         }
-        if (*m_pos == u'/') {
-            if (m_tag.closing || m_end - m_pos < 2 || m_pos[1] != u'>') {
-                return failAt(u"malformed tag"_s);
+        if (*at == u'/') {
+            if (m_tag.closing || at[1] != u'>') {
+                return failAt(at, u"malformed tag"_s);
             }
             m_tag.selfClosing = true;
-            m_pos += 2;
+            m_pos = at + 2;
             return true;
         }
         if (m_tag.closing) {
-            return failAt(u"unexpected content in closing tag"_s);
+            return failAt(at, u"unexpected content in closing tag"_s);
         }
-        if (!readAttribute()) {
+        if (!readAttribute(at)) {
             return false;
         }
     }
@@ -382,11 +370,11 @@ bool Reader::readText()
     const QStringView rest(m_pos, m_end);
     const qsizetype length = rest.indexOf(u'<');
     if (length < 0 || !rest.mid(length).startsWith(endTag)) {
-        return failAt(rest.contains(endTag) ? u"markup inside a <v> text value"_s
-                                            : u"unterminated <v> element"_s);
+        return failAt(m_pos, rest.contains(endTag) ? u"markup inside a <v> text value"_s
+                                                   : u"unterminated <v> element"_s);
     }
     m_tag.v.text = rest.left(length);
-    if (m_tag.v.text.contains(u'&') && !decode(m_tag.v)) {
+    if (m_tag.v.text.contains(u'&') && !decode(m_tag.v, m_pos)) {
         return false;
     }
     m_pos += length + endTag.size();
@@ -396,22 +384,22 @@ bool Reader::readText()
 bool Reader::readValue(XsdtNode& group)
 {
     if (!m_tag.k.present || !m_tag.t.present || m_tag.t.text.size() != 1) {
-        return failAt(u"malformed <v> element"_s);
+        return failAt(m_pos, u"malformed <v> element"_s);
     }
     if (m_tag.selfClosing && !m_tag.v.present) {
-        return failAt(u"<v> element without a value"_s);
+        return failAt(m_pos, u"<v> element without a value"_s);
     }
     if (!m_tag.selfClosing && m_tag.v.present) {
-        return failAt(u"<v> element with both an attribute and a text value"_s);
+        return failAt(m_pos, u"<v> element with both an attribute and a text value"_s);
     }
     if (!m_tag.selfClosing && !readText()) {
         return false;
     }
     std::unique_ptr<XsdtNode> node(new XsdtNode); // make_unique would zero it all first
     node->kind = XsdtNode::Kind::Value;
-    node->key = m_pool.string(m_tag.k.text);
+    node->key = m_keys.string(m_tag.k.text);
     node->typeCode = m_tag.t.text.front();
-    node->value = m_pool.string(m_tag.v.text);
+    node->value = valueString(m_tag.v.text);
     node->original = node->value;
     node->textForm = !m_tag.selfClosing;
     node->selfClosing = m_tag.selfClosing;
@@ -430,13 +418,13 @@ bool Reader::readElement(XsdtNode*& group)
         return readValue(*group);
     }
     if (kind != u'i') {
-        return failAt(u"unexpected element <%1>"_s.arg(m_tag.name));
+        return failAt(m_pos, u"unexpected element <%1>"_s.arg(m_tag.name));
     }
     if (!m_tag.k.present || m_tag.t.present || m_tag.v.present) {
-        return failAt(u"malformed <i> element"_s);
+        return failAt(m_pos, u"malformed <i> element"_s);
     }
     std::unique_ptr<XsdtNode> node(new XsdtNode); // make_unique would zero it all first
-    node->key = m_pool.string(m_tag.k.text);
+    node->key = m_keys.string(m_tag.k.text);
     node->selfClosing = m_tag.selfClosing;
     XsdtNode* child = group->append(std::move(node));
     if (!m_tag.selfClosing) {
@@ -449,11 +437,11 @@ bool Reader::readContent(XsdtNode& root)
 {
     XsdtNode* group = &root;
     while (true) {
-        skipSpace();
-        if (atEnd()) {
-            return failAt(u"unexpected end of file"_s);
+        m_pos = spaceEnd(m_pos);
+        if (m_pos == m_end) {
+            return failAt(m_pos, u"unexpected end of file"_s);
         }
-        if (!atEndTag()) {
+        if (m_pos[0] != u'<' || m_pos[1] != u'/') {
             if (!readElement(group)) {
                 return false;
             }
@@ -464,7 +452,7 @@ bool Reader::readContent(XsdtNode& root)
         }
         const bool isRoot = group == &root;
         if (m_tag.name != (isRoot ? QStringView(u"xsdt") : QStringView(u"i"))) {
-            return failAt(isRoot ? u"expected </xsdt>"_s : u"expected </i>"_s);
+            return failAt(m_pos, isRoot ? u"expected </xsdt>"_s : u"expected </i>"_s);
         }
         group->children.shrink_to_fit();
         if (isRoot) {

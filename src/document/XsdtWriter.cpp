@@ -125,16 +125,6 @@ void literal(Sink& sink, const char (&text)[Size])
     sink.bytes(text, static_cast<qsizetype>(Size - 1));
 }
 
-/// Passes one character on in UTF-8 and returns the number of its code units.
-template <typename Sink>
-qsizetype encodeCharacter(Sink& sink, QStringView text)
-{
-    const bool isPair = text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate();
-    const QByteArray utf8 = text.left(isPair ? 2 : 1).toUtf8();
-    sink.bytes(utf8.constData(), utf8.size());
-    return isPair ? 2 : 1;
-}
-
 /// The reference that the writer puts for `c`; null if `c` goes out as it is.
 constexpr const char* referenceFor(char16_t c)
 {
@@ -165,15 +155,17 @@ void encode(Sink& sink, QStringView text, bool escape)
             ++at;
         }
         sink.ascii(run, at - run);
-        if (at == end) {
-            return;
-        }
-        if (*at < 0x80) {
-            const char* reference = referenceFor(*at);
+        if (at != end && *at < 0x80) {
+            const char* reference = referenceFor(*at++);
             sink.bytes(reference, static_cast<qsizetype>(std::strlen(reference)));
+        }
+        run = at;
+        while (at != end && *at >= 0x80) {
             ++at;
-        } else {
-            at += encodeCharacter(sink, QStringView(at, end));
+        }
+        if (at != run) {
+            const QByteArray utf8 = QStringView(run, at).toUtf8();
+            sink.bytes(utf8.constData(), utf8.size());
         }
     }
 }
