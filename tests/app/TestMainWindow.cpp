@@ -203,9 +203,10 @@ private slots:
         QCOMPARE(pending(), 0);
         QCOMPARE(m_window->windowTitle(), u"Kestrane Settings Editor"_s);
 
+        std::unique_ptr<DialogAnswerer<QMessageBox>> confirm; // made when its turn comes
         DialogAnswerer<QInputDialog> choose([&](QInputDialog& dialog) {
             QVERIFY(dialog.textValue().startsWith(QFileInfo(backups.constFirst()).fileName()));
-            new DialogAnswerer<QMessageBox>(
+            confirm = std::make_unique<DialogAnswerer<QMessageBox>>(
                 [](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
             dialog.accept();
         });
