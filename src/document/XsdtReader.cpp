@@ -407,6 +407,9 @@ bool Reader::readValue(XsdtNode& group)
     return true;
 }
 
+/// Spares most groups the small steps of a vector's growth; what is too much goes at their end.
+constexpr std::size_t usualGroupSize = 16;
+
 /// Reads one value, or the start of a group, which then becomes `group`.
 bool Reader::readElement(XsdtNode*& group)
 {
@@ -429,6 +432,7 @@ bool Reader::readElement(XsdtNode*& group)
     XsdtNode* child = group->append(std::move(node));
     if (!m_tag.selfClosing) {
         group = child;
+        group->children.reserve(usualGroupSize);
     }
     return true;
 }

@@ -18,6 +18,7 @@ private slots:
     void keepsCharactersAndSurroundings();
     void saysWhatIsWrongAndWhere_data();
     void saysWhatIsWrongAndWhere();
+    void survivesCutAndChangedFiles_data();
     void survivesCutAndChangedFiles();
     void readsHugeStrings();
     void failsQuicklyOnUnfinishedInput();
@@ -160,16 +161,29 @@ void TestXsdtReader::saysWhatIsWrongAndWhere()
     QVERIFY(!document->parse(file));
 }
 
+void TestXsdtReader::survivesCutAndChangedFiles_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("step");
+    QTest::addColumn<int>("rounds");
+    QFile sample(QStringLiteral(KSE_SOURCE_DIR "/examples/core-001-pxi.settings"));
+    QVERIFY(sample.open(QIODevice::ReadOnly));
+    QTest::newRow("every construct") << everyConstruct() << 1 << 8000;
+    QTest::newRow("sample") << sample.readAll() << 97 << 200;
+}
+
 void TestXsdtReader::survivesCutAndChangedFiles()
 {
-    const QByteArray file = everyConstruct();
+    QFETCH(const QByteArray, file);
+    QFETCH(const int, step);
+    QFETCH(const int, rounds);
     QVERIFY(XsdtDocument().parse(file));
-    for (qsizetype size = 0; size <= file.size(); ++size) {
+    for (qsizetype size = 0; size <= file.size(); size += step) {
         checkAnswer(file.left(size));
     }
     static constexpr char likely[] = "<>/\"'&;#=kvti \n\0\xC3\xED";
     std::minstd_rand random(1);
-    for (int round = 0; round < 8000 && !QTest::currentTestFailed(); ++round) {
+    for (int round = 0; round < rounds && !QTest::currentTestFailed(); ++round) {
         QByteArray changed = file;
         for (int changes = 1 + round % 3; changes > 0; --changes) {
             const auto at = static_cast<qsizetype>(random() % quint32(file.size()));
