@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Draws the pictures of the README and of the user guide anew, from a scratch copy of the sample
-# files, and puts the guide together. Needs convert (imagemagick).
+# files. Needs convert (imagemagick).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -29,15 +29,16 @@ for name in prefs-00 health; do
         "PNG8:$root/docs/images/$name.png"
 done
 
-# The source page names the pictures; the guide carries them in it, drawn small, and without what
-# stands beneath the pages.
-help=$root/resources/help
+# The guide carries its pictures in it, drawn small, and without what stands beneath the pages. Each
+# has the name of its source as id.
+guide=$root/resources/help/help.html
 while IFS= read -r line; do
-    if [[ $line =~ ^(.*\<img\ src=\")([a-z0-9-]+\.png)(\".*)$ ]]; then
-        convert "$home/drawn/${BASH_REMATCH[2]}" -crop 1200x678+0+0 +repage -resize '720x>' \
+    if [[ $line =~ ^(.*\<img\ id=\"([a-z0-9-]+)\"\ src=\")[^\"]*(\".*)$ ]]; then
+        convert "$home/drawn/${BASH_REMATCH[2]}.png" -crop 1200x678+0+0 +repage -resize '720x>' \
             -dither None -colors 64 "PNG8:$home/small.png"
         line="${BASH_REMATCH[1]}data:image/png;base64,$(base64 -w0 "$home/small.png")"
         line+=${BASH_REMATCH[3]}
     fi
     printf '%s\n' "$line"
-done <"$help/help.in.html" >"$help/help.html"
+done <"$guide" >"$home/help.html"
+cp "$home/help.html" "$guide"
