@@ -71,10 +71,12 @@ bool normaliseReal(const QString& text, QString& normalised)
 
 bool normaliseRealSingle(const QString& text, QString& normalised)
 {
+    // The largest single is stored with nine digits, which round it up: that text must be accepted.
+    constexpr double largestStored = 3.40282347e+38;
     bool ok = false;
     const double number = numberLocale().toDouble(text, &ok);
     // The negation refuses NaN too.
-    if (!ok || !(std::abs(number) <= double(std::numeric_limits<float>::max()))) {
+    if (!ok || !(std::abs(number) <= largestStored)) {
         return false;
     }
     // The shortest text of the single, not of the double that it widens to: 0.1 stays "0.1".

@@ -61,6 +61,7 @@ void TestXsdtValueType::validatesInput_data()
                                  {'f', "0.1", "0.1"},
                                  {'f', "16777217", "16777216"},
                                  {'f', "3.4028234663852886e+38", "3.40282347e+38"},
+                                 {'f', "-3.40282347e+38", "-3.40282347e+38"},
                                  {'s', "  42 ", "  42 "},
                                  {'s', "", ""}};
     for (const auto& [code, input, stored] : accepted) {
