@@ -10,6 +10,7 @@
 #include <QJsonValue>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -148,9 +149,13 @@ void SettingsSchema::describeDocumented(const QString& id, VariableInfo& info) c
         u"\\[\\s*(-?\\d+(?:\\.\\d+)?)\\s*,\\s*(-?\\d+(?:\\.\\d+)?)\\s*\\]"_s);
     const QRegularExpressionMatch match = range.match(info.description);
     if (match.hasMatch()) {
+        // More digits than a double can hold read as infinite, which is no bound.
+        const auto bound = [&match](int group) {
+            return std::clamp(match.capturedView(group).toDouble(), -largest, largest);
+        };
         info.hasRange = true;
-        info.min = match.capturedView(1).toDouble();
-        info.max = match.capturedView(2).toDouble();
+        info.min = bound(1);
+        info.max = bound(2);
     }
 }
 
