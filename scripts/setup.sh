@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what is missing on Debian 12, Ubuntu 24.04 and later, and nothing if all is there.
-#   scripts/setup.sh [build] [test] [package] [ci]
+#   scripts/setup.sh [build] [test] [package] [fuzz] [ci]
 set -euo pipefail
 
 # Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
 build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(openssl procps)
 package=(dpkg-dev file)
+fuzz=(clang libclang-rt-dev llvm)
 ci=(appstream clang-format desktop-file-utils g++-mingw-w64-x86-64-posix libbenchmark-dev
     libpugixml-dev shellcheck)
 
@@ -17,9 +18,10 @@ for part in "${@:-build}"; do
     build) needed+=("${build[@]}") ;;
     test) needed+=("${test[@]}") ;;
     package) needed+=("${package[@]}") ;;
+    fuzz) needed+=("${fuzz[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
     *)
-        echo "Usage: scripts/setup.sh [build] [test] [package] [ci]" >&2
+        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [ci]" >&2
         exit 2
         ;;
     esac
