@@ -198,24 +198,35 @@ void requireDescribed(const SettingsSchema& schema, const QJsonObject& globals,
 void requirePages(const SettingsSchema& schema, const QJsonObject& overlay,
                   const XsdtDocument& document)
 {
-    QSet<const XsdtNode*> shown;
-    for (const PageSpec& page : schema.decoratedPages(document)) {
-        require(!page.paths.isEmpty() && page.paths.size() == page.nodes.size(), "paths and nodes");
-        for (qsizetype i = 0; i < page.paths.size(); ++i) {
-            // A page of its own shows its group, be it the first of that path or not.
-            require(page.nodes[i]->path() == page.paths[i] ||
-                        page.nodes[i] == document.root.findByPath(page.paths[i]),
-                    "node of a path");
-            shown.insert(page.nodes[i]);
+    QList<std::tuple<QString, QStringList, QList<XsdtNode*>>> expected;
+    QStringList claimed;
+    for (const QJsonValue& page : overlay["pages"_L1].toArray()) {
+        QStringList paths;
+        QList<XsdtNode*> nodes;
+        for (const QJsonValue& path : page["paths"_L1].toArray()) {
+            if (XsdtNode* node = document.root.findByPath(path.toString())) {
+                paths.append(path.toString());
+                nodes.append(node);
+            }
+        }
+        const QString title = page["title"_L1].toString();
+        if (!paths.isEmpty() && !title.isEmpty()) {
+            expected.append({title, paths, nodes});
+            claimed += paths;
         }
     }
     const XsdtNode* preferences = document.root.findByPath(u"Global/Preferences");
-    for (int i = 0; preferences && i < static_cast<int>(preferences->children.size()); ++i) {
-        const XsdtNode& child = *preferences->children[static_cast<std::size_t>(i)];
-        require(child.kind == XsdtNode::Kind::Value || child.key == u"ProcessInterface"_s ||
-                    shown.contains(&child) || preferences->childByKey(child.key) != &child ||
-                    !overlay["pages"_L1].toArray().isEmpty(),
-                "each group of the preferences has a page");
+    for (std::size_t i = 0; preferences && i < preferences->children.size(); ++i) {
+        XsdtNode* child = preferences->children[i].get();
+        if (child->kind == XsdtNode::Kind::Group && child->key != u"ProcessInterface"_s &&
+            !claimed.contains(child->path())) {
+            expected.append({prettyName(child->key), {child->path()}, {child}});
+        }
+    }
+    const QList<PageSpec> pages = schema.decoratedPages(document);
+    require(pages.size() == expected.size(), "pages");
+    for (qsizetype i = 0; i < pages.size(); ++i) {
+        require(std::tuple(pages[i].title, pages[i].paths, pages[i].nodes) == expected[i], "page");
     }
 }
 
