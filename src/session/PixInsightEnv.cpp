@@ -206,7 +206,8 @@ BackupRemoval removeBackups(const QString& settingsPath, const QStringList& path
         const bool isBackup = file.fileName().startsWith(prefix, Qt::CaseSensitive) &&
                               file.absolutePath() == settings.absolutePath() && file.isFile();
         const qint64 size = file.size();
-        const bool trashed = isBackup && tryTrash && QFile::moveToTrash(path);
+        const bool trashed =
+            isBackup && tryTrash && QFile::moveToTrash(path) && !QFileInfo::exists(path);
         if (trashed || (isBackup && QFile::remove(path))) {
             ++result.removed;
             result.freedBytes += size;
