@@ -19,12 +19,13 @@ class FakePixInsight
 {
 public:
     explicit FakePixInsight(const QString& name = QStringLiteral("PixInsight"))
-#ifdef Q_OS_WIN
-        : m_program(QDir(m_dir.path()).filePath(QFileInfo(name).completeBaseName() + u".exe"))
-#else
         : m_program(QDir(m_dir.path()).filePath(name))
-#endif
     {
+#ifdef Q_OS_WIN
+        if (!name.endsWith(QLatin1String(".exe"), Qt::CaseInsensitive)) {
+            m_program += QStringLiteral(".exe"); // or it can't be started
+        }
+#endif
         m_copied = QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), m_program);
     }
     ~FakePixInsight()

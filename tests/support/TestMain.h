@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QCoreApplication>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtGlobal>
 
@@ -20,9 +23,20 @@ public:
         qputenv("XDG_DATA_HOME", home + "/.local/share");
         qputenv("APPDATA", home + "/AppData/Roaming");
         qputenv("LC_ALL", "C.UTF-8");
+        // Nothing else is there for a test to answer.
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+#ifdef Q_OS_WIN
+        // The registry and the known folders, where variables lead nowhere.
+        QSettings::setDefaultFormat(QSettings::IniFormat);
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_dir.path());
+        QStandardPaths::setTestModeEnabled(true);
+#endif
     }
 
-    bool isValid() const { return m_dir.isValid(); }
+    bool isValid() const
+    {
+        return m_dir.isValid();
+    }
 
 private:
     QTemporaryDir m_dir;
