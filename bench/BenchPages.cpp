@@ -117,10 +117,10 @@ void healthPage(benchmark::State& state)
 {
     QByteArray content;
     for (int i = 0; i < state.range(0); ++i) {
-        const QByteArray value = "<v k=\"Key" + QByteArray::number(i) + "\" t=\"s\" v=\"\"/>";
+        const QByteArray value = R"(<v k="Key)" + QByteArray::number(i) + R"(" t="s" v=""/>)";
         content += value + value;
     }
-    OpenFile file("<xsdt version=\"1.0\">" + content + "</xsdt>");
+    OpenFile file(R"(<xsdt version="1.0">)" + content + "</xsdt>");
     HealthView view(&file.model, &file.schema);
     view.setDocument(&file.document);
     view.resize(1200, 820);

@@ -150,7 +150,7 @@ private:
     void deleteNode(XsdtNode* node);
     bool confirmDeletion(const QString& path, int values, const QString& reason);
     void onThemeChanged();
-    QString wayBackText(const QString& recoverFrom) const;
+    static QString wayBackText(const QString& recoverFrom);
     void report(QMessageBox::Icon icon, const QString& title, const QString& text,
                 const QString& informativeText = {});
     void showRejection(const QString& reason);
@@ -160,7 +160,7 @@ private:
     void grabCleanup(const QString& dir);
     void grabComparison(const QString& dir);
     void grabDialogs(const QString& dir);
-    void grabTo(QWidget& widget, const QString& dir, const QString& name);
+    static void grabTo(QWidget& widget, const QString& dir, const QString& name);
 
     qsizetype pendingCount() const;
     QString recordedVersion() const;

@@ -218,7 +218,7 @@ void MainWindow::onThemeChanged()
     refreshBanner();
     if (std::abs(theme.fontScale() - m_lastFontScale) > 1e-6) {
         m_lastFontScale = theme.fontScale();
-        const int percent = int(m_lastFontScale * 100 / 1.25 + 0.5);
+        const int percent = qRound(m_lastFontScale * 100 / 1.25);
         showStatus(tr("Text size %1%").arg(percent), 3000);
     }
 }
@@ -363,7 +363,7 @@ void MainWindow::onRestoreBackup()
     refreshBanner();
 }
 
-QString MainWindow::wayBackText(const QString& recoverFrom) const
+QString MainWindow::wayBackText(const QString& recoverFrom)
 {
     return recoverFrom.isEmpty()
                ? QString()

@@ -88,7 +88,7 @@ double pointSize(const QFont& font)
 ThemeManager& ThemeManager::instance()
 {
     // Never destroyed: its font must not be given back after the application object is gone.
-    static ThemeManager* const manager = new ThemeManager;
+    static auto* const manager = new ThemeManager;
     return *manager;
 }
 

@@ -45,8 +45,8 @@ struct XsdtNode
     /// empty, and an ancestor whose own path is empty adds no separator.
     [[nodiscard]] QString path() const;
 
-    /// First child in file order whose key is exactly `key`, or null.
-    [[nodiscard]] XsdtNode* childByKey(QStringView key) const;
+    /// First child in file order whose key is exactly `searched`, or null.
+    [[nodiscard]] XsdtNode* childByKey(QStringView searched) const;
 
     /// The node at `path`, relative to this one, or null. Empty parts are dropped, so an empty
     /// path is this node. Takes the first of duplicate siblings at each step.

@@ -30,7 +30,7 @@ public:
     AppendSink(const AppendSink&) = delete;
     AppendSink& operator=(const AppendSink&) = delete;
 
-    bool wants() const { return true; }
+    static bool wants() { return true; }
 
     void ascii(const char16_t* from, qsizetype size)
     {
@@ -114,7 +114,7 @@ struct CountSink
 {
     qint64 count = 0;
 
-    bool wants() const { return true; }
+    static bool wants() { return true; }
     void ascii(const char16_t*, qsizetype size) { count += size; }
     void bytes(const char*, qsizetype size) { count += size; }
 };

@@ -25,8 +25,8 @@ class AdBanner : public QWidget
 public:
     /// No reply is larger, and no picture has more pixels: what is, counts as none. Both keep a
     /// server from filling the memory or holding up the window.
-    static constexpr qint64 replyLimit = 4 * 1024 * 1024;
-    static constexpr qint64 pixelLimit = 4 * 1024 * 1024;
+    static constexpr qint64 replyLimit = qint64{4} * 1024 * 1024;
+    static constexpr qint64 pixelLimit = qint64{4} * 1024 * 1024;
 
     /// The copies of manifest and pictures are kept in `cacheFolder`, which need not exist yet.
     explicit AdBanner(const QString& cacheFolder, const QUrl& site = AdManifest::defaultSite(),

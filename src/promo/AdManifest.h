@@ -47,7 +47,7 @@ namespace AdManifest {
 
 /// No manifest is larger. The XML reader compares each attribute of an element with all others:
 /// 64 KiB of them take a third of a second, 1 MiB over a minute.
-inline constexpr qsizetype sizeLimit = 64 * 1024;
+inline constexpr qsizetype sizeLimit = qsizetype{64} * 1024;
 
 /// The makers' web site, as this build was configured.
 [[nodiscard]] QUrl defaultSite();

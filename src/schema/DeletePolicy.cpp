@@ -52,7 +52,8 @@ QList<PathPattern> readPatterns(const QJsonValue& value)
 QList<CleanupGroup> readCleanup(const QJsonValue& value)
 {
     QList<CleanupGroup> groups;
-    for (const QJsonValue& element : value.toArray()) {
+    const QJsonArray array = value.toArray();
+    for (const QJsonValue& element : array) {
         const CleanupGroup group{element["title"_L1].toString(),
                                  element["description"_L1].toString(),
                                  toStringList(element["paths"_L1]), element["each"_L1].toBool()};
@@ -76,7 +77,7 @@ bool outranks(const DeleteRule& rule, const DeleteRule& best)
            (rule.specificity == best.specificity && (!rule.deep || best.deep));
 }
 
-/// Recursion is bounded by `levels`, not by the file.
+// NOLINTNEXTLINE(misc-no-recursion): bounded by `levels`, not by the file
 void collectWarnings(const DeletePolicy& policy, const XsdtNode& group, int levels,
                      QList<XsdtNode*>& result)
 {
@@ -113,7 +114,8 @@ bool DeletePolicy::loadRules(const QJsonObject& policy, QString* error)
     if (policy.contains("defaultReason"_L1)) {
         m_defaultReason = policy["defaultReason"_L1].toString();
     }
-    for (const QJsonValue& element : policy["delete"_L1].toArray()) {
+    const QJsonArray rules = policy["delete"_L1].toArray();
+    for (const QJsonValue& element : rules) {
         const QString word = element["level"_L1].toString();
         const std::optional<DeleteLevel> level = levelOfWord(word);
         if (!level) {

@@ -104,7 +104,8 @@ private:
 
 QStringList ModulePlaces::namesWithData() const
 {
-    QStringList names = m_data.keys() + m_access.keys();
+    QStringList names = m_data.keys();
+    names += m_access.keys();
     names.removeAll(u"0"_s);
     for (auto it = m_top.keyBegin(); it != m_top.keyEnd(); ++it) {
         if (!ModuleCatalog::isKnownTopLevel(*it)) {
@@ -233,7 +234,9 @@ QList<ModuleInfo> ModuleCatalog::searchModules(const XsdtDocument& document, con
     QStringList same;
     QStringList containing;
     if (!wanted.isEmpty()) {
-        for (const QString& name : sortedOnce(places.registry.keys() + places.namesWithData())) {
+        QStringList names = places.registry.keys();
+        names += places.namesWithData();
+        for (const QString& name : sortedOnce(names)) {
             if (name.compare(wanted, Qt::CaseInsensitive) == 0) {
                 same.append(name);
             } else if (name.contains(wanted, Qt::CaseInsensitive)) {

@@ -29,8 +29,8 @@ PathPattern::PathPattern(QStringView pattern)
     for (const QStringView part : qTokenize(pattern, u'/', Qt::SkipEmptyParts)) {
         segments.append(part.toString());
     }
-    deep = !segments.isEmpty() && segments.last() == QLatin1String("**");
-    if (deep) {
+    if (!segments.isEmpty() && segments.last() == QLatin1String("**")) {
+        deep = true;
         segments.removeLast();
     }
 }

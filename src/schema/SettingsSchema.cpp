@@ -84,7 +84,8 @@ qint64 truncated(double number)
 QList<PageSpec> readPages(const QJsonValue& value)
 {
     QList<PageSpec> pages;
-    for (const QJsonValue& element : value.toArray()) {
+    const QJsonArray array = value.toArray();
+    for (const QJsonValue& element : array) {
         const PageSpec page{element["title"_L1].toString(), toStringList(element["paths"_L1]), {}};
         if (!page.title.isEmpty() && !page.paths.isEmpty()) {
             pages.append(page);

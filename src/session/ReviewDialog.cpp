@@ -250,7 +250,7 @@ void ReviewDialog::updateSummary(qsizetype removedValues)
                                  .arg(removedValues));
 }
 
-bool ReviewDialog::passesFilter(const PendingNode& pending, const QString& filter) const
+bool ReviewDialog::passesFilter(const PendingNode& pending, const QString& filter)
 {
     const auto holdsFilter = [&filter](const QString& text) {
         return text.contains(filter, Qt::CaseInsensitive);
@@ -318,8 +318,7 @@ void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
         return;
     }
     QList<QTreeWidgetItem*> rows;
-    const auto addValue = [this, &rows](const XsdtNode& value, const QString& name,
-                                        XsdtNode* node) {
+    const auto addValue = [&rows](const XsdtNode& value, const QString& name, XsdtNode* node) {
         rows.append(
             makeRow({QString(), rowPath(name), rowValue(value, value.value), tr("(removed)")},
                     RemovedValueRow, node));

@@ -60,7 +60,7 @@ private:
     void connectWidgets();
     void updateSummary(qsizetype removedValues);
     void updateDetailHeight();
-    bool passesFilter(const PendingNode& pending, const QString& filter) const;
+    static bool passesFilter(const PendingNode& pending, const QString& filter);
     std::vector<PendingNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
     void addDeletions(const QList<XsdtNode*>& nodes);
     void addEdits(const QList<XsdtNode*>& nodes);

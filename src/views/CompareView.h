@@ -51,7 +51,7 @@ public:
 
 signals:
     /// The node is to be shown in the tree of all settings.
-    void revealRequested(XsdtNode* node);
+    void revealRequested(kse::XsdtNode* node);
     /// What came of copying, or why a file can't be compared with, for the status line.
     void message(const QString& text);
 

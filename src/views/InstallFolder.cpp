@@ -69,7 +69,7 @@ bool isPathForThisSystem(const QString& path, bool windows)
     if (!windows) {
         return path.startsWith(u'/') || path.startsWith(u'~');
     }
-    if (path.startsWith("\\\\"_L1) || path.startsWith("//"_L1)) {
+    if (path.startsWith(R"(\\)"_L1) || path.startsWith("//"_L1)) {
         return true;
     }
     const auto isDriveLetter = [](QChar c) {

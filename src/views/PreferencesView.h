@@ -52,8 +52,8 @@ public:
 signals:
     /// A value was turned down; `text` is the reason.
     void message(const QString& text);
-    void deleteRequested(XsdtNode* node);
-    void restoreRequested(XsdtNode* node);
+    void deleteRequested(kse::XsdtNode* node);
+    void restoreRequested(kse::XsdtNode* node);
 
 private:
     struct Page

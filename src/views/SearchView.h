@@ -49,9 +49,9 @@ public:
 
 signals:
     void message(const QString& text); ///< For the status bar.
-    void deleteRequested(XsdtNode* node);
-    void restoreRequested(XsdtNode* node);
-    void revealRequested(XsdtNode* node);
+    void deleteRequested(kse::XsdtNode* node);
+    void restoreRequested(kse::XsdtNode* node);
+    void revealRequested(kse::XsdtNode* node);
 
 private:
     void createBanner();

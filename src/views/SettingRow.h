@@ -50,7 +50,7 @@ signals:
     /// A value was turned down here, before it reached the model.
     void rejected(const QString& reason);
     /// The user asked for the node's context menu.
-    void menuRequested(XsdtNode* node, const QPoint& globalPos);
+    void menuRequested(kse::XsdtNode* node, const QPoint& globalPos);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -49,9 +49,9 @@ public:
 signals:
     /// A value was turned down by its row; `text` is the reason.
     void message(const QString& text);
-    void deleteRequested(XsdtNode* node);
-    void restoreRequested(XsdtNode* node);
-    void revealRequested(XsdtNode* node);
+    void deleteRequested(kse::XsdtNode* node);
+    void restoreRequested(kse::XsdtNode* node);
+    void revealRequested(kse::XsdtNode* node);
 
 private:
     void onDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);

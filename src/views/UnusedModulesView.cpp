@@ -312,8 +312,8 @@ UnusedModulesView::DataSize UnusedModulesView::sizeOf(const ModuleInfo& module)
 {
     DataSize sum{module.registryNode ? 1 : 0, 0};
     for (const XsdtNode* node : module.nodes) {
-        auto size = m_sizes.constFind(node);
-        if (size == m_sizes.cend()) {
+        auto size = m_sizes.find(node);
+        if (size == m_sizes.end()) {
             size = m_sizes.insert(node, {node->valueCount(), node->serializedSize()});
         }
         sum.values += size->values;

@@ -52,9 +52,9 @@ public:
 signals:
     /// A sentence for the status line: a value turned down, or what a command did.
     void message(const QString& text);
-    void deleteRequested(XsdtNode* node);
-    void restoreRequested(XsdtNode* node);
-    void revealRequested(XsdtNode* node);
+    void deleteRequested(kse::XsdtNode* node);
+    void restoreRequested(kse::XsdtNode* node);
+    void revealRequested(kse::XsdtNode* node);
 
 private:
     struct Card

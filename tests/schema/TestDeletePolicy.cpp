@@ -52,7 +52,7 @@ private slots:
         XsdtDocument document;
         const XsdtNode* node = addNode(document, cells[1], cells[0] == u'G' ? QChar() : u's');
         const DeleteDecision decision = m_policy.decide(node);
-        for (const QJsonValue& rule : m_rules) {
+        for (const QJsonValue& rule : std::as_const(m_rules)) {
             if (rule["path"_L1].toString() == cells[2]) {
                 QCOMPARE(decision.reason, rule["reason"_L1].toString());
             }
