@@ -9,8 +9,8 @@ build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(openssl procps)
 package=(dpkg-dev file)
 fuzz=(clang libclang-rt-dev llvm)
-ci=(appstream clang-format desktop-file-utils g++-mingw-w64-x86-64-posix libbenchmark-dev
-    libpugixml-dev shellcheck)
+ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix
+    libbenchmark-dev libpugixml-dev shellcheck)
 
 needed=()
 for part in "${@:-build}"; do
