@@ -165,7 +165,7 @@ private slots:
             u"Modules/1:s=C:/a-pxm.dll; Global/Preferences/X/ADirectory:s=C:/a; Global/Preferences/Process/MaxProcessors:i=9"_s);
         HealthEnv env;
         QCOMPARE(
-            HealthChecker::run(document, m_schema, env).first().detail.section(u": "_s, 1),
+            HealthChecker::run(document, m_schema, env).constFirst().detail.section(u": "_s, 1),
             u"(nowhere: no location is recorded in the file and none is known for this system)."_s);
         env.installFolders = QStringList{u"C:/p"_s};
         QCOMPARE(namesAndPaths(HealthChecker::run(document, m_schema, env), &Finding::id),
