@@ -44,22 +44,20 @@ struct PlainWindow
 
     // --- any page ---
 
-    qsizetype pending() const
+    static qsizetype pending(const XsdtNode& root)
     {
         qsizetype count = 0;
-        if (document) {
-            walkTree(document->root, [&](const XsdtNode& node) {
-                count += node.markedForDeletion || node.value != node.original ? 1 : 0;
-                return node.markedForDeletion ? Walk::Over : Walk::Into;
-            });
-        }
+        walkTree(root, [&](const XsdtNode& node) {
+            count += node.markedForDeletion || node.value != node.original ? 1 : 0;
+            return node.markedForDeletion ? Walk::Over : Walk::Into;
+        });
         return count;
     }
 
     QStringList frame() const
     {
-        const qsizetype changes = pending();
         const bool open = document;
+        const qsizetype changes = open ? pending(document->root) : 0;
         const auto state = [](const char* name, bool on) {
             return QString::fromLatin1(name) + (on ? u" on"_s : u" off"_s);
         };
@@ -105,7 +103,8 @@ struct PlainWindow
                       {inside, 'S'},
                       {changed, 'A'},
                       {changed && !running && !inside, 'R'},
-                      {canEdit, 'E'}}) +
+                      {canEdit, 'E'},
+                      {true, 'Z'}}) +
                u' ' +
                (changed ? asToolTip(u"Revert to the value on disk: "_s + node.original.left(80))
                         : u"Unchanged"_s) +

@@ -100,8 +100,21 @@ private:
 
     void note(const QString& step) { m_log.append(u"%1. %2"_s.arg(m_log.size() + 1).arg(step)); }
 
+    /// Another file: most often the open one with other values.
     QByteArray newFile()
     {
+        XsdtDocument document;
+        if (!oneIn(3) && document.parse(m_disk.value(m_path))) {
+            walkTree(document.root, [&](XsdtNode& node) {
+                node.markedForDeletion = oneIn(20);
+                if (node.kind == XsdtNode::Kind::Value && oneIn(4)) {
+                    node.value = node.typeCode == u'b' ? (oneIn(2) ? u"true"_s : u"false"_s)
+                                                       : QString::number(below(9));
+                }
+                return Walk::Into;
+            });
+            return document.serialize();
+        }
         const XsdtDocument& sample = *m_samples[std::size_t(oneIn(2))];
         return m_whole ? sample.serialize() : smallSettings(sample, m_random);
     }
@@ -127,7 +140,7 @@ private:
             {"filter the tree", 4, &RandomSession::filterTree},
             {"expand or collapse", 2, &RandomSession::expandTree},
             {"search the preferences", 4, &RandomSession::searchPreferences},
-            {"choose in the preferences", 4, &RandomSession::choosePreferences},
+            {"choose in the preferences", 5, &RandomSession::choosePreferences},
             {"search", 5, &RandomSession::search},
             {"search for a module", 2, &RandomSession::searchModule},
             {"tick for cleanup", 5, &RandomSession::tickCleanup},
@@ -136,9 +149,9 @@ private:
             {"queue or undo modules", 4, &RandomSession::queueModules},
             {"check", 3, &RandomSession::runCheck},
             {"use a finding", 3, &RandomSession::useFinding},
-            {"choose a file to compare", 3, &RandomSession::chooseOther},
+            {"choose a file to compare", 5, &RandomSession::chooseOther},
             {"filter the comparison", 3, &RandomSession::filterComparison},
-            {"copy values", 4, &RandomSession::copyValues},
+            {"copy values", 6, &RandomSession::copyValues},
             {"menu of a difference", 2, &RandomSession::useCompareMenu},
             {"save", 5, &RandomSession::save},
             {"change the file", 3, &RandomSession::changeFile},
@@ -269,7 +282,12 @@ private:
         m_plain.treeChangedOnly = false;
     }
 
-    bool isPending() const { return m_plain.pending() > 0; }
+    /// Of the copy, which is ahead of the document while a step is prepared.
+    qsizetype pendingCount() const
+    {
+        return m_plain.document ? PlainWindow::pending(m_copy.root) : 0;
+    }
+    bool isPending() const { return pendingCount() > 0; }
 
     /// Announces the question whether changes may go; whether they may.
     bool expectDiscard(const QString& tail)
@@ -280,7 +298,7 @@ private:
         const bool yes = !oneIn(3);
         m_dialogs.announceBox(
             u"Discard changes?"_s,
-            u"You have %1 unsaved change(s). %2"_s.arg(m_plain.pending()).arg(tail),
+            u"You have %1 unsaved change(s). %2"_s.arg(pendingCount()).arg(tail),
             yes ? QMessageBox::Discard : QMessageBox::Cancel);
         return yes;
     }
@@ -619,7 +637,7 @@ private:
         const bool yes = !oneIn(3);
         note(u"revert all: %1"_s.arg(yes ? u"yes"_s : u"no"_s));
         m_dialogs.announceBox(u"Revert all changes"_s,
-                              u"Discard all %1 unsaved change(s)?"_s.arg(m_plain.pending()),
+                              u"Discard all %1 unsaved change(s)?"_s.arg(pendingCount()),
                               yes ? QMessageBox::Yes : QMessageBox::No);
         action("actRevert")->trigger();
         if (yes) {
@@ -637,17 +655,24 @@ private:
     bool filterTree()
     {
         showTab("advancedPage");
+        const auto current = [this] {
+            return tree()->currentIndex().data(SettingsModel::NodeRole).value<XsdtNode*>();
+        };
+        const XsdtNode* before = current();
         if (oneIn(3)) {
             note(u"changed only"_s);
             find<QWidget>("advancedPage")->findChild<QCheckBox*>(u"changedOnly"_s)->click();
             m_plain.treeChangedOnly = !m_plain.treeChangedOnly;
-            return true;
+        } else {
+            const QString typed = oneIn(3) ? QString() : searchText();
+            note(u"filter the tree by \"%1\""_s.arg(typed));
+            auto* filter = find<QLineEdit>("treeFilter");
+            filter->setText(typed);
+            m_plain.treeFilter = filter->text().trimmed();
         }
-        const QString typed = oneIn(3) ? QString() : searchText();
-        note(u"filter the tree by \"%1\""_s.arg(typed));
-        auto* filter = find<QLineEdit>("treeFilter");
-        filter->setText(typed);
-        m_plain.treeFilter = filter->text().trimmed();
+        if (before && m_plain.isInTree(*before) && current() != before) {
+            m_dialogs.fault(u"%1 is no longer the current row"_s.arg(before->path()));
+        }
         return true;
     }
 
@@ -688,7 +713,10 @@ private:
         if (m_plain.preferencesRow < 0) {
             return false;
         }
-        if (oneIn(3)) {
+        const QWidget* shown = page->findChild<QStackedWidget*>(u"pageStack"_s)->currentWidget();
+        const auto sections = shown->findChildren<CollapsibleSection*>();
+        const QList<XsdtNode*> nodes = pages[m_plain.preferencesRow].sections;
+        if (sections.isEmpty() || oneIn(3)) {
             const int row = below(pages.size());
             if (!pages[row].found) {
                 return false;
@@ -698,10 +726,7 @@ private:
             m_plain.preferencesRow = row;
             return true;
         }
-        const QWidget* shown = page->findChild<QStackedWidget*>(u"pageStack"_s)->currentWidget();
-        const auto sections = shown->findChildren<CollapsibleSection*>();
-        const QList<XsdtNode*> nodes = pages[m_plain.preferencesRow].sections;
-        if (sections.isEmpty() || sections.size() != nodes.size()) {
+        if (sections.size() != nodes.size()) {
             return false;
         }
         // In the order of the page, which isn't that in which they were made.
@@ -1613,10 +1638,10 @@ private:
         QDir().mkpath(m_folder);
         for (int i = 0; i < 2; ++i) {
             const QString path = m_folder + u"/core-00%1-pxi.settings"_s.arg(i + 1);
+            m_path = m_folder + u"/core-001-pxi.settings"_s;
             m_disk[path] = m_whole ? m_samples[std::size_t(i)]->serialize() : newFile();
             write(path, m_disk[path]);
         }
-        m_path = m_disk.firstKey();
         m_shownTab = "preferencesView";
         openWindow();
         const QList<QTimer*> timers = m_window->findChildren<QTimer*>();

@@ -59,7 +59,8 @@ inline QString editorText(const SettingRow& row)
     return color ? color->text() : QString();
 }
 
-/// A row of a page. B: bold, S: struck through, A: amber, R: can be reverted, E: can be edited.
+/// A row of a page. B: bold, S: struck through, A: amber, R: can be reverted, E: can be edited,
+/// Z: texts are of the sizes that the text scale gives.
 inline QString rowLine(const SettingRow& row)
 {
     const auto label = [&row](const char* name) {
@@ -70,6 +71,9 @@ inline QString rowLine(const SettingRow& row)
     const QWidget* host = row.findChild<QWidget*>(QStringLiteral("editorHost"));
     const bool amber = row.autoFillBackground() &&
                        row.palette().color(QPalette::Window) == QColor(255, 190, 0, 55);
+    const qreal size = QApplication::font().pointSizeF();
+    const bool hasSizes = qFuzzyCompare(font.pointSizeF(), size) &&
+                          qFuzzyCompare(label("descriptionLabel")->font().pointSizeF(), 0.9 * size);
     return label("nameLabel")->text() + u" ("_s +
            (label("pathLabel")->isHidden() ? QString() : label("pathLabel")->text()) + u") "_s +
            editorText(row) +
@@ -77,7 +81,8 @@ inline QString rowLine(const SettingRow& row)
                   {font.strikeOut(), 'S'},
                   {amber, 'A'},
                   {revert->isEnabled(), 'R'},
-                  {host->isEnabledTo(&row), 'E'}}) +
+                  {host->isEnabledTo(&row), 'E'},
+                  {hasSizes, 'Z'}}) +
            u' ' + revert->toolTip() + u" | "_s + row.toolTip();
 }
 
@@ -135,13 +140,15 @@ inline QString lookOf(const QModelIndex& index)
     const QVariant font = index.data(Qt::FontRole);
     const QVariant background = index.data(Qt::BackgroundRole);
     const QVariant foreground = index.data(Qt::ForegroundRole);
+    const QColor grey = QApplication::palette().color(QPalette::Disabled, QPalette::Text);
     const bool editable =
         index.siblingAtColumn(SettingsModel::ValueColumn).flags() & Qt::ItemIsEditable;
     return marks({{font.isValid() && font.value<QFont>().bold(), 'B'},
                   {font.isValid() && font.value<QFont>().strikeOut(), 'S'},
                   {background.value<QColor>() == QColor(255, 190, 0, 70), 'A'},
                   {background.value<QColor>() == QColor(230, 60, 60, 60), 'r'},
-                  {foreground.isValid(), 'g'},
+                  {foreground.isValid() && foreground.value<QColor>() == grey, 'g'},
+                  {foreground.isValid() && foreground.value<QColor>() != grey, '?'},
                   {editable, 'E'}}) +
            u' ' + index.data(Qt::ToolTipRole).toString();
 }
