@@ -75,6 +75,9 @@ public:
         });
     }
 
+    /// Runs `happens` beneath the next dialog or menu, before it is answered.
+    void beneathNext(std::function<void()> happens) { m_happens = std::move(happens); }
+
     void fault(const QString& text) { m_faults.append(text); }
 
     /// What went wrong since the last call.
@@ -116,7 +119,12 @@ private:
             const auto answer = std::move(m_answers.front());
             m_answers.pop_front();
             m_isAnswering = true;
-            answer(*widget);
+            if (const auto happens = std::exchange(m_happens, nullptr)) {
+                happens();
+            }
+            if (open && open->isVisible()) {
+                answer(*widget);
+            }
             m_isAnswering = false;
         }
         if (open && open->isVisible()) {
@@ -125,6 +133,7 @@ private:
     }
 
     std::deque<std::function<void(QWidget&)>> m_answers;
+    std::function<void()> m_happens;
     QStringList m_faults;
     QPointer<QWidget> m_answered;
     bool m_isAnswering = false;

@@ -160,6 +160,8 @@ private:
             {"open the other file", 2, &RandomSession::openOther},
             {"poll", 2, &RandomSession::pollNow},
             {"start or end PixInsight", 2, &RandomSession::toggleRunning},
+            {"leave an editor open", 4, &RandomSession::leaveEditor},
+            {"reload beneath a dialog", 3, &RandomSession::reloadBeneath},
             {"show a page", 4, &RandomSession::showPage},
             {"change the look", 1, &RandomSession::changeLook},
         };
@@ -168,6 +170,8 @@ private:
             sum += step.weight;
         }
         m_status.reset();
+        m_window->activateWindow(); // which a box that closed here doesn't do
+        settle();
         for (int tries = 0; tries < 100; ++tries) {
             int place = below(sum);
             auto step = steps.begin();
@@ -296,10 +300,9 @@ private:
             return true;
         }
         const bool yes = !oneIn(3);
-        m_dialogs.announceBox(
-            u"Discard changes?"_s,
-            u"You have %1 unsaved change(s). %2"_s.arg(pendingCount()).arg(tail),
-            yes ? QMessageBox::Discard : QMessageBox::Cancel);
+        m_dialogs.announceBox(u"Discard changes?"_s,
+                              u"You have %1 unsaved change(s). %2"_s.arg(pendingCount()).arg(tail),
+                              yes ? QMessageBox::Discard : QMessageBox::Cancel);
         return yes;
     }
 
@@ -433,7 +436,7 @@ private:
         }
         if (auto* spin = row->findChild<QSpinBox*>(u"spinBox"_s)) {
             const int low = qMax(spin->minimum(), -20);
-            const int number = low + below(qMin(50, spin->maximum() - low) + 1);
+            const int number = qMin(low + below(50), spin->maximum());
             if (number != spin->value()) {
                 plainEdit(i, QString::number(number));
             }
@@ -602,8 +605,6 @@ private:
             return false;
         }
         note(u"Delete on %1"_s.arg(m_nodes[i]->path()));
-        m_window->activateWindow();
-        settle();
         expectDeletion(i);
         QTest::keyClick(tree(), Qt::Key_Delete);
         return true;
@@ -1603,6 +1604,180 @@ private:
         expectPoll();
         poll();
         finishPoll();
+        return true;
+    }
+
+    /// Types without Enter, in the tree or in a row, and then does something else.
+    bool leaveEditor()
+    {
+        const bool inRow = oneIn(2);
+        QString typed = text();
+        int i = -1;
+        if (inRow) {
+            const auto [row, place] = chooseRow(u"editorHost"_s);
+            auto* line = row ? row->findChild<QLineEdit*>(u"lineEdit"_s) : nullptr;
+            if (!line) {
+                return false;
+            }
+            i = place;
+            line->setFocus();
+            line->selectAll();
+            typed.isEmpty() ? line->clear() : QTest::keyClicks(line, typed);
+        } else {
+            i = chooseInTree();
+            if (i < 0) {
+                return false;
+            }
+            QTest::keyClick(tree(), Qt::Key_F2);
+            auto* line = qobject_cast<QLineEdit*>(m_window->focusWidget());
+            if (!line) {
+                tree()->setFocus();
+                settle();
+                return false;
+            }
+            typed.isEmpty() ? line->clear() : QTest::keyClicks(line, typed);
+        }
+        note(u"type \"%1\" over %2 %3"_s.arg(typed, m_nodes[i]->path(),
+                                             inRow ? u"in its row"_s : u"in the tree"_s));
+        if (inRow) {
+            expectLine(i, typed);
+        } else if (typed != m_copyNodes[i]->value) {
+            plainEdit(i, typed);
+        }
+        leaveFor(below(5));
+        return true;
+    }
+
+    /// Each of these first puts what is in the open editor into the document; most stop if it is
+    /// refused.
+    void leaveFor(int what)
+    {
+        const bool refused = m_status.has_value();
+        switch (what) {
+        case 0:
+            note(u"  and look at another page"_s);
+            showTab(m_shownTab == "cleanupView" ? "advancedPage" : "cleanupView");
+            return;
+        case 1:
+            if (!refused) {
+                reload();
+                return;
+            }
+            note(u"  and reload"_s);
+            action("actReload")->trigger();
+            return;
+        case 2:
+            if (!refused) {
+                openOther();
+                return;
+            }
+            note(u"  and open another file"_s);
+            find<QComboBox>("fileBox")->setCurrentIndex(0);
+            emit find<QComboBox>("fileBox")->activated(0);
+            noteFileBox();
+            return;
+        case 3:
+            note(u"  and try to close the window"_s);
+            if (!refused && isPending()) {
+                m_dialogs.announceBox(u"Unsaved changes"_s,
+                                      u"You have %1 unsaved change(s)."_s.arg(pendingCount()),
+                                      QMessageBox::Cancel);
+            }
+            if (refused || isPending()) {
+                m_window->close();
+            }
+            return;
+        default:
+            m_fake = true;
+            note(u"  and PixInsight starts"_s);
+            if (!m_pixInsight.start()) {
+                m_dialogs.fault(u"the process"_s);
+            }
+            poll();
+            finishPoll();
+        }
+    }
+
+    /// PixInsight starts, writes the file and ends beneath a dialog or menu that holds on to a
+    /// node: whatever is chosen then does nothing.
+    bool reloadBeneath()
+    {
+        if (!m_plain.document || isPending() || m_fake || !isOnDisk()) {
+            return false;
+        }
+        QStringList texts;
+        const auto choose = [this](const QString& start) {
+            m_dialogs.announce<QMenu>([start](QMenu& menu) {
+                const QList<QAction*> actions = menu.actions();
+                for (QAction* entry : actions) {
+                    if (entry->isEnabled() && entry->text().startsWith(start)) {
+                        menu.setActiveAction(entry);
+                    }
+                }
+                QTest::keyClick(&menu, Qt::Key_Return);
+            });
+        };
+        const int what = below(4);
+        std::function<void()> open;
+        if (what == 0) {
+            const auto [row, i] = chooseRow();
+            if (!row) {
+                return false;
+            }
+            choose(pick(QStringList{u"Delete"_s, u"Why"_s, u"Show"_s}));
+            open = [row = row] {
+                QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5},
+                                        row->mapToGlobal(QPoint(5, 5)));
+                QApplication::sendEvent(row, &event);
+            };
+        } else if (what == 1) {
+            const int i = chooseInTree();
+            if (i < 0) {
+                return false;
+            }
+            choose(pick(QStringList{u"Delete"_s, u"Why"_s}));
+            open = [this, i] {
+                emit tree()->customContextMenuRequested(tree()->visualRect(inTree(i)).center());
+            };
+        } else if (what == 2) {
+            const int i = chooseInTree();
+            if (i < 0 || m_dontAsk ||
+                m_plain.policy.decide(m_nodes[i]).level != DeleteLevel::Warn) {
+                return false;
+            }
+            m_dialogs.announceBox(u"Delete saved information?"_s, QString(), QMessageBox::Yes);
+            open = [this] {
+                QTest::keyClick(tree(), Qt::Key_Delete);
+            };
+        } else {
+            auto* button = showTab("compareView")->findChild<QPushButton*>(u"copyAllButton"_s);
+            if (!button->isEnabled()) {
+                return false;
+            }
+            m_dialogs.announceBox(u"Copy values"_s, QString(), QMessageBox::Yes);
+            open = [button] {
+                button->click();
+            };
+        }
+        note(u"reload beneath dialog %1"_s.arg(what));
+        const QByteArray bytes = newFile();
+        m_dialogs.beneathNext([this, bytes] {
+            if (!m_pixInsight.start()) {
+                m_dialogs.fault(u"the process"_s);
+            }
+            poll();
+            write(m_path, bytes);
+            if (!m_pixInsight.stop()) {
+                m_dialogs.fault(u"the process"_s);
+            }
+            poll();
+        });
+        open();
+        m_disk[m_path] = bytes;
+        if (bytes != m_loadedBytes) {
+            noteOpened(m_path);
+        }
+        m_status.reset();
         return true;
     }
 
