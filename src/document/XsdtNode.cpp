@@ -7,8 +7,82 @@
 #include <QStringTokenizer>
 
 #include <algorithm>
+#include <cstdint>
+#include <new>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define KSE_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KSE_ADDRESS_SANITIZER
+#endif
+#endif
 
 namespace kse {
+
+namespace {
+
+/// Room for nodes, each of which is given out once. The page goes when its last node has gone:
+/// trees die whole, so that few pages outlive most of their nodes.
+struct alignas(XsdtNode) NodePage
+{
+#ifdef KSE_ADDRESS_SANITIZER
+    static constexpr std::size_t alignment = 256; // one node a page, so that a late use is found
+#else
+    static constexpr std::size_t alignment = 65536;
+#endif
+    // Leaves the allocator room for its own data before the next page.
+    static constexpr std::size_t size = alignment - 64;
+
+    std::size_t used = sizeof(NodePage);
+    std::size_t living = 0;
+
+    void* take()
+    {
+        void* node = reinterpret_cast<std::byte*>(this) + used;
+        used += sizeof(XsdtNode);
+        ++living;
+        return node;
+    }
+    bool isFull() const
+    {
+        return used + sizeof(XsdtNode) > size;
+    }
+
+    static NodePage* create()
+    {
+        return new (::operator new(size, std::align_val_t(alignment))) NodePage;
+    }
+    static NodePage* of(void* node)
+    {
+        return reinterpret_cast<NodePage*>(reinterpret_cast<std::uintptr_t>(node) &
+                                           ~(alignment - 1));
+    }
+};
+
+NodePage* currentPage = nullptr;
+
+} // namespace
+
+void* XsdtNode::operator new(std::size_t)
+{
+    if (!currentPage || currentPage->isFull()) {
+        currentPage = NodePage::create();
+    }
+    return currentPage->take();
+}
+
+void XsdtNode::operator delete(void* node) noexcept
+{
+    NodePage* page = NodePage::of(node);
+    if (--page->living > 0) {
+        return;
+    }
+    if (page == currentPage) {
+        currentPage = nullptr;
+    }
+    ::operator delete(page, std::align_val_t(NodePage::alignment));
+}
 
 XsdtNode::~XsdtNode()
 {
