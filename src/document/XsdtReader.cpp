@@ -13,33 +13,39 @@ namespace kse {
 
 namespace {
 
-/// Gives equal keys one shared string: a file repeats few of them many times. A cache rather than
-/// a set, so that it stays small whatever the file holds.
-class KeyPool
+/// Gives equal keys, and equal short values, one shared string: a file repeats few of them many
+/// times. A cache rather than a set, so that it stays small whatever the file holds.
+class StringPool
 {
 public:
-    QString string(QStringView key)
+    QString key(QStringView key) { return key.size() > longestKey ? key.toString() : string(key); }
+
+    /// What is longer than "false" and small numbers seldom comes twice.
+    QString value(QStringView value)
     {
-        if (key.size() > longest) {
-            return key.toString();
-        }
-        const quint64 hash = hashOf(key);
+        return value.size() > longestValue ? value.toString() : string(value);
+    }
+
+private:
+    QString string(QStringView text)
+    {
+        const quint64 hash = hashOf(text);
         const auto slot = static_cast<std::size_t>(hash >> (64 - slotBits));
         const auto mark = static_cast<quint16>(hash >> 16);
         if (m_marks[slot] != mark) {
             // Kept from the second time on, so that what comes once displaces nothing.
             m_marks[slot] = mark;
-            return key.toString();
+            return text.toString();
         }
         QString& kept = m_kept[slot];
-        if (!equal(kept, key)) {
-            kept = key.toString();
+        if (!equal(kept, text)) {
+            kept = text.toString();
         }
         return kept;
     }
 
-private:
-    static constexpr qsizetype longest = 32;
+    static constexpr qsizetype longestKey = 32;
+    static constexpr qsizetype longestValue = 5;
     static constexpr int slotBits = 11; ///< more would push the text out of the processor's cache
 
     static quint64 fourAt(QStringView text, qsizetype index)
@@ -49,20 +55,20 @@ private:
         return four;
     }
 
-    /// Looks at the first, middle and last characters, enough to tell most keys of a file apart.
-    static quint64 hashOf(QStringView key)
+    /// Looks at the first, middle and last characters, enough to tell most of them apart.
+    static quint64 hashOf(QStringView text)
     {
         constexpr quint64 multiplier = 0x9E3779B97F4A7C15;
-        const qsizetype size = key.size();
+        const qsizetype size = text.size();
         auto hash = static_cast<quint64>(size);
         if (size < 4) {
-            for (const QChar c : key) {
+            for (const QChar c : text) {
                 hash = (hash << 16) | c.unicode();
             }
         } else {
-            hash = (hash ^ fourAt(key, 0)) * multiplier;
-            hash = (hash ^ (hash >> 32) ^ fourAt(key, size - 4)) * multiplier;
-            hash ^= (hash >> 32) ^ fourAt(key, size / 2 - 2);
+            hash = (hash ^ fourAt(text, 0)) * multiplier;
+            hash = (hash ^ (hash >> 32) ^ fourAt(text, size - 4)) * multiplier;
+            hash ^= (hash >> 32) ^ fourAt(text, size / 2 - 2);
         }
         return hash * multiplier;
     }
@@ -83,15 +89,9 @@ private:
         return difference == 0;
     }
 
-    std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< of the keys that came last
+    std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< of the texts that came last
     std::array<QString, std::size_t(1) << slotBits> m_kept;
 };
-
-/// Nearly every value that repeats often is one of these two.
-QString valueString(QStringView text)
-{
-    return text == u"true" ? u"true"_s : text == u"false" ? u"false"_s : text.toString();
-}
 
 constexpr auto asciiNameCharacters = [] {
     std::array<bool, 128> table{};
@@ -254,7 +254,7 @@ private:
     const char16_t* m_pos;
     QString* m_error;
     Tag m_tag;
-    KeyPool m_keys;
+    StringPool m_strings;
 };
 
 bool Reader::failAt(const char16_t* position, const QString& message)
@@ -397,9 +397,9 @@ bool Reader::readValue(XsdtNode& group)
     }
     std::unique_ptr<XsdtNode> node(new XsdtNode); // make_unique would zero it all first
     node->kind = XsdtNode::Kind::Value;
-    node->key = m_keys.string(m_tag.k.text);
+    node->key = m_strings.key(m_tag.k.text);
     node->typeCode = m_tag.t.text.front();
-    node->value = valueString(m_tag.v.text);
+    node->value = m_strings.value(m_tag.v.text);
     node->original = node->value;
     node->textForm = !m_tag.selfClosing;
     node->selfClosing = m_tag.selfClosing;
@@ -427,7 +427,7 @@ bool Reader::readElement(XsdtNode*& group)
         return failAt(m_pos, u"malformed <i> element"_s);
     }
     std::unique_ptr<XsdtNode> node(new XsdtNode); // make_unique would zero it all first
-    node->key = m_keys.string(m_tag.k.text);
+    node->key = m_strings.key(m_tag.k.text);
     node->selfClosing = m_tag.selfClosing;
     XsdtNode* child = group->append(std::move(node));
     if (!m_tag.selfClosing) {
