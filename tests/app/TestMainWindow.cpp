@@ -3,16 +3,13 @@
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
+#include "views/SettingRow.h"
 
 #include <QCheckBox>
-#include <QClipboard>
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QMessageBox>
 #include <QNetworkReply>
 #include <QPushButton>
@@ -26,7 +23,6 @@ namespace {
 
 const QString safePath = u"Global/Statistics"_s;
 const QString warnPath = u"ModuleData/Ostrand"_s;
-const QString neverPath = u"Global/Preferences/Process"_s;
 const QString stringPath = u"Global/Preferences/ProcessIcon/Prefix"_s;
 
 } // namespace
@@ -44,59 +40,6 @@ private slots:
         find<QTabWidget>("tabs")->setCurrentWidget(find<QWidget>("advancedPage"));
     }
     void cleanup() { m_window.reset(); }
-
-    void editsEveryType_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<QString>("refusal");
-        const QString process = u"Global/Preferences/Process/"_s;
-        QTest::newRow("integer") << process + u"MaxConsoleLines"_s << u" 007 "_s << u"7"_s
-                                 << QString();
-        QTest::newRow("integer, bad") << process + u"MaxConsoleLines"_s << u"many"_s << QString()
-                                      << u"MaxConsoleLines: Expected an integer between "
-                                         "-2147483648 and 2147483647."_s;
-        QTest::newRow("unsigned, bad")
-            << u"Global/Preferences/ImageWindow/WheelStepAngle"_s << u"-1"_s << QString()
-            << u"WheelStepAngle: Expected an integer between 0 and 4294967295."_s;
-        QTest::newRow("real") << u"Global/RGBWorkingSpace/Gamma"_s << u"1.50"_s << u"1.5"_s
-                              << QString();
-        QTest::newRow("real, decimal comma")
-            << u"Global/RGBWorkingSpace/Gamma"_s << u"1,5"_s << QString()
-            << u"Gamma: Expected a real number in single-precision range."_s;
-        QTest::newRow("string") << stringPath << u" <b>&%1"_s << u" <b>&%1"_s << QString();
-    }
-
-    void editsEveryType()
-    {
-        QFETCH(QString, path);
-        QFETCH(QString, typed);
-        QFETCH(QString, stored);
-        QFETCH(QString, refusal);
-        const QString before = node(path)->value;
-        edit(path, typed);
-        if (refusal.isEmpty()) {
-            QCOMPARE(node(path)->value, stored);
-            QCOMPARE(m_window->windowTitle(), u"Kestrane Settings Editor - 1 unsaved change(s)"_s);
-            QVERIFY(action("actSave")->isEnabled());
-        } else {
-            QCOMPARE(node(path)->value, before);
-            QCOMPARE(status(), u"Not accepted - "_s + refusal);
-            QVERIFY(!action("actSave")->isEnabled());
-        }
-    }
-
-    void choosesABoolean()
-    {
-        const QString path = u"Global/Preferences/MainWindow/AnimateCombo"_s;
-        const QString before = node(path)->value;
-        QWidget* editor = type(path, QString());
-        QTest::keyClick(editor, before == "true"_L1 ? Qt::Key_Down : Qt::Key_Up);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents();
-        QVERIFY(node(path)->isModified());
-    }
 
     void asksBeforeAWarnedDeletionOnce()
     {
@@ -121,53 +64,6 @@ private slots:
         pressDelete(u"Thornwick"_s);
         pressDelete(safePath);
         QCOMPARE(pending(), 3);
-    }
-
-    void tellsWhyAnEntryStays()
-    {
-        DialogAnswerer<QMessageBox> why([](QMessageBox& box) {
-            QCOMPARE(box.windowTitle(), u"Cannot delete"_s);
-            QCOMPARE(box.text(), neverPath +
-                                     u"\n\nPreferences are edited, not deleted: removing one "
-                                     "silently reverts it to a default."_s);
-            box.close();
-        });
-        pressDelete(neverPath);
-        QVERIFY(why.wasAsked());
-        QVERIFY(!action("actRevert")->isEnabled());
-    }
-
-    void offersWhatTheEntryAllows_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("last");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("safe") << u"DontShowAgain"_s << u"Delete this entry"_s << true;
-        QTest::newRow("warn") << warnPath << u"Delete this entry..."_s << true;
-        QTest::newRow("never") << neverPath << u"Why can't this be deleted?"_s << true;
-        QTest::newRow("marked") << safePath << u"Undo deletion"_s << true;
-        QTest::newRow("inside") << safePath + u"/Process"_s
-                                << u"Inside an entry marked for deletion"_s << false;
-    }
-
-    void offersWhatTheEntryAllows()
-    {
-        QFETCH(QString, path);
-        QFETCH(QString, last);
-        QFETCH(bool, enabled);
-        pressDelete(safePath);
-        const QRect rect = tree()->visualRect(select(path));
-        DialogAnswerer<QMenu> menu([&](QMenu& shown) {
-            QCOMPARE(shown.actions().size(), 5);
-            QCOMPARE(shown.actions().constLast()->text(), last);
-            QCOMPARE(shown.actions().constLast()->isEnabled(), enabled);
-            QVERIFY(!shown.actions().at(0)->isEnabled());
-            shown.setActiveAction(shown.actions().at(1));
-            QTest::keyClick(&shown, Qt::Key_Return);
-        });
-        emit tree()->customContextMenuRequested(rect.center());
-        QVERIFY(menu.wasAsked());
-        QCOMPARE(QGuiApplication::clipboard()->text(), path);
     }
 
     void reviewsSavesAndRestores()
@@ -263,26 +159,6 @@ private slots:
         QCOMPARE(pending(), 0);
     }
 
-    void blocksSavingOfAFileThatChanged()
-    {
-        edit(stringPath, u"mine"_s);
-        write(m_file, contentOf(m_file) + "\n");
-        poll();
-        QCOMPARE(find<QLabel>("bannerLabel")->text(),
-                 u"<b>The file changed on disk since it was loaded.</b> Saving is blocked. Reload "
-                 "to continue (your 1 unsaved change(s) will be discarded)."_s);
-        QVERIFY(!action("actSave")->isEnabled());
-        DialogAnswerer<QMessageBox> discard([](QMessageBox& box) {
-            QCOMPARE(box.text(), u"You have 1 unsaved change(s). Reloading discards them."_s);
-            QCOMPARE(box.defaultButton(), box.button(QMessageBox::Cancel));
-            box.button(QMessageBox::Discard)->click();
-        });
-        QTest::mouseClick(find<QPushButton>("bannerReload"), Qt::LeftButton);
-        QVERIFY(discard.wasAsked());
-        QVERIFY(find<QLabel>("bannerLabel")->isHidden());
-        QVERIFY(!node(stringPath)->isModified());
-    }
-
     void asksBeforeLeavingAFileWithChanges()
     {
         edit(stringPath, u"mine"_s);
@@ -305,6 +181,37 @@ private slots:
             [](QMessageBox& asked) { asked.button(QMessageBox::Yes)->click(); });
         action("actRevert")->trigger();
         QVERIFY(revert.wasAsked());
+        QVERIFY(m_window->close());
+    }
+
+    void leavesWhatIsBeingTypedToItsUser()
+    {
+        auto* search = find<QWidget>("searchView");
+        find<QTabWidget>("tabs")->setCurrentWidget(search);
+        QTest::keyClicks(search->findChild<QLineEdit*>(u"queryEdit"_s), u"ProcessIcon/Prefix"_s);
+        QTRY_VERIFY(search->findChild<SettingRow*>());
+        auto* editor = search->findChild<SettingRow*>()->findChild<QLineEdit*>();
+        editor->setFocus();
+        editor->selectAll();
+        QTest::keyClicks(editor, u"half"_s);
+        poll();
+        QCOMPARE(editor->text(), u"half"_s);
+        QVERIFY(!node(stringPath)->isModified());
+        DialogAnswerer<QMessageBox> cancel([](QMessageBox& box) { box.close(); });
+        QVERIFY(!m_window->close());
+        QCOMPARE(node(stringPath)->value, u"half"_s);
+
+        const QString number = u"Global/Preferences/Process/MaxConsoleLines"_s;
+        find<QTabWidget>("tabs")->setCurrentWidget(find<QWidget>("advancedPage"));
+        model()->revertAll();
+        type(number, u"many"_s);
+        QVERIFY(!m_window->close()); // so that the refusal is seen
+        edit(stringPath, u"pending"_s);
+        QWidget* typing = type(number, u"many"_s);
+        QTest::keyClick(typing, Qt::Key_S, Qt::ControlModifier); // a review would hang here
+        QVERIFY(!QApplication::activeModalWidget());
+        QVERIFY(status().startsWith("Not accepted - MaxConsoleLines"_L1));
+        model()->revertAll();
         QVERIFY(m_window->close());
     }
 

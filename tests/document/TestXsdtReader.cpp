@@ -3,10 +3,7 @@
 #include "support/DocumentText.h"
 #include "support/TestMain.h"
 
-#include <QFile>
 #include <QTest>
-
-#include <random>
 
 using namespace kse;
 
@@ -18,51 +15,9 @@ private slots:
     void keepsCharactersAndSurroundings();
     void saysWhatIsWrongAndWhere_data();
     void saysWhatIsWrongAndWhere();
-    void survivesCutAndChangedFiles_data();
-    void survivesCutAndChangedFiles();
     void readsHugeStrings();
     void failsQuicklyOnUnfinishedInput();
-
-private:
-    void checkAnswer(const QByteArray& bytes);
 };
-
-/// Either a message and an empty document, or a tree that a second reading confirms.
-void TestXsdtReader::checkAnswer(const QByteArray& bytes)
-{
-    XsdtDocument document;
-    QString error;
-    if (!document.parse(bytes, &error)) {
-        QVERIFY(!error.isEmpty());
-        QVERIFY(document.root.children.empty() && document.head.isEmpty());
-        return;
-    }
-    const QByteArray written = document.serialize();
-    XsdtDocument again;
-    QVERIFY2(again.parse(written, &error), qPrintable(error));
-    QCOMPARE(treeText(again.root), treeText(document.root));
-    if (document.defaultLayout) {
-        QCOMPARE(written, bytes);
-    }
-}
-
-namespace {
-
-/// About 2 KB that hold every construct of the format.
-QByteArray everyConstruct()
-{
-    return "\xEF\xBB\xBF<?xml version=\"1.0\"?>\r\n<!-- note -->\n<xsdt version='1.0'>\n"
-           "  <i k=\"Gr\xC3\xBC\xC3\x9F"
-           "e\"><i k='a \"quoted\" key'/><i k=\"\"></i >\r\n"
-           "\t<v t='b' v = \"true\" k=\"order\" k=\"last\"/><v k=\"text\" t=\"s\"> a\n b </v>" +
-           QByteArray("<v k=\"&amp;&lt;&gt;&quot;&apos;\" t=\"&#x69;\" v=\"&#65;&#x1F600;&#x41;\"/>"
-                      "<v k=\"raw\" t=\"s\" v=\"<>'\"/><v k=\"e\" t=\"B\"></v\n></i>")
-               .replace("</v\n>", "</v>") +
-           QByteArray("<i k=\"Filler\"><v k=\"n\" t=\"u\" v=\"42\"/></i>").repeated(40) +
-           "</xsdt\n>\r\n";
-}
-
-} // namespace
 
 void TestXsdtReader::keepsCharactersAndSurroundings()
 {
@@ -159,38 +114,6 @@ void TestXsdtReader::saysWhatIsWrongAndWhere()
     QVERIFY(document->root.children.empty() && !document->defaultLayout);
     QVERIFY(document->head.isEmpty() && document->tail.isEmpty());
     QVERIFY(!document->parse(file));
-}
-
-void TestXsdtReader::survivesCutAndChangedFiles_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<int>("step");
-    QTest::addColumn<int>("rounds");
-    QFile sample(QStringLiteral(KSE_SOURCE_DIR "/examples/core-001-pxi.settings"));
-    QVERIFY(sample.open(QIODevice::ReadOnly));
-    QTest::newRow("every construct") << everyConstruct() << 1 << 8000;
-    QTest::newRow("sample") << sample.readAll() << 97 << 200;
-}
-
-void TestXsdtReader::survivesCutAndChangedFiles()
-{
-    QFETCH(const QByteArray, file);
-    QFETCH(const int, step);
-    QFETCH(const int, rounds);
-    QVERIFY(XsdtDocument().parse(file));
-    for (qsizetype size = 0; size <= file.size(); size += step) {
-        checkAnswer(file.left(size));
-    }
-    static constexpr char likely[] = "<>/\"'&;#=kvti \n\0\xC3\xED";
-    std::minstd_rand random(1);
-    for (int round = 0; round < rounds && !QTest::currentTestFailed(); ++round) {
-        QByteArray changed = file;
-        for (int changes = 1 + round % 3; changes > 0; --changes) {
-            const auto at = static_cast<qsizetype>(random() % quint32(file.size()));
-            changed[at] = likely[random() % (sizeof likely - 1)];
-        }
-        checkAnswer(changed);
-    }
 }
 
 void TestXsdtReader::readsHugeStrings()

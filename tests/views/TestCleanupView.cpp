@@ -67,7 +67,6 @@ private slots:
     void ticksWithTheKeyboard();
     void asksBeforeSettingsAreLost();
     void dropsTheAnswerWhenTheTreeIsGone();
-    void refusesWhilePixInsightRuns();
 };
 
 void TestCleanupView::listsWhatThePolicyOffers()
@@ -155,24 +154,6 @@ void TestCleanupView::dropsTheAnswerWhenTheTreeIsGone()
     };
     QVERIFY(!clickAndAnswer(page.view, u"queueButton"_s, QMessageBox::Yes, reload).isEmpty());
     QCOMPARE(page.document.pendingCount(), 0);
-}
-
-void TestCleanupView::refusesWhilePixInsightRuns()
-{
-    Page page(sample);
-    QSignalSpy messages(&page.view, &CleanupView::message);
-    page.view.tickAll(true);
-    const QStringList enabled = page.lines();
-    page.view.setReadOnly(true);
-    QCOMPARE(page.lines().filter(u"!"_s), page.lines());
-    QVERIFY(!page.queueButton->isEnabled());
-    QCOMPARE(page.status(), u"PixInsight is running: view only."_s);
-    page.view.setReadOnly(false);
-    QCOMPARE(page.lines(), enabled);
-    page.model.setReadOnly(true);
-    page.queueButton->click();
-    QCOMPARE(messages.takeFirst(), QVariantList{u"Some entries were refused: PixInsight is "
-                                                "running; nothing can be changed."_s});
 }
 
 KSE_TEST_MAIN(TestCleanupView)

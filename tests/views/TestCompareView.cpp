@@ -88,8 +88,6 @@ class TestCompareView : public QObject
 private slots:
     void listsDifferences_data();
     void listsDifferences();
-    void filtersWithoutCountingAnew();
-    void copiesSelection();
     void copiesAllShownAfterConsent();
     void offersMenu();
     void refusesFiles();
@@ -118,49 +116,6 @@ void TestCompareView::listsDifferences()
     QCOMPARE(page.summary(), u"%1 different, %2 only in this file, %3 only in the other file"_s.arg(
                                  counts[0], counts[1], counts[2]));
     QCOMPARE(page.lines(), cells[3].split(u"; "_s));
-}
-
-void TestCompareView::filtersWithoutCountingAnew()
-{
-    Page page(sample, otherSample);
-    const QString summary = page.summary();
-    QCOMPARE(summary, u"4 different, 1 only in this file, 1 only in the other file (1 more hidden "
-                      "as statistics, window state or generated lists)"_s);
-    QCOMPARE(page.lines().size(), 7);
-    auto* filter = page.view.findChild<QLineEdit*>(u"filterEdit"_s);
-    QTest::keyClicks(filter, u" TWO "_s);
-    QCOMPARE(page.lines(), QStringList({u"G/A"_s, u".y|<b>|two|Different"_s}));
-    QCOMPARE(page.item(u"y"_s)->toolTip(0), asToolTip(u"G/A/y\nThis file: <b>\nOther file: two"_s));
-    QTest::keyClicks(filter, u"%"_s);
-    QCOMPARE(page.lines(), QStringList{u"Nothing to show with the current filters."_s});
-    QCOMPARE(page.tree->topLevelItem(0)->flags(), Qt::ItemIsEnabled);
-    QCOMPARE(page.summary(), summary);
-    filter->clear();
-    for (const auto& name : {u"showDifferent"_s, u"hideNoise"_s, u"showOnlyThis"_s}) {
-        page.view.findChild<QCheckBox*>(name)->click();
-    }
-    QCOMPARE(page.lines(), QStringList({u"Mine"_s, u".v|1||Only in this file"_s}));
-    QCOMPARE(page.summary(), u"5 different, 1 only in this file, 1 only in the other file"_s);
-}
-
-void TestCompareView::copiesSelection()
-{
-    Page page(sample, otherSample);
-    QPushButton* copy = page.button(u"copySelectedButton"_s);
-    page.tree->setCurrentItem(page.item(u"v"_s));
-    QVERIFY(!copy->isEnabled());
-    for (const auto& row : {u"z"_s, u"G/A"_s, u"x"_s}) {
-        page.item(row)->setSelected(true);
-    }
-    QSignalSpy edits(&page.model, &SettingsModel::edited);
-    copy->click();
-    QCOMPARE(page.message(), u"Copied 2 value(s); 2 could not be copied (protected type, not "
-                             "editable, or refused)."_s);
-    QCOMPARE(edits.size(), 1);
-    QTRY_COMPARE(page.lines(), QStringList({u"G/B"_s, u".z|1|no|Different"_s, u"Lock"_s,
-                                            u".v|a|b|Different!"_s}));
-    page.model.revertAll();
-    QTRY_COMPARE(page.lines().size(), 7);
 }
 
 void TestCompareView::copiesAllShownAfterConsent()

@@ -60,24 +60,6 @@ private slots:
         QCOMPARE(page.cards().size(), 2);
     }
 
-    void mendsOnTheCard()
-    {
-        Page page(outOfRange + duplicate.repeated(2));
-        page.view.show();
-        const QString fresh = page.summary();
-        auto* box = page.view.findChild<QSpinBox*>();
-        QTest::keyClick(box, Qt::Key_Up);
-        QTest::keyClick(box, Qt::Key_Up);
-        QCOMPARE(page.summary(),
-                 fresh + u"   (You changed settings: run the check again to re-check.)"_s);
-        QTest::mouseClick(page.child<QPushButton>("rerunButton"), Qt::LeftButton);
-        QCOMPARE(page.summary(), u"0 problem(s), 1 warning(s), 0 note(s)"_s);
-        page.document->root.children.back()->markedForDeletion = true;
-        page.view.run();
-        page.model.revertValue(page.document->editedValues().constFirst());
-        QCOMPARE(page.summary(), u"No problems found."_s);
-    }
-
     void showsTwelveSettingsOfFinding()
     {
         Page page(duplicate.repeated(13) + "<i k=\"ModuleData\"><i k=\"Old\"/></i>");

@@ -103,55 +103,6 @@ private slots:
         QCOMPARE(f.view.pageCount(), 0);
     }
 
-    void searches_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("pages");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("key in closed sections")
-            << u" NEEDLE "_s << u"[Application]"_s << u"S&&b > Deep > Needle"_s;
-        QTest::newRow("value on another page")
-            << u"%1&"_s << u"[Identifiers and GUI]"_s << u"GUI > Icon"_s;
-        QTest::newRow("nothing") << u"zz"_s << QString() << QString();
-    }
-
-    void searches()
-    {
-        QFETCH(QString, text);
-        Fixture f;
-        const QString all = f.pages();
-        f.view.setReadOnly(true);
-        auto* edit = f.view.findChild<QLineEdit*>(u"searchEdit"_s);
-        QTest::keyClicks(edit, text);
-        QTEST(f.pages(), "pages");
-        QTEST(f.shown(), "shown");
-        QVERIFY(!f.view.selectPage(2));
-        f.view.setDocument(f.document.get());
-        QTEST(f.shown(), "shown");
-        QVERIFY(!f.onFirstPage<QCheckBox>("checkBox")->isEnabled());
-
-        edit->clear();
-        f.view.selectPage(0);
-        QCOMPARE(f.pages(), all);
-        QCOMPARE(f.shown(), u"Fast > S&&b"_s);
-    }
-
-    void countsChanges()
-    {
-        Fixture f;
-        const QListWidgetItem* item = f.list->item(0);
-        f.onFirstPage<QCheckBox>("checkBox")->click();
-        const XsdtNode* deep = f.node(u"Global/Preferences/Application/S&b/Deep/Needle"_s);
-        f.model.setData(f.model.indexForNode(deep, SettingsModel::ValueColumn), u"straw"_s);
-        QCOMPARE(item->text(), u"Application   ● 2"_s);
-        QCOMPARE(item->font().weight(), QFont::Bold);
-        f.onFirstPage<QToolButton>("revertButton")->click();
-        QCOMPARE(item->text(), u"Application   ● 1"_s);
-        f.model.revertAll();
-        QCOMPARE(item->text(), u"Application"_s);
-        QCOMPARE(item->font().weight(), QFont::Normal);
-    }
-
     void copesWithHostileFile()
     {
         QByteArray deep;

@@ -126,21 +126,6 @@ private slots:
         QCOMPARE(page.keys(), u"Mask MaskOn Other Gone"_s);
     }
 
-    void keepsRowsUntilTheNextSearch()
-    {
-        Page page(sample);
-        page.node(u"MaskOn"_s)->value = u"false"_s;
-        page.child<QCheckBox>("changedOnly")->click();
-        QTRY_COMPARE(page.keys(), u"MaskOn"_s);
-        auto* box = page.rows().constFirst()->findChild<QCheckBox*>();
-        page.model.revertValue(page.node(u"MaskOn"_s));
-        QVERIFY(box->isChecked());
-        page.view.setReadOnly(true);
-        QVERIFY(!box->isEnabled());
-        page.view.setQuery(u"On"_s);
-        QCOMPARE(page.summary(), u"No matching settings."_s);
-    }
-
     void forgetsTreeBeneathMenuAndEditor()
     {
         Page page(sample);

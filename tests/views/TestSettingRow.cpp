@@ -35,7 +35,7 @@ private slots:
     void cleanup() { m_window.reset(); }
     void writesWhatIsTypedAndNothingElse_data();
     void writesWhatIsTypedAndNothingElse();
-    void clicksAndChoices();
+    void keepsAValueWithoutAName();
     void tellsWhyItIsLocked();
     void wheelNeedsFocus();
     void picksFolderAndColor();
@@ -150,30 +150,8 @@ void TestSettingRow::writesWhatIsTypedAndNothingElse()
     QCOMPARE(edited.count(), m_node->value == value ? 0 : 1);
 }
 
-void TestSettingRow::clicksAndChoices()
+void TestSettingRow::keepsAValueWithoutAName()
 {
-    makeRow('b', u"true"_s, infoOf(VariableKind::Boolean));
-    auto* revert = part<QToolButton>("revertButton");
-    const auto look = [&] {
-        const QFont font = part<QLabel>("nameLabel")->font();
-        return u"%1 %2 %3"_s.arg(font.weight())
-            .arg(m_row->autoFillBackground())
-            .arg(revert->isEnabled());
-    };
-    QCOMPARE(look(), u"400 0 0"_s);
-    QCOMPARE(revert->toolTip(), u"Unchanged"_s);
-    QTest::mouseClick(part<QCheckBox>("checkBox"), Qt::LeftButton, {}, {5, 8});
-    QCOMPARE(m_node->value, u"false"_s);
-    QCOMPARE(look(), u"700 1 1"_s);
-    QCOMPARE(m_row->palette().color(QPalette::Window), QColor(255, 190, 0, 55));
-    m_row->setReadOnly(true);
-    QCOMPARE(look(), u"700 1 0"_s);
-    QCOMPARE(revert->toolTip(), u"Revert to the value on disk: true"_s);
-    m_row->setReadOnly(false);
-    QTest::mouseClick(revert, Qt::LeftButton);
-    QCOMPARE(m_node->value, u"true"_s);
-    QCOMPARE(look(), u"400 0 0"_s);
-
     makeRow('i', u"7"_s, infoOf(VariableKind::Choice));
     auto* combo = part<QComboBox>("comboBox");
     QTest::keyClick(combo, Qt::Key_Up);

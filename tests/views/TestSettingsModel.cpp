@@ -93,63 +93,13 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    void showsEachState();
     void cutsLongTexts();
-    void writesOrRefusesValue();
     void marksAndRestores();
     void tellsOfManyChangesOnce();
     void filterFollowsChanges();
     void filterKeepsPlaceInView();
     void copesWithDeepFile();
 };
-
-void TestSettingsModel::showsEachState()
-{
-    Fixture f;
-    QAbstractItemModelTester tester(&f.model);
-    QVERIFY(f.edit(f.node(u"Alpha/Count"_s), u"8"_s));
-    QVERIFY(f.edit(f.node(u"Old/%1<b>"_s), u"c"_s));
-    QVERIFY(f.model.markForDeletion(f.node(u"Old"_s)));
-
-    const QColor dim = QApplication::palette().color(QPalette::Disabled, QPalette::Text);
-    const auto describe = [&](const QString& path) {
-        const QModelIndex row = f.model.indexForNode(f.node(path));
-        QString text = row.siblingAtColumn(1).data().toString() + u'|' +
-                       row.siblingAtColumn(2).data().toString() + u'|';
-        if (const QVariant font = row.data(Qt::FontRole); font.isValid()) {
-            text += QString::number(font.value<QFont>().weight()) +
-                    (font.value<QFont>().strikeOut() ? u" struck "_s : u" "_s);
-        }
-        if (const QVariant color = row.data(Qt::BackgroundRole); color.isValid()) {
-            text += color.value<QColor>().name(QColor::HexArgb);
-        }
-        text += row.data(Qt::ForegroundRole).value<QColor>() == dim ? u" dim|"_s : u"|"_s;
-        const bool editable = f.model.flags(row.siblingAtColumn(1)) & Qt::ItemIsEditable;
-        return text + (editable ? u"edit|"_s : u"|"_s) + row.data(Qt::ToolTipRole).toString();
-    };
-    QCOMPARE(describe(u"Alpha"_s), u"|4 item(s)|||Alpha"_s);
-    QCOMPARE(describe(u"Top"_s), u"count me|String||edit|Top\nString"_s);
-    QCOMPARE(describe(u"Alpha/LastVersion"_s), u"7|Integer|||Alpha/LastVersion\nInteger"_s);
-    QCOMPARE(describe(u"Alpha/Count"_s),
-             u"8|Integer|700 #46ffbe00|edit|Alpha/Count\nInteger\nOriginal value: 7"_s);
-    QCOMPARE(describe(u"Alpha/Data"_s),
-             u"(5 characters of encoded data)|Block| dim||Alpha/Data\nBlock - protected, shown for "
-             u"reference only"_s);
-    QCOMPARE(describe(u"Old"_s),
-             u"|Will be deleted|400 struck #3ce63c3c dim||Old\nMarked for deletion (1 value(s)); "
-             u"removed when you save."_s);
-    QCOMPARE(describe(u"Old/Empty"_s), u"|0 item(s)|400 struck  dim||Old/Empty\nInside an entry "
-                                       u"marked for deletion."_s);
-    const QString edited = describe(u"Old/%1<b>"_s);
-    QVERIFY2(edited.startsWith(u"c|String|700 struck #46ffbe00 dim||"_s), qPrintable(edited));
-    QVERIFY2(edited.contains(u"Old/%1&lt;b&gt;\nString\nOriginal value: a\nb\nInside"_s),
-             qPrintable(edited));
-    f.model.undoDeletion(f.node(u"Old"_s));
-    QVERIFY(describe(u"Old"_s).endsWith(u"|Old\nCan be deleted: Left behind."_s));
-    QVERIFY(!f.model.index(3, 0).isValid());
-    f.model.setDocument(nullptr);
-    QCOMPARE(f.model.rowCount(), 0);
-}
 
 void TestSettingsModel::cutsLongTexts()
 {
@@ -162,32 +112,6 @@ void TestSettingsModel::cutsLongTexts()
     QCOMPARE(f.model.index(0, 0).data().toString(),
              QString(1000, u'k') + u"\u2026 (999000 more characters)"_s);
     QVERIFY(f.model.index(0, 0).data(Qt::ToolTipRole).toString().size() < 1100);
-}
-
-void TestSettingsModel::writesOrRefusesValue()
-{
-    Fixture f;
-    QVERIFY(f.model.markForDeletion(f.node(u"Old"_s)));
-    QString told;
-    connect(&f.model, &SettingsModel::edited, this, [&told] { told += u"edited"_s; });
-    connect(&f.model, &SettingsModel::editRejected, this, [&told](const QString& t) { told += t; });
-    const auto edit = [&](const QString& path, const QString& text) {
-        told.clear();
-        const bool written = f.edit(f.node(path), text);
-        return f.node(path)->value + (written ? u" written "_s : u" left "_s) + told;
-    };
-    QCOMPARE(edit(u"Alpha/Count"_s, u" 012"_s), u"12 written edited"_s);
-    QCOMPARE(edit(u"Alpha/Count"_s, u"012"_s), u"12 left "_s);
-    QVERIFY(edit(u"Alpha/Use"_s, u"maybe"_s).startsWith(u"true left Use: "_s));
-    QCOMPARE(edit(u"Alpha/LastVersion"_s, u"8"_s),
-             u"7 left LastVersion is part of the module registry or version records and is locked "
-             u"against editing."_s);
-    QCOMPARE(edit(u"Alpha/Data"_s, u"x"_s), u"Count left "_s);
-    QCOMPARE(edit(u"Alpha"_s, u"x"_s), u" left "_s);
-    QCOMPARE(edit(u"Old/%1<b>"_s, u"x"_s), u"a\nb left "_s);
-    f.model.setReadOnly(true);
-    QCOMPARE(edit(u"Top"_s, u"x"_s), u"count me left "_s);
-    QVERIFY(!(f.model.flags(f.model.indexForNode(f.node(u"Top"_s), 1)) & Qt::ItemIsEditable));
 }
 
 void TestSettingsModel::marksAndRestores()

@@ -110,28 +110,6 @@ private slots:
         QCOMPARE(f.view.focusWidget()->objectName(), u"lineEdit"_s);
     }
 
-    void queuesAndTakesBack()
-    {
-        Fixture f;
-        QTest::mouseClick(f.child<QPushButton>("tickAllButton"), Qt::LeftButton);
-        QCOMPARE(f.queue(QMessageBox::Cancel), QString());
-        QCOMPARE(f.asked.value(1), u"%1&Old\nGone"_s);
-        QCOMPARE(f.queue(QMessageBox::Yes),
-                 u"Queued 2 entries; 1 protected entries were left alone "
-                 "(Global/Statistics/Process/P)."_s);
-        QVERIFY(f.title(0)->text().endsWith(u"   [queued for deletion]"));
-        QVERIFY(f.title(1)->text().endsWith(u"   [partly queued for deletion]"));
-        QCOMPARE(f.summary(), u"2 unused module(s); 2 queued for deletion"_s);
-
-        f.tick(0);
-        QCOMPARE(f.queue(QMessageBox::Yes),
-                 u"Queued 1 entries of 1 module(s) for deletion. Save to apply."_s);
-        f.tick(1);
-        QTest::mouseClick(f.child<QPushButton>("undoButton"), Qt::LeftButton);
-        QCOMPARE(f.summary(), u"2 unused module(s); 1 queued for deletion"_s);
-        QCOMPARE(f.document->deletions().size(), 1);
-    }
-
     void givesUpWhenThingsChangeBeneathTheBox()
     {
         Fixture f;
