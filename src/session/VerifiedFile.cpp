@@ -114,10 +114,10 @@ bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced,
         return fail(error, u"Error writing %1: %2"_s.arg(path, reasonOf(file)));
     }
     replaced = true;
-    // Without it a power cut could bring the old file back. A failure changes nothing: the new
-    // file is there, and the old one is whole too.
-    (void)flushFolder(QFileInfo(target).absolutePath());
-
+    // Without it a power cut could bring the old file back.
+    if (!flushFolder(QFileInfo(target).absolutePath(), &reason)) {
+        return fail(error, u"Error writing %1: %2"_s.arg(path, reason));
+    }
     QByteArray readBack;
     if (!readWhole(path, readBack, error)) {
         return false;
@@ -137,10 +137,11 @@ bool copyVerified(const QString& from, const QString& to, const QByteArray& hash
     if (!readWhole(from, bytes) || !copy.open()) {
         return false;
     }
-    // A copy that nobody can read but root is better than none. Where a file that may not be
-    // written can't be removed either, its copy still can.
+    // A copy that nobody can read but root is better than none. Its owner can read it even if the
+    // mode of `from` can't be told, and remove it where that takes the right to write.
     (void)keepOwner(copy, from);
-    (void)copy.setPermissions(modeOf(QFile::permissions(from)) | QFileDevice::WriteOwner);
+    (void)copy.setPermissions(modeOf(QFile::permissions(from)) | QFileDevice::ReadOwner |
+                              QFileDevice::WriteOwner);
     if (!writeThrough(copy, bytes) || !copy.rename(to)) {
         return false;
     }
