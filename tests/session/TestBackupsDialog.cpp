@@ -2,6 +2,7 @@
 #include "session/BackupsDialog.h"
 #include "support/DialogAnswerer.h"
 #include "support/TestMain.h"
+#include "support/TextRows.h"
 
 #include <QApplication>
 #include <QDateTime>
@@ -45,12 +46,16 @@ struct Backups
     QPushButton* button(const QString& name) const { return dialog->findChild<QPushButton*>(name); }
     QString header() const { return dialog->findChild<QLabel*>(u"header"_s)->text(); }
 
-    QString clickAndAnswer(const QString& name, QMessageBox::StandardButton answer) const
+    /// Calls `before` while the question is open.
+    QString clickAndAnswer(
+        const QString& name, QMessageBox::StandardButton answer,
+        const std::function<void()>& before = [] {}) const
     {
         QString question;
         const DialogAnswerer<QMessageBox> answerer([&](QMessageBox& box) {
             question = box.text();
             QCOMPARE(box.defaultButton(), box.button(QMessageBox::No));
+            before();
             box.button(answer)->click();
         });
         button(name)->setFocus();
@@ -75,6 +80,7 @@ private slots:
     void storesNumberToKeepAtOnce();
     void removesAfterConsent_data();
     void removesAfterConsent();
+    void tellsWhatCouldNotBeRemoved_data();
     void tellsWhatCouldNotBeRemoved();
 };
 
@@ -164,14 +170,34 @@ void TestBackupsDialog::removesAfterConsent()
     QCOMPARE(told.value(0).value(0).toString(), message);
 }
 
+void TestBackupsDialog::tellsWhatCouldNotBeRemoved_data()
+{
+    addTextRows({"before > (1.5 MiB). 1 could not be removed.",
+                 "meanwhile > (1.5 MiB). 1 could not be removed.",
+                 "replaced > (1.5 MiB). 1 could not be removed.",
+                 "all > Deleted 0 backup(s) (0 B). 4 could not be removed."});
+}
 void TestBackupsDialog::tellsWhatCouldNotBeRemoved()
 {
+    QFETCH(const QStringList, cells);
     const Backups backups;
     backups.list->selectAll();
-    QVERIFY(QFile::remove(backups.list->item(2)->data(Qt::UserRole).toString()));
+    const QString victim = backups.list->item(2)->data(Qt::UserRole).toString();
+    const auto spoil = [&] {
+        QVERIFY(cells[0] == u"all"_s ? QDir(backups.folder.path()).removeRecursively()
+                                     : QFile::remove(victim));
+        QVERIFY(cells[0] != u"replaced"_s || QDir().mkdir(victim));
+    };
+    if (cells[0] == u"before"_s) {
+        spoil();
+    }
     const QSignalSpy told(backups.dialog.get(), &BackupsDialog::message);
-    backups.clickAndAnswer(u"deleteSelected"_s, QMessageBox::Yes);
-    QVERIFY(told.value(0).value(0).toString().endsWith(u"(1.5 MiB). 1 could not be removed."_s));
+    backups.clickAndAnswer(u"deleteSelected"_s, QMessageBox::Yes, [&] {
+        if (cells[0] != u"before"_s) {
+            spoil();
+        }
+    });
+    QVERIFY(told.value(0).value(0).toString().endsWith(cells[1]));
     QCOMPARE(backups.header(), u"No backups of "_s + fileName + u'.');
 }
 

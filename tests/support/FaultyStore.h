@@ -111,7 +111,16 @@ struct FaultyStore : StoreFixture
              }},
             {u"full disk"_s,
              [&] {
+                 write(source(), fileBytes("<v k=\"b\" t=\"s\">" + QByteArray(8000, 'x') + "</v>"));
                  return edit("A/s", QString(8000, u'x')) && mountFullDisk();
+             }},
+            {u"read-only disk"_s,
+             [&] {
+                 return mountReadOnly(dir.path());
+             }},
+            {u"real read-only disk"_s,
+             [&] {
+                 return mountReadOnly(moveBehindLink());
              }},
             {u"no replacement"_s,
              [&] {
@@ -179,6 +188,13 @@ private:
         const QString folder = moveBehindLink();
         return mountOver(u"tmpfs"_s, folder, "tmpfs", 0, "size=8k") &&
                write(folder + u"/file"_s, bytes);
+    }
+
+    bool mountReadOnly(const QString& folder)
+    {
+        return mountOver(folder, folder, nullptr, MS_BIND, nullptr) &&
+               mount(nullptr, QFile::encodeName(folder).constData(), nullptr,
+                     MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
     }
 
     bool mountOver(const QString& source, const QString& target, const char* type,
@@ -276,34 +292,41 @@ inline XsdtNode* loopNode(SettingsStore& store)
     return store.document.root.findByPath(u"CentralWidgetClients/ProcessConsole/Height");
 }
 
-/// Starts a process that saves the file at `path` in a loop, by calling the test program with
-/// "--save-in-a-loop", and kills it at a random moment. False if it ended in another way.
-inline bool killWhileSaving(const QString& path)
+/// Starts a process that saves the file at `path` and restores `source` in turns, by calling the
+/// test program with "--in-a-loop", and kills it at a random moment. False if it ended in another
+/// way.
+inline bool killInTheMiddle(const QString& path, const QString& source)
 {
-    QProcess saver;
-    saver.start(QCoreApplication::applicationFilePath(), {u"--save-in-a-loop"_s, path});
-    if (!saver.waitForReadyRead()) {
+    QProcess loop;
+    loop.start(QCoreApplication::applicationFilePath(), {u"--in-a-loop"_s, path, source});
+    if (!loop.waitForReadyRead()) {
         return false;
     }
-    QThread::msleep(QRandomGenerator::global()->bounded(40));
-    saver.kill();
-    return saver.waitForFinished() && saver.exitStatus() == QProcess::CrashExit;
+    QThread::usleep(QRandomGenerator::global()->bounded(60'000));
+    loop.kill();
+    return loop.waitForFinished() && loop.exitStatus() == QProcess::CrashExit;
 }
 
-/// Saves the file at `path` until it is killed, and tells of the first save.
-inline int saveInALoop(const QString& path)
+/// Saves and restores until it is killed, and tells of the first save.
+inline int saveAndRestoreInALoop(const QString& path, const QString& source)
 {
     SettingsStore store;
     QString error;
-    for (int turn = 0; store.load(path, &error); ++turn) {
+    // A process of PixInsight's name, as in another program's test, only holds it up.
+    const auto goesOn = [&error](bool done) {
+        return done || error.startsWith(u"PixInsight is running.");
+    };
+    bool told = false;
+    bool done = store.load(path, &error);
+    for (int turn = 0; goesOn(done); ++turn) {
         loopNode(store)->value = loopValue(turn);
-        if (!store.save(&error)) {
-            break;
-        }
-        if (turn == 0) {
-            std::puts("saving");
+        done = store.save(&error);
+        if (done && !told) {
+            std::puts("saved");
             std::fflush(stdout);
+            told = true;
         }
+        done = goesOn(done) && store.restoreBackup(source, &error);
     }
     qCritical("%s", qPrintable(error));
     return 1;

@@ -13,6 +13,15 @@
 
 namespace kse {
 
+/// All that the store holds, for comparing before and after.
+inline QString stateOf(const SettingsStore& store)
+{
+    return QStringLiteral("%1 %2 %3 %4\n%5")
+        .arg(store.path, store.loaded ? QStringLiteral("open") : QStringLiteral("closed"),
+             QString::fromLatin1(store.loadedHash.toHex()),
+             QString::number(store.document.pendingCount()), treeText(store.document.root));
+}
+
 /// A settings file alone in a folder of its own, and the store that has it open. A step of the
 /// fixture that fails ends the test program.
 struct StoreFixture
@@ -96,14 +105,7 @@ struct StoreFixture
         return contents;
     }
 
-    /// All that the store holds, for comparing before and after.
-    QString state() const
-    {
-        return QStringLiteral("%1 %2 %3 %4\n%5")
-            .arg(store.path, store.loaded ? QStringLiteral("open") : QStringLiteral("closed"),
-                 QString::fromLatin1(store.loadedHash.toHex()),
-                 QString::number(store.document.pendingCount()), treeText(store.document.root));
-    }
+    QString state() const { return stateOf(store); }
 
     static void require(bool done, const QString& what)
     {
