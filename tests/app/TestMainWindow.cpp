@@ -217,7 +217,7 @@ private slots:
 
     void namesABackupForAFileThatCannotBeOpened()
     {
-        const QString bad = m_folder + u"/<b>%1.settings"_s;
+        const QString bad = m_folder + u"/&lt;%1.settings"_s;
         write(bad, "nonsense");
         write(bad + u".bak-20260102-000000"_s, "nonsense too");
         write(bad + u".bak-20260101-000000"_s, contentOf(m_file));
@@ -226,7 +226,7 @@ private slots:
             QCOMPARE(box.text(), bad +
                                      u" is not a valid PixInsight settings file: Not a PixInsight "
                                      "settings file (no <xsdt> element)."_s);
-            QVERIFY(box.informativeText().contains("&lt;b&gt;%1.settings.bak-20260101-000000"_L1));
+            QVERIFY(box.informativeText().contains("&amp;lt;%1.settings.bak-20260101-000000"_L1));
             box.close();
         });
         QVERIFY(!m_window->openFile(bad));

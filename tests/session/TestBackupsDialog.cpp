@@ -21,7 +21,7 @@ using namespace kse;
 
 namespace {
 
-const QString fileName = u"core-<b>%1&-pxi.settings"_s;
+const QString fileName = u"core-&lt;%1&-pxi.settings"_s;
 
 // The dialog over a folder with four backups, "1" the oldest.
 struct Backups
@@ -167,7 +167,14 @@ void TestBackupsDialog::removesAfterConsent()
     QTEST(left, "left");
     QCOMPARE(backups.dialog->focusWidget(), backups.list);
     QCOMPARE(QDir(backups.folder.path()).entryList(QDir::Files).size(), left.size());
-    QCOMPARE(told.value(0).value(0).toString(), message);
+    QString said = told.value(0).value(0).toString();
+#ifdef Q_OS_WIN
+    // Whether there is a Recycle Bin isn't for this test to say.
+    for (QString* text : {&said, &message}) {
+        text->remove(u" to the Recycle Bin"_s).replace(u"Moved"_s, u"Deleted"_s);
+    }
+#endif
+    QCOMPARE(said, message);
 }
 
 void TestBackupsDialog::tellsWhatCouldNotBeRemoved_data()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "schema/SettingsSchema.h"
 #include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
 #include "support/TestMain.h"
@@ -157,6 +158,11 @@ private slots:
                  (QStringList{u"D:/\u041f\u0440\u043e\u0433\u0440\u0430\u043c\u043c/PixInsight"_s,
                               u"E:/x86/PixInsight"_s, u"C:/Program Files/PixInsight"_s}));
         QVERIFY(HealthEnv::system().isWindows);
+        const auto document = documentFrom(R"(<i k="Global"><i k="Preferences">)"
+                                           R"(<v k="ADirectory" t="s">C:/a/b</v></i></i>)");
+        const auto findings = HealthChecker::run(*document, {}, HealthEnv::system());
+        QCOMPARE(findings.size(), 1);
+        QVERIFY(findings[0].detail.startsWith("C:\\a\\b is not on this computer."_L1));
     }
 };
 

@@ -317,7 +317,9 @@ void TestSettingRow::offersMenu()
             if (replaceDocument) {
                 m_model->setDocument(m_document.get());
             }
-            QTest::keyClick(&shown, Qt::Key_Down);
+            do { // on Windows the keys stop at the others too
+                QTest::keyClick(&shown, Qt::Key_Down);
+            } while (shown.activeAction() && !shown.activeAction()->isEnabled());
             QTest::keyClick(&shown, Qt::Key_Return);
         });
         DialogAnswerer<QMessageBox> box(
