@@ -20,7 +20,7 @@ more=()
 fuzz() {
     local name=$1 seconds=$2 found=build/fuzz/found/$1
     mkdir -p "$found"
-    if ! "build/fuzz/fuzz/fuzz-$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+    if ! "build/fuzz/fuzz/fuzz-$name" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 \
         -dict="fuzz/$name.dict" -artifact_prefix="build/fuzz/found/$name-" -print_final_stats=1 \
         "${@:3}" "$found" "fuzz/inputs/$name" >"$found.log" 2>&1; then
         tail -n 40 "$found.log"
