@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+#include "SettingsGenerator.h"
+#include "document/TreeWalk.h"
+#include "document/XsdtValueType.h"
+#include "session/SettingsStore.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QHash>
+#include <QSet>
+#include <QTemporaryDir>
+#include <malloc.h>
+#include <pugixml.hpp>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+
+// Linux alone: what the kernel says a process occupies. Prints tables in Markdown.
+
+using namespace kse;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void require(bool done)
+{
+    if (!done) {
+        qFatal("A step failed, so its memory means nothing.");
+    }
+}
+
+/// A figure of /proc/self/status, in bytes.
+double statusOf(QByteArrayView name)
+{
+    QFile file(u"/proc/self/status"_s);
+    require(file.open(QIODevice::ReadOnly));
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        if (line.startsWith(name)) {
+            return line.simplified().split(' ').value(1).toDouble() * 1024;
+        }
+    }
+    return 0;
+}
+
+struct Memory
+{
+    double atRest = 0; ///< In use after the work, when the allocator has given back what it can.
+    double peak = 0;   ///< At most in use.
+};
+
+/// What `work` adds to a process of its own. What it returns is kept until all is measured.
+template <typename Work>
+Memory measure(Work&& work)
+{
+    int ends[2];
+    require(pipe(ends) == 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const double before = statusOf("VmRSS:");
+        const auto kept = work();
+        malloc_trim(0);
+        const Memory memory{statusOf("VmRSS:") - before, statusOf("VmHWM:") - before};
+        require(write(ends[1], &memory, sizeof memory) == sizeof memory);
+        _exit(0);
+    }
+    Memory memory;
+    require(child > 0 && read(ends[0], &memory, sizeof memory) == sizeof memory &&
+            waitpid(child, nullptr, 0) == child);
+    close(ends[0]);
+    close(ends[1]);
+    return memory;
+}
+
+std::unique_ptr<SettingsStore> open(const QString& path)
+{
+    auto store = std::make_unique<SettingsStore>();
+    require(store->load(path));
+    return store;
+}
+
+void measureTree(const QString& path, qsizetype values)
+{
+    const Memory peer = measure([&] {
+        auto document = std::make_unique<pugi::xml_document>();
+        require(bool(document->load_file(path.toLocal8Bit().constData())));
+        return document;
+    });
+    const Memory opened = measure([&] { return open(path); });
+    const Memory saved = measure([&] {
+        auto store = open(path);
+        XsdtNode* const node = walkTree(store->document.root, [](const XsdtNode& candidate) {
+            return candidate.typeCode == XsdtValueType::Integer ? Walk::Stop : Walk::Into;
+        });
+        node->value += u'1';
+        QString backup;
+        require(store->save(nullptr, &backup) && QFile::remove(backup));
+        return store;
+    });
+    const auto bytes = [&](double all) {
+        return all / double(values);
+    };
+    std::printf("| %lld | %.0f B | %.0f B | %.2f | %.0f B | %.2f | %.0f B | %.2f |\n",
+                static_cast<long long>(values), bytes(peer.atRest), bytes(opened.atRest),
+                opened.atRest / peer.atRest, bytes(opened.peak), opened.peak / peer.atRest,
+                bytes(saved.peak), saved.peak / peer.atRest);
+}
+
+/// How many texts there are, how many of them repeat another, and how many strings hold them all.
+class Sharing
+{
+public:
+    void add(const QString& text)
+    {
+        if (!text.isEmpty()) {
+            ++m_count;
+            m_different.insert(text);
+            m_strings.insert(text.constData());
+        }
+    }
+
+    void print(const char* name) const
+    {
+        std::printf("| %s | %lld | %lld | %lld | %.0f %% |\n", name,
+                    static_cast<long long>(m_count), static_cast<long long>(m_different.size()),
+                    static_cast<long long>(m_strings.size()),
+                    100.0 * double(m_count - m_strings.size()) /
+                        double(std::max<qsizetype>(1, m_count - m_different.size())));
+    }
+
+private:
+    qsizetype m_count = 0;
+    QSet<QString> m_different;
+    QSet<const QChar*> m_strings;
+};
+
+void printSharing(const XsdtDocument& document)
+{
+    Sharing keys;
+    Sharing shortValues;
+    Sharing longValues;
+    walkTree(document.root, [&](const XsdtNode& node) {
+        keys.add(node.key);
+        (node.value.size() <= 5 ? shortValues : longValues).add(node.value);
+        return Walk::Into;
+    });
+    keys.print("Keys");
+    shortValues.print("Values of up to 5 characters");
+    longValues.print("Longer values");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"core-001-pxi.settings"_s);
+    std::puts("| Values | pugixml's tree | Tree | to pugixml | Peak while opening | to pugixml | "
+              "Peak while saving | to pugixml |\n|---|---|---|---|---|---|---|---|");
+    for (const qsizetype values : {10'000, 100'000, 1'000'000}) {
+        {
+            QFile file(path);
+            require(file.open(QIODevice::WriteOnly) &&
+                    file.write(generateSettings({GenerateOptions::Shape::Values, values})) > 0);
+        }
+        malloc_trim(0);
+        std::fflush(stdout); // before the process is doubled
+        measureTree(path, values);
+    }
+    for (const GenerateOptions& options :
+         {GenerateOptions{}, GenerateOptions{GenerateOptions::Shape::Values, 100'000}}) {
+        XsdtDocument document;
+        require(document.parse(generateSettings(options)));
+        std::printf("\n| %s | Texts | Different | Strings | Repeated ones shared |\n"
+                    "|---|---|---|---|---|\n",
+                    options.shape == GenerateOptions::Shape::Sample ? "The sample"
+                                                                    : "100,000 values");
+        printSharing(document);
+    }
+    return 0;
+}
