@@ -147,7 +147,11 @@ void PreferencesView::setDocument(const XsdtDocument* document)
     }
     continueTabOrder(m_pageList, pages);
     updatePageCounts();
-    applyFilter(); // selects the first page, or the first that it leaves
+    if (m_searchEdit->text().trimmed().isEmpty()) {
+        m_pageList->setCurrentRow(0); // to show each row by itself would lay out all the pages
+    } else {
+        applyFilter(); // selects the first page that it leaves
+    }
 }
 
 void PreferencesView::discardPages()
