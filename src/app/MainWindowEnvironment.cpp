@@ -17,6 +17,7 @@ namespace kse {
 void MainWindow::pollEnvironment()
 {
     const bool wasRunning = m_running;
+    const bool wasStale = m_staleOnDisk;
     m_running = !PixInsightEnv::runningProcessIds().isEmpty();
     m_staleOnDisk = m_store.isChangedOnDisk();
     if (m_running && !wasRunning) {
@@ -33,7 +34,9 @@ void MainWindow::pollEnvironment()
     if (PixInsightEnv::findSettingsFiles() != m_knownFiles) {
         rebuildFileBox();
     }
-    refreshBanner();
+    if (m_running != wasRunning || m_staleOnDisk != wasStale) {
+        refreshBanner(); // which walks over the whole tree
+    }
 }
 
 void MainWindow::refreshBanner()
