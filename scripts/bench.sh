@@ -23,14 +23,14 @@ run() {
 
 build/bench/bench/BenchStart >"$folder/Start.md"
 build/bench/bench/BenchMemory >"$folder/Memory.md"
-run Document Document --benchmark_repetitions=5 --benchmark_min_time=0.2
+run Document Document --benchmark_repetitions=3 --benchmark_min_time=0.15
 run Store Store --benchmark_repetitions=3 --benchmark_min_time=0.1
 TMPDIR=/dev/shm run StoreInMemory Store --benchmark_repetitions=3 --benchmark_min_time=0.1
-run Poll Poll --benchmark_repetitions=5 --benchmark_min_time=0.2
+run Poll Poll --benchmark_repetitions=3 --benchmark_min_time=0.2
 run Compare Compare --benchmark_repetitions=3 --benchmark_min_time=0.1
 run Search Search --benchmark_repetitions=3 --benchmark_min_time=0.1
 run Pages Pages --benchmark_repetitions=5 --benchmark_min_time=0.1
-run Health Health --benchmark_repetitions=3 --benchmark_min_time=0.1
+run Health Health --benchmark_min_time=0.1
 run Tree Tree --benchmark_min_time=0.05
 run Bulk Bulk --benchmark_min_time=0.05
 scripts/bench-tables.py "$folder" | tee "$folder/tables.md"
