@@ -10,7 +10,6 @@ folder=${1:-build/bench/results}
 cmake --preset bench
 cmake --build --preset bench
 mkdir -p "$folder"
-rm -f "$folder"/*.{json,md,txt}
 
 # run RESULT SUBJECT [OPTION...]: one program on one processor; a median where it is repeated.
 run() {
