@@ -79,15 +79,17 @@ bool readWhole(const QString& path, QByteArray& bytes, QString* error)
     if (!openRegular(file, path, &reason)) {
         return fail(error, u"Cannot read %1: %2"_s.arg(path, reason));
     }
-    // A read that fails half-way ends `readAll` just as the end of the file does, without a word;
-    // only reading on tells them apart.
-    QByteArray content = file.readAll();
-    for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll()) {
+    // A read that fails half-way may end `readAll` just as the end of the file does, without a
+    // word; only reading on tells them apart. The next one forgets the error of the one before.
+    QByteArray content;
+    QByteArray more;
+    do {
+        more = file.readAll();
+        if (file.error() != QFileDevice::NoError) {
+            return fail(error, u"Cannot read %1: %2"_s.arg(path, reasonOf(file)));
+        }
         content += more;
-    }
-    if (file.error() != QFileDevice::NoError) {
-        return fail(error, u"Cannot read %1: %2"_s.arg(path, reasonOf(file)));
-    }
+    } while (!more.isEmpty());
     bytes = std::move(content);
     return true;
 }
@@ -134,7 +136,7 @@ bool copyVerified(const QString& from, const QString& to, const QByteArray& hash
     // and backups go by their time.
     QByteArray bytes;
     QTemporaryFile copy(from + u".XXXXXX"_s); // a name that counts as no backup
-    if (!readWhole(from, bytes) || !copy.open()) {
+    if (!readWhole(from, bytes) || sha256(bytes) != hash || !copy.open()) {
         return false;
     }
     // A copy that nobody can read but root is better than none. Its owner can read it even if the
@@ -146,8 +148,9 @@ bool copyVerified(const QString& from, const QString& to, const QByteArray& hash
         return false;
     }
     copy.setAutoRemove(false);
-    return flushFolder(QFileInfo(to).absolutePath()) && readWhole(to, bytes) &&
-           sha256(bytes) == hash;
+    QByteArray readBack;
+    return flushFolder(QFileInfo(to).absolutePath()) && readWhole(to, readBack) &&
+           readBack == bytes;
 }
 
 } // namespace kse

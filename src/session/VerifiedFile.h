@@ -19,9 +19,10 @@ namespace kse {
 [[nodiscard]] bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced,
                                  QString* error = nullptr);
 
-/// Copies the file `from` to the new name `to` beside it, through to the disk. The copy has the
-/// time at which it was made and, where the system allows it, the owner and mode of `from`. False
-/// unless, read anew, it has the SHA-256 `hash`; what stands under the new name then is left there.
+/// Copies the file `from`, if it has the SHA-256 `hash`, to the new name `to` beside it, through to
+/// the disk. The copy has the time at which it was made and, where the system allows it, the owner
+/// and mode of `from`. False unless it reads back the same; what stands under the new name then is
+/// left there.
 [[nodiscard]] bool copyVerified(const QString& from, const QString& to, const QByteArray& hash);
 
 } // namespace kse

@@ -142,24 +142,6 @@ private slots:
         QSKIP("In 200 attempts nothing came between writing and reading back.");
     }
 
-    void tellsOfAChangeBetweenGuardAndBackup()
-    {
-        StoreFixture f(
-            StoreFixture::read(QStringLiteral(KSE_SOURCE_DIR "/examples/core-001-pxi.settings")));
-        loopNode(f.store)->value = u"1"_s;
-        const QString state = f.state();
-        QString error;
-        {
-            const ReadWatcher meddler(f.path);
-            QVERIFY(!f.store.save(&error));
-        }
-        QCOMPARE(error, u"The file changed on disk since it was loaded (PixInsight may have "
-                        "written it). Reload it and redo your edits."_s);
-        QCOMPARE(f.state(), state);
-        QCOMPARE(QFileInfo(f.path).size(), 3);
-        QCOMPARE(f.files().size(), 2); // so that the change came after the guard
-    }
-
     /// KSE_KILLS=500 makes so many.
     void survivesBeingKilled()
     {

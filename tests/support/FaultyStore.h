@@ -14,7 +14,6 @@
 #include <map>
 #include <thread>
 
-#include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -245,39 +244,6 @@ private:
 
     QByteArray m_path;
     std::atomic_bool m_stop = false;
-    std::thread m_thread;
-};
-
-/// Cuts a file as soon as someone has read it to its end and closed it. The next reader finds that.
-class ReadWatcher
-{
-public:
-    explicit ReadWatcher(const QString& path)
-        : m_path(QFile::encodeName(path))
-        , m_watch(inotify_init1(IN_CLOEXEC))
-    {
-        const bool watching = m_watch >= 0 && inotify_add_watch(m_watch, m_path.constData(),
-                                                                IN_CLOSE_NOWRITE | IN_ONESHOT) >= 0;
-        StoreFixture::require(watching, path);
-        m_thread = std::thread([this] {
-            char event[4096];
-            if (::read(m_watch, event, sizeof event) > 0) {
-                (void)!truncate(m_path.constData(), 3);
-            }
-        });
-    }
-    ~ReadWatcher()
-    {
-        QFile file(QFile::decodeName(m_path)); // wakes the thread if nobody has
-        (void)file.open(QIODevice::ReadOnly);
-        file.close();
-        m_thread.join();
-        ::close(m_watch);
-    }
-
-private:
-    QByteArray m_path;
-    int m_watch;
     std::thread m_thread;
 };
 
