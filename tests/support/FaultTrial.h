@@ -118,7 +118,7 @@ public:
         QStringList paths;
         for (const QString& found : allFiles()) {
             static const QRegularExpression form(
-                QStringLiteral("\\.bak-\\d{8}-\\d{6}(-before-restore)?(-\\d+)?$"));
+                QStringLiteral(R"(\.bak-\d{8}-\d{6}(-before-restore)?(-\d+)?$)"));
             if (found != older && form.match(found).hasMatch()) {
                 paths.append(found);
             }

@@ -261,6 +261,7 @@ std::size_t part(std::size_t size, bool half)
     }
 
 // clang-format off
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the system's are reserved names
 extern "C" {
 
 WATCH_OPEN(open)
@@ -333,4 +334,5 @@ char* realpath(const char* path, char* to) noexcept
 }
 
 } // extern "C"
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 // clang-format on

@@ -48,7 +48,8 @@ void tell(const char* name, const QString& value)
 int main(int argc, char** argv)
 {
     const QCoreApplication app(argc, argv);
-    Session session{app.arguments().value(2), app.arguments().value(3), {}, {}, {}};
+    const QStringList arguments = QCoreApplication::arguments();
+    Session session{arguments.value(2), arguments.value(3), {}, {}, {}};
     const bool opened = session.open();
     const QString before = stateOf(session.store);
     const bool done = opened && session.run();
