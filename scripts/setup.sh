@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what is missing on Debian 12, Ubuntu 24.04 and later, and nothing if all is there.
-#   scripts/setup.sh [build] [test] [package] [fuzz] [ci]
+#   scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13]
 set -euo pipefail
 
 # Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
@@ -11,6 +11,7 @@ package=(dpkg-dev file)
 fuzz=(clang libclang-rt-dev llvm)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix
     libbenchmark-dev libpugixml-dev shellcheck)
+debian13=(debootstrap)
 
 needed=()
 for part in "${@:-build}"; do
@@ -20,8 +21,9 @@ for part in "${@:-build}"; do
     package) needed+=("${package[@]}") ;;
     fuzz) needed+=("${fuzz[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
+    debian13) needed+=("${debian13[@]}") ;;
     *)
-        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [ci]" >&2
+        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13]" >&2
         exit 2
         ;;
     esac

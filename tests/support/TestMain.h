@@ -7,6 +7,10 @@
 #include <QTemporaryDir>
 #include <QtGlobal>
 
+#if defined(__GNUC__) && QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+#pragma GCC diagnostic ignored "-Wconversion" // QTRY_VERIFY and its like narrow a number
+#endif
+
 namespace kse {
 
 /// Gives the process a home, configuration, cache and data folder of its own for as long as it
