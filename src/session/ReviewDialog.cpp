@@ -140,6 +140,7 @@ void ReviewDialog::createTree()
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
     m_tree->setRootIsDecorated(true);
+    setTabOrder(m_showDeletions, m_tree);
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(ChangeColumn, QHeaderView::ResizeToContents);

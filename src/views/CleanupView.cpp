@@ -6,8 +6,10 @@
 #include "views/FormatBytes.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
+#include "views/TabOrder.h"
 #include "views/TextOrder.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -340,14 +342,17 @@ void CleanupView::refreshStatus()
     }
     m_tree->resizeColumnToContents(StatusColumn);
     m_tree->viewport()->update();
+    QAccessibleTableModelChangeEvent change(m_tree, QAccessibleTableModelChangeEvent::DataChanged);
+    QAccessible::updateAccessibility(&change);
 
     const QList<Entry*> ticked = tickedEntries();
     qint64 size = 0;
     for (const Entry* entry : ticked) {
         size += entry->size;
     }
-    m_queueButton->setEnabled(!m_readOnly && !ticked.isEmpty());
-    m_undoButton->setEnabled(!m_readOnly && !ticked.isEmpty());
+    const bool canQueue = !m_readOnly && !ticked.isEmpty();
+    setEnabledOrPass(*m_queueButton, canQueue, *m_tree);
+    setEnabledOrPass(*m_undoButton, canQueue, *m_tree);
     if (m_readOnly) {
         m_statusLabel->setText(tr("PixInsight is running: view only."));
     } else if (!ticked.isEmpty()) {

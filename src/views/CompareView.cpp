@@ -7,6 +7,7 @@
 #include "views/CompareRow.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
+#include "views/TabOrder.h"
 #include "views/WheelGuard.h"
 
 #include <QCheckBox>
@@ -410,8 +411,8 @@ void CompareView::updateButtons()
     const QList<int> selected = selectedEntries();
     const bool selectionCopyable = std::any_of(
         selected.cbegin(), selected.cend(), [this](int i) { return isCopyable(m_entries.at(i)); });
-    m_copySelectedButton->setEnabled(!m_readOnly && selectionCopyable);
-    m_copyAllButton->setEnabled(!m_readOnly && m_copyableRows > 0);
+    setEnabledOrPass(*m_copySelectedButton, !m_readOnly && selectionCopyable, *m_tree);
+    setEnabledOrPass(*m_copyAllButton, !m_readOnly && m_copyableRows > 0, *m_tree);
     m_copyAllButton->setText(
         m_copyableRows > 0 ? tr("Use the other file's value for all shown (%1)").arg(m_copyableRows)
                            : tr("Use the other file's value for all shown"));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "views/TabOrder.h"
 
+#include "views/SettingRow.h"
+
 #include <QWidget>
 
 namespace kse {
@@ -10,16 +12,30 @@ QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
     QList<QWidget*> stops;
     for (QWidget* widget : widgets) {
         for (QWidget* inside : QList{widget} + widget->findChildren<QWidget*>()) {
-            if ((inside->focusPolicy() & Qt::TabFocus) && !inside->focusProxy()) {
+            // A row takes the focus only while no control in it can be used, which may come later.
+            const bool isStop =
+                (inside->focusPolicy() & Qt::TabFocus) || qobject_cast<const SettingRow*>(inside);
+            if (isStop && !inside->focusProxy()) {
                 stops.append(inside);
             }
         }
     }
     // Backwards, since Qt looks at every widget between one that it moves and the stop before that.
     for (auto stop = stops.crbegin(); stop != stops.crend(); ++stop) {
+        const Qt::FocusPolicy policy = (*stop)->focusPolicy();
+        (*stop)->setFocusPolicy(Qt::TabFocus); // else Qt refuses to move it
         QWidget::setTabOrder(before, *stop);
+        (*stop)->setFocusPolicy(policy);
     }
     return stops.isEmpty() ? before : stops.constLast();
+}
+
+void setEnabledOrPass(QWidget& widget, bool enabled, QWidget& heir)
+{
+    if (!enabled && widget.window()->focusWidget() == &widget) {
+        heir.setFocus();
+    }
+    widget.setEnabled(enabled);
 }
 
 } // namespace kse

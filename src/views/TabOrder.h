@@ -12,4 +12,8 @@ namespace kse {
 /// window. Returns the last that takes the focus, or `before` if none does.
 QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets);
 
+/// Enables or disables `widget`. If it thereby loses the focus of its window, `heir` gets it: left
+/// to Qt it would go to whatever is next, which may be another command.
+void setEnabledOrPass(QWidget& widget, bool enabled, QWidget& heir);
+
 } // namespace kse

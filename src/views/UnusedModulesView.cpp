@@ -9,6 +9,7 @@
 #include "views/SettingRow.h"
 #include "views/SettingRowSet.h"
 #include "views/SettingsModel.h"
+#include "views/TabOrder.h"
 #include "views/WidgetColumn.h"
 
 #include <QCheckBox>
@@ -84,6 +85,7 @@ void UnusedModulesView::createUi()
 
     m_column = new WidgetColumn(2);
     m_column->setObjectName(u"column"_s);
+    m_column->setAccessibleName(tr("Unused modules"));
     m_column->widget()->setObjectName(u"listWidget"_s);
 
     auto* layout = new QVBoxLayout(this);
@@ -277,8 +279,9 @@ void UnusedModulesView::updateSummary()
             tickedBytes += size.bytes;
         }
     }
-    m_queueButton->setEnabled(!m_rows->isReadOnly() && ticked > 0);
-    m_undoButton->setEnabled(!m_rows->isReadOnly() && ticked > 0);
+    const bool canQueue = !m_rows->isReadOnly() && ticked > 0;
+    setEnabledOrPass(*m_queueButton, canQueue, *m_column);
+    setEnabledOrPass(*m_undoButton, canQueue, *m_column);
     m_tickAllButton->setEnabled(!m_cards.isEmpty());
     if (!m_document) {
         m_summary->clear();
