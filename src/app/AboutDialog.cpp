@@ -52,6 +52,7 @@ AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, 
     m_details->setReadOnly(true);
     m_details->setTabChangesFocus(true);
     detailsTitle->setBuddy(m_details);
+    m_details->setAccessibleName(tr("Technical details")); // without the title's markup
     m_notice = createText(tr("© 2026 Kestrane Settings Editor contributors. Not affiliated with or "
                              "endorsed by Pleiades Astrophoto; PixInsight is a trademark of "
                              "Pleiades Astrophoto S.L."),

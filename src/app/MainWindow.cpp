@@ -444,7 +444,9 @@ void MainWindow::showRejection(const QString& reason)
 void MainWindow::showStatus(const QString& text, int milliseconds)
 {
     // A status bar is one line: more characters than any screen holds only cost time.
-    statusBar()->showMessage(withoutMiddle(text, 1000), milliseconds);
+    const QString shown = withoutMiddle(text, 1000);
+    statusBar()->showMessage(shown, milliseconds);
+    announce(shown);
 }
 
 } // namespace kse

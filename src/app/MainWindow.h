@@ -155,6 +155,7 @@ private:
                 const QString& informativeText = {});
     void showRejection(const QString& reason);
     void showStatus(const QString& text, int milliseconds);
+    void announce(const QString& text);
     void grabPreferences(const QString& dir, const QString& searchText);
     void grabSearch(const QString& dir);
     void grabCleanup(const QString& dir);

@@ -6,11 +6,13 @@
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextDocumentFragment>
 
 namespace kse {
 
@@ -66,8 +68,14 @@ void MainWindow::refreshBanner()
         colour = QColor(80, 160, 255, 70);
     }
     m_bannerReload->setVisible(offersReload);
+    // Not each time that a number in it rises.
+    const bool isNews =
+        m_bannerLabel->isHidden() || m_bannerLabel->palette().color(QPalette::Window) != colour;
     m_bannerLabel->setVisible(!text.isEmpty());
     if (!text.isEmpty()) {
+        if (isNews) {
+            announce(QTextDocumentFragment::fromHtml(text).toPlainText());
+        }
         m_bannerLabel->setText(text);
         QPalette palette = m_bannerLabel->palette();
         palette.setBrush(QPalette::Window, colour);
@@ -77,6 +85,17 @@ void MainWindow::refreshBanner()
     setWindowTitle(
         tr("Kestrane Settings Editor%1")
             .arg(pending > 0 ? tr(" - %n unsaved change(s)", nullptr, int(pending)) : QString()));
+}
+
+/// Has a screen reader say what shows where the focus isn't.
+void MainWindow::announce(const QString& text)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    QAccessibleAnnouncementEvent event(this, text);
+    QAccessible::updateAccessibility(&event);
+#else
+    Q_UNUSED(text) // Qt only reports that the label or the status bar has another text
+#endif
 }
 
 void MainWindow::refreshActions(qsizetype pending)

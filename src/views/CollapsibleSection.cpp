@@ -4,7 +4,9 @@
 #include "views/PlainText.h"
 #include "views/TabOrder.h"
 
+#include <QHelpEvent>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -35,6 +37,7 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
     QFont font; // sets the weight alone; the size goes on following the application's
     font.setWeight(QFont::Bold);
     m_toggleButton->setFont(font);
+    m_toggleButton->installEventFilter(this);
     setTitle(title);
 
     m_body->setObjectName(u"body"_s);
@@ -52,6 +55,7 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
 
 void CollapsibleSection::setTitle(const QString& title)
 {
+    m_title = title;
     m_toggleButton->setText(asCaption(abbreviated(title, titleLimit)));
 }
 
@@ -80,6 +84,18 @@ void CollapsibleSection::setContextMenuHandler(std::function<void(const QPoint&)
             [this, handler = std::move(handler)](const QPoint& pos) {
                 handler(m_toggleButton->mapToGlobal(pos));
             });
+}
+
+bool CollapsibleSection::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::eventFilter(watched, event);
+    }
+    if (m_toggleButton->sizeHint().width() > m_toggleButton->width()) { // the title is cut off
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), asToolTip(m_title),
+                           m_toggleButton);
+    }
+    return true;
 }
 
 } // namespace kse

@@ -34,10 +34,14 @@ public:
     /// Called with a global position when the title is asked for its menu.
     void setContextMenuHandler(std::function<void(const QPoint&)> handler);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     QToolButton* m_toggleButton = nullptr;
     QWidget* m_body = nullptr;
     QVBoxLayout* m_bodyLayout = nullptr;
+    QString m_title;
     bool m_startExpanded = false; ///< As given to the constructor.
     std::function<void()> m_lazyBuilder;
 };

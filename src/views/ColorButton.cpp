@@ -47,7 +47,6 @@ void ColorButton::setArgb(quint32 argb)
     setIcon(pixmap);
     setIconSize(pixmap.size());
     setText(QStringLiteral("#%1").arg(QString::number(argb, 16).toUpper().rightJustified(8, u'0')));
-    setAccessibleDescription(text()); // its name may be that of a setting
 }
 
 void ColorButton::pickColor()

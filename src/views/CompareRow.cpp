@@ -63,6 +63,8 @@ QVariant CompareRow::data(int column, int role) const
         return m_index;
     case Qt::ToolTipRole:
         return toolTipText();
+    case Qt::AccessibleDescriptionRole:
+        return obstacleText().trimmed();
     case Qt::ForegroundRole:
         return m_entry.state == CompareState::Different && !m_isCopyable
                    ? QApplication::palette().brush(QPalette::Disabled, QPalette::Text)
@@ -97,13 +99,20 @@ QString CompareRow::toolTipText() const
         text += CompareView::tr("\nOther file: %1")
                     .arg(firstCharacters(m_entry.otherNode->value, toolTipValueLimit));
     }
+    return asToolTip(text + obstacleText());
+}
+
+/// As a line of its own, why the other file's value can't be copied; empty if it can.
+QString CompareRow::obstacleText() const
+{
     if (m_entry.state == CompareState::Different && !m_isCopyable) {
-        text += CompareView::tr("\nCannot be copied: protected value type, specific to one "
-                                "PixInsight installation, or queued for deletion.");
-    } else if (m_entry.state == CompareState::OnlyOther) {
-        text += CompareView::tr("\nDoes not exist in this file; adding entries is not offered.");
+        return CompareView::tr("\nCannot be copied: protected value type, specific to one "
+                               "PixInsight installation, or queued for deletion.");
     }
-    return asToolTip(text);
+    if (m_entry.state == CompareState::OnlyOther) {
+        return CompareView::tr("\nDoes not exist in this file; adding entries is not offered.");
+    }
+    return {};
 }
 
 } // namespace kse

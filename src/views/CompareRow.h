@@ -25,6 +25,7 @@ public:
 private:
     QString shownText(int column) const;
     QString toolTipText() const;
+    QString obstacleText() const;
 
     const CompareEntry& m_entry;
     const int m_index;

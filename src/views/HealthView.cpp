@@ -91,6 +91,7 @@ void HealthView::createWidgets()
     m_rerunButton = new QPushButton(tr("Run the check again"), this);
     m_rerunButton->setObjectName(u"rerunButton"_s);
     m_cards = new WidgetColumn(10, this);
+    m_cards->setAccessibleName(tr("Findings"));
     m_cards->widget()->setObjectName(u"cardsContainer"_s);
 
     auto* top = new QHBoxLayout;

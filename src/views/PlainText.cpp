@@ -63,6 +63,16 @@ QString asCaption(const QString& text)
     return QString(text).replace(u'&', u"&&"_s);
 }
 
+QString shownName(const QString& name, const QString& key)
+{
+    for (const QString& text : {name, key}) {
+        if (!text.trimmed().isEmpty()) {
+            return text;
+        }
+    }
+    return QCoreApplication::translate("PlainText", "(no name)");
+}
+
 PlainMessageBox::PlainMessageBox(Icon icon, const QString& title, const QString& text,
                                  StandardButtons buttons, QWidget* parent)
     : QMessageBox(icon, title, withoutMiddle(text, popupLimit), buttons,

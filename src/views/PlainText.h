@@ -27,6 +27,9 @@ namespace kse {
 /// letter for letter, abbreviated beyond 2,000 characters. Other text comes back unchanged.
 [[nodiscard]] QString asToolTip(const QString& text);
 
+/// `name`, made from `key`, for a title or a label; something to see and to hear where it is blank.
+[[nodiscard]] QString shownName(const QString& name, const QString& key);
+
 /// `text` for a menu entry, button or tab: an ampersand is no mnemonic.
 [[nodiscard]] QString asCaption(const QString& text);
 

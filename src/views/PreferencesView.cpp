@@ -210,7 +210,8 @@ void PreferencesView::buildPage(const PageSpec& spec)
 
     auto* column = new WidgetColumn(0, m_pageStack);
     Page page;
-    page.title = abbreviated(spec.title, titleLimit);
+    page.title = shownName(abbreviated(spec.title, titleLimit), spec.nodes.constFirst()->key);
+    column->setAccessibleName(page.title);
     page.content = column->widget();
     for (const Group& group : groups) {
         column->append(several ? QList<QWidget*>{buildSection(group, true, page.content, page)}
@@ -238,7 +239,8 @@ QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidge
                                        Page& page)
 {
     XsdtNode* node = group.node;
-    auto* section = new CollapsibleSection(prettyName(node->key), expanded, parent);
+    auto* section =
+        new CollapsibleSection(shownName(prettyName(node->key), node->key), expanded, parent);
     section->setContextMenuHandler(
         [this, node](const QPoint& globalPos) { m_rows->showMenu(node, globalPos); });
     page.sections.append(section);

@@ -40,6 +40,7 @@ SearchView::SearchView(SettingsModel* model, const SettingsSchema* schema, QWidg
     m_summaryLabel = new WrappedLabel({}, Qt::PlainText, this);
     m_summaryLabel->setObjectName(u"summaryLabel"_s);
     m_resultsArea = new WidgetColumn(0, this);
+    m_resultsArea->setAccessibleName(tr("Settings found"));
     m_resultsArea->widget()->setObjectName(u"resultsContainer"_s);
     layOut();
     connectWidgets();

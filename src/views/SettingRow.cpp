@@ -96,11 +96,12 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
     , m_generation(model->generation())
     , m_protectedType(!node->isEditableType())
 {
+    m_info.label = shownName(info.label, node->key);
     createLabels();
     createEditor();
     createRevertButton();
     layOut();
-    setAccessibleName(abbreviated(info.label, labelLimit));
+    setAccessibleName(abbreviated(m_info.label, labelLimit));
     setToolTip(asToolTip(abbreviated(node->path(), labelLimit) +
                          (info.documented ? QString() : tr("\n(not documented by PixInsight)"))));
     updateFonts();
@@ -279,6 +280,7 @@ void SettingRow::setShowPath(bool showPath)
     groups.removeLast();
     m_pathLabel->setText(abbreviated(groups.join(u" \u203A "_s), labelLimit));
     m_pathLabel->setVisible(showPath && !m_pathLabel->text().isEmpty());
+    refreshDescription(m_node->isModified());
 }
 
 bool SettingRow::matches(const QString& text) const
@@ -394,6 +396,7 @@ void SettingRow::refresh()
     setAutoFillBackground(isChanged);
     refreshRevertButton(isChanged);
     refreshEditorHost();
+    refreshDescription(isChanged);
 }
 
 void SettingRow::refreshComboBox()
@@ -474,6 +477,32 @@ void SettingRow::refreshEditorHost()
         m_editorHost->setToolTip(
             tr("Module registry and version records are locked against editing."));
     }
+}
+
+/// Has a screen reader tell what is seen beside the editor, and how.
+void SettingRow::refreshDescription(bool isChanged)
+{
+    QStringList parts;
+    if (!m_editorHost->isEnabled() || m_colorButton) { // otherwise the editor itself tells
+        parts << displayValue(*m_node, m_colorButton ? m_colorButton->text() : m_node->value, 200);
+    }
+    if (isChanged) {
+        parts << tr("Changed; on disk: %1").arg(firstCharacters(m_node->original, 80));
+    }
+    if (m_node->isInsideDeletion()) {
+        parts << tr("Marked for deletion");
+    }
+    if (!m_editorHost->isEnabled()) {
+        parts << m_editorHost->toolTip();
+    }
+    if (!m_pathLabel->isHidden()) {
+        parts << m_pathLabel->text();
+    }
+    parts << m_info.description;
+    parts.removeAll(QString());
+    const QString text = parts.join(u'\n');
+    setAccessibleDescription(text);
+    m_nameLabel->buddy()->setAccessibleDescription(text);
 }
 
 void SettingRow::updateFonts()

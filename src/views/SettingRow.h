@@ -85,11 +85,12 @@ private:
     void refreshLineEdit();
     void refreshRevertButton(bool isChanged);
     void refreshEditorHost();
+    void refreshDescription(bool isChanged);
     void updateFonts();
     void updateColors();
 
     XsdtNode* m_node = nullptr;
-    VariableInfo m_info;
+    VariableInfo m_info; ///< Its label is never blank.
     SettingsModel* m_model = nullptr;
     quint64 m_generation = 0; ///< The model's, when the row was made.
     bool m_rowReadOnly = false;

@@ -29,6 +29,11 @@ int toInt(qsizetype count)
     return static_cast<int>(qMin<qsizetype>(count, std::numeric_limits<int>::max()));
 }
 
+bool isProtected(const XsdtNode& node)
+{
+    return node.kind == XsdtNode::Kind::Value && !node.isEditableType();
+}
+
 QString typeText(const XsdtNode& node)
 {
     if (node.markedForDeletion) {
@@ -61,14 +66,13 @@ QVariant editText(const XsdtNode& node, int column)
     return isValue && column == SettingsModel::ValueColumn ? QVariant(node.value) : QVariant();
 }
 
-QString toolTipText(const XsdtNode& node, const DeleteDecision& decision)
+/// In lines of their own, what sets the row apart from others by its colours.
+QString stateText(const XsdtNode& node)
 {
-    QString text = withoutMiddle(node.path(), keyLimit);
-    if (node.kind == XsdtNode::Kind::Value) {
-        text += u'\n' + typeName(node.typeCode);
-        if (!node.isEditableType()) {
-            text += SettingsModel::tr(" - protected, shown for reference only");
-        }
+    QString text;
+    if (isProtected(node)) {
+        text += u'\n' + typeName(node.typeCode) +
+                SettingsModel::tr(" - protected, shown for reference only");
     }
     if (node.isModified()) {
         text += SettingsModel::tr("\nOriginal value: %1")
@@ -79,7 +83,18 @@ QString toolTipText(const XsdtNode& node, const DeleteDecision& decision)
                                   nullptr, toInt(node.valueCount()));
     } else if (node.isInsideDeletion()) {
         text += SettingsModel::tr("\nInside an entry marked for deletion.");
-    } else if (decision.level > DeleteLevel::Never) {
+    }
+    return text;
+}
+
+QString toolTipText(const XsdtNode& node, const DeleteDecision& decision)
+{
+    QString text = withoutMiddle(node.path(), keyLimit);
+    if (node.kind == XsdtNode::Kind::Value && !isProtected(node)) {
+        text += u'\n' + typeName(node.typeCode);
+    }
+    text += stateText(node);
+    if (!node.isInsideDeletion() && decision.level > DeleteLevel::Never) {
         text += SettingsModel::tr("\nCan be deleted: %1").arg(decision.reason);
     }
     return asToolTip(text);
@@ -110,8 +125,7 @@ QVariant rowBackground(const XsdtNode& node)
 
 QVariant rowForeground(const XsdtNode& node)
 {
-    const bool isProtected = node.kind == XsdtNode::Kind::Value && !node.isEditableType();
-    if (!isProtected && !node.isInsideDeletion()) {
+    if (!isProtected(node) && !node.isInsideDeletion()) {
         return {};
     }
     return QApplication::palette().color(QPalette::Disabled, QPalette::Text);
@@ -292,6 +306,8 @@ QVariant SettingsModel::data(const QModelIndex& index, int role) const
         return editText(*node, index.column());
     case Qt::ToolTipRole:
         return toolTipText(*node, deletionDecision(node));
+    case Qt::AccessibleDescriptionRole:
+        return stateText(*node).trimmed();
     case Qt::FontRole:
         return rowFont(*node);
     case Qt::BackgroundRole:
