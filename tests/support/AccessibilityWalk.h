@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHash>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSet>
+#include <QTabBar>
+#include <QTest>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kse {
+
+// What somebody without a mouse, or who hears a window instead of seeing it, would stumble over.
+// Each function gives a line for each fault.
+
+inline QString accessibleText(QWidget* widget, QAccessible::Text which)
+{
+    QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
+    return interface ? interface->text(which) : QString();
+}
+
+/// What a failure calls a widget: what a user hears, and the names of what holds it.
+inline QString whereIs(QWidget* widget)
+{
+    QStringList names;
+    for (const QWidget* w = widget; !w->isWindow(); w = w->parentWidget()) {
+        const QString name = w->objectName();
+        names.prepend(name.isEmpty() ? QLatin1String(w->metaObject()->className()) : name);
+    }
+    return QStringLiteral("\"%1\" (%2)")
+        .arg(accessibleText(widget, QAccessible::Name), names.join(u'/'));
+}
+
+inline QList<QWidget*> shownWidgets(const QWidget& window)
+{
+    QList<QWidget*> shown = window.findChildren<QWidget*>();
+    shown.removeIf([&window](const QWidget* widget) {
+        return widget->window() != &window || !widget->isVisibleTo(&window);
+    });
+    return shown;
+}
+
+inline bool isTabStop(const QWidget* widget)
+{
+    return (widget->focusPolicy() & Qt::TabFocus) && widget->isEnabled() && !widget->focusProxy();
+}
+
+/// Whether all that is shown has got its place; layouts of much content take a few turns.
+inline bool isLaidOut(const QWidget& window)
+{
+    const QList<QWidget*> widgets = shownWidgets(window);
+    return std::none_of(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+        return isTabStop(widget) && widget->height() == 0;
+    });
+}
+
+/// Whatever takes the focus, and every button, has a name in words.
+inline QStringList namelessControls(const QWidget& window)
+{
+    QStringList faults;
+    const QList<QWidget*> widgets = shownWidgets(window);
+    for (QWidget* widget : widgets) {
+        const auto* button = qobject_cast<QAbstractButton*>(widget);
+        const bool isOwn = !widget->objectName().startsWith(QLatin1String("qt_"));
+        if (!isTabStop(widget) && !(button && isOwn && !button->text().isEmpty())) {
+            continue;
+        }
+        const QString name = accessibleText(widget, QAccessible::Name);
+        const bool hasWords = std::any_of(
+            name.begin(), name.end(), [](QChar c) { return c.isLetterOrNumber() || c == u'_'; });
+        if (!hasWords || Qt::mightBeRichText(name)) {
+            faults << QStringLiteral("%1 is called \"%2\"").arg(whereIs(widget), name);
+        }
+        const auto* view = qobject_cast<QAbstractItemView*>(widget);
+        const auto* header = view ? view->findChild<QHeaderView*>() : nullptr;
+        for (int i = 0; header && header->isVisible() && i < header->count(); ++i) {
+            if (view->model()->headerData(i, header->orientation()).toString().isEmpty()) {
+                faults << QStringLiteral("%1 has a column without a name").arg(whereIs(widget));
+            }
+        }
+    }
+    return faults;
+}
+
+/// A letter underlined twice: in the window with its menu bar, or in one menu.
+inline QStringList sharedMnemonics(const QWidget& window)
+{
+    QStringList faults;
+    QHash<QString, QString> taken;
+    const auto claim = [&](const QString& text) {
+        const QString key = QKeySequence::mnemonic(text).toString();
+        if (key.isEmpty()) {
+            return;
+        }
+        if (taken.contains(key)) {
+            faults << QStringLiteral("%1: %2, %3").arg(key, taken.value(key), text);
+        }
+        taken.insert(key, text);
+    };
+    const QList<QWidget*> widgets = shownWidgets(window);
+    for (const QWidget* widget : widgets) {
+        if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+            claim(button->text());
+        } else if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            claim(label->buddy() ? label->text() : QString());
+        } else if (const auto* box = qobject_cast<const QGroupBox*>(widget)) {
+            claim(box->title());
+        } else if (const auto* tabs = qobject_cast<const QTabBar*>(widget)) {
+            for (int i = 0; i < tabs->count(); ++i) {
+                claim(tabs->tabText(i));
+            }
+        } else if (const auto* menus = qobject_cast<const QMenuBar*>(widget)) {
+            for (const QAction* action : menus->actions()) {
+                claim(action->text());
+            }
+        }
+    }
+    for (const QMenu* menu : window.findChildren<QMenu*>()) {
+        taken.clear();
+        for (const QAction* action : menu->actions()) {
+            claim(action->text());
+        }
+    }
+    return faults;
+}
+
+/// Whether who reads `a` comes to `b` afterwards. The two stand in two children of the nearest
+/// widget that holds both, and of these, lines go from top to bottom and a line from left to
+/// right; what overlaps by half of the lower one's height is in one line. What holds a widget comes
+/// before it.
+inline bool isReadBefore(const QWidget* a, const QWidget* b)
+{
+    if (a->isAncestorOf(b) || b->isAncestorOf(a)) {
+        return a->isAncestorOf(b);
+    }
+    const QWidget* holder = a->parentWidget();
+    while (!holder->isAncestorOf(b)) {
+        holder = holder->parentWidget();
+    }
+    const auto childWith = [holder](const QWidget* widget) {
+        while (widget->parentWidget() != holder) {
+            widget = widget->parentWidget();
+        }
+        return widget->geometry();
+    };
+    const QRect first = childWith(a);
+    const QRect second = childWith(b);
+    const int overlap = qMin(first.bottom(), second.bottom()) - qMax(first.top(), second.top()) + 1;
+    const bool inOneLine = 2 * overlap >= qMin(first.height(), second.height());
+    return inOneLine ? first.left() < second.left() : first.top() < second.top();
+}
+
+/// Presses Tab all the way round, and Shift+Tab back: each is a ring of all that takes the focus
+/// by Tab, in the order of reading.
+inline QStringList faultsOfTabOrder(QWidget& window)
+{
+    QStringList faults;
+    QWidget* const start = window.focusWidget();
+    if (!start) {
+        return {QStringLiteral("Nothing has the focus")};
+    }
+    const auto round = [&window, start, &faults](Qt::Key key) {
+        QList<QWidget*> stops;
+        QSet<QWidget*> seen;
+        QWidget* stop = start;
+        for (; stop && !seen.contains(stop); stop = window.focusWidget()) {
+            stops << stop;
+            seen << stop;
+            QTest::keyClick(stop, key);
+        }
+        if (stop != start) {
+            faults << QStringLiteral("The ring is broken at %1").arg(whereIs(stops.constLast()));
+        }
+        return stops;
+    };
+    const QList<QWidget*> forth = round(Qt::Key_Tab);
+    QList<QWidget*> back = round(Qt::Key_Backtab);
+    std::reverse(back.begin() + 1, back.end());
+    if (back != forth) {
+        faults << QStringLiteral("Shift+Tab doesn't go back the way that Tab came");
+    }
+    QStringList turns;
+    for (qsizetype i = 0; i < forth.size(); ++i) {
+        QWidget* next = forth[(i + 1) % forth.size()];
+        if (!isReadBefore(forth[i], next)) {
+            turns << QStringLiteral("Tab goes back from %1 to %2")
+                         .arg(whereIs(forth[i]), whereIs(next));
+        }
+    }
+    faults += turns.size() > 1 ? turns : QStringList(); // one is from the last to the first
+    const QList<QWidget*> widgets = shownWidgets(window);
+    for (QWidget* widget : widgets) {
+        if (isTabStop(widget) && !forth.contains(widget)) {
+            faults << QStringLiteral("Tab doesn't reach %1").arg(whereIs(widget));
+        }
+    }
+    return faults;
+}
+
+/// Items whose colour tells something that their font or their description doesn't tell too.
+inline QStringList toldByColourAlone(const QWidget& window)
+{
+    QStringList faults;
+    const auto look = [&faults](const QModelIndex& index) {
+        const bool isColoured =
+            index.data(Qt::BackgroundRole).isValid() || index.data(Qt::ForegroundRole).isValid();
+        if (isColoured && !index.data(Qt::FontRole).isValid() &&
+            index.data(Qt::AccessibleDescriptionRole).toString().isEmpty()) {
+            faults << QStringLiteral("\"%1\" is told by its colour").arg(index.data().toString());
+        }
+    };
+    const QList<QAbstractItemView*> views = window.findChildren<QAbstractItemView*>();
+    for (const QAbstractItemView* view : views) {
+        if (!view->isVisibleTo(&window) || qobject_cast<const QHeaderView*>(view)) {
+            continue;
+        }
+        const QAbstractItemModel& model = *view->model();
+        QList<QModelIndex> groups{view->rootIndex()};
+        while (!groups.isEmpty()) {
+            const QModelIndex group = groups.takeLast();
+            for (int row = 0; row < model.rowCount(group); ++row) {
+                for (int column = 0; column < model.columnCount(group); ++column) {
+                    look(model.index(row, column, group));
+                }
+                groups << model.index(row, 0, group);
+            }
+        }
+    }
+    return faults;
+}
+
+/// The contrast of two opaque colours by WCAG 2, from 1 to 21.
+inline double contrast(const QColor& a, const QColor& b)
+{
+    const auto luminance = [](const QColor& colour) {
+        const auto linear = [](double c) {
+            return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF());
+    };
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+/// What is seen behind the text of `widget`, through all that is translucent.
+inline QColor shownBackground(const QWidget* widget)
+{
+    const QColor own = widget->palette().color(widget->backgroundRole());
+    if (widget->isWindow()) {
+        return own;
+    }
+    const QColor below = shownBackground(widget->parentWidget());
+    const bool isFilled =
+        widget->autoFillBackground() || qobject_cast<const QAbstractButton*>(widget) ||
+        qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget);
+    const float alpha = isFilled ? own.alphaF() : 0;
+    const auto mixed = [alpha](float above, float under) {
+        return alpha * above + (1 - alpha) * under;
+    };
+    return QColor::fromRgbF(mixed(own.redF(), below.redF()), mixed(own.greenF(), below.greenF()),
+                            mixed(own.blueF(), below.blueF()));
+}
+
+/// Texts in use whose contrast is below 4.5, but for those named `quiet`.
+inline QStringList faintTexts(const QWidget& window, const QStringList& quiet)
+{
+    QStringList faults;
+    const QList<QWidget*> widgets = shownWidgets(window);
+    for (QWidget* widget : widgets) {
+        const bool hasText = qobject_cast<QLabel*>(widget) || !qobject_cast<QFrame*>(widget);
+        if (!widget->isEnabled() || !hasText) {
+            continue;
+        }
+        const double ratio =
+            contrast(widget->palette().color(widget->foregroundRole()), shownBackground(widget));
+        if (ratio < 4.5 && !quiet.contains(widget->objectName())) {
+            faults << QStringLiteral("%1 has a contrast of %2").arg(whereIs(widget)).arg(ratio);
+        }
+    }
+    return faults;
+}
+
+} // namespace kse
