@@ -15,7 +15,8 @@ QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
             // A row takes the focus only while no control in it can be used, which may come later.
             const bool isStop =
                 (inside->focusPolicy() & Qt::TabFocus) || qobject_cast<const SettingRow*>(inside);
-            if (isStop && !inside->focusProxy()) {
+            const bool isHere = inside->window() == before->window(); // no list that drops down
+            if (isStop && isHere && !inside->focusProxy()) {
                 stops.append(inside);
             }
         }

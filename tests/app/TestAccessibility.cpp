@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
 #include "views/CollapsibleSection.h"
+#include "views/SettingRow.h"
 #include "views/UnusedModulesView.h"
 
 #include <QCheckBox>
@@ -59,7 +60,7 @@ private:
             look(dialog, dialog.windowTitle());
         });
         open();
-        QVERIFY2(answer.wasAsked(), qPrintable(u"after "_s + m_faults.value(m_faults.size() - 1)));
+        QVERIFY(answer.wasAsked());
     }
 
     QWidget* page(const char* name) const
@@ -132,6 +133,7 @@ private slots:
     void reachesBothOfASharedMnemonic();
     void leavesTheTreesEditor();
     void keepsTheFocusOfAButtonGoneDead();
+    void tellsTheStateOfASetting();
     void saysWhatShowsElsewhere();
     void printsTheGuideInClearColours();
 };
@@ -260,6 +262,25 @@ void TestAccessibility::keepsTheFocusOfAButtonGoneDead()
     compare->findChild<QTreeWidget*>()->topLevelItem(0)->setSelected(true);
     QCOMPARE(focusAfter("compareView", "copySelectedButton"), u"copySelectedButton"_s);
     QTRY_COMPARE(m_window->focusWidget(), compare->findChild<QTreeWidget*>());
+}
+
+void TestAccessibility::tellsTheStateOfASetting()
+{
+    const QString before = node(stringPath)->value;
+    change();
+    const auto rows = find<QWidget>("preferencesView")->findChildren<SettingRow*>();
+    const auto row = std::find_if(rows.begin(), rows.end(), [this](const SettingRow* shown) {
+        return shown->node() == node(stringPath);
+    });
+    const QString told = accessibleText((*row)->findChild<QLineEdit*>(), QAccessible::Description);
+    QCOMPARE(told.section(u'\n', 0, 0), u"Changed; on disk: "_s + before);
+    QVERIFY(told.section(u'\n', 1).startsWith("What the automatic identifiers"_L1));
+    const auto described = [this](const QString& path) {
+        return select(path).data(Qt::AccessibleDescriptionRole).toString();
+    };
+    QCOMPARE(described(stringPath), u"Original value: "_s + before);
+    QCOMPARE(described(u"Global/Statistics"_s),
+             u"Marked for deletion (312 value(s)); removed when you save."_s);
 }
 
 void TestAccessibility::saysWhatShowsElsewhere()

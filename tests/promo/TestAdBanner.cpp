@@ -172,11 +172,16 @@ void TestAdBanner::asksOnceAndTellsNothing()
     QCOMPARE(server.requests.size(), 2);
     for (const QByteArray& path : {manifestPath, QByteArray("/a.png")}) {
         QByteArrayList lines = server.requests.takeFirst().replace('\r', "").trimmed().split('\n');
+        QCOMPARE(lines.takeFirst(), "GET " + path + " HTTP/1.1");
+        for (QByteArray& line : lines) { // the case of names changed with Qt 6.8
+            const qsizetype size = line.indexOf(':');
+            line.replace(0, size, line.left(size).toLower());
+        }
         std::sort(lines.begin(), lines.end());
-        QVERIFY(lines.takeFirst().startsWith("Accept-Encoding: ")); // what this Qt can unpack
-        QCOMPARE(lines.join('\n'), "Accept-Language: en\nConnection: Keep-Alive\nGET " + path +
-                                       " HTTP/1.1\nHost: " + server.url().authority().toLatin1() +
-                                       "\nUser-Agent: KestraneSettingsEditor/0.1.0");
+        QVERIFY(lines.takeFirst().startsWith("accept-encoding: ")); // what this Qt can unpack
+        QCOMPARE(lines.join('\n'), "accept-language: en\nconnection: Keep-Alive\nhost: " +
+                                       server.url().authority().toLatin1() +
+                                       "\nuser-agent: KestraneSettingsEditor/0.1.0");
     }
 }
 

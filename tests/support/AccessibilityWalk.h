@@ -27,8 +27,8 @@ namespace kse {
 
 inline QString accessibleText(QWidget* widget, QAccessible::Text which)
 {
-    QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
-    return interface ? interface->text(which) : QString();
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+    return accessible ? accessible->text(which) : QString();
 }
 
 /// What a failure calls a widget: what a user hears, and the names of what holds it.
@@ -138,7 +138,7 @@ inline QStringList sharedMnemonics(const QWidget& window)
 
 /// Whether who reads `a` comes to `b` afterwards. The two stand in two children of the nearest
 /// widget that holds both, and of these, lines go from top to bottom and a line from left to
-/// right; what overlaps by half of the lower one's height is in one line. What holds a widget comes
+/// right; what overlaps by half of the smaller's height is in one line. What holds a widget comes
 /// before it.
 inline bool isReadBefore(const QWidget* a, const QWidget* b)
 {

@@ -80,8 +80,9 @@ private slots:
     void laysOutPages()
     {
         Fixture f;
-        QCOMPARE(f.pages(),
-                 u"[Application], Color Management, Script Editor, Identifiers and GUI, "_s);
+        QCOMPARE(
+            f.pages(),
+            u"[Application], Color Management, Script Editor, Identifiers and GUI, (no name)"_s);
         QCOMPARE(f.shown(), u"Fast > S&&b"_s);
         QTest::mouseClick(f.onFirstPage<QToolButton>("toggleButton"), Qt::LeftButton);
         QCOMPARE(f.shown(), u"Fast > S&&b > Deep"_s);
