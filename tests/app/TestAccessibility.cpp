@@ -9,9 +9,13 @@
 #include "views/UnusedModulesView.h"
 
 #include <QCheckBox>
+#include <QHelpEvent>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QTabWidget>
+#include <QTextDocumentFragment>
+#include <QToolButton>
+#include <QToolTip>
 #include <QTreeWidget>
 
 using namespace kse;
@@ -134,6 +138,7 @@ private slots:
     void leavesTheTreesEditor();
     void keepsTheFocusOfAButtonGoneDead();
     void tellsTheStateOfASetting();
+    void showsTheWholeOfACutTitle();
     void saysWhatShowsElsewhere();
     void printsTheGuideInClearColours();
 };
@@ -281,6 +286,22 @@ void TestAccessibility::tellsTheStateOfASetting()
     QCOMPARE(described(stringPath), u"Original value: "_s + before);
     QCOMPARE(described(u"Global/Statistics"_s),
              u"Marked for deletion (312 value(s)); removed when you save."_s);
+}
+
+void TestAccessibility::showsTheWholeOfACutTitle()
+{
+    const QString title = u"A <b>long</b> title of a section"_s;
+    CollapsibleSection section(title, false);
+    section.show();
+    const auto shownAt = [&section](int width) {
+        section.resize(width, section.height());
+        auto* button = section.findChild<QToolButton*>();
+        QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), button->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(button, &event);
+        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+    };
+    QCOMPARE(shownAt(900), QString());
+    QCOMPARE(shownAt(60), title);
 }
 
 void TestAccessibility::saysWhatShowsElsewhere()
