@@ -177,7 +177,9 @@ private slots:
         const QString name = QFileInfo(dir.path()).fileName() + u".bak-1"_s; // nobody else's
         touch(dir.filePath(name));
         const QByteArray data = qgetenv("XDG_DATA_HOME");
-        qputenv("XDG_DATA_HOME", "/dev/null");
+#if QT_VERSION < QT_VERSION_CHECK(6, 8, 0)
+        qputenv("XDG_DATA_HOME", "/dev/null"); // Qt 6.8 gives up where there can't be one at home
+#endif
         const BackupRemoval result =
             PixInsightEnv::removeBackups(dir.filePath(name.chopped(6)), {dir.filePath(name)}, true);
         qputenv("XDG_DATA_HOME", data);
