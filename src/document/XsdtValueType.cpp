@@ -84,7 +84,8 @@ bool normaliseRealSingle(const QString& text, QString& normalised)
     QString shortest;
     for (int precision = 1; precision <= std::numeric_limits<float>::max_digits10; ++precision) {
         shortest = QString::number(double(single), 'g', precision);
-        if (shortest.toFloat() == single) {
+        // Qt 6.8 reads a text above the largest single as that one; it would be refused here.
+        if (shortest.toFloat() == single && std::abs(shortest.toDouble()) <= largestStored) {
             break;
         }
     }
