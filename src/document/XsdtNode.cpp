@@ -55,8 +55,8 @@ struct alignas(XsdtNode) NodePage
     }
     static NodePage* of(void* node)
     {
-        return reinterpret_cast<NodePage*>(reinterpret_cast<std::uintptr_t>(node) &
-                                           ~(alignment - 1));
+        const auto offset = reinterpret_cast<std::uintptr_t>(node) % alignment;
+        return reinterpret_cast<NodePage*>(static_cast<std::byte*>(node) - offset);
     }
 };
 

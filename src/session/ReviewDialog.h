@@ -42,7 +42,7 @@ protected:
 
 private slots:
     void populate();
-    void populateDeletion(QTreeWidgetItem* row);
+    static void populateDeletion(QTreeWidgetItem* row);
     void updateDetail();
     void onRevert();
     void onModelReset();

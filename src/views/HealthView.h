@@ -55,7 +55,7 @@ private:
     void addCards();
     void updateSummary();
     QWidget* buildCard(const Finding& finding);
-    void addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card);
+    static void addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card);
     void addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card);
     QWidget* buildGroupLine(XsdtNode* node, QWidget* card);
 

@@ -171,6 +171,7 @@ void PreferencesView::discardPages()
     }
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): maximumNesting bounds it, here and in what follows.
 PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
 {
     Group part{node, {}, {}};
@@ -222,6 +223,7 @@ void PreferencesView::buildPage(const PageSpec& spec)
     m_pages.push_back(std::move(page));
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
 QList<QWidget*> PreferencesView::buildGroup(const Group& group, QWidget* parent, Page& page)
 {
     QList<QWidget*> widgets;
@@ -235,6 +237,7 @@ QList<QWidget*> PreferencesView::buildGroup(const Group& group, QWidget* parent,
     return widgets;
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
 QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidget* parent,
                                        Page& page)
 {
