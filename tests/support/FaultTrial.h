@@ -186,7 +186,7 @@ public:
 private:
     static QByteArray withValue(const QByteArray& value, int size)
     {
-        return fileBytes("<i k=\"A\"><v k=\"x\" t=\"i\" v=\"" + value + "\"/><v k=\"s\" t=\"s\">" +
+        return fileBytes(R"(<i k="A"><v k="x" t="i" v=")" + value + R"("/><v k="s" t="s">)" +
                          QByteArray(size, 'x') + "</v></i>");
     }
 
