@@ -413,7 +413,7 @@ bool CleanupView::confirmWarnings()
                         QMessageBox::Yes | QMessageBox::Cancel, this);
     box.setPlainInformativeText(
         tr("Nothing is removed until you save, and you can undo it before then."));
-    box.setDetailedText(names.join(u'\n'));
+    box.setReachableDetails(names.join(u'\n'));
     box.setDefaultButton(QMessageBox::Cancel);
     return box.exec() == QMessageBox::Yes;
 }

@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QTextDocument>
+#include <QTextEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -85,6 +86,16 @@ void PlainMessageBox::setPlainInformativeText(const QString& text)
 {
     // Unlike the text, the informative text is taken for markup whatever the format says.
     setInformativeText(asToolTip(text));
+}
+
+void PlainMessageBox::setReachableDetails(const QString& text)
+{
+    setDetailedText(text);
+    if (auto* details = findChild<QTextEdit*>()) {
+        details->setFocusPolicy(Qt::StrongFocus);
+        details->setTabChangesFocus(true);
+        details->setAccessibleName(QCoreApplication::translate("PlainText", "Details"));
+    }
 }
 
 void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,

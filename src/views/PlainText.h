@@ -42,6 +42,9 @@ public:
                     StandardButtons buttons = Ok, QWidget* parent = nullptr);
 
     void setPlainInformativeText(const QString& text);
+
+    /// Like `setDetailedText`, but the keyboard reaches and scrolls the text.
+    void setReachableDetails(const QString& text);
 };
 
 /// Shows the box with "OK" and waits for it.

@@ -396,7 +396,7 @@ bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
                         QMessageBox::Yes | QMessageBox::Cancel, this);
     box.setPlainInformativeText(
         tr("Nothing is removed until you save, and you can undo it before then."));
-    box.setDetailedText(names.join(u'\n'));
+    box.setReachableDetails(names.join(u'\n'));
     box.setDefaultButton(QMessageBox::Cancel);
     const quint64 generation = m_model->generation();
     if (box.exec() != QMessageBox::Yes || m_model->generation() != generation) {

@@ -202,7 +202,8 @@ inline QStringList faultsOfTabOrder(QWidget& window)
     faults += turns.size() > 1 ? turns : QStringList(); // one is from the last to the first
     const QList<QWidget*> widgets = shownWidgets(window);
     for (QWidget* widget : widgets) {
-        if (isTabStop(widget) && !forth.contains(widget)) {
+        const bool isText = widget->inherits("QTextEdit") || widget->inherits("QPlainTextEdit");
+        if ((isTabStop(widget) || isText) && !forth.contains(widget)) {
             faults << QStringLiteral("Tab doesn't reach %1").arg(whereIs(widget));
         }
     }
