@@ -179,8 +179,11 @@ void AboutDialog::updateLook()
     const int headHeight =
         m_head->widget()->heightForWidth(width - margins.left() - margins.right());
     m_head->setMinimumHeight(0);
-    const int rest = layout()->totalHeightForWidth(width) - m_head->minimumSizeHint().height();
-    resize(width, std::min(rest + headHeight, available.height()));
+    const int detailsHint = m_details->sizeHint().height();
+    const int rest =
+        layout()->totalHeightForWidth(width) - m_head->sizeHint().height() - detailsHint;
+    const int detailsHeight = std::max(detailsHint, headHeight / 3 + 1); // as the layout shares
+    resize(width, std::min(rest + headHeight + detailsHeight, available.height()));
 }
 
 void AboutDialog::changeEvent(QEvent* event)
