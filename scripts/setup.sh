@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what is missing on Debian 12, Ubuntu 24.04 and later, and nothing if all is there.
-#   scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13]
+#   scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13] [windows]
 set -euo pipefail
 
 # Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
@@ -12,6 +12,8 @@ fuzz=(clang libclang-rt-dev llvm)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix
     libbenchmark-dev libpugixml-dev shellcheck)
 debian13=(debootstrap)
+windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix qt6-base-dev-tools unzip wine wine64 xauth
+    xvfb zip)
 
 needed=()
 for part in "${@:-build}"; do
@@ -22,8 +24,9 @@ for part in "${@:-build}"; do
     fuzz) needed+=("${fuzz[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
     debian13) needed+=("${debian13[@]}") ;;
+    windows) needed+=("${windows[@]}") ;;
     *)
-        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13]" >&2
+        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13] [windows]" >&2
         exit 2
         ;;
     esac

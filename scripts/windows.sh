@@ -1,0 +1,191 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# On Debian 12: installs what is missing, builds the program for 64-bit Windows, runs every test
+# under Wine, makes a zip for users in build/windows, and starts what is in it.
+#   scripts/windows.sh [ARGUMENT FOR CTEST...]
+# The first time it also builds Qt for Windows, from the source of the system's own Qt, and keeps
+# it in the user's cache: 20 minutes on two cores.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh build windows
+qt_version=$(dpkg-query -W -f '${source:Version}' qt6-base-dev)
+export KSE_WINDOWS_QT=${XDG_CACHE_HOME:-$HOME/.cache}/kestrane-qt-windows/$qt_version
+build=$PWD/build/windows
+program=kestrane-settings-editor
+
+scratch=$(mktemp -d "${TMPDIR:-/var/tmp}/kestrane-windows.XXXXXX")
+end_wine() {
+    wineserver -k || true # which may have ended by itself
+}
+finish() {
+    if [[ ${WINEPREFIX:-} == "$scratch"/* ]]; then
+        end_wine
+    fi
+    rm -rf "$scratch"
+}
+trap finish EXIT
+
+# Fetches the source without touching the system's own lists, of which it takes copies.
+fetch_qt_source() {
+    mkdir -p "$scratch"/apt/{sources,lists/partial,cache/archives/partial}
+    local list
+    for list in /etc/apt/sources.list /etc/apt/sources.list.d/*.{list,sources}; do
+        if [[ -s $list ]]; then
+            sed -E 's/^Types:.*/Types: deb-src/; s/^deb /deb-src /' "$list" \
+                >"$scratch/apt/sources/${list##*/}"
+        fi
+    done
+    cat >"$scratch/apt/apt.conf" <<END
+Dir::Etc::sourcelist "/dev/null";
+Dir::Etc::sourceparts "$scratch/apt/sources";
+Dir::State::lists "$scratch/apt/lists";
+Dir::Cache "$scratch/apt/cache";
+END
+    (
+        cd "$scratch"
+        export APT_CONFIG=$scratch/apt/apt.conf
+        apt-get update
+        apt-get source --download-only "qt6-base=$qt_version"
+        dpkg-source --no-check -x qt6-base_*.dsc qt-source
+    )
+}
+
+build_qt() {
+    fetch_qt_source
+    # `direct2d` stays on, since Qt 6.4 doesn't link without it.
+    local feature off=()
+    for feature in sql dbus printsupport xml concurrent opengl opengl_dynamic vulkan icu zstd \
+        brotli openssl glib libproxy tabletevent direct2d1_1 androiddeployqt macdeployqt \
+        windeployqt qmake system_zlib system_pcre2 system_doubleconversion system_freetype \
+        system_harfbuzz system_png system_jpeg system_libb2; do
+        off+=("-DQT_FEATURE_$feature=OFF")
+    done
+    cmake -S "$scratch/qt-source" -B "$scratch/qt-build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/MinGW.cmake" -DCMAKE_INSTALL_PREFIX="$scratch/qt" \
+        -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake \
+        -DINPUT_opengl=no -DFEATURE_pkg_config=OFF -DQT_FEATURE_testlib=ON \
+        -DQT_FEATURE_direct2d=ON "${off[@]}" \
+        -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_BUILD_BENCHMARKS=OFF
+    cmake --build "$scratch/qt-build"
+    cmake --install "$scratch/qt-build"
+    # What the compiler adds to every program.
+    local library
+    for library in libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll; do
+        cp "$(x86_64-w64-mingw32-g++-posix -print-file-name=$library)" "$scratch/qt/bin"
+    done
+    mkdir -p "${KSE_WINDOWS_QT%/*}"
+    mv "$scratch/qt" "$KSE_WINDOWS_QT"
+    rm -rf "$scratch"/{qt-source,qt-build,apt}
+}
+
+# A new Wine in the scratch folder, with no window manager, which makes every window quicker.
+# Whoever uses it has temporary files under a name that isn't ASCII, and no folder of the real user.
+make_wine() {
+    export WINEPREFIX=$scratch/$1 WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+    export LANG=C.UTF-8 HOME=$scratch/home
+    export XDG_CACHE_HOME=$HOME XDG_CONFIG_HOME=$HOME XDG_DATA_HOME=$HOME
+    mkdir -p "$HOME"
+    local temporary='C:\users\Jürgen Gößler\Temp'
+    {
+        env -u DISPLAY wineboot -i
+        wine reg add 'HKCU\Software\Wine' /v Version /d win10 /f
+        wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
+        wine reg add 'HKCU\Environment' /v TEMP /d "$temporary" /f
+        wine reg add 'HKCU\Environment' /v TMP /d "$temporary" /f
+        mkdir -p "$WINEPREFIX/drive_c/users/Jürgen Gößler/Temp"
+    } </dev/null >/dev/null
+    end_wine
+}
+
+on_screen() {
+    xvfb-run --auto-servernum --server-args '-screen 0 1600x1200x24' "$@"
+}
+
+# In two runs, since the server of Wine keeps to the screen, or to none, that it began with.
+run_tests() {
+    export WINEPATH="Z:${KSE_WINDOWS_QT//\//\\}\\bin"
+    make_wine tests
+    wineserver -p
+    env -u DISPLAY ctest --preset windows "$@"
+    end_wine
+    wineserver -p
+    KSE_WINE_PLATFORM=windows on_screen ctest --preset windows --parallel 1 "$@"
+    end_wine
+    unset WINEPATH
+}
+
+# The program with what it needs, in the layout in which Qt finds its plugins.
+make_zip() {
+    local version name folder
+    version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' "$build/CMakeCache.txt")
+    name=$program-$version-windows
+    folder=$scratch/$name
+    mkdir -p "$folder"/{platforms,imageformats,tls,licences}
+    cp "$build/src/app/$program.exe" "$folder"
+    cp "$KSE_WINDOWS_QT"/bin/Qt6{Core,Gui,Network,Widgets}.dll "$folder"
+    cp "$KSE_WINDOWS_QT"/bin/{libgcc_s_seh-1,libstdc++-6,libwinpthread-1}.dll "$folder"
+    cp "$KSE_WINDOWS_QT/plugins/platforms/qwindows.dll" "$folder/platforms"
+    cp "$KSE_WINDOWS_QT"/plugins/imageformats/q{gif,jpeg}.dll "$folder/imageformats"
+    cp "$KSE_WINDOWS_QT/plugins/tls/qschannelbackend.dll" "$folder/tls"
+
+    find "$folder" -type f -exec x86_64-w64-mingw32-strip {} +
+
+    sed "s/@QT_VERSION@/$qt_version/" packaging/windows/licences.txt >"$folder/licences/README.txt"
+    cp LICENSE "$folder/licences/$program.txt"
+    local licence
+    for licence in GPL-3 LGPL-3; do
+        cp "/usr/share/common-licenses/$licence" "$folder/licences/$licence.txt"
+    done
+    cp /usr/share/doc/qt6-base-dev/copyright "$folder/licences/qt6-base.txt"
+    cp /usr/share/doc/gcc-mingw-w64-x86-64-posix-runtime/copyright "$folder/licences/gcc.txt"
+    cp /usr/share/doc/mingw-w64-x86-64-dev/copyright "$folder/licences/mingw-w64.txt"
+
+    zip_file=$build/$name.zip
+    rm -f "$zip_file"
+    (cd "$scratch" && zip -qr -X "$zip_file" "$name")
+}
+
+# Starts what is in the zip as a user would, in a new Wine that sees nothing but its own drive C:
+# first for pictures, which lie in build/windows/pictures afterwards, then for its window.
+check_zip() {
+    make_wine fresh
+    local drive=$WINEPREFIX/drive_c settings
+    settings=$drive/users/$(id -un)/AppData/Roaming/Pleiades
+    mkdir -p "$settings" "$drive/Программы"
+    cp examples/core-*-pxi.settings "$settings"
+    unzip -q "$zip_file" -d "$drive/Программы"
+    cp /usr/share/wine/fonts/*.ttf "$drive/windows/Fonts"
+    rm "$WINEPREFIX/dosdevices/z:"
+    (
+        cd "$drive/Программы"/*
+        # shellcheck disable=SC2016 # for the inner shell
+        on_screen bash -euc '
+            wine "$0.exe" --theme light --screenshots "C:\pictures"
+            wine "$0.exe" &
+            sleep 20
+            wine taskkill /im "$0.exe" # as its close button
+            wait $!
+            wineserver -k' "$program" </dev/null
+    )
+    rm -rf "$build/pictures"
+    mv "$drive/pictures" "$build/pictures"
+    local name
+    for name in prefs-00 search search-font module-search unused-modules cleanup cleanup-queued \
+        compare compare-all health review backups about advanced-changed advanced; do
+        if [[ ! -s $build/pictures/$name.png ]]; then
+            echo "The picture $build/pictures/$name.png was not written." >&2
+            return 1
+        fi
+    done
+}
+
+if [[ ! -d $KSE_WINDOWS_QT ]]; then
+    build_qt
+fi
+cmake --preset windows
+cmake --build --preset windows
+run_tests "$@"
+make_zip
+check_zip
+echo "The zip is $zip_file, and pictures of the program are in $build/pictures."
