@@ -1513,7 +1513,7 @@ private:
         if (m_copy.parse(bytes)) {
             m_path = path;
             m_loadedBytes = bytes;
-            m_status = u"Loaded "_s + path;
+            m_status = u"Loaded "_s + QDir::toNativeSeparators(path);
         } else {
             m_loadedBytes.clear();
         }
@@ -2003,8 +2003,9 @@ private:
             files.append(box->itemText(i));
         }
         compare(u"fileBox"_s, files << QString::number(box->currentIndex()) << box->toolTip(),
-                m_fileBox + QStringList{m_plain.document ? asToolTip(m_path)
-                                                         : u"No settings file loaded."_s});
+                m_fileBox + QStringList{m_plain.document
+                                            ? asToolTip(QDir::toNativeSeparators(m_path))
+                                            : u"No settings file loaded."_s});
     }
 
     void compareTree()
