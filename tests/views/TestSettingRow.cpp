@@ -307,6 +307,7 @@ void TestSettingRow::offersMenu()
     // entry that can be chosen does.
     const auto menu = [&](const QString& path, bool readOnly, bool replaceDocument = false) {
         m_node->value = u"new"_s;
+        m_row->refresh(); // or an editor that loses the focus writes what it shows
         done.clear();
         QStringList entries;
         DialogAnswerer<QMenu> answer([&](QMenu& shown) {
