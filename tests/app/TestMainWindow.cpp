@@ -10,6 +10,7 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QNetworkReply>
 #include <QPushButton>
@@ -111,6 +112,17 @@ private slots:
         QCOMPARE(contentOf(m_file), before);
         QVERIFY(node(safePath));
         QCOMPARE(PixInsightEnv::backupsOf(m_file).size(), 2);
+    }
+
+    void forgetsTheCountOnceItIsSaved()
+    {
+        const auto* pages = find<QListWidget>("pageList");
+        model()->setValue(node(u"Global/Preferences/Process/MaxConsoleLines"_s), u"77"_s);
+        QCOMPARE(pages->findItems(u"Processes   ● 1"_s, Qt::MatchExactly).size(), 1);
+        DialogAnswerer<QDialog> review([](QDialog& dialog) { dialog.accept(); });
+        action("actSave")->trigger();
+        QVERIFY(review.wasAsked());
+        QCOMPARE(pages->findItems(u"Processes"_s, Qt::MatchExactly).size(), 1);
     }
 
     void turnsViewOnlyWhilePixInsightRuns()
