@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "document/XsdtReader.h"
 
+#include "document/Fail.h"
 #include "document/XsdtDocument.h"
 
 #include <algorithm>
@@ -470,19 +471,13 @@ bool Reader::readContent(XsdtNode& root)
 
 bool readXsdt(const QString& text, XsdtDocument& document, QString* error)
 {
-    const auto fail = [error](const QString& message) {
-        if (error) {
-            *error = message;
-        }
-        return false;
-    };
     const qsizetype start = text.indexOf("<xsdt"_L1);
     if (start < 0) {
-        return fail(u"Not a PixInsight settings file (no <xsdt> element)."_s);
+        return fail(error, u"Not a PixInsight settings file (no <xsdt> element)."_s);
     }
     const qsizetype end = text.indexOf(u'>', start);
     if (end < 0 || text[end - 1] == u'/') {
-        return fail(u"The <xsdt> element is empty or malformed."_s);
+        return fail(error, u"The <xsdt> element is empty or malformed."_s);
     }
     document.head = text.left(end + 1);
     const auto reader = std::make_unique<Reader>(text, end + 1, error); // large, for the stack
@@ -491,7 +486,7 @@ bool readXsdt(const QString& text, XsdtDocument& document, QString* error)
     }
     document.tail = text.mid(reader->position());
     if (!document.tail.trimmed().isEmpty()) {
-        return fail(u"Unexpected content after </xsdt>."_s);
+        return fail(error, u"Unexpected content after </xsdt>."_s);
     }
     return true;
 }

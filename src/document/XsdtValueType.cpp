@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "document/XsdtValueType.h"
 
+#include "document/Fail.h"
+
 #include <QLocale>
 
 #include <cmath>
@@ -147,11 +149,8 @@ bool validateValue(QChar code, const QString& input, QString& normalised, QStrin
     if (editable && row->normalise(isString ? input : input.trimmed(), normalised)) {
         return true;
     }
-    if (error) {
-        *error = editable ? QString::fromLatin1(row->refusal)
-                          : u"This value type is protected and cannot be edited."_s;
-    }
-    return false;
+    return fail(error, editable ? QString::fromLatin1(row->refusal)
+                                : u"This value type is protected and cannot be edited."_s);
 }
 
 } // namespace kse

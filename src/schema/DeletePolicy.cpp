@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "schema/DeletePolicy.h"
 
+#include "document/Fail.h"
 #include "document/XsdtDocument.h"
 #include "schema/JsonObject.h"
 
@@ -119,10 +120,7 @@ bool DeletePolicy::loadRules(const QJsonObject& policy, QString* error)
         const QString word = element["level"_L1].toString();
         const std::optional<DeleteLevel> level = levelOfWord(word);
         if (!level) {
-            if (error) {
-                *error = u"overlay.json: unknown delete level '%1'"_s.arg(word);
-            }
-            return false;
+            return fail(error, u"overlay.json: unknown delete level '%1'"_s.arg(word));
         }
         DeleteRule rule(element["path"_L1].toString());
         if (rule.isEmpty()) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "schema/JsonObject.h"
 
+#include "document/Fail.h"
+
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,10 +22,7 @@ bool parseJsonObject(const QByteArray& json, const QString& name, QJsonObject& o
     QJsonParseError fault;
     const QJsonDocument document = QJsonDocument::fromJson(trimmed, &fault);
     if (!document.isObject()) {
-        if (error) {
-            *error = QStringLiteral("%1: %2").arg(name, fault.errorString());
-        }
-        return false;
+        return fail(error, QStringLiteral("%1: %2").arg(name, fault.errorString()));
     }
     object = document.object();
     return true;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "session/DurableFile.h"
 
+#include "document/Fail.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -15,12 +17,9 @@ namespace kse {
 
 namespace {
 
-bool fail(QString* error, int code)
+bool failWithCode(QString* error, int code)
 {
-    if (error) {
-        *error = qt_error_string(code);
-    }
-    return false;
+    return fail(error, qt_error_string(code));
 }
 
 int openRetrying(const QString& path, int flags)
@@ -53,13 +52,10 @@ int flushDescriptor(int descriptor)
 bool isRegular(const struct stat& status, QString* error)
 {
     if (S_ISDIR(status.st_mode)) {
-        return fail(error, EISDIR);
+        return failWithCode(error, EISDIR);
     }
     if (!S_ISREG(status.st_mode)) {
-        if (error) {
-            *error = QStringLiteral("Not a regular file");
-        }
-        return false;
+        return fail(error, QStringLiteral("Not a regular file"));
     }
     return true;
 }
@@ -69,9 +65,10 @@ bool settle(int descriptor, QString* error)
 {
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0) {
-        return fail(error, errno);
+        return failWithCode(error, errno);
     }
-    return isRegular(status, error) && (::fcntl(descriptor, F_SETFL, 0) == 0 || fail(error, errno));
+    return isRegular(status, error) &&
+           (::fcntl(descriptor, F_SETFL, 0) == 0 || failWithCode(error, errno));
 }
 
 } // namespace
@@ -80,7 +77,7 @@ bool openRegular(QFile& file, const QString& path, QString* error)
 {
     struct stat status = {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
-        return fail(error, errno);
+        return failWithCode(error, errno);
     }
     // Asked before as well, since to open some devices is to use them.
     if (!isRegular(status, error)) {
@@ -89,7 +86,7 @@ bool openRegular(QFile& file, const QString& path, QString* error)
     // Non-blocking, in case a pipe has taken the file's place since.
     const int descriptor = openRetrying(path, O_RDONLY | O_NONBLOCK);
     if (descriptor < 0) {
-        return fail(error, errno);
+        return failWithCode(error, errno);
     }
     if (!settle(descriptor, error)) {
         ::close(descriptor);
@@ -97,10 +94,7 @@ bool openRegular(QFile& file, const QString& path, QString* error)
     }
     if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(descriptor);
-        if (error) {
-            *error = file.errorString();
-        }
-        return false;
+        return fail(error, file.errorString());
     }
     return true;
 }
@@ -110,7 +104,7 @@ QString realPath(const QString& path, QString* error)
     const std::unique_ptr<char, decltype(&std::free)> resolved(
         ::realpath(QFile::encodeName(path).constData(), nullptr), &std::free);
     if (!resolved) {
-        (void)fail(error, errno);
+        (void)failWithCode(error, errno);
         return {};
     }
     return QFile::decodeName(resolved.get());
@@ -122,7 +116,7 @@ bool keepOwner(QFileDevice& file, const QString& path, QString* error)
     struct stat status = {};
     if (::stat(QFile::encodeName(path).constData(), &wanted) != 0 ||
         ::fstat(file.handle(), &status) != 0) {
-        return fail(error, errno);
+        return failWithCode(error, errno);
     }
     const auto change = [&file](uid_t owner, gid_t group) {
         return ::fchown(file.handle(), owner, group) == 0;
@@ -133,24 +127,24 @@ bool keepOwner(QFileDevice& file, const QString& path, QString* error)
         (void)change(sameOwner, wanted.st_gid);
     }
     return status.st_uid == wanted.st_uid || change(wanted.st_uid, sameGroup) || ::geteuid() != 0 ||
-           fail(error, errno);
+           failWithCode(error, errno);
 }
 
 bool flushToDisk(QFileDevice& file, QString* error)
 {
     const int code = flushDescriptor(file.handle());
-    return code == 0 || fail(error, code);
+    return code == 0 || failWithCode(error, code);
 }
 
 bool flushFolder(const QString& path, QString* error)
 {
     const int descriptor = openRetrying(path, O_RDONLY | O_DIRECTORY);
     if (descriptor < 0) {
-        return fail(error, errno);
+        return failWithCode(error, errno);
     }
     const int code = flushDescriptor(descriptor);
     ::close(descriptor);
-    return code == 0 || code == EINVAL || code == ENOTSUP || fail(error, code);
+    return code == 0 || code == EINVAL || code == ENOTSUP || failWithCode(error, code);
 }
 
 } // namespace kse

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "session/DurableFile.h"
 
+#include "document/Fail.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -21,10 +23,7 @@ namespace {
 bool failLast(QString* error)
 {
     const DWORD code = GetLastError();
-    if (error) {
-        *error = qt_error_string(static_cast<int>(code));
-    }
-    return false;
+    return fail(error, qt_error_string(static_cast<int>(code)));
 }
 
 HANDLE handleOf(const QFileDevice& file)
@@ -48,10 +47,7 @@ QString nativePath(const QString& path)
 bool openRegular(QFile& file, const QString& path, QString* error)
 {
     const auto refuse = [error] {
-        if (error) {
-            *error = QStringLiteral("Not a regular file");
-        }
-        return false;
+        return fail(error, QStringLiteral("Not a regular file"));
     };
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) {
@@ -78,10 +74,7 @@ bool openRegular(QFile& file, const QString& path, QString* error)
     }
     if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         _close(descriptor);
-        if (error) {
-            *error = file.errorString();
-        }
-        return false;
+        return fail(error, file.errorString());
     }
     return true;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "session/SettingsStore.h"
 
+#include "document/Fail.h"
 #include "schema/DeletePolicy.h"
 #include "session/PixInsightEnv.h"
 #include "session/VerifiedFile.h"
@@ -16,14 +17,6 @@ namespace kse {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool fail(QString* error, const QString& message)
-{
-    if (error) {
-        *error = message;
-    }
-    return false;
-}
 
 bool failChanged(QString* error)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "session/VerifiedFile.h"
 
+#include "document/Fail.h"
 #include "session/DurableFile.h"
 
 #include <QCryptographicHash>
@@ -14,14 +15,6 @@ namespace kse {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool fail(QString* error, const QString& message)
-{
-    if (error) {
-        *error = message;
-    }
-    return false;
-}
 
 /// Why the last call on `file` failed. To be asked at once: where Qt has no words for it, as after
 /// a write that was cut short, only the system's error code tells.
