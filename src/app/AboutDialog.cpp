@@ -179,6 +179,7 @@ void AboutDialog::updateLook()
     const int headHeight =
         m_head->widget()->heightForWidth(width - margins.left() - margins.right());
     m_head->setMinimumHeight(0);
+    m_head->setMaximumHeight(headHeight); // what there is beyond goes to the details
     const int detailsHint = m_details->sizeHint().height();
     const int rest =
         layout()->totalHeightForWidth(width) - m_head->sizeHint().height() - detailsHint;
