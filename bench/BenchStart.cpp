@@ -51,11 +51,12 @@ public:
 
     bool notify(QObject* receiver, QEvent* event) override
     {
+        // Asked before: an event may be the receiver's last.
+        const auto* widget = qobject_cast<QWidget*>(receiver);
+        m_sawPaint |= event->type() == QEvent::Paint && widget && widget->isWindow();
         ++m_depth;
         const bool handled = QApplication::notify(receiver, event);
         --m_depth;
-        const auto* widget = qobject_cast<QWidget*>(receiver);
-        m_sawPaint |= event->type() == QEvent::Paint && widget && widget->isWindow();
         if (m_sawPaint && painted == 0 && m_depth == 0) {
             painted = now();
             used = 1e3 * double(std::clock()) / CLOCKS_PER_SEC;
