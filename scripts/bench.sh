@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Builds and runs every benchmark, and prints the tables of docs/performance.md.
 #   scripts/bench.sh [FOLDER]    results go to FOLDER (build/bench/results)
-# Takes about ten minutes, on a machine that does nothing else.
+# Takes about six minutes, on a machine that does nothing else.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -88,6 +88,7 @@ void MainWindow::refreshBanner()
 }
 
 /// Has a screen reader say what shows where the focus isn't.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): with Qt 6.8 the window speaks.
 void MainWindow::announce(const QString& text)
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
