@@ -38,7 +38,7 @@ struct Tree
         showAnew();
     }
 
-    void settle() { QApplication::processEvents(); }
+    static void settle() { QApplication::processEvents(); }
 
     void showAnew()
     {

@@ -23,7 +23,8 @@ void TestXsdtValueType::describesTypes()
     QString types;
     XsdtNode node;
     node.kind = XsdtNode::Kind::Value;
-    for (const QChar code : QStringLiteral("biuFfstBxI")) {
+    const QString codes = QStringLiteral("biuFfstBxI");
+    for (const QChar code : codes) {
         node.typeCode = code;
         types += typeName(code) + (node.isEditableType() ? u'+' : u'-');
     }

@@ -141,7 +141,8 @@ void TestAdManifest::keepsManifest()
     QVERIFY(!AdManifest::isFresh(cache, then.addMSecs(-1), 24));
     QVERIFY(AdManifest::isFresh(cache, then.addMSecs(7199999), 2));
     QVERIFY(!AdManifest::isFresh(cache, then.addMSecs(7200000), 2));
-    for (const QByteArray stamp : {"9223372036854775807", "1x", ""}) {
+    for (const char* text : {"9223372036854775807", "1x", ""}) {
+        const QByteArray stamp = text;
         QFile file(folder + u"/manifest.fetched"_s);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(stamp) == stamp.size());
         file.close();

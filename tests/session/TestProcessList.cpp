@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 
 #ifdef Q_OS_UNIX
@@ -22,13 +23,11 @@ namespace {
 
 bool isListed(qint64 id, const QString& name)
 {
-    for (const ProcessEntry& process : listProcesses()) {
-        if (process.id == static_cast<quint64>(id) &&
-            process.executableName == name.toStdString()) {
-            return true;
-        }
-    }
-    return false;
+    const auto processes = listProcesses();
+    return std::any_of(processes.begin(), processes.end(), [&](const ProcessEntry& process) {
+        return process.id == static_cast<quint64>(id) &&
+               process.executableName == name.toStdString();
+    });
 }
 
 } // namespace

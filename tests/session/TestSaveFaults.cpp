@@ -90,7 +90,8 @@ private slots:
         QCOMPARE(backup + recover, u"nonenone"_s);
         QCOMPARE(f.state(), state);
         auto after = f.files();
-        const QStringList made = after.keys().filter(stamp);
+        const QStringList names = after.keys();
+        const QStringList made = names.filter(stamp);
         QCOMPARE(made.size(), cells[2].toInt());
         for (const QString& name : made) {
             QCOMPARE(after.take(name), StoreFixture::defaultBytes());
@@ -164,11 +165,11 @@ private slots:
             auto files = f.files();
             QCOMPARE(files.take(QFileInfo(source).fileName()), whole[0]);
             QVERIFY(whole.contains(files.take(QFileInfo(f.path).fileName())));
-            for (const QString& name : files.keys()) {
-                const bool temporary = leftOver.match(name).hasMatch();
-                QVERIFY(temporary || whole.contains(files[name]));
+            for (auto file = files.cbegin(); file != files.cend(); ++file) {
+                const bool temporary = leftOver.match(file.key()).hasMatch();
+                QVERIFY(temporary || whole.contains(file.value()));
                 left += temporary;
-                QVERIFY(QFile::remove(f.dir.filePath(name)));
+                QVERIFY(QFile::remove(f.dir.filePath(file.key())));
             }
         }
         qInfo("%d kills, the file was whole after each; %lld temporary files were left.", kills,

@@ -177,7 +177,7 @@ private slots:
         QString backup;
         QVERIFY(f.store.save(nullptr, &backup));
         QVERIFY(QFileInfo(backup).lastModified() > before);
-        QCOMPARE(PixInsightEnv::backupsOf(f.path).first(), backup);
+        QCOMPARE(PixInsightEnv::backupsOf(f.path).constFirst(), backup);
     }
 
     void writesAnyLayoutCompactlyAndOnlyChanges()

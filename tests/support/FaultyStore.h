@@ -173,7 +173,7 @@ private:
     /// Moves the file to a folder of its own, which is returned, with a link in its place.
     QString moveBehindLink()
     {
-        const QString folder = dir.filePath(u"real"_s);
+        QString folder = dir.filePath(u"real"_s);
         require(QDir().mkdir(folder) && QFile::rename(path, folder + u"/file"_s) &&
                     QFile::link(folder + u"/file"_s, path),
                 folder);
@@ -268,7 +268,7 @@ inline bool killInTheMiddle(const QString& path, const QString& source)
     if (!loop.waitForReadyRead()) {
         return false;
     }
-    QThread::usleep(QRandomGenerator::global()->bounded(60'000));
+    QThread::usleep(QRandomGenerator::global()->bounded(60'000U));
     loop.kill();
     return loop.waitForFinished() && loop.exitStatus() == QProcess::CrashExit;
 }

@@ -78,7 +78,7 @@ public:
 private:
     void serve(QTcpSocket* socket)
     {
-        const QByteArray head = socket->peek(64 * 1024);
+        const QByteArray head = socket->peek(qint64(64) * 1024);
         if (!head.contains("\r\n\r\n")) {
             return;
         }

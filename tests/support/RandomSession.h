@@ -1705,7 +1705,6 @@ private:
         if (!m_plain.document || isPending() || m_fake || !isOnDisk()) {
             return false;
         }
-        QStringList texts;
         const auto choose = [this](const QString& start) {
             m_dialogs.announce<QMenu>([start](QMenu& menu) {
                 const QList<QAction*> actions = menu.actions();

@@ -24,7 +24,7 @@ inline void growRandomTree(XsdtNode& root, QRandomGenerator& random, const QStri
             continue;
         }
         node->kind = XsdtNode::Kind::Value;
-        node->typeCode = QStringLiteral("isB")[random.bounded(3)];
+        node->typeCode = QStringLiteral("isB").at(random.bounded(3));
         node->value = node->original = keys[random.bounded(static_cast<int>(keys.size()))];
         parent->append(std::move(node));
     }

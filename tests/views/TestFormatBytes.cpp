@@ -13,7 +13,7 @@ private slots:
     {
         QCOMPARE(kse::formatBytes(1023), QStringLiteral("1023 B"));
         QCOMPARE(kse::formatBytes(1024), QStringLiteral("1.0 KiB"));
-        QCOMPARE(kse::formatBytes(2 * 1024 * 1024), QStringLiteral("2048.0 KiB"));
+        QCOMPARE(kse::formatBytes(qint64(2) * 1024 * 1024), QStringLiteral("2048.0 KiB"));
     }
 };
 

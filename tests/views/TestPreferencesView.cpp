@@ -88,7 +88,7 @@ private slots:
         QCOMPARE(f.shown(), u"Fast > S&&b > Deep"_s);
         DialogAnswerer<QMenu> answer([](QMenu& menu) {
             QCOMPARE(menu.actions().size(), 1); // no way to the tree from here
-            QCOMPARE(menu.actions().first()->text(), u"Why can't this be deleted?"_s);
+            QCOMPARE(menu.actions().constFirst()->text(), u"Why can't this be deleted?"_s);
         });
         emit f.onFirstPage<QToolButton>("toggleButton")->customContextMenuRequested({});
         QVERIFY(answer.wasAsked());
