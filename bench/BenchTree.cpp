@@ -21,6 +21,11 @@ namespace {
 
 using Shape = GenerateOptions::Shape;
 
+void settle()
+{
+    QApplication::processEvents();
+}
+
 /// The tree of all settings as the window shows it, everything expanded.
 struct Tree
 {
@@ -37,8 +42,6 @@ struct Tree
         view.show();
         showAnew();
     }
-
-    static void settle() { QApplication::processEvents(); }
 
     void showAnew()
     {
@@ -131,7 +134,7 @@ void toggleChangedOnly(benchmark::State& state)
     for (auto _ : state) {
         tree.proxy.setChangedOnly(!tree.proxy.isChangedOnly());
         tree.view.expandAll();
-        tree.settle();
+        settle();
     }
 }
 
@@ -143,7 +146,7 @@ void editOne(benchmark::State& state)
     const std::vector<XsdtNode*> values = tree.values(1);
     for (auto _ : state) {
         tree.flip(values.at(values.size() / 2));
-        tree.settle();
+        settle();
     }
 }
 
@@ -159,7 +162,7 @@ void revertOneOfManyChanged(benchmark::State& state)
     auto next = values.begin();
     for (auto _ : state) {
         tree.model.revertValue(*next++);
-        tree.settle();
+        settle();
     }
 }
 
@@ -174,7 +177,7 @@ void flipManyInABatch(benchmark::State& state)
             std::for_each(values.begin(), values.end(), [&](auto* node) { tree.flip(node); });
         }
         tree.view.expandAll();
-        tree.settle();
+        settle();
     }
 }
 
@@ -193,9 +196,9 @@ void deleteAndUndoGroup(benchmark::State& state)
         if (!tree.model.markForDeletion(group)) {
             state.SkipWithError("not deleted");
         }
-        tree.settle();
+        settle();
         tree.model.undoDeletion(group);
-        tree.settle();
+        settle();
     }
 }
 
@@ -205,7 +208,7 @@ void revertAll(benchmark::State& state)
     for (auto _ : state) {
         tree.model.revertAll();
         tree.view.expandAll();
-        tree.settle();
+        settle();
     }
 }
 
@@ -214,7 +217,7 @@ void refreshAll(benchmark::State& state)
     Tree tree(state);
     for (auto _ : state) {
         tree.model.refreshAll();
-        tree.settle();
+        settle();
     }
 }
 
