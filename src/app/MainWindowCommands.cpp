@@ -278,7 +278,7 @@ bool MainWindow::onSave()
         return true;
     }
     const quint64 generation = m_model->generation();
-    const int answer = ReviewDialog(m_model, &m_store.document, this).exec();
+    const int answer = ReviewDialog(m_model, &m_store.document, this, &m_schema).exec();
     if (answer != QDialog::Accepted || m_model->generation() != generation) {
         return false;
     }

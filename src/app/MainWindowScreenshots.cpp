@@ -142,7 +142,7 @@ void MainWindow::grabDialogs(const QString& dir)
         (void)m_model->markForDeletion(node); // a picture without a deletion is still a picture
     }
     {
-        ReviewDialog review(m_model, &m_store.document, this);
+        ReviewDialog review(m_model, &m_store.document, this, &m_schema);
         review.show();
         if (QTreeWidgetItem* first = review.findChild<QTreeWidget*>()->topLevelItem(0)) {
             first->setExpanded(true); // a deletion lists its values then

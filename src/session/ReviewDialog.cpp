@@ -4,8 +4,10 @@
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "document/XsdtValueType.h"
+#include "schema/SettingsSchema.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
+#include "views/WrappedLabel.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -62,6 +64,41 @@ QString rowToolTip(const QString& text)
     return asToolTip(firstCharacters(text, toolTipLimit));
 }
 
+/// What the editor of a choice or a colour shows for `value`; empty where that is the value itself.
+QString editorText(const VariableInfo& info, const QString& value)
+{
+    if (info.kind == VariableKind::Color) {
+        return u'#' + QString::number(value.toUInt(), 16).toUpper().rightJustified(8, u'0');
+    }
+    if (info.kind != VariableKind::Choice) {
+        return {};
+    }
+    for (const VariableChoice& choice : info.choices) {
+        if (choice.value == value.toLongLong()) {
+            return choice.text;
+        }
+    }
+    return ReviewDialog::tr("Other (%1)").arg(firstCharacters(value, valueLimit));
+}
+
+/// What ends `text` unseen, as "2 blank(s), 1 line end(s)"; empty if nothing does.
+QString unseenEnd(const QString& text)
+{
+    int blanks = 0;
+    int lineEnds = 0;
+    for (qsizetype i = text.size() - 1; i >= 0 && text[i].isSpace(); --i) {
+        ++(text[i] == u'\n' || text[i] == u'\r' ? lineEnds : blanks);
+    }
+    QStringList parts;
+    if (blanks > 0) {
+        parts << ReviewDialog::tr("%n blank(s)", nullptr, blanks);
+    }
+    if (lineEnds > 0) {
+        parts << ReviewDialog::tr("%n line end(s)", nullptr, lineEnds);
+    }
+    return parts.join(u", ");
+}
+
 QTreeWidgetItem* makeRow(const QStringList& texts, ReviewDialog::RowKind kind, XsdtNode* node)
 {
     auto* row = new QTreeWidgetItem(texts);
@@ -80,10 +117,12 @@ QTreeWidgetItem* makeNote(const QString& text)
 
 } // namespace
 
-ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, QWidget* parent)
+ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, QWidget* parent,
+                           const SettingsSchema* schema)
     : QDialog(parent)
     , m_model(model)
     , m_document(document)
+    , m_schema(schema)
     , m_generation(model->generation())
 {
     setWindowTitle(tr("Review changes"));
@@ -92,6 +131,7 @@ ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, Q
     createLayout();
     connectWidgets();
     updateDetailHeight();
+    updateRunning();
     populate();
     resize(980, 640);
     m_tree->setFocus();
@@ -99,6 +139,15 @@ ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, Q
 
 void ReviewDialog::createWidgets()
 {
+    m_running = new WrappedLabel(tr("<b>PixInsight is running.</b> It would overwrite the file, so "
+                                    "nothing can be saved. Close PixInsight first."),
+                                 Qt::RichText, this);
+    m_running->setObjectName(QStringLiteral("running"));
+    m_running->setMargin(8);
+    m_running->setAutoFillBackground(true);
+    QPalette amber = m_running->palette();
+    amber.setBrush(QPalette::Window, QColor(255, 190, 0, 90));
+    m_running->setPalette(amber);
     m_summary = new QLabel(this);
     m_summary->setObjectName(QStringLiteral("summary"));
     m_summary->setTextFormat(Qt::PlainText);
@@ -119,6 +168,10 @@ void ReviewDialog::createWidgets()
     m_detail->setReadOnly(true);
     m_detail->setPlaceholderText(tr("Select a change to see its full text."));
     m_detail->setAccessibleName(tr("Full text of the selected change"));
+    m_reading = new WrappedLabel(QString(), Qt::PlainText, this);
+    m_reading->setObjectName(QStringLiteral("reading"));
+    m_hidden = new WrappedLabel(QString(), Qt::PlainText, this);
+    m_hidden->setObjectName(QStringLiteral("hidden"));
     m_revert = new QPushButton(tr("Revert selected"), this);
     m_revert->setObjectName(QStringLiteral("revert"));
     m_revert->setToolTip(tr("Take the selected changes back: edits return to their saved value, "
@@ -167,11 +220,14 @@ void ReviewDialog::createLayout()
     buttons->addWidget(m_save);
 
     auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_running);
     layout->addWidget(m_summary);
     layout->addLayout(filters);
     layout->addWidget(m_tree, 1);
     layout->addWidget(m_detail);
+    layout->addWidget(m_reading);
     layout->addWidget(promise);
+    layout->addWidget(m_hidden);
     layout->addLayout(buttons);
 }
 
@@ -185,6 +241,7 @@ void ReviewDialog::connectWidgets()
     connect(m_revert, &QPushButton::clicked, this, &ReviewDialog::onRevert);
     connect(m_cancel, &QPushButton::clicked, this, &ReviewDialog::reject);
     connect(m_save, &QPushButton::clicked, this, &ReviewDialog::accept);
+    connect(m_model, &SettingsModel::layoutChanged, this, &ReviewDialog::updateRunning);
     connect(m_model, &SettingsModel::modelReset, this, &ReviewDialog::onModelReset);
 }
 
@@ -198,18 +255,21 @@ void ReviewDialog::changeEvent(QEvent* event)
 
 void ReviewDialog::keyPressEvent(QKeyEvent* event)
 {
-    // Return ends the typing of a filter; it is no decision to save.
+    // Return ends the typing of a filter and presses a button; to save is decided in the list.
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && focusWidget() == m_filter) {
+    const QWidget* focus = focusWidget();
+    if (isReturn && focus == m_filter) {
         m_tree->setFocus();
-        return;
+    } else if (!isReturn || focus == m_tree || qobject_cast<const QPushButton*>(focus)) {
+        QDialog::keyPressEvent(event);
     }
-    QDialog::keyPressEvent(event);
 }
 
 void ReviewDialog::updateDetailHeight()
 {
     m_detail->setMaximumHeight(fontMetrics().lineSpacing() * 11 / 2);
+    // Its line is kept free, so that the list doesn't move from one selected row to the next.
+    m_reading->setMinimumHeight(fontMetrics().height());
 }
 
 void ReviewDialog::populate()
@@ -232,6 +292,7 @@ void ReviewDialog::populate()
         if (m_showEdits->isChecked()) {
             addEdits(edits);
         }
+        updateHidden();
         if (m_tree->topLevelItemCount() == 0 && m_deletionCount + m_editCount > 0) {
             m_tree->addTopLevelItem(makeNote(tr("Nothing matches the filters.")));
         }
@@ -249,6 +310,18 @@ void ReviewDialog::updateSummary(qsizetype removedValues)
                                  .arg(m_editCount)
                                  .arg(m_deletionCount)
                                  .arg(removedValues));
+}
+
+void ReviewDialog::updateHidden()
+{
+    const int hidden = int(m_editCount + m_deletionCount) - m_tree->topLevelItemCount();
+    m_hidden->setText(tr("The filters hide %n change(s). Save writes them too.", nullptr, hidden));
+    m_hidden->setVisible(hidden > 0);
+}
+
+void ReviewDialog::updateRunning()
+{
+    m_running->setVisible(m_model->isReadOnly());
 }
 
 bool ReviewDialog::passesFilter(const PendingNode& pending, const QString& filter)
@@ -350,6 +423,7 @@ void ReviewDialog::updateDetail()
     const QModelIndexList selected = m_tree->selectionModel()->selectedRows();
     m_revert->setEnabled(!selected.isEmpty());
     m_detail->clear();
+    m_reading->clear();
     if (selected.size() > 1) {
         m_detail->setPlainText(tr("%1 changes selected.").arg(selected.size()));
         return;
@@ -361,7 +435,8 @@ void ReviewDialog::updateDetail()
     }
     const QString value = abbreviated(node->value, detailLimit);
     QString text;
-    switch (selected.first().data(KindRole).toInt()) {
+    const int kind = selected.first().data(KindRole).toInt();
+    switch (kind) {
     case EditRow:
         text = tr("Before: %1\nAfter:  %2").arg(abbreviated(node->original, detailLimit), value);
         break;
@@ -378,6 +453,31 @@ void ReviewDialog::updateDetail()
                                   ? QTextOption::WrapAnywhere
                                   : QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_detail->setPlainText(text);
+    m_reading->setText(readingOf(*node, kind));
+}
+
+QString ReviewDialog::readingOf(const XsdtNode& node, int kind) const
+{
+    if (node.kind != XsdtNode::Kind::Value || kind == DeletionRow) {
+        return {};
+    }
+    const VariableInfo info = m_schema ? m_schema->describe(node) : VariableInfo();
+    const QString after = editorText(info, node.value);
+    const QString afterEnd = unseenEnd(node.value);
+    QStringList sentences;
+    if (kind == RemovedValueRow) {
+        sentences << (after.isEmpty() ? QString() : tr("Shown as %1.").arg(after))
+                  << (afterEnd.isEmpty() ? QString() : tr("The value ends in %1.").arg(afterEnd));
+    } else {
+        const QString beforeEnd = unseenEnd(node.original);
+        sentences << (after.isEmpty() ? QString()
+                                      : tr("Shown as %1 before and %2 after.")
+                                            .arg(editorText(info, node.original), after))
+                  << (beforeEnd.isEmpty() ? QString() : tr("Before ends in %1.").arg(beforeEnd))
+                  << (afterEnd.isEmpty() ? QString() : tr("After ends in %1.").arg(afterEnd));
+    }
+    sentences.removeAll(QString());
+    return sentences.join(u' ');
 }
 
 void ReviewDialog::onRevert()

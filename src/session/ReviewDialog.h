@@ -18,6 +18,7 @@ class QTreeWidgetItem;
 namespace kse {
 
 class SettingsModel;
+class SettingsSchema;
 struct XsdtDocument;
 struct XsdtNode;
 
@@ -33,8 +34,10 @@ public:
     /// `RowKind`.
     enum Role { NodeRole = Qt::UserRole, KindRole };
 
-    /// `model` shows `document`; both must outlive the dialog.
-    ReviewDialog(SettingsModel* model, const XsdtDocument* document, QWidget* parent = nullptr);
+    /// `model` shows `document`. `schema`, unless null, tells what editors show for a value. All
+    /// must outlive the dialog.
+    ReviewDialog(SettingsModel* model, const XsdtDocument* document, QWidget* parent = nullptr,
+                 const SettingsSchema* schema = nullptr);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -44,6 +47,7 @@ private slots:
     void populate();
     static void populateDeletion(QTreeWidgetItem* row);
     void updateDetail();
+    void updateRunning();
     void onRevert();
     void onModelReset();
 
@@ -59,6 +63,8 @@ private:
     void createLayout();
     void connectWidgets();
     void updateSummary(qsizetype removedValues);
+    void updateHidden();
+    QString readingOf(const XsdtNode& node, int kind) const;
     void updateDetailHeight();
     static bool passesFilter(const PendingNode& pending, const QString& filter);
     std::vector<PendingNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
@@ -67,16 +73,20 @@ private:
 
     SettingsModel* m_model = nullptr;
     const XsdtDocument* m_document = nullptr;
+    const SettingsSchema* m_schema = nullptr;
     quint64 m_generation = 0; ///< Of the model when the rows' nodes were alive.
     qsizetype m_editCount = 0;
     qsizetype m_deletionCount = 0;
 
+    QLabel* m_running = nullptr; ///< That PixInsight runs; hidden while it doesn't.
     QLabel* m_summary = nullptr;
     QLineEdit* m_filter = nullptr;
     QCheckBox* m_showEdits = nullptr;
     QCheckBox* m_showDeletions = nullptr;
     QTreeWidget* m_tree = nullptr;
     QPlainTextEdit* m_detail = nullptr;
+    QLabel* m_reading = nullptr; ///< What the text in `m_detail` doesn't show by itself.
+    QLabel* m_hidden = nullptr;  ///< How much the filters hide; hidden while they hide nothing.
     QPushButton* m_revert = nullptr;
     QPushButton* m_cancel = nullptr;
     QPushButton* m_save = nullptr;

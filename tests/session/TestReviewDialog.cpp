@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "schema/SettingsSchema.h"
 #include "session/ReviewDialog.h"
 #include "support/DialogAnswerer.h"
 #include "support/DocumentText.h"
@@ -33,7 +34,10 @@ struct Review
             document->root.findByPath(path)->markedForDeletion = true;
         }
         model.setDocument(document.get());
-        dialog = std::make_unique<ReviewDialog>(&model, document.get());
+        if (!schema.load({}, R"({"variables": {"C": {"choices": [[1, "one"], [2, "two"]]}}})")) {
+            qFatal("no schema");
+        }
+        dialog = std::make_unique<ReviewDialog>(&model, document.get(), nullptr, &schema);
         tree = child<QTreeWidget>(u"tree"_s);
         dialog->show();
     }
@@ -44,7 +48,8 @@ struct Review
         return dialog->findChild<Widget*>(name);
     }
     QPushButton* button(const QString& name) const { return child<QPushButton>(name); }
-    QString summary() const { return child<QLabel>(u"summary"_s)->text(); }
+    QString label(const QString& name) const { return child<QLabel>(name)->text(); }
+    QString summary() const { return label(u"summary"_s); }
     QString detail() const { return child<QPlainTextEdit>(u"detail"_s)->toPlainText(); }
 
     // A line a row, its texts between bars.
@@ -60,6 +65,7 @@ struct Review
     }
 
     std::unique_ptr<XsdtDocument> document;
+    SettingsSchema schema;
     SettingsModel model;
     std::unique_ptr<ReviewDialog> dialog;
     QTreeWidget* tree = nullptr;
@@ -80,6 +86,9 @@ class TestReviewDialog : public QObject
 
 private slots:
     void listsChangesByPath();
+    void tellsWhatTheTextDoesNotShow_data();
+    void tellsWhatTheTextDoesNotShow();
+    void tellsWhilePixInsightRuns();
     void filtersList_data();
     void filtersList();
     void showsFullText_data();
@@ -88,7 +97,7 @@ private slots:
     void revertsSelectedInOneRefresh();
     void goesOnAtTheTopmostRevertedRow();
     void endsWhenTreeIsReplaced();
-    void returnSavesButNotFromTheFilter();
+    void returnSavesFromTheListAlone();
 };
 
 void TestReviewDialog::listsChangesByPath()
@@ -105,6 +114,7 @@ void TestReviewDialog::listsChangesByPath()
                             "Edit|B/x|1|2\n"
                             "Edit|B/y|one\u23CEtwo|new\n"
                             "Edit|C<b>%1&|<i>|%2\n"_s);
+    QVERIFY(review.child<QLabel>(u"hidden"_s)->isHidden());
     QVERIFY(review.tree->topLevelItem(4)->toolTip(2).contains(u"&lt;i&gt;"_s));
     QCOMPARE(review.tree->topLevelItem(0)->child(1)->toolTip(2), u"%1"_s);
     QCOMPARE(review.tree->topLevelItem(1)->child(0)->toolTip(2), QString());
@@ -138,6 +148,49 @@ void TestReviewDialog::filtersList()
     QTEST(review.rows(), "shown");
     QVERIFY(review.button(u"save"_s)->isEnabled());
     QVERIFY(review.summary().startsWith(u"3 edit(s) and 2 deletion(s)"_s));
+    const int hidden = review.rows().startsWith(u'|') ? 5 : 4;
+    QCOMPARE(review.label(u"hidden"_s),
+             u"The filters hide %1 change(s). Save writes them too."_s.arg(hidden));
+    QVERIFY(review.child<QLabel>(u"hidden"_s)->isVisible());
+}
+
+void TestReviewDialog::tellsWhatTheTextDoesNotShow_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("choice") << u"C"_s << u"2"_s << u"Shown as one before and two after."_s;
+    QTest::newRow("no such choice")
+        << u"C"_s << u"7"_s << u"Shown as one before and Other (7) after."_s;
+    QTest::newRow("colour") << u"BackColor"_s << u"255"_s
+                            << u"Shown as #FF00000A before and #000000FF after."_s;
+    QTest::newRow("plain") << u"text"_s << u"new"_s << u"Before ends in 2 blank(s)."_s;
+    QTest::newRow("ends")
+        << u"text"_s << u"a \t\n\n"_s
+        << u"Before ends in 2 blank(s). After ends in 2 blank(s), 2 line end(s)."_s;
+}
+
+void TestReviewDialog::tellsWhatTheTextDoesNotShow()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, after);
+    const Review review(R"(<v k="C" t="i" v="1"/><v k="BackColor" t="u" v="4278190090"/>)"
+                        R"(<v k="text" t="s">old  </v><v k="gone" t="s"> </v>)",
+                        {path + u'=' + after}, {u"gone"_s});
+    review.tree->setCurrentItem(review.tree->topLevelItem(1));
+    QTEST(review.label(u"reading"_s), "said");
+    QVERIFY(review.detail().endsWith(u"After:  "_s + after));
+    review.tree->setCurrentItem(review.tree->topLevelItem(0));
+    QCOMPARE(review.label(u"reading"_s), QString());
+}
+
+void TestReviewDialog::tellsWhilePixInsightRuns()
+{
+    Review review(sample, edits, deletions);
+    for (const bool runs : {false, true, false}) {
+        review.model.setReadOnly(runs);
+        QCOMPARE(review.child<QLabel>(u"running"_s)->isVisible(), runs);
+    }
 }
 
 void TestReviewDialog::showsFullText_data()
@@ -240,13 +293,16 @@ void TestReviewDialog::endsWhenTreeIsReplaced()
     QCOMPARE(review.dialog->exec(), int(QDialog::Rejected));
 }
 
-void TestReviewDialog::returnSavesButNotFromTheFilter()
+void TestReviewDialog::returnSavesFromTheListAlone()
 {
     const Review review(sample, edits, deletions);
-    auto* filter = review.child<QLineEdit>(u"filter"_s);
-    filter->setFocus();
-    QTest::keyClick(filter, Qt::Key_Return);
-    QVERIFY(review.dialog->isVisible());
+    for (const char* name : {"showEdits", "showDeletions", "detail", "filter"}) {
+        auto* widget = review.child<QWidget>(QLatin1String(name));
+        widget->setFocus();
+        QTest::keyClick(widget, Qt::Key_Return);
+        QVERIFY2(review.dialog->isVisible(), name);
+    }
+    QCOMPARE(review.dialog->focusWidget(), review.tree);
     QTest::keyClick(review.tree, Qt::Key_Return);
     QCOMPARE(review.dialog->result(), int(QDialog::Accepted));
 }
