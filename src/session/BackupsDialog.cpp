@@ -4,8 +4,11 @@
 #include "session/PixInsightEnv.h"
 #include "views/PlainText.h"
 #include "views/WheelGuard.h"
+#include "views/WrappedLabel.h"
 
 #include <QDateTime>
+#include <QDesktopServices>
+#include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -14,6 +17,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace kse {
@@ -29,6 +33,11 @@ int storedKeep()
     bool isNumber = false;
     const int keep = QSettings().value(keepKey, defaultKeep).toInt(&isNumber);
     return isNumber ? keep : defaultKeep;
+}
+
+QString folderOf(const QString& path)
+{
+    return QFileInfo(path).absolutePath();
 }
 
 QString formatSize(qint64 bytes)
@@ -72,6 +81,12 @@ void BackupsDialog::createWidgets()
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setAlternatingRowColors(true);
     m_list->setMinimumHeight(220);
+    const QString folder = QDir::toNativeSeparators(folderOf(m_settingsPath));
+    m_folder = new WrappedLabel(tr("Folder: %1").arg(folder), Qt::PlainText, this);
+    m_folder->setObjectName(QStringLiteral("folder"));
+    m_folder->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_openFolder = new QPushButton(tr("Open folder"), this);
+    m_openFolder->setObjectName(QStringLiteral("openFolder"));
     m_keep = new QSpinBox(this);
     m_keep->setObjectName(QStringLiteral("keep"));
     m_keep->setRange(0, 999);
@@ -90,6 +105,9 @@ void BackupsDialog::createWidgets()
 
 void BackupsDialog::createLayout()
 {
+    auto* folder = new QHBoxLayout;
+    folder->addWidget(m_folder, 1);
+    folder->addWidget(m_openFolder);
     auto* keepLabel = new QLabel(tr("Keep the newest"), this);
     keepLabel->setBuddy(m_keep);
     auto* older = new QHBoxLayout;
@@ -107,6 +125,7 @@ void BackupsDialog::createLayout()
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_header);
     layout->addWidget(m_list, 1);
+    layout->addLayout(folder);
     layout->addLayout(older);
     layout->addLayout(buttons);
 }
@@ -115,6 +134,7 @@ void BackupsDialog::connectWidgets()
 {
     connect(m_list, &QListWidget::itemSelectionChanged, this,
             &BackupsDialog::updateSelectionButton);
+    connect(m_openFolder, &QPushButton::clicked, this, &BackupsDialog::onOpenFolder);
     connect(m_keep, &QSpinBox::valueChanged, this, &BackupsDialog::onKeepChanged);
     connect(m_deleteOlder, &QPushButton::clicked, this, &BackupsDialog::onDeleteOlder);
     connect(m_deleteSelected, &QPushButton::clicked, this, &BackupsDialog::onDeleteSelected);
@@ -174,6 +194,15 @@ void BackupsDialog::updateSelectionButton()
     m_deleteSelected->setText(selected > 0 ? tr("Delete selected (%1)").arg(selected)
                                            : tr("Delete selected"));
     m_deleteSelected->setEnabled(selected > 0);
+}
+
+void BackupsDialog::onOpenFolder()
+{
+    const QString folder = folderOf(m_settingsPath);
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+        showMessage(this, QMessageBox::Warning, windowTitle(),
+                    tr("Cannot open the folder %1.").arg(QDir::toNativeSeparators(folder)));
+    }
 }
 
 void BackupsDialog::onKeepChanged(int keep)

@@ -29,6 +29,7 @@ protected:
 private slots:
     void refresh();
     void updateSelectionButton();
+    void onOpenFolder();
     void onKeepChanged(int keep);
     void onDeleteSelected();
     void onDeleteOlder();
@@ -46,6 +47,8 @@ private:
 
     QLabel* m_header = nullptr;
     QListWidget* m_list = nullptr; ///< The path of each backup is in its item's `Qt::UserRole`.
+    QLabel* m_folder = nullptr;
+    QPushButton* m_openFolder = nullptr;
     QSpinBox* m_keep = nullptr;
     QPushButton* m_deleteOlder = nullptr;
     QPushButton* m_deleteSelected = nullptr;

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QDesktopServices>
 #include <QDir>
 #include <QLabel>
 #include <QListWidget>
@@ -15,6 +16,7 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 using namespace kse;
@@ -75,13 +77,20 @@ class TestBackupsDialog : public QObject
 {
     Q_OBJECT
 
+public slots:
+    void open(const QUrl& url) { m_opened = url; }
+
 private slots:
     void listsNewestFirst();
+    void opensTheFolder();
     void storesNumberToKeepAtOnce();
     void removesAfterConsent_data();
     void removesAfterConsent();
     void tellsWhatCouldNotBeRemoved_data();
     void tellsWhatCouldNotBeRemoved();
+
+private:
+    QUrl m_opened;
 };
 
 void TestBackupsDialog::listsNewestFirst()
@@ -102,6 +111,18 @@ void TestBackupsDialog::listsNewestFirst()
     backups.list->selectAll();
     QCOMPARE(selected->text(), u"Delete selected (4)"_s);
     QVERIFY(selected->isEnabled());
+}
+
+void TestBackupsDialog::opensTheFolder()
+{
+    const Backups backups;
+    const QString folder = backups.folder.path();
+    QCOMPARE(backups.dialog->findChild<QLabel*>(u"folder"_s)->text(),
+             u"Folder: "_s + QDir::toNativeSeparators(folder));
+    QDesktopServices::setUrlHandler(u"file"_s, this, "open");
+    backups.button(u"openFolder"_s)->click();
+    QDesktopServices::unsetUrlHandler(u"file"_s);
+    QCOMPARE(m_opened, QUrl::fromLocalFile(folder));
 }
 
 void TestBackupsDialog::storesNumberToKeepAtOnce()
