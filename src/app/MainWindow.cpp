@@ -133,6 +133,7 @@ void MainWindow::buildUi()
     m_openEditor = new OpenEditor(this);
 
     createPages();
+    createKeys();
     connectPages();
 
     auto* central = new QWidget;

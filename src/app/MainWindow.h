@@ -102,6 +102,7 @@ private:
     QLayout* createBannerRow();
     QWidget* createAdvancedPage();
     void createPages();
+    void createKeys();
     void connectPages();
     void connectTheme();
 
@@ -145,6 +146,7 @@ private:
     void applyChangedOnly(bool changedOnly);
     void refreshBanner();
     void refreshActions(qsizetype pending);
+    void turnPage(int step);
     void revealNode(XsdtNode* node);
     void searchEverywhere(const QString& text);
     void deleteNode(XsdtNode* node);

@@ -15,7 +15,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTime>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLayout>
@@ -25,7 +24,6 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
-#include <QUrl>
 
 #include <algorithm>
 #include <cmath>
@@ -135,11 +133,7 @@ void MainWindow::createMenus()
     m_toolbar->toggleViewAction()->setText(tr("&Toolbar"));
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(tr("&User Guide"), this, [] {
-        if (const QString path = exportUserGuide(); !path.isEmpty()) {
-            QDesktopServices::openUrl(QUrl::fromLocalFile(path));
-        }
-    });
+    help->addAction(tr("&User Guide"), this, &showUserGuide);
     help->addSeparator();
     help->addAction(m_actAbout);
     help->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)

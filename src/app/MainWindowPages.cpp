@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 
+#include "app/OpenEditor.h"
+#include "app/UserGuide.h"
 #include "schema/ModuleCatalog.h"
 #include "views/CleanupView.h"
 #include "views/CompareView.h"
@@ -13,6 +15,7 @@
 #include "views/SettingsModel.h"
 #include "views/UnusedModulesView.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QShortcut>
@@ -46,12 +49,42 @@ void MainWindow::createPages()
     add(m_healthView, u"healthView"_s, tr("Health check"));
     add(m_compareView, u"compareView"_s, tr("Compare"));
     add(m_advancedPage, u"advancedPage"_s, tr("All settings (advanced)"));
+}
 
+void MainWindow::createKeys()
+{
     auto* findKey = new QShortcut(QKeySequence(QKeySequence::Find), this);
     connect(findKey, &QShortcut::activated, this, [this] {
         m_tabs->setCurrentWidget(m_searchView);
         m_searchView->focusQuery();
     });
+    // Actions of the window and of no menu. The tabs themselves turn the page only while the focus
+    // is in them, and not in one of their list boxes.
+    const auto add = [this](const QString& text, const QList<QKeySequence>& keys) {
+        auto* action = new QAction(text, this);
+        action->setShortcuts(keys);
+        addAction(action);
+        return action;
+    };
+    auto previousKeys = QKeySequence::keyBindings(QKeySequence::PreviousChild);
+    previousKeys.append(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab); // as Backtab it isn't found under X11
+    connect(add(tr("Next page"), QKeySequence::keyBindings(QKeySequence::NextChild)),
+            &QAction::triggered, this, [this] { turnPage(1); });
+    connect(add(tr("Previous page"), previousKeys), &QAction::triggered, this,
+            [this] { turnPage(m_tabs->count() - 1); });
+    connect(add(tr("User Guide"), QKeySequence::keyBindings(QKeySequence::HelpContents)),
+            &QAction::triggered, this, &showUserGuide);
+}
+
+void MainWindow::turnPage(int step)
+{
+    if (!m_openEditor->commit()) {
+        return;
+    }
+    if (!m_tabs->isAncestorOf(focusWidget())) {
+        m_tabs->setFocus(Qt::ShortcutFocusReason);
+    }
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + step) % m_tabs->count());
 }
 
 void MainWindow::connectPages()

@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,8 +15,14 @@
 #include <QMessageBox>
 #include <QNetworkReply>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTabWidget>
 #include <QTreeWidget>
+#include <QUrl>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -32,6 +39,9 @@ const QString stringPath = u"Global/Preferences/ProcessIcon/Prefix"_s;
 class TestMainWindow : public WindowFixture
 {
     Q_OBJECT
+
+public slots:
+    void open(const QUrl& url) { m_opened = url.toLocalFile(); }
 
 private slots:
     void initTestCase() { prepareProgram(); }
@@ -248,6 +258,53 @@ private slots:
         QVERIFY(m_window->openFile(m_file));
     }
 
+    void turnsPagesFromAnywhere()
+    {
+        auto* tabs = find<QTabWidget>("tabs");
+        find<QWidget>("fileBox")->setFocus();
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(tabs->currentIndex(), 0);
+        tabs->setCurrentWidget(find<QWidget>("advancedPage"));
+        QWidget* editor = type(stringPath, u"typed"_s);
+        QTest::keyClick(editor, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(tabs->currentWidget(), find<QWidget>("compareView"));
+        QCOMPARE(node(stringPath)->value, u"typed"_s);
+    }
+
+#ifdef Q_OS_UNIX
+    void writesTheGuideWhereNobodyElsesNameIs()
+    {
+        const QTemporaryDir folder;
+        const QByteArray before = qgetenv("TMPDIR");
+        qputenv("TMPDIR", folder.path().toLocal8Bit());
+        const auto restore = qScopeGuard([&] {
+            before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
+            QDesktopServices::unsetUrlHandler(u"file"_s);
+        });
+        QDesktopServices::setUrlHandler(u"file"_s, this, "open");
+        const QString name = folder.filePath(u"KestraneSettingsEditor-Help.html"_s);
+        const QString target = folder.filePath(u"target"_s);
+        write(target, "mine");
+        QVERIFY(QFile::link(target, name));
+        QTest::keyClick(tree(), Qt::Key_F1);
+        QCOMPARE(m_opened, name);
+        QVERIFY(contentOf(name).startsWith("<!DOCTYPE html>"));
+        QCOMPARE(contentOf(target), "mine");
+
+        // A folder can't be written over; given away, it stands for what another account made.
+        QVERIFY(QFile::remove(name) && QDir().mkdir(name));
+        m_opened.clear();
+        QTest::keyClick(tree(), Qt::Key_F1);
+        QCOMPARE(m_opened, QString());
+        if (::chown(qPrintable(name), 1, 1) != 0) {
+            QSKIP("Only root can give a folder away");
+        }
+        QTest::keyClick(tree(), Qt::Key_F1);
+        QVERIFY(m_opened.startsWith(qEnvironmentVariable("XDG_CACHE_HOME")));
+        QCOMPARE(contentOf(m_opened), contentOf(u":/help/help.html"_s));
+    }
+#endif
+
     void filtersAndKeepsItsPlace()
     {
         auto* filter = find<QLineEdit>("treeFilter");
@@ -311,6 +368,9 @@ private slots:
         QVERIFY(status().startsWith("Saved."_L1));
         QVERIFY(contentOf(deep).endsWith("<i k=\"top\"><v k=\"v\" t=\"i\" v=\"2\"/></i></xsdt>"));
     }
+
+private:
+    QString m_opened;
 };
 
 KSE_TEST_MAIN(TestMainWindow)
