@@ -2,7 +2,9 @@
 #include "app/ThemeStyle.h"
 
 #include <QApplication>
+#include <QFocusFrame>
 #include <QPainter>
+#include <QStyleHintReturnMask>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -15,6 +17,71 @@ namespace {
 
 // More than Fusion's, so that a column of numbers at the right doesn't touch the next one's text.
 constexpr int cellMargin = 3;
+constexpr int paneMargin = 6;   // between a tab's frame and what its page shows
+constexpr int rowMargin = 2;    // above and below the text of a row in a list
+constexpr int textMargin = 2;   // beside the text of a line edit
+constexpr int accentHeight = 2; // of the line on the tab in front
+constexpr int ringWidth = 1;    // of the frame around what has the keyboard
+
+/// The outline of tabs and their pane. Fusion's is darker than the window, which on a dark one is
+/// no outline at all.
+QColor outlineOf(const QStyleOption& option)
+{
+    QColor colour = option.palette.color(QPalette::WindowText);
+    colour.setAlpha(70);
+    return colour;
+}
+
+/// As Qt and Fusion make it.
+int lineEditHeight(const QFontMetrics& metrics)
+{
+    return std::max(metrics.height(), 14) + 8;
+}
+
+/// Outlines a box to tick, which Fusion leaves without one on a dark ground.
+void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* painter)
+{
+    QColor outline = option.palette.color(QPalette::Text);
+    outline.setAlpha(128);
+    painter->save();
+    painter->setPen(outline);
+    painter->setBrush(Qt::NoBrush);
+    const QRect frame = option.rect.adjusted(0, 0, -1, -1);
+    if (isRound) {
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->drawEllipse(QRectF(frame).adjusted(0.5, 0.5, -0.5, -0.5));
+    } else {
+        painter->drawRect(frame);
+    }
+    painter->restore();
+}
+
+/// A tab above its pane: the one in front is open towards it, the others end on its outline.
+void drawTab(const QStyleOptionTab& tab, int paneOverlap, QPainter* painter)
+{
+    const bool isInFront = tab.state & QStyle::State_Selected;
+    const bool isHovered = tab.state & QStyle::State_MouseOver && tab.state & QStyle::State_Enabled;
+    const auto leftmost =
+        tab.direction == Qt::RightToLeft ? QStyleOptionTab::End : QStyleOptionTab::Beginning;
+    const bool isLeftmost = tab.position == leftmost || tab.position == QStyleOptionTab::OnlyOneTab;
+    // Neighbours share a line.
+    const QRect rect = tab.rect.adjusted(isLeftmost ? 0 : -1, isInFront ? 0 : accentHeight, 0,
+                                         isInFront ? 0 : -paneOverlap);
+    const QColor window = tab.palette.color(QPalette::Window);
+    painter->fillRect(rect, isInFront   ? window
+                            : isHovered ? tab.palette.color(QPalette::Midlight)
+                                        : window.darker(108));
+    painter->save();
+    painter->setPen(outlineOf(tab));
+    painter->drawLine(rect.topLeft(), rect.bottomLeft());
+    painter->drawLine(rect.topRight(), rect.bottomRight());
+    painter->drawLine(rect.left() + 1, rect.top(), rect.right() - 1, rect.top());
+    painter->restore();
+    if (isInFront) {
+        painter->fillRect(rect.left(), rect.top(), rect.width(), accentHeight,
+                          tab.palette.color(QPalette::Highlight));
+    }
+}
 
 } // namespace
 
@@ -26,30 +93,37 @@ ThemeStyle::ThemeStyle()
 void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const
 {
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (element != PE_IndicatorCheckBox && element != PE_IndicatorRadioButton) {
+    if (element == PE_FrameTabWidget) { // on the window's own colour, as what it holds
+        painter->save();
+        painter->setPen(outlineOf(*option));
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->restore();
         return;
     }
-    // Fusion's own outline is darker than the window, which on a dark one is no outline at all.
-    QColor outline = option->palette.color(QPalette::Text);
-    outline.setAlpha(128);
-    painter->save();
-    painter->setPen(outline);
-    painter->setBrush(Qt::NoBrush);
-    const QRect frame = option->rect.adjusted(0, 0, -1, -1);
-    if (element == PE_IndicatorCheckBox) {
-        painter->drawRect(frame);
-    } else {
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->drawEllipse(QRectF(frame).adjusted(0.5, 0.5, -0.5, -0.5));
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton) {
+        drawIndicatorOutline(element == PE_IndicatorRadioButton, *option, painter);
     }
-    painter->restore();
+}
+
+void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const
+{
+    const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
+    if (element == CE_FocusFrame) { // its mask leaves a ring
+        painter->fillRect(option->rect, option->palette.color(QPalette::Highlight));
+    } else if (element == CE_TabBarTabShape && tab && tab->shape == QTabBar::RoundedNorth) {
+        drawTab(*tab, proxy()->pixelMetric(PM_TabBarBaseOverlap, option, widget), painter);
+    } else {
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
 }
 
 int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
                             const QWidget* widget) const
 {
     const int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+    const bool isFocusFrame = option && qobject_cast<QFocusFrame*>(option->styleObject);
     switch (metric) {
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
@@ -57,11 +131,69 @@ int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_ExclusiveIndicatorHeight:
         return std::max(pixels, QFontMetrics(QApplication::font()).ascent());
     case PM_FocusFrameHMargin: // beside the text of every cell
-    case PM_HeaderMargin:
-        return pixels + cellMargin;
+        return isFocusFrame ? 0 : pixels + cellMargin;
+    case PM_FocusFrameVMargin:
+        return isFocusFrame ? 0 : pixels;
+    case PM_HeaderMargin: // one more than a cell's, which has a pixel of its own
+        return pixels + cellMargin + 1;
     default:
         return pixels;
     }
+}
+
+QSize ThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
+                                   const QSize& contents, const QWidget* widget) const
+{
+    QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    switch (type) {
+    case CT_TabWidget:
+        return size + QSize(2 * paneMargin, 2 * paneMargin);
+    case CT_ItemViewItem:
+        return size + QSize(0, 2 * rowMargin);
+    case CT_PushButton:
+        size.setWidth(std::max(size.width(), contents.width() + option->fontMetrics.height() +
+                                                 proxy()->pixelMetric(PM_ButtonMargin, option)));
+        [[fallthrough]];
+    case CT_CheckBox:
+    case CT_ToolButton: // stand on one line with a line edit beside them
+        return size.expandedTo({0, lineEditHeight(option->fontMetrics)});
+    default:
+        return size;
+    }
+}
+
+int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* returnData) const
+{
+    const int value = QProxyStyle::styleHint(hint, option, widget, returnData);
+    switch (hint) {
+    case SH_DialogButtonBox_ButtonsHaveIcons: // of the desktops, one alone has a setting for it
+        return qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("KDE"_L1) ? value : 0;
+    case SH_FocusFrame_AboveWidget:
+        return 1;
+    case SH_FocusFrame_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData)) {
+            mask->region = option->rect;
+            mask->region -= option->rect.adjusted(ringWidth, ringWidth, -ringWidth, -ringWidth);
+        }
+        return 1;
+    default:
+        return value;
+    }
+}
+
+QRect ThemeStyle::subElementRect(SubElement element, const QStyleOption* option,
+                                 const QWidget* widget) const
+{
+    const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == SE_TabWidgetTabContents) {
+        return rect.adjusted(paneMargin, paneMargin, -paneMargin, -paneMargin);
+    }
+    if (element == SE_LineEditContents && frame && frame->lineWidth > 0) { // as in a spin box
+        return rect.adjusted(textMargin, 0, -textMargin, 0);
+    }
+    return rect;
 }
 
 } // namespace kse

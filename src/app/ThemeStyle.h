@@ -5,8 +5,10 @@
 
 namespace kse {
 
-/// The "Fusion" style with boxes to tick that are as large as the text beside them, and whose
-/// outline can be seen on a dark ground too, and with a little more room beside the text of cells.
+/// The "Fusion" style with a little more calm: pages stand off the frame of their tab, on the
+/// window's own colour; boxes to tick are as large as the text beside them and can be seen on a
+/// dark ground too; buttons and cells have room beside their text; what stands beside a line edit
+/// is as high as it is.
 class ThemeStyle : public QProxyStyle
 {
 public:
@@ -14,8 +16,17 @@ public:
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget = nullptr) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget = nullptr) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option = nullptr,
                     const QWidget* widget = nullptr) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget = nullptr) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option = nullptr,
+                  const QWidget* widget = nullptr,
+                  QStyleHintReturn* returnData = nullptr) const override;
+    QRect subElementRect(SubElement element, const QStyleOption* option,
+                         const QWidget* widget = nullptr) const override;
 };
 
 } // namespace kse

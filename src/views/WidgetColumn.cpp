@@ -4,6 +4,7 @@
 #include "views/TabOrder.h"
 
 #include <QApplication>
+#include <QFocusEvent>
 #include <QFocusFrame>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -71,13 +72,22 @@ void WidgetColumn::setMoreText(const QString& text)
 void WidgetColumn::focusInEvent(QFocusEvent* event)
 {
     QScrollArea::focusInEvent(event);
-    m_focusFrame->setWidget(this); // without a frame of its own, nothing else tells
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
+        m_focusFrame->setWidget(this); // without a frame of its own, nothing else tells
+    }
 }
 
 void WidgetColumn::focusOutEvent(QFocusEvent* event)
 {
     QScrollArea::focusOutEvent(event);
-    m_focusFrame->setWidget(nullptr);
+    switch (event->reason()) {
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+    case Qt::MenuBarFocusReason:
+        break; // comes back by itself
+    default:
+        m_focusFrame->setWidget(nullptr);
+    }
 }
 
 } // namespace kse

@@ -2,6 +2,7 @@
 #include "app/ThemeManager.h"
 #include "app/ToolbarIcons.h"
 #include "support/TestMain.h"
+#include "views/WidgetColumn.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -19,6 +20,9 @@ private slots:
     void overridesForThisRunOnly_data();
     void overridesForThisRunOnly();
     void stepsOnTheGridAndStoresBoth();
+    void leavesRoom_data();
+    void leavesRoom();
+    void ringsListsReachedByTab();
 
 private:
     ThemeManager& m_theme = ThemeManager::instance();
@@ -106,6 +110,79 @@ void TestThemeManager::stepsOnTheGridAndStoresBoth()
     QCOMPARE(changed.count(), 1);
     m_theme.toggle();
     QCOMPARE(QSettings().value(u"Appearance/Theme"_s).toInt(), 1);
+}
+
+void TestThemeManager::leavesRoom_data()
+{
+    QTest::addColumn<double>("scale");
+    for (const double scale : {0.8, 1.25, 2.2}) {
+        QTest::addRow("%g", scale) << scale;
+    }
+}
+
+void TestThemeManager::leavesRoom()
+{
+    QFETCH(double, scale);
+    m_theme.setMode(ThemeMode::Dark, false);
+    m_theme.setFontScale(scale, false);
+    QTabWidget tabs;
+    auto* tree = new QTreeWidget;
+    tree->setHeaderLabels({u"H"_s, u"H"_s, QString()});
+    new QTreeWidgetItem(tree, {u"H"_s, u"H"_s});
+    tabs.addTab(tree, u"Page"_s);
+    tabs.resize(tabs.minimumSizeHint().expandedTo({500, 300}));
+    tabs.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&tabs));
+    const QPoint corner = tree->mapTo(&tabs, QPoint());
+    QVERIFY(corner.x() >= 6 && corner.y() >= tabs.tabBar()->geometry().bottom() + 4);
+    QCOMPARE(tabs.grab().toImage().pixelColor(corner - QPoint(3, 3)), QColor(45, 45, 48));
+
+    // Where the stem of the letter begins, in the header and in the cell beneath.
+    const auto textStart = [](QWidget* widget, const QRect& cell) {
+        const QImage image = widget->grab(cell.adjusted(3, 0, -3, 0)).toImage();
+        const auto lightnessAt = [&](int x) {
+            return image.pixelColor(x, image.height() / 2 - 2).lightness();
+        };
+        int x = 0;
+        while (x < image.width() && lightnessAt(x) <= (lightnessAt(0) + 228) / 2) {
+            ++x;
+        }
+        return x;
+    };
+    const QRect cell = tree->visualItemRect(tree->topLevelItem(0));
+    const QRect column(tree->columnViewportPosition(1), 0, tree->columnWidth(1), cell.height());
+    const QRect section(column.topLeft(), QSize(column.width(), tree->header()->height()));
+    QCOMPARE(textStart(tree->header()->viewport(), section),
+             textStart(tree->viewport(), column.translated(0, cell.y())));
+
+    const QPushButton button(u"Use the other file's value"_s);
+    const QFontMetrics text = button.fontMetrics();
+    QVERIFY(button.sizeHint().width() > text.horizontalAdvance(button.text()) + text.height());
+    QCOMPARE(QCheckBox().sizeHint().height(), QLineEdit().sizeHint().height());
+}
+
+void TestThemeManager::ringsListsReachedByTab()
+{
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* edit = new QLineEdit;
+    auto* column = new WidgetColumn(0);
+    layout->addWidget(edit);
+    layout->addWidget(column);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const auto* ring = window.findChild<QFocusFrame*>();
+    column->setFocus();
+    QVERIFY(!ring->widget());
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_Tab);
+    QVERIFY(column->hasFocus() && ring->isVisible());
+    QCOMPARE(ring->geometry(), column->geometry());
+    QVERIFY(!ring->mask().contains(ring->rect().center()));
+    QCOMPARE(window.grab().toImage().pixelColor(column->pos()),
+             QApplication::palette().color(QPalette::Highlight));
+    edit->setFocus();
+    QVERIFY(!ring->widget());
 }
 
 KSE_TEST_MAIN(TestThemeManager)
