@@ -102,7 +102,7 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
     createRevertButton();
     layOut();
     setAccessibleName(abbreviated(m_info.label, labelLimit));
-    setToolTip(asToolTip(abbreviated(node->path(), labelLimit) +
+    setToolTip(asToolTip(withoutMiddle(node->path(), labelLimit) +
                          (info.documented ? QString() : tr("\n(not documented by PixInsight)"))));
     updateFonts();
     updateColors();
@@ -113,6 +113,7 @@ void SettingRow::createLabels()
 {
     const QString name = asCaption(abbreviated(m_info.label, labelLimit)); // it has a buddy
     m_nameLabel = createLabel(name, u"nameLabel"_s, this);
+    m_nameLabel->setAlignment(Qt::AlignLeading | Qt::AlignTop);
     m_pathLabel = createLabel({}, u"pathLabel"_s, this);
     m_pathLabel->hide();
     m_descriptionLabel = createLabel(m_info.description, u"descriptionLabel"_s, this);
@@ -255,15 +256,15 @@ void SettingRow::createRevertButton()
 
 void SettingRow::layOut()
 {
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(2);
-    texts->addWidget(m_nameLabel);
-    texts->addWidget(m_pathLabel);
-    texts->addWidget(m_descriptionLabel);
+    m_texts = new QVBoxLayout;
+    m_texts->setSpacing(2);
+    m_texts->addWidget(m_nameLabel);
+    m_texts->addWidget(m_pathLabel);
+    m_texts->addWidget(m_descriptionLabel);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(10, 6, 10, 6);
     layout->setSpacing(12);
-    layout->addLayout(texts, 3);
+    layout->addLayout(m_texts, 3);
     layout->addWidget(m_editorHost, 2, Qt::AlignTop);
     layout->addWidget(m_revertButton, 0, Qt::AlignTop);
 }
@@ -278,7 +279,7 @@ void SettingRow::setShowPath(bool showPath)
 {
     QStringList groups = m_node->path().split(u'/');
     groups.removeLast();
-    m_pathLabel->setText(abbreviated(groups.join(u" \u203A "_s), labelLimit));
+    m_pathLabel->setText(withoutMiddle(groups.join(u" \u203A "_s), labelLimit));
     m_pathLabel->setVisible(showPath && !m_pathLabel->text().isEmpty());
     refreshDescription(m_node->isModified());
 }
@@ -516,6 +517,9 @@ void SettingRow::updateFonts()
     secondary.setPointSizeF(0.9 * QApplication::font().pointSizeF());
     m_pathLabel->setFont(secondary);
     m_descriptionLabel->setFont(secondary);
+    // The name's first line stands on that of the editor.
+    const int spare = m_editorHost->sizeHint().height() - QFontMetrics(name).height();
+    m_texts->setContentsMargins(0, qMax(0, spare / 2), 0, 0);
 }
 
 void SettingRow::updateColors()

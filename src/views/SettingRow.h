@@ -12,6 +12,7 @@ class QLabel;
 class QLineEdit;
 class QSpinBox;
 class QToolButton;
+class QVBoxLayout;
 
 namespace kse {
 
@@ -96,6 +97,7 @@ private:
     bool m_rowReadOnly = false;
     bool m_protectedType = false; ///< The node's type can't be edited.
 
+    QVBoxLayout* m_texts = nullptr;
     QLabel* m_nameLabel = nullptr;
     QLabel* m_pathLabel = nullptr;
     QLabel* m_descriptionLabel = nullptr;

@@ -284,7 +284,12 @@ void TestSettingRow::followsThemeAndTextSize()
     QCoreApplication::processEvents(); // both go round as events
     auto* path = part<QLabel>("pathLabel");
     auto* description = part<QLabel>("descriptionLabel");
-    QCOMPARE(part<QLabel>("nameLabel")->font().pointSizeF(), 20.0);
+    auto* name = part<QLabel>("nameLabel");
+    QCOMPARE(name->font().pointSizeF(), 20.0);
+    auto* edit = part<QLineEdit>("lineEdit");
+    QTRY_COMPARE(edit->height(), edit->sizeHint().height());
+    const int nameLine = name->mapTo(m_row, QPoint()).y() + name->fontMetrics().height() / 2;
+    QVERIFY(qAbs(nameLine - edit->mapTo(m_row, edit->rect().center()).y()) <= 1);
     QCOMPARE(path->font().pointSizeF(), 18.0);
     QCOMPARE(path->palette().color(QPalette::Disabled, QPalette::WindowText),
              QColor(121, 120, 120));
