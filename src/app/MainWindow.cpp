@@ -222,6 +222,7 @@ QWidget* MainWindow::createAdvancedPage()
     m_tree->setModel(m_proxy);
     m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, new ValueDelegate(m_tree));
     m_tree->setUniformRowHeights(true);
+    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     m_tree->setAlternatingRowColors(true);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |

@@ -32,7 +32,7 @@ void MainWindow::deleteNode(XsdtNode* node)
     if (node->markedForDeletion) {
         return;
     }
-    const QString path = abbreviated(node->path(), 500); // what follows it must stay in sight
+    const QString path = withoutMiddle(node->path(), 500); // what follows it must stay in sight
     const int values = int(node->valueCount());
     const DeleteDecision decision = m_model->deletionDecision(node);
     if (decision.level == DeleteLevel::Never) {

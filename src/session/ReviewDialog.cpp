@@ -51,7 +51,7 @@ int kindOf(const QTreeWidgetItem* row)
 // A path in one line, short enough to be laid out at every repaint.
 QString rowPath(const QString& path)
 {
-    return abbreviated(path, pathLimit).replace(u'\n', QChar(0x23CE));
+    return withoutMiddle(path, pathLimit).replace(u'\n', QChar(0x23CE));
 }
 
 QString rowValue(const XsdtNode& node, const QString& text)
@@ -104,6 +104,7 @@ QTreeWidgetItem* makeRow(const QStringList& texts, ReviewDialog::RowKind kind, X
     auto* row = new QTreeWidgetItem(texts);
     row->setData(ChangeColumn, ReviewDialog::KindRole, kind);
     row->setData(ChangeColumn, ReviewDialog::NodeRole, QVariant::fromValue(node));
+    row->setToolTip(SettingColumn, asToolTip(texts.at(SettingColumn))); // the column may cut it
     return row;
 }
 
@@ -192,6 +193,7 @@ void ReviewDialog::createTree()
     m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
+    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     m_tree->setRootIsDecorated(true);
     setTabOrder(m_showDeletions, m_tree);
     QHeaderView* header = m_tree->header();

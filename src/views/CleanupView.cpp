@@ -120,7 +120,7 @@ class CleanupView::Entry : public QTreeWidgetItem
 {
 public:
     explicit Entry(const QString& name)
-        : QTreeWidgetItem({abbreviated(name, nameLimit)})
+        : QTreeWidgetItem({withoutMiddle(name, nameLimit)})
     {
         setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         setCheckState(EntryColumn, Qt::Unchecked);
@@ -173,6 +173,7 @@ void CleanupView::createWidgets()
     m_tree->setRootIsDecorated(true);
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
+    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -250,7 +251,7 @@ void CleanupView::addWholeGroup(const CleanupGroup& group)
         }
         const qsizetype values = node->valueCount();
         const qint64 size = node->serializedSize();
-        auto* detail = new QTreeWidgetItem(entry.get(), {abbreviated(node->path(), nameLimit)});
+        auto* detail = new QTreeWidgetItem(entry.get(), {withoutMiddle(node->path(), nameLimit)});
         detail->setFlags(Qt::ItemIsEnabled);
         setNumbers(*detail, values, size);
         entry->addNode(node, values, size);

@@ -78,7 +78,7 @@ QString CompareRow::shownText(int column) const
 {
     switch (column) {
     case SettingColumn:
-        return abbreviated(groupedPath(m_entry.path).name, nameLimit);
+        return withoutMiddle(groupedPath(m_entry.path).name, nameLimit);
     case ThisColumn:
         return shownValue(m_entry.thisNode);
     case OtherColumn:
@@ -90,7 +90,7 @@ QString CompareRow::shownText(int column) const
 
 QString CompareRow::toolTipText() const
 {
-    QString text = abbreviated(m_entry.path, nameLimit);
+    QString text = withoutMiddle(m_entry.path, nameLimit);
     if (m_entry.thisNode) {
         text += CompareView::tr("\nThis file: %1")
                     .arg(firstCharacters(m_entry.thisNode->value, toolTipValueLimit));

@@ -63,7 +63,7 @@ bool holdsText(const CompareEntry& entry, const QString& text)
 /// A row that isn't an entry, known by -1 where these have their number.
 QTreeWidgetItem* makeTopLevelRow(const QString& text)
 {
-    auto* row = new QTreeWidgetItem({abbreviated(text, nameLimit)});
+    auto* row = new QTreeWidgetItem({withoutMiddle(text, nameLimit)});
     row->setData(CompareRow::SettingColumn, Qt::UserRole, -1);
     return row;
 }
@@ -143,6 +143,7 @@ void CompareView::createTree()
     m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
+    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);

@@ -264,7 +264,7 @@ QWidget* HealthView::buildGroupLine(XsdtNode* node, QWidget* card)
     line->setObjectName(u"groupLine"_s);
     QLabel* label = createLabel(u"<b>%1</b>  (%2)"_s.arg(asHtml(path), values.toHtmlEscaped()),
                                 Qt::RichText, u"groupLabel"_s, line);
-    const QString shortPath = abbreviated(path, titleLimit);
+    const QString shortPath = withoutMiddle(path, titleLimit);
     auto* reveal = new QPushButton(tr("Show in All settings"), line);
     reveal->setObjectName(u"revealButton"_s);
     reveal->setAccessibleName(tr("Show %1 in All settings").arg(shortPath));

@@ -105,7 +105,7 @@ void showNodeContextMenu(QWidget* parent, SettingsModel* model, XsdtNode* node,
 void showCannotDelete(QWidget* parent, const QString& path, const QString& reason)
 {
     showMessage(parent, QMessageBox::Information, NodeContextMenu::tr("Cannot delete"),
-                NodeContextMenu::tr("%1\n\n%2").arg(abbreviated(path, 500), reason));
+                NodeContextMenu::tr("%1\n\n%2").arg(withoutMiddle(path, 500), reason));
 }
 
 } // namespace kse

@@ -191,7 +191,7 @@ void UnusedModulesView::buildCard(const Card& card)
         total += values.size();
         addNote(card,
                 tr("%1  (%n value(s))", nullptr, static_cast<int>(values.size()))
-                    .arg(abbreviated(path, textLimit)),
+                    .arg(withoutMiddle(path, textLimit)),
                 node);
         for (XsdtNode* value : values) {
             if (shown == rowLimit) {
