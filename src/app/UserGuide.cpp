@@ -23,7 +23,9 @@ bool writeWhole(const QString& path, const QByteArray& bytes)
         return false;
     }
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    // It is opening that follows a link: one made since the look above is seen by another.
+    return file.open(QIODevice::WriteOnly) && !QFileInfo(path).isSymbolicLink() &&
+           file.write(bytes) == bytes.size() && file.commit();
 }
 
 } // namespace
