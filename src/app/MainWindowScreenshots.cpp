@@ -144,9 +144,11 @@ void MainWindow::grabDialogs(const QString& dir)
     {
         ReviewDialog review(m_model, &m_store.document, this, &m_schema);
         review.show();
-        if (QTreeWidgetItem* first = review.findChild<QTreeWidget*>()->topLevelItem(0)) {
+        auto* list = review.findChild<QTreeWidget*>();
+        if (QTreeWidgetItem* first = list->topLevelItem(0)) {
             first->setExpanded(true); // a deletion lists its values then
         }
+        list->setCurrentItem(list->topLevelItem(list->topLevelItemCount() - 1)); // the edit
         grabTo(review, dir, u"review.png"_s);
     }
     m_model->revertAll();
