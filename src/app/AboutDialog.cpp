@@ -3,6 +3,7 @@
 
 #include "Revision.h"
 #include "session/PixInsightEnv.h"
+#include "views/PixelRatio.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -71,23 +72,15 @@ AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, 
 
 QWidget* AboutDialog::createHead()
 {
-    auto* picture = new QLabel;
-    picture->setObjectName("picture"_L1);
-    QPixmap icon(u":/icons/kset-256.png"_s);
-    if (icon.isNull()) {
-        picture->hide();
-    } else {
-        const int side = int(std::lround(pictureSize * devicePixelRatio()));
-        icon = icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-        icon.setDevicePixelRatio(devicePixelRatio());
-        picture->setPixmap(icon);
-    }
-    picture->setFixedSize(pictureSize, pictureSize);
+    m_picture = new QLabel;
+    m_picture->setObjectName("picture"_L1);
+    m_picture->setFixedSize(pictureSize, pictureSize);
+    updatePicture();
     auto* head = new QWidget;
     auto* row = new QHBoxLayout(head);
     row->setContentsMargins({});
     row->setSpacing(20);
-    row->addWidget(picture, 0, Qt::AlignTop);
+    row->addWidget(m_picture, 0, Qt::AlignTop);
     row->addLayout(createTexts(), 1);
     m_head = new QScrollArea;
     m_head->setObjectName("head"_L1);
@@ -152,6 +145,19 @@ QLayout* AboutDialog::createButtons()
     return row;
 }
 
+void AboutDialog::updatePicture()
+{
+    QPixmap icon(u":/icons/kset-256.png"_s);
+    if (icon.isNull()) {
+        m_picture->hide();
+        return;
+    }
+    const int side = int(std::lround(pictureSize * devicePixelRatio()));
+    icon = icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    icon.setDevicePixelRatio(devicePixelRatio());
+    m_picture->setPixmap(icon);
+}
+
 /// What doesn't follow the application's font and palette by itself.
 void AboutDialog::updateLook()
 {
@@ -178,20 +184,29 @@ void AboutDialog::updateLook()
     const QMargins margins = layout()->contentsMargins();
     const int headHeight =
         m_head->widget()->heightForWidth(width - margins.left() - margins.right());
-    m_head->setMinimumHeight(0);
-    m_head->setMaximumHeight(headHeight); // what there is beyond goes to the details
+    m_head->setFixedHeight(headHeight); // what there is beyond goes to the details
+    layout()->activate();
     const int detailsHint = m_details->sizeHint().height();
-    const int rest =
-        layout()->totalHeightForWidth(width) - m_head->sizeHint().height() - detailsHint;
+    const int rest = layout()->totalHeightForWidth(width) - detailsHint;
     const int detailsHeight = std::max(detailsHint, headHeight / 3 + 1); // as the layout shares
-    resize(width, std::min(rest + headHeight + detailsHeight, available.height()));
+    m_head->setMinimumHeight(0);
+    layout()->activate(); // gives up a minimum that larger text asked for
+    resize(width, std::min(rest + detailsHeight, available.height()));
+}
+
+bool AboutDialog::event(QEvent* event)
+{
+    const bool handled = QDialog::event(event);
+    if (changesPixelRatio(*event)) {
+        updatePicture();
+    }
+    return handled;
 }
 
 void AboutDialog::changeEvent(QEvent* event)
 {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::ApplicationFontChange ||
-        event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange) {
         updateLook();
     }
 }

@@ -25,6 +25,7 @@ public:
                                               const QString& pixinsightVersion);
 
 protected:
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -32,7 +33,9 @@ private:
     QLayout* createTexts();
     QLayout* createButtons();
     void updateLook();
+    void updatePicture();
 
+    QLabel* m_picture = nullptr;
     QScrollArea* m_head = nullptr; ///< Scrolls where the screen is too low for all of it.
     QLabel* m_name = nullptr;
     QPlainTextEdit* m_details = nullptr;

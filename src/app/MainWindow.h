@@ -70,6 +70,7 @@ public:
     void renderScreenshots(const QString& dir, const QString& searchText);
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
@@ -147,6 +148,9 @@ private:
     void refreshBanner();
     void refreshActions(qsizetype pending);
     void turnPage(int step);
+
+    /// Makes the window no larger than its screen has room for, and all of it visible.
+    void keepOnScreen();
     void revealNode(XsdtNode* node);
     void searchEverywhere(const QString& text);
     void deleteNode(XsdtNode* node);
@@ -205,6 +209,7 @@ private:
     QHash<ThemeMode, QAction*> m_themeActions;
     double m_lastFontScale = 0;
     QToolBar* m_toolbar = nullptr;
+    int m_chosenWidth = 0; ///< What the window had before its minimum took more.
     AdBanner* m_adBanner = nullptr;
     QList<std::pair<QAction*, ToolbarIconKind>> m_toolbarEntries;
     bool m_running = false;

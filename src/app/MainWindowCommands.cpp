@@ -8,6 +8,7 @@
 #include "session/BackupsDialog.h"
 #include "session/PixInsightEnv.h"
 #include "session/ReviewDialog.h"
+#include "views/PixelRatio.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 
@@ -19,8 +20,10 @@
 #include <QInputDialog>
 #include <QLayout>
 #include <QMenuBar>
+#include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTabWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
@@ -229,9 +232,13 @@ void MainWindow::refreshToolbarIcons()
     const QColor normal = palette.color(QPalette::Active, QPalette::ButtonText);
     const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
     m_toolbar->setIconSize({toolbarIconSize, toolbarIconSize});
-    QFont toolbarFont = font();
+    QFont toolbarFont = QApplication::font(); // the window's own may still be the former one
     toolbarFont.setPointSizeF(std::max(toolbarFont.pointSizeF() * 0.62, 6.5));
     m_toolbar->setFont(toolbarFont);
+    const auto children = m_toolbar->findChildren<QWidget*>();
+    for (QWidget* child : children) {
+        child->setFont(toolbarFont); // a new font of the application comes before the toolbar's
+    }
     m_toolbar->setMaximumHeight(QFontMetrics(toolbarFont).lineSpacing() + 39);
     m_toolbar->setStyleSheet(
         u"QToolBar QToolButton {  border-width: %1px; border-style: solid;  border-top-color: "
@@ -254,13 +261,47 @@ void MainWindow::refreshToolbarIcons()
 
 void MainWindow::updateMinimumWidth()
 {
+    for (int i = 0; i < m_tabs->count(); ++i) {
+        m_tabs->widget(i)->layout()->activate(); // a page that isn't in front doesn't by itself
+    }
+    m_tabs->updateGeometry();
     int width = centralWidget()->minimumSizeHint().width();
     if (m_toolbar->isVisible()) {
         m_toolbar->layout()->activate();
         m_toolbar->updateGeometry();
         width = std::max(width, m_toolbar->sizeHint().width());
     }
+    // What only the former minimum asked for is given back.
+    const bool isForced = m_chosenWidth < minimumWidth() && this->width() == minimumWidth();
+    if (!isForced) {
+        m_chosenWidth = this->width();
+    }
     setMinimumWidth(width);
+    if (isForced && !isMaximized() && !isFullScreen()) {
+        resize(std::max(width, m_chosenWidth), height());
+    }
+    if (m_chosenWidth < width) {
+        keepOnScreen();
+    }
+}
+
+void MainWindow::keepOnScreen()
+{
+    if (isMaximized() || isFullScreen()) {
+        return;
+    }
+    const QRect room = screen()->availableGeometry();
+    QSize frame = frameGeometry().size() - size();
+    if (frame.isNull()) { // not known before the window is shown
+        frame.setHeight(style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
+    }
+    resize(size().boundedTo(room.size() - frame));
+    if (isVisible()) {
+        const QPoint last = room.topLeft() + QPoint(room.width() - width() - frame.width(),
+                                                    room.height() - height() - frame.height());
+        move(std::max(room.left(), std::min(x(), last.x())),
+             std::max(room.top(), std::min(y(), last.y())));
+    }
 }
 
 bool MainWindow::onSave()
@@ -439,8 +480,20 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
+bool MainWindow::event(QEvent* event)
+{
+    const bool handled = QMainWindow::event(event);
+    if (changesPixelRatio(*event)) {
+        refreshToolbarIcons();
+    }
+    return handled;
+}
+
 void MainWindow::showEvent(QShowEvent* event)
 {
+    if (!event->spontaneous()) {
+        keepOnScreen();
+    }
     QMainWindow::showEvent(event);
     QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
 }

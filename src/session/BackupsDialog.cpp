@@ -65,7 +65,7 @@ BackupsDialog::BackupsDialog(const QString& settingsPath, QWidget* parent)
     createLayout();
     connectWidgets();
     refresh();
-    resize(640, 460);
+    fit();
     m_list->setFocus();
 }
 
@@ -140,6 +140,20 @@ void BackupsDialog::connectWidgets()
     connect(m_deleteSelected, &QPushButton::clicked, this, &BackupsDialog::onDeleteSelected);
     connect(m_deleteAll, &QPushButton::clicked, this, &BackupsDialog::onDeleteAll);
     connect(m_close, &QPushButton::clicked, this, &BackupsDialog::accept);
+}
+
+void BackupsDialog::fit()
+{
+    layout()->activate(); // gives up a minimum that larger text asked for
+    resize(640, 460);
+}
+
+void BackupsDialog::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        fit();
+    }
 }
 
 void BackupsDialog::keyPressEvent(QKeyEvent* event)

@@ -24,6 +24,7 @@ signals:
     void message(const QString& text);
 
 protected:
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private slots:
@@ -38,6 +39,7 @@ private slots:
 private:
     void createWidgets();
     void createLayout();
+    void fit();
     void connectWidgets();
     void updateOlderButton();
     void confirmAndRemove(const QStringList& paths, qint64 totalBytes, const QString& prompt);

@@ -10,20 +10,22 @@ namespace kse {
 
 namespace {
 
+constexpr QSize swatchSize(36, 16);
+
 /// A checkerboard beneath the colour shows how transparent it is.
-QPixmap swatch(const QColor& color)
+QPixmap swatch(const QColor& color, qreal devicePixelRatio)
 {
-    constexpr int width = 36;
-    constexpr int height = 16;
     constexpr QColor darkGrey(200, 200, 200);
     constexpr QColor lightGrey(250, 250, 250);
 
-    QPixmap pixmap(width, height);
+    QPixmap pixmap(swatchSize * devicePixelRatio);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
     pixmap.fill(darkGrey);
+    const auto [width, height] = std::pair(swatchSize.width(), swatchSize.height());
     QPainter painter(&pixmap);
     painter.fillRect(0, 0, width / 2, height / 2, lightGrey);
     painter.fillRect(width / 2, height / 2, width / 2, height / 2, lightGrey);
-    painter.fillRect(pixmap.rect(), color);
+    painter.fillRect(0, 0, width, height, color);
     painter.setPen(QColor(90, 90, 90));
     painter.drawRect(0, 0, width - 1, height - 1);
     return pixmap;
@@ -43,9 +45,12 @@ ColorButton::ColorButton(QWidget* parent)
 void ColorButton::setArgb(quint32 argb)
 {
     m_argb = argb;
-    const QPixmap pixmap = swatch(QColor::fromRgba(argb));
-    setIcon(pixmap);
-    setIconSize(pixmap.size());
+    QIcon icon;
+    for (const qreal devicePixelRatio : {1, 2, 3}) { // the button may be moved to a sharper screen
+        icon.addPixmap(swatch(QColor::fromRgba(argb), devicePixelRatio));
+    }
+    setIcon(icon);
+    setIconSize(swatchSize);
     setText(QStringLiteral("#%1").arg(QString::number(argb, 16).toUpper().rightJustified(8, u'0')));
 }
 

@@ -9,6 +9,7 @@
 #include "views/SettingsModel.h"
 #include "views/TabOrder.h"
 #include "views/WheelGuard.h"
+#include "views/WrappingRow.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -166,13 +167,12 @@ void CompareView::createLayout()
     auto* fileRow = new QHBoxLayout;
     fileRow->addWidget(fileLabel);
     fileRow->addWidget(m_fileCombo, 1);
-    auto* filterRow = new QHBoxLayout;
+    auto* filterRow = new WrappingRow;
     for (QCheckBox* box : {m_showDifferent, m_showOnlyThis, m_showOnlyOther, m_hideNoise}) {
         filterRow->addWidget(box);
     }
-    filterRow->addWidget(m_filterEdit, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
+    filterRow->addWidget(m_filterEdit);
+    auto* buttons = new WrappingRow(Qt::AlignTrailing);
     buttons->addWidget(m_copySelectedButton);
     buttons->addWidget(m_copyAllButton);
 

@@ -3,6 +3,7 @@
 
 #include <QCompleter>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -17,7 +18,7 @@ ModuleSearchDialog::ModuleSearchDialog(const QStringList& moduleNames, QWidget* 
     : QDialog(parent)
 {
     setWindowTitle(tr("Find module data"));
-    auto* layout = new QVBoxLayout(this);
+    setLayout(new QVBoxLayout);
     createName(moduleNames);
     m_processRadio = createMode(
         tr("Process search - look where module names usually go"),
@@ -30,9 +31,24 @@ ModuleSearchDialog::ModuleSearchDialog(const QStringList& moduleNames, QWidget* 
         createMode(tr("Full search - search everything, like the Search page"),
                    tr("Every name, path, description and value in the file."), u"fullRadio"_s);
     createButtons();
-    const int width = qMax(520, minimumSizeHint().width());
-    resize(width, layout->totalHeightForWidth(width));
+    fit();
     m_nameEdit->setFocus();
+}
+
+/// Neither text is cut, and none is left over from a larger one.
+void ModuleSearchDialog::fit()
+{
+    layout()->activate(); // gives up the former minimum
+    const int width = qMax(520, minimumSizeHint().width());
+    resize(width, layout()->totalHeightForWidth(width));
+}
+
+void ModuleSearchDialog::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        fit();
+    }
 }
 
 void ModuleSearchDialog::createName(const QStringList& moduleNames)

@@ -27,10 +27,14 @@ public:
     QString moduleName() const;
     ModuleSearchMode mode() const;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void createName(const QStringList& moduleNames);
     QRadioButton* createMode(const QString& text, const QString& explanation, const QString& name);
     void createButtons();
+    void fit();
 
     QLineEdit* m_nameEdit = nullptr;
     QRadioButton* m_processRadio = nullptr;

@@ -12,6 +12,7 @@
 #include "views/TabOrder.h"
 #include "views/WidgetColumn.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -118,17 +119,32 @@ void PreferencesView::createUi()
     m_pageStack->setObjectName(u"pageStack"_s);
     m_pageStack->addWidget(m_emptyLabel);
 
-    auto* splitter = new QSplitter(Qt::Horizontal);
-    splitter->setChildrenCollapsible(false);
-    splitter->addWidget(m_pageList);
-    splitter->addWidget(m_pageStack);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({qBound(170, fontMetrics().averageCharWidth() * 30, 300), 700});
+    m_splitter = new QSplitter(Qt::Horizontal);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->addWidget(m_pageList);
+    m_splitter->addWidget(m_pageStack);
+    m_splitter->setStretchFactor(1, 1);
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_isListDragged = true; });
+    fitPageList();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_searchEdit);
     layout->addWidget(m_limitLabel);
-    layout->addWidget(splitter, 1);
+    layout->addWidget(m_splitter, 1);
+}
+
+void PreferencesView::fitPageList()
+{
+    const int width = qBound(170, fontMetrics().averageCharWidth() * 30, 300);
+    m_splitter->setSizes({width, m_splitter->width() - m_splitter->handleWidth() - width});
+}
+
+void PreferencesView::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && !m_isListDragged) {
+        fitPageList();
+    }
 }
 
 void PreferencesView::setDocument(const XsdtDocument* document)

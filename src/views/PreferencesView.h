@@ -10,6 +10,7 @@ class QLabel;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
+class QSplitter;
 class QStackedWidget;
 
 namespace kse {
@@ -55,6 +56,9 @@ signals:
     void deleteRequested(kse::XsdtNode* node);
     void restoreRequested(kse::XsdtNode* node);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     struct Page
     {
@@ -67,6 +71,7 @@ private:
     struct Group;
 
     void createUi();
+    void fitPageList();
     void discardPages();
     Group visiblePart(XsdtNode* node, int depth);
     void buildPage(const PageSpec& spec);
@@ -80,6 +85,8 @@ private:
     SettingRowSet* m_rows = nullptr;
     QLineEdit* m_searchEdit = nullptr;
     QListWidget* m_pageList = nullptr;
+    QSplitter* m_splitter = nullptr;
+    bool m_isListDragged = false;          ///< The user has given the list a width of its own.
     QStackedWidget* m_pageStack = nullptr; ///< `m_emptyLabel`, then the pages in their order.
     QLabel* m_emptyLabel = nullptr;
     QLabel* m_limitLabel = nullptr;

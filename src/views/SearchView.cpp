@@ -7,6 +7,7 @@
 #include "views/SettingRowSet.h"
 #include "views/WidgetColumn.h"
 #include "views/WrappedLabel.h"
+#include "views/WrappingRow.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -95,12 +96,11 @@ QCheckBox* SearchView::createBox(const QString& text, const QString& name, bool 
 
 void SearchView::layOut()
 {
-    auto* boxes = new QHBoxLayout;
+    auto* boxes = new WrappingRow;
     for (QCheckBox* box :
          {m_searchNames, m_searchValues, m_searchDescriptions, m_changedOnly, m_includeProtected}) {
         boxes->addWidget(box);
     }
-    boxes->addStretch();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 0);
     layout->addWidget(m_banner);

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "app/AboutDialog.h"
+#include "session/BackupsDialog.h"
+#include "session/ReviewDialog.h"
 #include "support/DialogAnswerer.h"
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
+#include "views/CompareView.h"
+#include "views/ModuleSearchDialog.h"
 #include "views/SettingRow.h"
 
 #include <QCheckBox>
@@ -32,6 +37,106 @@ namespace {
 const QString safePath = u"Global/Statistics"_s;
 const QString warnPath = u"ModuleData/Ostrand"_s;
 const QString stringPath = u"Global/Preferences/ProcessIcon/Prefix"_s;
+
+/// Waits until layouts in layouts have settled.
+void settle()
+{
+    for (int i = 0; i < 5; ++i) {
+        QCoreApplication::processEvents();
+    }
+}
+
+/// What can change while the window stands.
+struct Look
+{
+    ThemeMode theme = ThemeMode::Light;
+    double scale = 0.8;
+    Qt::LayoutDirection direction = Qt::LeftToRight;
+    int screen = 0;
+    bool running = false;
+};
+
+/// The program in use, with a change and with dialogs open.
+class StandingProgram
+{
+public:
+    StandingProgram(const QString& otherFile, int screen)
+    {
+        m_model->setReadOnly(false); // for the change
+        m_model->setValue(m_model->document()->root.findByPath(stringPath), u"x"_s);
+        m_window.findChild<QLineEdit*>(u"queryEdit"_s)->setText(u"thread"_s);
+        (void)m_window.findChild<CompareView*>()->compareWith(otherFile);
+        moveTo(screen);
+        for (QWidget* window : m_windows) {
+            window->show();
+        }
+        (void)looks();
+    }
+
+    void moveTo(int screen)
+    {
+        for (QWidget* window : m_windows) {
+            window->move(QGuiApplication::screens().at(screen)->geometry().topLeft());
+        }
+    }
+
+    /// What the look of each widget in sight is made of, page by page and in the dialogs.
+    QSet<QString> looks()
+    {
+        QMetaObject::invokeMethod(&m_window, "pollEnvironment");
+        settle();
+        QSet<QString> looks;
+        auto* tabs = m_window.findChild<QTabWidget*>(u"tabs"_s);
+        auto* pages = m_window.findChild<QListWidget*>(u"pageList"_s);
+        for (int i = 0; i < tabs->count() + pages->count(); ++i) {
+            tabs->setCurrentIndex(qMax(0, i - pages->count()));
+            pages->setCurrentRow(qMin(i, pages->count() - 1));
+            settle();
+            const auto widgets = m_window.findChildren<QWidget*>() << &m_window;
+            for (QWidget* widget : widgets) {
+                if (widget->isVisible()) {
+                    looks.insert(lookOf(*widget));
+                }
+            }
+        }
+        return looks;
+    }
+
+private:
+    static QString lookOf(const QWidget& widget)
+    {
+        QString look;
+        QDebug debug(&look);
+        debug << widget.metaObject()->className() << widget.objectName() << widget.font()
+              << widget.size() << widget.mapTo(widget.window(), QPoint()) << widget.minimumSize()
+              << widget.layoutDirection() << widget.devicePixelRatio();
+        QByteArray palette;
+        QDataStream stream(&palette, QIODevice::WriteOnly);
+        stream << widget.palette();
+        debug << qHash(palette);
+        QPixmap picture;
+        if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
+            picture = button->icon().pixmap(button->iconSize(), widget.devicePixelRatio());
+        } else if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
+            picture = label->pixmap(Qt::ReturnByValue);
+        }
+        const QImage image = picture.toImage();
+        debug << qHashBits(image.constBits(), size_t(image.sizeInBytes()));
+        const bool isOurs = !qobject_cast<QLineEdit*>(widget.parentWidget());
+        if (isOurs && !picture.isNull() && picture.devicePixelRatio() < widget.devicePixelRatio()) {
+            look.prepend(u"blurred "_s);
+        }
+        return look;
+    }
+
+    MainWindow m_window;
+    SettingsModel* m_model = m_window.findChild<SettingsModel*>();
+    AboutDialog m_about{{}, {}, &m_window};
+    BackupsDialog m_backups{u"/none"_s, &m_window};
+    ReviewDialog m_review{m_model, m_model->document(), &m_window};
+    ModuleSearchDialog m_find{{}, &m_window};
+    QList<QWidget*> m_windows{&m_window, &m_about, &m_backups, &m_review, &m_find};
+};
 
 } // namespace
 
@@ -349,6 +454,34 @@ private slots:
         QCOMPARE(contentOf(m_file), before);
         QCOMPARE(QDir(m_folder).entryList(QDir::Files), files);
         QCOMPARE(pending(), 0);
+    }
+
+    void looksAsIfStartedSo()
+    {
+        m_window.reset();
+        FakePixInsight process;
+        const auto apply = [&process](const Look& look) {
+            ThemeManager::instance().setMode(look.theme, false);
+            ThemeManager::instance().setFontScale(look.scale, false);
+            QApplication::setLayoutDirection(look.direction);
+            return look.running ? process.start() : process.stop();
+        };
+        const Look plain;
+        const Look other{ThemeMode::Dark, 2.2, Qt::RightToLeft,
+                         int(QGuiApplication::screens().size() - 1), true};
+        QVERIFY(apply(plain));
+        const QString file = m_folder + u"/core-002-pxi.settings"_s;
+        StandingProgram live(file, plain.screen);
+        for (const Look& look : {other, plain}) {
+            QVERIFY(apply(look));
+            live.moveTo(look.screen);
+            const QSet<QString> seen = live.looks();
+            const QSet<QString> expected = StandingProgram(file, look.screen).looks();
+            QCOMPARE((seen - expected).values().value(0), (expected - seen).values().value(0));
+            for (const QString& widget : seen) {
+                QVERIFY2(!widget.startsWith("blurred"_L1), qPrintable(widget));
+            }
+        }
     }
 
     void worksOnAFileOfAMillionLevels()
