@@ -56,6 +56,23 @@ void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* pa
     painter->restore();
 }
 
+/// The arrow of a group in a tree or of a section. It grows with the text; Fusion's has one
+/// size.
+void drawArrow(int degrees, const QStyleOption& option, QPainter* painter)
+{
+    const double side = std::max(8.0, option.fontMetrics.ascent() / 2.0);
+    QColor colour = option.palette.color(QPalette::WindowText);
+    colour.setAlpha(180);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(colour);
+    painter->translate(QRectF(option.rect).center());
+    painter->rotate(degrees); // it points down
+    painter->drawPolygon(QPolygonF({{-side / 2, -side / 4}, {side / 2, -side / 4}, {0, side / 4}}));
+    painter->restore();
+}
+
 /// A tab above its pane: the one in front is open towards it, the others end on its outline.
 void drawTab(const QStyleOptionTab& tab, int paneOverlap, QPainter* painter)
 {
@@ -93,16 +110,35 @@ ThemeStyle::ThemeStyle()
 void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const
 {
-    if (element == PE_FrameTabWidget) { // on the window's own colour, as what it holds
+    switch (element) {
+    case PE_FrameTabWidget: // on the window's own colour, as what it holds
         painter->save();
         painter->setPen(outlineOf(*option));
         painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
         painter->restore();
-        return;
-    }
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton) {
+        break;
+    case PE_IndicatorBranch:
+        if (option->state & State_Children) {
+            const int closed = option->direction == Qt::RightToLeft ? 90 : -90;
+            drawArrow(option->state & State_Open ? 0 : closed, *option, painter);
+        }
+        break;
+    case PE_IndicatorArrowDown:
+        drawArrow(0, *option, painter);
+        break;
+    case PE_IndicatorArrowLeft:
+        drawArrow(90, *option, painter);
+        break;
+    case PE_IndicatorArrowRight:
+        drawArrow(-90, *option, painter);
+        break;
+    case PE_IndicatorCheckBox:
+    case PE_IndicatorRadioButton:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
         drawIndicatorOutline(element == PE_IndicatorRadioButton, *option, painter);
+        break;
+    default:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
 }
 
