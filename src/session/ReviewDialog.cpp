@@ -5,6 +5,7 @@
 #include "document/XsdtDocument.h"
 #include "document/XsdtValueType.h"
 #include "schema/SettingsSchema.h"
+#include "session/ChangeRemark.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 #include "views/WrappedLabel.h"
@@ -62,41 +63,6 @@ QString rowValue(const XsdtNode& node, const QString& text)
 QString rowToolTip(const QString& text)
 {
     return asToolTip(firstCharacters(text, toolTipLimit));
-}
-
-/// What the editor of a choice or a colour shows for `value`; empty where that is the value itself.
-QString editorText(const VariableInfo& info, const QString& value)
-{
-    if (info.kind == VariableKind::Color) {
-        return u'#' + QString::number(value.toUInt(), 16).toUpper().rightJustified(8, u'0');
-    }
-    if (info.kind != VariableKind::Choice) {
-        return {};
-    }
-    for (const VariableChoice& choice : info.choices) {
-        if (choice.value == value.toLongLong()) {
-            return choice.text;
-        }
-    }
-    return ReviewDialog::tr("Other (%1)").arg(firstCharacters(value, valueLimit));
-}
-
-/// What ends `text` unseen, as "2 blank(s), 1 line end(s)"; empty if nothing does.
-QString unseenEnd(const QString& text)
-{
-    int blanks = 0;
-    int lineEnds = 0;
-    for (qsizetype i = text.size() - 1; i >= 0 && text[i].isSpace(); --i) {
-        ++(text[i] == u'\n' || text[i] == u'\r' ? lineEnds : blanks);
-    }
-    QStringList parts;
-    if (blanks > 0) {
-        parts << ReviewDialog::tr("%n blank(s)", nullptr, blanks);
-    }
-    if (lineEnds > 0) {
-        parts << ReviewDialog::tr("%n line end(s)", nullptr, lineEnds);
-    }
-    return parts.join(u", ");
 }
 
 QTreeWidgetItem* makeRow(const QStringList& texts, ReviewDialog::RowKind kind, XsdtNode* node)
@@ -169,8 +135,8 @@ void ReviewDialog::createWidgets()
     m_detail->setReadOnly(true);
     m_detail->setPlaceholderText(tr("Select a change to see its full text."));
     m_detail->setAccessibleName(tr("Full text of the selected change"));
-    m_reading = new WrappedLabel(QString(), Qt::PlainText, this);
-    m_reading->setObjectName(QStringLiteral("reading"));
+    m_remark = new WrappedLabel(QString(), Qt::PlainText, this);
+    m_remark->setObjectName(QStringLiteral("remark"));
     m_hidden = new WrappedLabel(QString(), Qt::PlainText, this);
     m_hidden->setObjectName(QStringLiteral("hidden"));
     m_revert = new QPushButton(tr("Revert selected"), this);
@@ -227,7 +193,7 @@ void ReviewDialog::createLayout()
     layout->addLayout(filters);
     layout->addWidget(m_tree, 1);
     layout->addWidget(m_detail);
-    layout->addWidget(m_reading);
+    layout->addWidget(m_remark);
     layout->addWidget(promise);
     layout->addWidget(m_hidden);
     layout->addLayout(buttons);
@@ -271,7 +237,7 @@ void ReviewDialog::updateDetailHeight()
 {
     m_detail->setMaximumHeight(fontMetrics().lineSpacing() * 11 / 2);
     // Its line is kept free, so that the list doesn't move from one selected row to the next.
-    m_reading->setMinimumHeight(fontMetrics().height());
+    m_remark->setMinimumHeight(fontMetrics().height());
 }
 
 void ReviewDialog::populate()
@@ -425,7 +391,7 @@ void ReviewDialog::updateDetail()
     const QModelIndexList selected = m_tree->selectionModel()->selectedRows();
     m_revert->setEnabled(!selected.isEmpty());
     m_detail->clear();
-    m_reading->clear();
+    m_remark->clear();
     if (selected.size() > 1) {
         m_detail->setPlainText(tr("%1 changes selected.").arg(selected.size()));
         return;
@@ -455,31 +421,10 @@ void ReviewDialog::updateDetail()
                                   ? QTextOption::WrapAnywhere
                                   : QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_detail->setPlainText(text);
-    m_reading->setText(readingOf(*node, kind));
-}
-
-QString ReviewDialog::readingOf(const XsdtNode& node, int kind) const
-{
-    if (node.kind != XsdtNode::Kind::Value || kind == DeletionRow) {
-        return {};
+    if (node->kind == XsdtNode::Kind::Value && kind != DeletionRow) {
+        const VariableInfo info = m_schema ? m_schema->describe(*node) : VariableInfo();
+        m_remark->setText(kind == EditRow ? editRemark(*node, info) : removalRemark(*node, info));
     }
-    const VariableInfo info = m_schema ? m_schema->describe(node) : VariableInfo();
-    const QString after = editorText(info, node.value);
-    const QString afterEnd = unseenEnd(node.value);
-    QStringList sentences;
-    if (kind == RemovedValueRow) {
-        sentences << (after.isEmpty() ? QString() : tr("Shown as %1.").arg(after))
-                  << (afterEnd.isEmpty() ? QString() : tr("The value ends in %1.").arg(afterEnd));
-    } else {
-        const QString beforeEnd = unseenEnd(node.original);
-        sentences << (after.isEmpty() ? QString()
-                                      : tr("Shown as %1 before and %2 after.")
-                                            .arg(editorText(info, node.original), after))
-                  << (beforeEnd.isEmpty() ? QString() : tr("Before ends in %1.").arg(beforeEnd))
-                  << (afterEnd.isEmpty() ? QString() : tr("After ends in %1.").arg(afterEnd));
-    }
-    sentences.removeAll(QString());
-    return sentences.join(u' ');
 }
 
 void ReviewDialog::onRevert()

@@ -64,7 +64,6 @@ private:
     void connectWidgets();
     void updateSummary(qsizetype removedValues);
     void updateHidden();
-    QString readingOf(const XsdtNode& node, int kind) const;
     void updateDetailHeight();
     static bool passesFilter(const PendingNode& pending, const QString& filter);
     std::vector<PendingNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
@@ -85,8 +84,8 @@ private:
     QCheckBox* m_showDeletions = nullptr;
     QTreeWidget* m_tree = nullptr;
     QPlainTextEdit* m_detail = nullptr;
-    QLabel* m_reading = nullptr; ///< What the text in `m_detail` doesn't show by itself.
-    QLabel* m_hidden = nullptr;  ///< How much the filters hide; hidden while they hide nothing.
+    QLabel* m_remark = nullptr; ///< What the text in `m_detail` doesn't show by itself.
+    QLabel* m_hidden = nullptr; ///< How much the filters hide; hidden while they hide nothing.
     QPushButton* m_revert = nullptr;
     QPushButton* m_cancel = nullptr;
     QPushButton* m_save = nullptr;

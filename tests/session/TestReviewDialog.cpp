@@ -178,10 +178,10 @@ void TestReviewDialog::tellsWhatTheTextDoesNotShow()
                         R"(<v k="text" t="s">old  </v><v k="gone" t="s"> </v>)",
                         {path + u'=' + after}, {u"gone"_s});
     review.tree->setCurrentItem(review.tree->topLevelItem(1));
-    QTEST(review.label(u"reading"_s), "said");
+    QTEST(review.label(u"remark"_s), "said");
     QVERIFY(review.detail().endsWith(u"After:  "_s + after));
     review.tree->setCurrentItem(review.tree->topLevelItem(0));
-    QCOMPARE(review.label(u"reading"_s), QString());
+    QCOMPARE(review.label(u"remark"_s), QString());
 }
 
 void TestReviewDialog::tellsWhilePixInsightRuns()
