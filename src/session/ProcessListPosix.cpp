@@ -30,7 +30,8 @@ ProcessEntry parseLine(const std::string& line)
 std::vector<ProcessEntry> listProcesses()
 {
     std::vector<ProcessEntry> processes;
-    std::FILE* const output = popen("ps -A -o pid=,stat=,comm= 2>/dev/null", "r");
+    // As wide as need be: else some cut the lines at the width that COLUMNS gives.
+    std::FILE* const output = popen("ps -A -ww -o pid=,stat=,comm= 2>/dev/null", "r");
     if (!output) {
         return processes;
     }

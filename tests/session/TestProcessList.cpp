@@ -39,6 +39,7 @@ class TestProcessList : public QObject
 private slots:
     void listsWhatRunsByItsName()
     {
+        qputenv("COLUMNS", "8"); // which `ps` heeds
         for (const QString& name : {u"Pix Insight.exe"_s, u"a) Z (b.EXE"_s}) {
             const QTemporaryDir dir;
             const QString program = dir.filePath(name);
