@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QIcon>
 
 using namespace Qt::StringLiterals;
@@ -65,7 +66,7 @@ int main(int argc, char** argv)
                                          : MainWindow::Messages::Boxes);
     const QStringList arguments = parser.positionalArguments();
     if (!arguments.isEmpty()) {
-        window.openFile(arguments.first());
+        window.openFile(QFileInfo(arguments.first()).absoluteFilePath());
     }
     if (rendersScreenshots) {
         window.startBanner(false, 0);

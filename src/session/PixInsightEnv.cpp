@@ -154,12 +154,31 @@ QString describeFile(const QString& path)
     } else if (name.contains(".bak-"_L1)) {
         facts.append(u"backup"_s);
     }
-    facts.append(u"%1 KiB"_s.arg(file.size() / 1024));
-    facts.append(file.lastModified().toString(u"yyyy-MM-dd HH:mm"_s));
+    if (file.exists()) {
+        facts.append(u"%1 KiB"_s.arg(file.size() / 1024));
+        facts.append(file.lastModified().toString(u"yyyy-MM-dd HH:mm"_s));
+    } else {
+        facts.append(u"missing"_s);
+    }
 
     const QString folder = file.absoluteDir().dirName();
     const bool usual = folder.isEmpty() || folder == "Pleiades"_L1;
     return u"%1 - %2"_s.arg(usual ? name : u"%1 [%2]"_s.arg(name, folder), facts.join(", "_L1));
+}
+
+QString spelledAsOnDisk(const QString& path)
+{
+    const QFileInfo file(path);
+    const QString name = file.fileName();
+    const QDir folder = file.dir();
+    const QStringList found = folder.entryList(QDir::Files | QDir::Hidden, QDir::NoSort);
+    if (!file.exists() || found.contains(name)) {
+        return path;
+    }
+    const auto other = std::find_if(found.begin(), found.end(), [&name](const QString& candidate) {
+        return candidate.compare(name, Qt::CaseInsensitive) == 0;
+    });
+    return other == found.end() ? path : folder.filePath(*other);
 }
 
 QStringList backupsOf(const QString& settingsPath)

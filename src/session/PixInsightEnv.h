@@ -53,8 +53,13 @@ namespace PixInsightEnv {
 /// NNN of a file named `core-NNN-pxi.settings`; 0 for any other name and beyond 32 bits.
 [[nodiscard]] int instanceNumber(const QString& path);
 
-/// The label of a file in a list: name, folder if it isn't the usual one, instance, size and time.
+/// The label of a file in a list: name, folder if it isn't the usual one, instance, size and time,
+/// or that it is missing.
 [[nodiscard]] QString describeFile(const QString& path);
+
+/// `path` with the file's name as its folder spells it, where upper and lower case name the same
+/// file: its backups go by the name.
+[[nodiscard]] QString spelledAsOnDisk(const QString& path);
 
 /// Absolute paths of the backups beside `settingsPath`, newest modification first: regular files
 /// whose name is the file's own, taken literally, followed by ".bak-" and anything.
