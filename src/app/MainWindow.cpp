@@ -18,6 +18,7 @@
 #include "views/ValueDelegate.h"
 #include "views/WheelGuard.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -54,17 +55,16 @@ QByteArray readResource(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// File name of the newest backup of `path` that could be copied back over it; empty if none of
-/// the newest ten could.
+/// The newest backup of `path` that could take its place; empty if none could.
 QString newestUsableBackup(const QString& path)
 {
     const WaitCursor wait;
-    const QStringList backups = PixInsightEnv::backupsOf(path).mid(0, 10);
+    const QStringList backups = PixInsightEnv::backupsOf(path);
     for (const QString& backup : backups) {
         QByteArray bytes;
         XsdtDocument document;
         if (SettingsStore::readFile(backup, bytes) && document.parse(bytes)) {
-            return QFileInfo(backup).fileName();
+            return backup;
         }
     }
     return {};
@@ -269,24 +269,19 @@ void MainWindow::setPagesReadOnly()
     m_compareView->setReadOnly(m_running);
 }
 
-bool MainWindow::openFile(const QString& path)
+bool MainWindow::openFile(const QString& asked)
 {
     m_openEditor->commit();
+    const QString path = PixInsightEnv::spelledAsOnDisk(asked);
     QString error;
     const bool opened = replaceTree([&] {
         const WaitCursor wait;
         return m_store.load(path, &error);
     });
     if (!opened) {
-        const QString backup = newestUsableBackup(path);
-        const QString wayBack =
-            backup.isEmpty() ? QString()
-                             : tr("The newest backup beside it that can be read is %1. Copying it "
-                                  "over the file brings that state back.")
-                                   .arg(backup);
         m_staleOnDisk = m_staleOnDisk && m_store.loaded;
         expandPreferences();
-        report(QMessageBox::Critical, tr("Cannot open file"), error, wayBack);
+        reportUnopened(path, error);
         refreshBanner();
         return false;
     }
@@ -295,6 +290,30 @@ bool MainWindow::openFile(const QString& path)
     showStatus(tr("Loaded %1").arg(QDir::toNativeSeparators(path)), 5000);
     refreshBanner();
     return true;
+}
+
+void MainWindow::reportUnopened(const QString& path, const QString& error)
+{
+    const QString title = tr("Cannot open file");
+    const QString backup = newestUsableBackup(path);
+    const QString found =
+        tr("The newest backup beside it that can be read is %1.").arg(QFileInfo(backup).fileName());
+    const bool isGone = m_store.loaded && path == m_store.path && !QFileInfo::exists(path);
+    if (backup.isEmpty() || !isGone || m_messages != Messages::Boxes) {
+        report(QMessageBox::Critical, title, error,
+               backup.isEmpty()
+                   ? QString()
+                   : found + u' ' + tr("Copying it over the file brings that state back."));
+        return;
+    }
+    PlainMessageBox box(QMessageBox::Critical, title, error, QMessageBox::Ok, this);
+    box.setPlainInformativeText(found);
+    box.setEscapeButton(QMessageBox::Ok);
+    const QAbstractButton* restore = box.addButton(tr("Restore it"), QMessageBox::ActionRole);
+    box.exec();
+    if (box.clickedButton() == restore && m_store.loaded && m_store.path == path) {
+        restoreFrom(backup);
+    }
 }
 
 bool MainWindow::confirmDiscard(const QString& tail)
@@ -369,10 +388,22 @@ void MainWindow::rebuildFileBox()
         m_fileBox->addItem(PixInsightEnv::describeFile(current), current);
         selected = m_fileBox->count() - 1;
     }
+    QString placeholder = tr("Choose a settings file");
     if (m_fileBox->count() == 0) {
-        m_fileBox->addItem(tr("No settings file found - use Browse..."), QString());
+        placeholder = tr("No settings file found - use Browse...");
+        m_fileBox->addItem(placeholder, QString());
     }
+    m_fileBox->setPlaceholderText(placeholder); // for what is selected then: nothing
     m_fileBox->setCurrentIndex(selected);
+}
+
+void MainWindow::refreshFileBoxItem()
+{
+    const int index = m_fileBox->currentIndex();
+    const QString text = PixInsightEnv::describeFile(m_store.path);
+    if (m_store.loaded && index >= 0 && m_fileBox->itemText(index) != text) {
+        m_fileBox->setItemText(index, text);
+    }
 }
 
 void MainWindow::expandPreferences()

@@ -137,11 +137,17 @@ private:
     /// Whether a file is open; if not, a box titled `title` tells the user to open one.
     bool hasFile(const QString& title);
 
+    /// Says why `path` can't be opened. If it is the open file, and gone, its newest readable
+    /// backup is offered at once.
+    void reportUnopened(const QString& path, const QString& error);
+    void restoreFrom(const QString& backup);
+
     /// Whether pending changes may go: there are none, or the user says so. `tail` ends the text.
     bool confirmDiscard(const QString& tail);
     void expandPreferences();
     void resetExpansion();
     void rebuildFileBox();
+    void refreshFileBoxItem();
     void onFileActivated(int index);
     void applyTreeFilter(const QString& text);
     void applyChangedOnly(bool changedOnly);
@@ -156,7 +162,6 @@ private:
     void deleteNode(XsdtNode* node);
     bool confirmDeletion(const QString& path, int values, const QString& reason);
     void onThemeChanged();
-    static QString wayBackText(const QString& recoverFrom);
     void report(QMessageBox::Icon icon, const QString& title, const QString& text,
                 const QString& informativeText = {});
     void showRejection(const QString& reason);

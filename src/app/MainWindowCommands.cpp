@@ -312,6 +312,12 @@ bool MainWindow::onSave()
     if (pendingCount() == 0) {
         return true;
     }
+    QString error;
+    if (!SettingsStore::isPixInsightClosed(&error)) { // rather than after the review
+        report(QMessageBox::Critical, tr("Save failed"), error);
+        pollEnvironment();
+        return false;
+    }
     const quint64 generation = m_model->generation();
     const int answer = ReviewDialog(m_model, &m_store.document, this, &m_schema).exec();
     if (answer != QDialog::Accepted || m_model->generation() != generation) {
@@ -320,12 +326,11 @@ bool MainWindow::onSave()
     if (pendingCount() == 0) {
         return true;
     }
-    QString error;
     QString backupPath;
-    QString recoverFrom;
+    QString remark;
     const auto save = [&] {
         const WaitCursor wait;
-        return m_store.save(&error, &backupPath, &recoverFrom);
+        return m_store.save(&error, &backupPath, &remark);
     };
     // A save without deletions destroys no node, so the tree keeps its expansion.
     const bool destroysNodes = !m_store.document.deletions().isEmpty();
@@ -334,13 +339,17 @@ bool MainWindow::onSave()
         resetExpansion();
     }
     if (!saved) {
-        report(QMessageBox::Critical, tr("Save failed"), error, wayBackText(recoverFrom));
+        report(QMessageBox::Critical, tr("Save failed"), error, remark);
         pollEnvironment();
         return false;
     }
     m_model->refreshAll();
     showStatus(tr("Saved. Backup: %1").arg(QFileInfo(backupPath).fileName()), 10000);
+    rebuildFileBox();
     refreshBanner();
+    if (!remark.isEmpty()) {
+        report(QMessageBox::Warning, tr("Save changes"), remark);
+    }
     return true;
 }
 
@@ -372,39 +381,39 @@ void MainWindow::onRestoreBackup()
         return;
     }
     const QString backup = backups.value(lines.indexOf(line));
-    const QString name = QFileInfo(backup).fileName();
     const QString question = tr("Replace the current settings file with\n%1\n\nThe current file "
                                 "is backed up first.")
-                                 .arg(name);
-    if (askQuestion(this, title, question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) !=
-            QMessageBox::Yes ||
-        !m_store.loaded || m_store.path != path) {
-        return;
+                                 .arg(QFileInfo(backup).fileName());
+    PlainMessageBox box(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No,
+                        this);
+    box.setDefaultButton(QMessageBox::No);
+    if (!QFileInfo::exists(path)) {
+        box.setPlainInformativeText(tr("The file is missing, so there is nothing to back up."));
     }
-    QString error;
-    QString recoverFrom;
-    const bool restored = replaceTree([&] {
-        const WaitCursor wait;
-        return m_store.restoreBackup(backup, &error, &recoverFrom);
-    });
-    if (restored) {
-        m_staleOnDisk = false;
-        showStatus(tr("Restored %1").arg(name), 8000);
-    } else {
-        report(QMessageBox::Critical, tr("Restore failed"), error, wayBackText(recoverFrom));
-        m_staleOnDisk = m_store.isChangedOnDisk();
+    if (box.exec() == QMessageBox::Yes && m_store.loaded && m_store.path == path) {
+        restoreFrom(backup);
     }
-    resetExpansion();
-    refreshBanner();
 }
 
-QString MainWindow::wayBackText(const QString& recoverFrom)
+void MainWindow::restoreFrom(const QString& backup)
 {
-    return recoverFrom.isEmpty()
-               ? QString()
-               : tr("The file had been replaced by then. Its former content is in the backup %1, "
-                    "which can be restored.")
-                     .arg(QFileInfo(recoverFrom).fileName());
+    QString error;
+    QString remark;
+    const bool restored = replaceTree([&] {
+        const WaitCursor wait;
+        return m_store.restoreBackup(backup, &error, &remark);
+    });
+    m_staleOnDisk = !restored && m_store.isChangedOnDisk();
+    resetExpansion();
+    refreshBanner();
+    if (!restored) {
+        report(QMessageBox::Critical, tr("Restore failed"), error, remark);
+        return;
+    }
+    showStatus(tr("Restored %1").arg(QFileInfo(backup).fileName()), 8000);
+    if (!remark.isEmpty()) {
+        report(QMessageBox::Warning, tr("Restore backup"), remark);
+    }
 }
 
 void MainWindow::onRevertAll()
@@ -466,10 +475,15 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
     const qsizetype pending = pendingCount();
     if (pending > 0) {
-        const QMessageBox::StandardButton answer = askQuestion(
-            this, tr("Unsaved changes"),
-            tr("You have %n unsaved change(s).", nullptr, int(pending)),
-            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+        PlainMessageBox box(QMessageBox::Question, tr("Unsaved changes"),
+                            tr("You have %n unsaved change(s).", nullptr, int(pending)),
+                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+        box.setDefaultButton(QMessageBox::Save);
+        if (!SettingsStore::isPixInsightClosed()) {
+            box.setPlainInformativeText(
+                tr("PixInsight is running, so they cannot be saved now. Close PixInsight first."));
+        }
+        const int answer = box.exec();
         const bool stay =
             answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !onSave());
         if (stay) {

@@ -35,6 +35,8 @@ void MainWindow::pollEnvironment()
     // An unchanged list is left alone, so that an open drop-down isn't disturbed.
     if (PixInsightEnv::findSettingsFiles() != m_knownFiles) {
         rebuildFileBox();
+    } else if (m_staleOnDisk || wasStale) {
+        refreshFileBoxItem(); // it may be missing
     }
     if (m_running != wasRunning || m_staleOnDisk != wasStale) {
         refreshBanner(); // which walks over the whole tree

@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class QFile;
 class QFileDevice;
 
@@ -28,8 +30,18 @@ namespace kse {
 /// system says that it failed.
 [[nodiscard]] bool flushToDisk(QFileDevice& file, QString* error = nullptr);
 
-/// The same for the entries of the folder at `path`, so that a new or renamed file survives a
-/// power cut. A file system that knows no such flush counts as done.
-[[nodiscard]] bool flushFolder(const QString& path, QString* error = nullptr);
+/// The same for the name of the new or renamed file at `path`, so that it survives a power cut.
+/// What can't be opened for it, and a file system that knows no such flush, count as done.
+[[nodiscard]] bool flushName(const QString& path, QString* error = nullptr);
+
+/// Whether it is certain that nothing bears the name `path`, not even a link that leads nowhere.
+[[nodiscard]] bool isMissing(const QString& path);
+
+/// Whether `step` works. On Windows it is tried again for a second, since whoever looks into a new
+/// file, as virus scanners do, may let nobody move it meanwhile.
+[[nodiscard]] bool retrying(const std::function<bool()>& step);
+
+/// Waits until the file at `path` can be replaced: on Windows, for the same reason and as long.
+void awaitRelease(const QString& path);
 
 } // namespace kse

@@ -4,6 +4,7 @@
 #include "document/Fail.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstdlib>
@@ -136,15 +137,29 @@ bool flushToDisk(QFileDevice& file, QString* error)
     return code == 0 || failWithCode(error, code);
 }
 
-bool flushFolder(const QString& path, QString* error)
+bool flushName(const QString& path, QString* error)
 {
-    const int descriptor = openRetrying(path, O_RDONLY | O_DIRECTORY);
+    const int descriptor = openRetrying(QFileInfo(path).absolutePath(), O_RDONLY | O_DIRECTORY);
     if (descriptor < 0) {
-        return failWithCode(error, errno);
+        // A folder in which files may be made, but not listed.
+        return errno == EACCES || failWithCode(error, errno);
     }
     const int code = flushDescriptor(descriptor);
     ::close(descriptor);
     return code == 0 || code == EINVAL || code == ENOTSUP || failWithCode(error, code);
 }
+
+bool isMissing(const QString& path)
+{
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) != 0 && errno == ENOENT;
+}
+
+bool retrying(const std::function<bool()>& step)
+{
+    return step();
+}
+
+void awaitRelease(const QString&) {}
 
 } // namespace kse

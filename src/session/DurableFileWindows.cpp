@@ -19,6 +19,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr DWORD pause = 50; // milliseconds
+constexpr int attempts = 20;
+
 /// With the reason of the system call that has just failed.
 bool failLast(QString* error)
 {
@@ -42,6 +45,14 @@ QString nativePath(const QString& path)
                                          : R"(\\?\)"_L1 + native;
 }
 
+/// Opens what is at `path` and lets everybody go on using it meanwhile.
+HANDLE openFor(DWORD access, const QString& path, DWORD flags = 0)
+{
+    return CreateFileW(reinterpret_cast<const wchar_t*>(nativePath(path).utf16()), access,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                       OPEN_EXISTING, flags, nullptr);
+}
+
 } // namespace
 
 bool openRegular(QFile& file, const QString& path, QString* error)
@@ -55,9 +66,7 @@ bool openRegular(QFile& file, const QString& path, QString* error)
     }
     // Qt lets nobody replace a file that it has open, and then PixInsight could fail to write its
     // settings just because this program looks at them.
-    const HANDLE handle = CreateFileW(
-        reinterpret_cast<const wchar_t*>(nativePath(path).utf16()), GENERIC_READ,
-        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE handle = openFor(GENERIC_READ, path);
     if (handle == INVALID_HANDLE_VALUE) {
         return failLast(error);
     }
@@ -82,10 +91,18 @@ bool openRegular(QFile& file, const QString& path, QString* error)
 QString realPath(const QString& path, QString* error)
 {
     const QString resolved = QFileInfo(path).canonicalFilePath();
-    if (resolved.isEmpty() && error) {
-        *error = qt_error_string(ERROR_FILE_NOT_FOUND); // Qt has made other calls since
+    if (!resolved.isEmpty()) {
+        return resolved;
     }
-    return resolved;
+    // Qt has made other calls since the one that failed.
+    const HANDLE handle = openFor(0, path, FILE_FLAG_BACKUP_SEMANTICS); // a folder too
+    if (handle == INVALID_HANDLE_VALUE) {
+        (void)failLast(error);
+    } else {
+        CloseHandle(handle);
+        (void)fail(error, qt_error_string(ERROR_BAD_PATHNAME));
+    }
+    return {};
 }
 
 bool keepOwner(QFileDevice&, const QString&, QString*)
@@ -98,9 +115,47 @@ bool flushToDisk(QFileDevice& file, QString* error)
     return FlushFileBuffers(handleOf(file)) || failLast(error);
 }
 
-bool flushFolder(const QString&, QString*)
+bool flushName(const QString& path, QString* error)
 {
-    return true; // NTFS keeps a journal of its folders, and there is no call that flushes one.
+    // There is no call for folders; with the file NTFS writes its journal up to the file's name.
+    const HANDLE handle = openFor(GENERIC_WRITE, path);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return true;
+    }
+    const bool flushed = FlushFileBuffers(handle) || failLast(error);
+    CloseHandle(handle);
+    return flushed;
+}
+
+bool isMissing(const QString& path)
+{
+    const QString native = nativePath(path);
+    return GetFileAttributesW(reinterpret_cast<const wchar_t*>(native.utf16())) ==
+               INVALID_FILE_ATTRIBUTES &&
+           GetLastError() == ERROR_FILE_NOT_FOUND;
+}
+
+bool retrying(const std::function<bool()>& step)
+{
+    for (int attempt = 1; !step(); ++attempt) {
+        if (attempt == attempts) {
+            return false;
+        }
+        Sleep(pause);
+    }
+    return true;
+}
+
+void awaitRelease(const QString& path)
+{
+    (void)retrying([&path] {
+        const HANDLE handle = openFor(DELETE, path);
+        if (handle == INVALID_HANDLE_VALUE) {
+            return GetLastError() != ERROR_SHARING_VIOLATION;
+        }
+        CloseHandle(handle);
+        return true;
+    });
 }
 
 } // namespace kse

@@ -3,13 +3,17 @@
 
 #include "document/Fail.h"
 #include "schema/DeletePolicy.h"
+#include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
 #include "session/VerifiedFile.h"
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QSaveFile>
+#include <QTemporaryFile>
 
 #include <algorithm>
+#include <functional>
 #include <vector>
 
 namespace kse {
@@ -17,6 +21,21 @@ namespace kse {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Gives `text`, if it isn't empty, to `remark`, unless that is null.
+void say(QString* remark, const QString& text)
+{
+    if (remark && !text.isEmpty()) {
+        *remark = text;
+    }
+}
+
+/// Whether anything bears the name `path`, be it a link that leads nowhere.
+bool isTaken(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
 
 bool failChanged(QString* error)
 {
@@ -39,6 +58,104 @@ bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes,
     store.loaded = true;
     return true;
 }
+
+/// One replacement of the open file, with a backup of what it held.
+struct Replacement
+{
+    enum class Outcome { NoBackup, Failed, Done };
+
+    const SettingsStore& store;
+    const QByteArray& bytes;
+    QByteArray formerHash; ///< SHA-256 of what the file holds; empty if it is missing.
+    QString suffix;        ///< Of the backup's name.
+    QString model;         ///< Whose mode and owner the file gets if it is missing.
+    std::function<bool(QString*)> mayReplace; ///< The last look before the step.
+
+    QString backup; ///< The one made; without one, the name that it should have had.
+    QString remark;
+
+    /// All that can fail comes first, so that no backup is left by a disk that is full.
+    Outcome run(QString* error)
+    {
+        QTemporaryFile copy;
+        QSaveFile file;
+        QString reason;
+        backup = store.backupName(suffix);
+        const bool hasBackup = !formerHash.isEmpty();
+        const bool isCopied =
+            !hasBackup || copyVerified(store.path, formerHash, newestBackupTime(), copy, &reason);
+        if (isCopied && !prepareReplacement(file, store.path, bytes, model, error)) {
+            remark = hasBackup ? u"The file is unchanged."_s : QString();
+            return Outcome::Failed;
+        }
+        if (!isCopied || (hasBackup && !nameBackup(copy, &reason))) {
+            remark = copy.autoRemove() ? u"Reason: %1"_s.arg(reason)
+                                       : u"The disk did not confirm the backup %1: %2"_s.arg(
+                                             QFileInfo(backup).fileName(), reason);
+            return Outcome::NoBackup;
+        }
+        awaitRelease(store.path);
+        if (!mayReplace(error)) {
+            remark = hasBackup ? madeText() : QString();
+            return Outcome::Failed;
+        }
+        QString doubt;
+        if (!commitVerified(file, store.path, bytes, doubt, error)) {
+            remark = wayBack();
+            return Outcome::Failed;
+        }
+        if (!doubt.isEmpty()) {
+            remark = u"Saved, but the disk did not confirm it (%1). Check the disk, and keep the "
+                     "backup %2."_s.arg(doubt, QFileInfo(hasBackup ? backup : model).fileName());
+        }
+        return Outcome::Done;
+    }
+
+    /// Whether the file still is what it was.
+    bool isUntouched() const
+    {
+        QByteArray current;
+        return formerHash.isEmpty()
+                   ? isMissing(store.path)
+                   : SettingsStore::readFile(store.path, current) && sha256(current) == formerHash;
+    }
+
+    /// What is left when the step, or what follows it, failed.
+    QString wayBack() const
+    {
+        if (formerHash.isEmpty()) {
+            return {};
+        }
+        return isUntouched()
+                   ? u"The file is unchanged. "_s + madeText()
+                   : u"The file had been replaced by then. Its former content is in the "
+                     "backup %1, which can be restored."_s.arg(QFileInfo(backup).fileName());
+    }
+
+private:
+    QString madeText() const
+    {
+        return u"The backup %1 had been made by then."_s.arg(QFileInfo(backup).fileName());
+    }
+
+    QDateTime newestBackupTime() const
+    {
+        const QStringList backups = PixInsightEnv::backupsOf(store.path);
+        return backups.isEmpty() ? QDateTime() : QFileInfo(backups.constFirst()).lastModified();
+    }
+
+    /// Gives the copy its name, and another one if somebody has taken that meanwhile.
+    bool nameBackup(QTemporaryFile& copy, QString* reason)
+    {
+        while (!nameCopy(copy, backup, reason)) {
+            if (!copy.autoRemove() || !isTaken(backup)) {
+                return false;
+            }
+            backup = store.backupName(suffix);
+        }
+        return true;
+    }
+};
 
 /// Asks the policy once more about each queued deletion.
 bool mayDeleteAll(const SettingsStore& store, QString* error)
@@ -106,7 +223,14 @@ bool SettingsStore::isChangedOnDisk() const
     return !readFile(path, bytes) || sha256(bytes) != loadedHash;
 }
 
-bool SettingsStore::save(QString* error, QString* backupPath, QString* recoverFrom)
+bool SettingsStore::isPixInsightClosed(QString* error)
+{
+    return PixInsightEnv::runningProcessIds().isEmpty() ||
+           fail(error, u"PixInsight is running. It keeps its settings in memory and would "
+                       "overwrite the file. Close PixInsight first."_s);
+}
+
+bool SettingsStore::save(QString* error, QString* backupPath, QString* remark)
 {
     if (!loaded) {
         return fail(error, u"No file is loaded."_s);
@@ -114,49 +238,48 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* recoverFr
     if (document.pendingCount() == 0) {
         return true;
     }
-    if (!PixInsightEnv::runningProcessIds().isEmpty()) {
-        return fail(error, u"PixInsight is running. It keeps its settings in memory and would "
-                           "overwrite the file. Close PixInsight first."_s);
-    }
-    if (isChangedOnDisk()) {
-        return failChanged(error);
-    }
-    if (!mayDeleteAll(*this, error)) {
+    const auto mayReplace = [this](QString* why) {
+        return isPixInsightClosed(why) && (!isChangedOnDisk() || failChanged(why));
+    };
+    if (!mayReplace(error) || !mayDeleteAll(*this, error)) {
         return false;
     }
     const QByteArray bytes = serializeChecked(document, error);
     if (bytes.isEmpty()) {
         return false;
     }
-    const QString backup = backupName();
-    if (!copyVerified(path, backup, loadedHash)) {
+    Replacement replacement{*this, bytes, loadedHash, {}, {}, mayReplace, {}, {}};
+    const Replacement::Outcome outcome = replacement.run(error);
+    say(remark, replacement.remark);
+    if (outcome == Replacement::Outcome::NoBackup) {
         if (isChangedOnDisk()) { // by now
             return failChanged(error);
         }
-        return fail(error, u"Could not create the backup %1. Nothing was written."_s.arg(backup));
+        return fail(error, u"Could not create the backup %1. Nothing was written."_s.arg(
+                               replacement.backup));
     }
-    bool replaced = false;
-    if (!writeVerified(path, bytes, replaced, error)) {
-        if (replaced && recoverFrom) {
-            *recoverFrom = backup;
-        }
+    if (outcome == Replacement::Outcome::Failed) {
         return false;
     }
     loadedHash = sha256(bytes);
     document.commitEdits();
     if (backupPath) {
-        *backupPath = backup;
+        *backupPath = replacement.backup;
     }
     return true;
 }
 
-bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QString* recoverFrom)
+bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QString* remark)
 {
     if (!loaded) {
         return fail(error, u"No file is loaded."_s);
     }
-    if (!PixInsightEnv::runningProcessIds().isEmpty()) {
-        return fail(error, u"PixInsight is running. Close it before restoring a backup."_s);
+    const auto isClosed = [](QString* why) {
+        return PixInsightEnv::runningProcessIds().isEmpty() ||
+               fail(why, u"PixInsight is running. Close it before restoring a backup."_s);
+    };
+    if (!isClosed(error)) {
+        return false;
     }
     QByteArray bytes;
     if (!readFile(backupPath, bytes, error)) {
@@ -166,19 +289,35 @@ bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QSt
     if (XsdtDocument refused; !refused.parse(bytes, &reason)) {
         return fail(error, u"The backup is not a valid settings file: %1"_s.arg(reason));
     }
-    const QString former = backupName(u"before-restore"_s);
+    const auto failBackup = [&](const QString& why) {
+        say(remark, why);
+        return fail(error, u"Could not back up the current file first. Nothing was changed."_s);
+    };
     // Nothing else holds what the file is now, whatever that is: it may have changed since `load`.
     QByteArray current;
-    if (!readFile(path, current) || !copyVerified(path, former, sha256(current))) {
-        return fail(error, u"Could not back up the current file first. Nothing was changed."_s);
+    const bool gone = isMissing(path);
+    if (!gone && !readFile(path, current, &reason)) {
+        return failBackup(reason);
     }
-    bool replaced = false;
-    const bool restored = writeVerified(path, bytes, replaced, error) &&
-                          adopt(*this, path, bytes, sha256(bytes), error);
-    if (!restored && replaced && recoverFrom) {
-        *recoverFrom = former;
+    Replacement replacement{
+        *this, bytes, gone ? QByteArray() : sha256(current), u"before-restore"_s, backupPath, {},
+        {},    {}};
+    replacement.mayReplace = [&](QString* why) {
+        return isClosed(why) &&
+               (replacement.isUntouched() ||
+                fail(why, u"The file changed on disk meanwhile (PixInsight may have "
+                          "written it). Nothing was changed."_s));
+    };
+    const Replacement::Outcome outcome = replacement.run(error);
+    if (outcome == Replacement::Outcome::NoBackup) {
+        return failBackup(replacement.remark);
     }
-    return restored;
+    if (outcome == Replacement::Outcome::Done && !adopt(*this, path, bytes, sha256(bytes), error)) {
+        say(remark, replacement.wayBack());
+        return false;
+    }
+    say(remark, replacement.remark);
+    return outcome == Replacement::Outcome::Done;
 }
 
 QString SettingsStore::backupName(const QString& suffix) const
@@ -189,7 +328,7 @@ QString SettingsStore::backupName(const QString& suffix) const
         base += u'-' + suffix;
     }
     QString name = base;
-    for (int number = 2; QFileInfo::exists(name); ++number) {
+    for (int number = 2; isTaken(name); ++number) {
         name = base + u'-' + QString::number(number);
     }
     return name;

@@ -31,22 +31,26 @@ struct SettingsStore
     /// read counts as changed; false while nothing is loaded. Reads and hashes the whole file.
     [[nodiscard]] bool isChangedOnDisk() const;
 
+    /// Whether no PixInsight runs; else `error` gets the sentence with which a save refuses then.
+    [[nodiscard]] static bool isPixInsightClosed(QString* error = nullptr);
+
     /// Writes the pending changes: guards, backup, atomic replacement, read-back; only then the
     /// changes become the saved state. True also if there was nothing to do.
-    /// On success `backupPath` gets the backup made. On failure the pending changes stay as they
-    /// are, and if the file had been replaced by then, `recoverFrom` gets the backup that holds
-    /// its former bytes. Neither is touched otherwise; each may be null.
+    /// On success `backupPath` gets the backup made, and `remark` a caution if there is one: the
+    /// disk may lose what was written. On failure the pending changes stay as they are, and
+    /// `remark` gets what else the user has to know: why there is no backup, or which one was made
+    /// and whether the file had been replaced by then. Neither is touched otherwise; each may be
+    /// null.
     [[nodiscard]] bool save(QString* error = nullptr, QString* backupPath = nullptr,
-                            QString* recoverFrom = nullptr);
+                            QString* remark = nullptr);
 
     /// Replaces the file with the bytes of `backupPath`, after copying it as it is now, and loads
-    /// it: pending changes are gone. On failure nothing has changed, unless `recoverFrom` is set:
-    /// then the file was replaced, and that copy holds its former bytes.
+    /// it: pending changes are gone. If nothing is there, nothing is copied. `remark` as by `save`.
     [[nodiscard]] bool restoreBackup(const QString& backupPath, QString* error = nullptr,
-                                     QString* recoverFrom = nullptr);
+                                     QString* remark = nullptr);
 
-    /// Path of a backup of the open file that doesn't exist yet: ".bak-", the local time and,
-    /// unless empty, "-" and `suffix`; numbered from 2 where that is taken.
+    /// Path for a backup of the open file under which there is nothing yet: ".bak-", the local time
+    /// and, unless empty, "-" and `suffix`; numbered from 2 where that is taken.
     [[nodiscard]] QString backupName(const QString& suffix = {}) const;
 
     /// The whole of the regular file at `path`, links followed, into `bytes`. False with "Cannot

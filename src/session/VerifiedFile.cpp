@@ -5,6 +5,7 @@
 #include "session/DurableFile.h"
 
 #include <QCryptographicHash>
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -34,28 +35,46 @@ QFileDevice::Permissions modeOf(QFileDevice::Permissions permissions)
                           P::WriteGroup | P::ExeGroup | P::ReadOther | P::WriteOther | P::ExeOther);
 }
 
-/// Writes `bytes` to the open `file`, through to the disk.
-bool writeThrough(QFileDevice& file, const QByteArray& bytes, QString* reason = nullptr)
+bool writeAll(QFileDevice& file, const QByteArray& bytes, QString* reason)
 {
-    if (file.write(bytes) != bytes.size() || !file.flush()) {
-        return fail(reason, reasonOf(file));
-    }
-    return flushToDisk(file, reason);
+    return (file.write(bytes) == bytes.size() && file.flush()) || fail(reason, reasonOf(file));
 }
 
-/// Gives the temporary file all that it needs before it may take the place of the one at `target`:
-/// `commit` itself overlooks a disk that fills up while it empties its buffer.
-bool prepare(QSaveFile& file, const QString& target, const QByteArray& bytes,
-             QFileDevice::Permissions mode, QString* reason)
+bool rewind(QFileDevice& file, QString* reason)
 {
-    if (!keepOwner(file, target, reason)) { // first, since it may take bits of the mode away
+    return file.seek(0) || fail(reason, reasonOf(file));
+}
+
+/// Appends what is left of the open `file` to `bytes`.
+bool readRest(QFileDevice& file, QByteArray& bytes, QString* reason)
+{
+    // A read that fails half-way may end `readAll` just as the end of the file does, without a
+    // word; only reading on tells them apart. The next one forgets the error of the one before.
+    QByteArray more;
+    do {
+        more = file.readAll();
+        if (file.error() != QFileDevice::NoError) {
+            return fail(reason, reasonOf(file));
+        }
+        bytes += more;
+    } while (!more.isEmpty());
+    return true;
+}
+
+/// Gives the temporary file all that it needs before it may be put in its place, among it owner and
+/// `mode` of the file `takesAfter`: `commit` itself overlooks a disk that fills up while it empties
+/// its buffer.
+bool fill(QSaveFile& file, const QString& takesAfter, const QByteArray& bytes,
+          QFileDevice::Permissions mode, QString* reason)
+{
+    if (!keepOwner(file, takesAfter, reason)) { // first, since it may take bits of the mode away
         return false;
     }
     const bool set = file.setPermissions(mode);
     if (!mode || modeOf(file.permissions()) != mode) {
         return fail(reason, set ? u"Its permissions cannot be kept"_s : reasonOf(file));
     }
-    return writeThrough(file, bytes, reason);
+    return writeAll(file, bytes, reason) && flushToDisk(file, reason);
 }
 
 } // namespace
@@ -72,78 +91,98 @@ bool readWhole(const QString& path, QByteArray& bytes, QString* error)
     if (!openRegular(file, path, &reason)) {
         return fail(error, u"Cannot read %1: %2"_s.arg(path, reason));
     }
-    // A read that fails half-way may end `readAll` just as the end of the file does, without a
-    // word; only reading on tells them apart. The next one forgets the error of the one before.
     QByteArray content;
-    QByteArray more;
-    do {
-        more = file.readAll();
-        if (file.error() != QFileDevice::NoError) {
-            return fail(error, u"Cannot read %1: %2"_s.arg(path, reasonOf(file)));
-        }
-        content += more;
-    } while (!more.isEmpty());
+    if (!readRest(file, content, &reason)) {
+        return fail(error, u"Cannot read %1: %2"_s.arg(path, reason));
+    }
     bytes = std::move(content);
     return true;
 }
 
-bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced, QString* error)
-{
-    replaced = false;
-    QString reason;
-    // Left to follow a link itself, QSaveFile replaces the link where it can't.
-    const QString target = realPath(path, &reason);
-    if (target.isEmpty()) {
-        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reason));
-    }
-    const QFileDevice::Permissions mode = modeOf(QFile::permissions(target));
-    QSaveFile file(target);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reasonOf(file)));
-    }
-    if (!prepare(file, target, bytes, mode, &reason)) {
-        file.cancelWriting();
-        return fail(error, u"Error writing %1: %2"_s.arg(path, reason));
-    }
-    if (!file.commit()) {
-        return fail(error, u"Error writing %1: %2"_s.arg(path, reasonOf(file)));
-    }
-    replaced = true;
-    // Without it a power cut could bring the old file back.
-    if (!flushFolder(QFileInfo(target).absolutePath(), &reason)) {
-        return fail(error, u"Error writing %1: %2"_s.arg(path, reason));
-    }
-    QByteArray readBack;
-    if (!readWhole(path, readBack, error)) {
-        return false;
-    }
-    if (readBack != bytes) {
-        return fail(error, u"Read-back verification of %1 failed."_s.arg(path));
-    }
-    return true;
-}
-
-bool copyVerified(const QString& from, const QString& to, const QByteArray& hash)
+bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& newerThan,
+                  QTemporaryFile& copy, QString* error)
 {
     // Not by QFile::copy: on some systems the copy then has the time of the original's last change,
     // and backups go by their time.
     QByteArray bytes;
-    QTemporaryFile copy(from + u".XXXXXX"_s); // a name that counts as no backup
-    if (!readWhole(from, bytes) || sha256(bytes) != hash || !copy.open()) {
+    if (!readWhole(from, bytes, error)) {
         return false;
+    }
+    if (sha256(bytes) != hash) {
+        return fail(error, u"It changed while it was copied"_s);
+    }
+    copy.setFileTemplate(from + u".XXXXXX"_s); // a name that counts as no backup
+    if (!copy.open()) {
+        return fail(error, reasonOf(copy));
     }
     // A copy that nobody can read but root is better than none. Its owner can read it even if the
     // mode of `from` can't be told, and remove it where that takes the right to write.
     (void)keepOwner(copy, from);
     (void)copy.setPermissions(modeOf(QFile::permissions(from)) | QFileDevice::ReadOwner |
                               QFileDevice::WriteOwner);
-    if (!writeThrough(copy, bytes) || !copy.rename(to)) {
+    if (!writeAll(copy, bytes, error)) {
         return false;
     }
-    copy.setAutoRemove(false);
+    if (newerThan >= QDateTime::currentDateTime()) {
+        // By more than the two seconds that some file systems tell apart. Only the order hangs on
+        // it.
+        (void)copy.setFileTime(newerThan.addSecs(3), QFileDevice::FileModificationTime);
+    }
     QByteArray readBack;
-    return flushFolder(QFileInfo(to).absolutePath()) && readWhole(to, readBack) &&
-           readBack == bytes;
+    if (!flushToDisk(copy, error) || !rewind(copy, error) || !readRest(copy, readBack, error)) {
+        return false;
+    }
+    return readBack == bytes || fail(error, u"The copy differs"_s);
+}
+
+bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error)
+{
+    // Where there are no hard links, Qt ends in a rename that replaces what has the name.
+    if (!isMissing(to)) {
+        return fail(error, u"The name is taken"_s);
+    }
+    if (!retrying([&copy, &to] { return copy.rename(to); })) {
+        return fail(error, reasonOf(copy));
+    }
+    copy.setAutoRemove(false);
+    return flushName(to, error);
+}
+
+bool prepareReplacement(QSaveFile& file, const QString& path, const QByteArray& bytes,
+                        const QString& model, QString* error)
+{
+    const QFileInfo info(path);
+    const bool isNew = isMissing(path);
+    QString reason;
+    // Left to follow a link itself, QSaveFile replaces the link where it can't.
+    const QString found = realPath(isNew ? info.absolutePath() : path, &reason);
+    if (found.isEmpty()) {
+        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reason));
+    }
+    const QString target = isNew ? found + u'/' + info.fileName() : found;
+    const QString takesAfter = isNew ? model : target;
+    const QFileDevice::Permissions mode = modeOf(QFile::permissions(takesAfter));
+    file.setFileName(target);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reasonOf(file)));
+    }
+    return fill(file, takesAfter, bytes, mode, &reason) ||
+           fail(error, u"Error writing %1: %2"_s.arg(path, reason));
+}
+
+bool commitVerified(QSaveFile& file, const QString& path, const QByteArray& bytes, QString& doubt,
+                    QString* error)
+{
+    if (!file.commit()) {
+        return fail(error, u"Error writing %1: %2"_s.arg(path, reasonOf(file)));
+    }
+    // Without it a power cut could bring the old file back.
+    (void)flushName(file.fileName(), &doubt);
+    QByteArray readBack;
+    if (!readWhole(path, readBack, error)) {
+        return false;
+    }
+    return readBack == bytes || fail(error, u"Read-back verification of %1 failed."_s.arg(path));
 }
 
 } // namespace kse

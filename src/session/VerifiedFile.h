@@ -4,6 +4,10 @@
 #include <QByteArray>
 #include <QString>
 
+class QDateTime;
+class QSaveFile;
+class QTemporaryFile;
+
 namespace kse {
 
 [[nodiscard]] QByteArray sha256(const QByteArray& bytes);
@@ -12,17 +16,27 @@ namespace kse {
 /// read %1: %2" for anything else and for a read error; `bytes` is left as it was then.
 [[nodiscard]] bool readWhole(const QString& path, QByteArray& bytes, QString* error = nullptr);
 
-/// Replaces the existing file at `path` with `bytes` in one step, so that no one ever sees half of
-/// it, and reads it back. Links stay links: what they lead to is replaced, and keeps its mode
-/// and owner. `replaced` tells whether the step was taken; on failure without it the file is as it
-/// was.
-[[nodiscard]] bool writeVerified(const QString& path, const QByteArray& bytes, bool& replaced,
-                                 QString* error = nullptr);
+/// Copies the file `from`, if it has the SHA-256 `hash`, to `copy`, a temporary file that is made
+/// beside it: through to the disk, and read back. The copy has the owner and mode of `from` where
+/// the system allows it, and a time later than `newerThan`, even if the clock was set back.
+[[nodiscard]] bool copyVerified(const QString& from, const QByteArray& hash,
+                                const QDateTime& newerThan, QTemporaryFile& copy,
+                                QString* error = nullptr);
 
-/// Copies the file `from`, if it has the SHA-256 `hash`, to the new name `to` beside it, through to
-/// the disk. The copy has the time at which it was made and, where the system allows it, the owner
-/// and mode of `from`. False unless it reads back the same; what stands under the new name then is
-/// left there.
-[[nodiscard]] bool copyVerified(const QString& from, const QString& to, const QByteArray& hash);
+/// Gives what `copyVerified` made the new name `to`, through to the disk. What bears that name
+/// already is left alone.
+[[nodiscard]] bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error = nullptr);
+
+/// Writes `bytes`, through to the disk, to `file`, which `commitVerified` can put in the place of
+/// the one at `path`. Links stay links: what they lead to is replaced, and keeps its mode and
+/// owner. If there is no file yet, the new one takes those of the file `model`.
+[[nodiscard]] bool prepareReplacement(QSaveFile& file, const QString& path, const QByteArray& bytes,
+                                      const QString& model, QString* error = nullptr);
+
+/// Replaces the file at `path` with what was prepared, in one step, so that no one ever sees half
+/// of it, and reads it back. True with a `doubt`, the system's reason, if it stands but may not
+/// survive a power cut.
+[[nodiscard]] bool commitVerified(QSaveFile& file, const QString& path, const QByteArray& bytes,
+                                  QString& doubt, QString* error = nullptr);
 
 } // namespace kse

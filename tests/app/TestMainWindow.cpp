@@ -265,6 +265,19 @@ private slots:
         QVERIFY(banner->isHidden() && action("actSave")->isEnabled());
         edit(stringPath, u"again"_s);
         QCOMPARE(node(stringPath)->value, u"again"_s);
+
+        QVERIFY(process.start());
+        DialogAnswerer<QMessageBox> atOnce([](QMessageBox& box) { // not after a review
+            QCOMPARE(box.windowTitle(), u"Save failed"_s);
+            box.close();
+        });
+        action("actSave")->trigger();
+        QVERIFY(atOnce.wasAsked());
+        DialogAnswerer<QMessageBox> close([](QMessageBox& box) {
+            QVERIFY(box.informativeText().startsWith("PixInsight is running"_L1));
+            box.close();
+        });
+        QVERIFY(!m_window->close() && close.wasAsked());
     }
 
     void takesUpWhatPixInsightWroteUnderAnOpenBox()
@@ -346,7 +359,9 @@ private slots:
     {
         const QString bad = m_folder + u"/&lt;%1.settings"_s;
         write(bad, "nonsense");
-        write(bad + u".bak-20260102-000000"_s, "nonsense too");
+        for (int day = 10; day < 21; ++day) {
+            write(bad + u".bak-202601%1-000000"_s.arg(day), "nonsense too");
+        }
         write(bad + u".bak-20260101-000000"_s, contentOf(m_file));
         DialogAnswerer<QMessageBox> told([&](QMessageBox& box) {
             QCOMPARE(box.windowTitle(), u"Cannot open file"_s);
@@ -359,6 +374,8 @@ private slots:
         QVERIFY(!m_window->openFile(bad));
         QVERIFY(told.wasAsked());
         QVERIFY(!model()->document());
+        QCOMPARE(find<QComboBox>("fileBox")->currentIndex(), -1);
+        QCOMPARE(find<QComboBox>("fileBox")->placeholderText(), u"Choose a settings file"_s);
         QVERIFY(!action("actReload")->isEnabled());
         QVERIFY(m_window->openFile(m_file));
     }
@@ -409,6 +426,26 @@ private slots:
         QCOMPARE(contentOf(m_opened), contentOf(u":/help/help.html"_s));
     }
 #endif
+
+    void bringsBackAFileThatIsGone()
+    {
+        const QByteArray before = contentOf(m_file);
+        QVERIFY(QFile::copy(m_file, m_file + u".bak-20260101-000000"_s));
+        auto* box = find<QComboBox>("fileBox");
+        QVERIFY(QFile::remove(m_file));
+        poll();
+        QVERIFY(box->currentText().endsWith(" - instance 1, missing"_L1));
+        DialogAnswerer<QMessageBox> offer([](QMessageBox& asked) {
+            QVERIFY(
+                asked.informativeText().contains("core-001-pxi.settings.bak-20260101-000000"_L1));
+            asked.buttons().constLast()->click();
+        });
+        find<QPushButton>("bannerReload")->click();
+        QVERIFY(offer.wasAsked());
+        QCOMPARE(contentOf(m_file), before);
+        QVERIFY(status().startsWith("Restored "_L1) && find<QLabel>("bannerLabel")->isHidden());
+        QVERIFY(!box->currentText().contains(u"missing"_s));
+    }
 
     void filtersAndKeepsItsPlace()
     {

@@ -20,7 +20,7 @@ private slots:
         }
     }
 
-    /// The operation, its trouble, the number of backups made, and the message.
+    /// The operation, its trouble, the number of backups made, the message, and the remark.
     void leavesEverythingAsItWas_data()
     {
         addTextRows(
@@ -39,37 +39,43 @@ private slots:
              "save > no character > 0 > Internal error: the edited document differs after "
              "re-parsing at A/s. Nothing was written.",
              "save > folder denied > 0 > Could not create the backup %1.bak-%2. Nothing was "
-             "written.",
+             "written. > Reason: Permission denied",
              "save > no room for the backup > 0 > Could not create the backup %1.bak-%2. Nothing "
-             "was written.",
-             "save > real folder denied > 1 > Cannot open %1 for writing: Permission denied",
-             "save > no room > 1 > Error writing %1: File too large",
-             "save > room for a part > 1 > Error writing %1: File too large",
-             "save > full disk > 1 > Error writing %1: No space left on device",
+             "was written. > Reason: File too large",
+             "save > real folder denied > 0 > Cannot open %1 for writing: Permission denied > The "
+             "file is unchanged.",
+             "save > no room > 0 > Error writing %1: File too large > The file is unchanged.",
+             "save > room for a part > 0 > Error writing %1: File too large > The file is "
+             "unchanged.",
+             "save > full disk > 0 > Error writing %1: No space left on device > The file is "
+             "unchanged.",
              "save > read-only disk > 0 > Could not create the backup %1.bak-%2. Nothing was "
-             "written.",
-             "save > real read-only disk > 1 > Cannot open %1 for writing: Existing file "
+             "written. > Reason: Read-only file system",
+             "save > real read-only disk > 0 > Cannot open %1 for writing: Existing file "
              "%3/real/file is "
-             "not writable",
-             "save > no replacement > 1 > Error writing %1: Device or resource busy",
+             "not writable > The file is unchanged.",
+             "save > no replacement > 1 > Error writing %1: Device or resource busy > The file is "
+             "unchanged. The backup %4 had been made by then.",
              "save > closed > 0 > No file is loaded.",
              "restore > closed > 0 > No file is loaded.",
              "restore > running > 0 > PixInsight is running. Close it before restoring a backup.",
              "restore > no source > 0 > Cannot read %1.bak-old: No such file or directory",
              "restore > text > 0 > The backup is not a valid settings file: Not a PixInsight "
              "settings file (no <xsdt> element).",
-             "restore > gone > 0 > Could not back up the current file first. Nothing was changed.",
              "restore > folder denied > 0 > Could not back up the current file first. Nothing was "
-             "changed.",
-             "restore > real folder denied > 1 > Cannot open %1 for writing: Permission denied",
+             "changed. > Reason: Permission denied",
+             "restore > real folder denied > 0 > Cannot open %1 for writing: Permission denied > "
+             "The file is unchanged.",
              "restore > no room for the backup > 0 > Could not back up the current file first. "
-             "Nothing was changed.",
-             "restore > full disk > 1 > Error writing %1: No space left on device",
+             "Nothing was changed. > Reason: File too large",
+             "restore > full disk > 0 > Error writing %1: No space left on device > The file is "
+             "unchanged.",
              "restore > read-only disk > 0 > Could not back up the current file first. Nothing was "
-             "changed.",
-             "restore > real read-only disk > 1 > Cannot open %1 for writing: Existing file "
-             "%3/real/file is not writable",
-             "restore > no replacement > 1 > Error writing %1: Device or resource busy"});
+             "changed. > Reason: Read-only file system",
+             "restore > real read-only disk > 0 > Cannot open %1 for writing: Existing file "
+             "%3/real/file is not writable > The file is unchanged.",
+             "restore > no replacement > 1 > Error writing %1: Device or resource busy > The file "
+             "is unchanged. The backup %4 had been made by then."});
     }
     void leavesEverythingAsItWas()
     {
@@ -82,65 +88,74 @@ private slots:
         const auto files = f.files();
         QString error;
         QString backup = u"none"_s;
-        QString recover = u"none"_s;
-        QVERIFY(!f.run(cells[0] == u"restore"_s, &error, &backup, &recover));
+        QString remark = u"none"_s;
+        QVERIFY(!f.run(cells[0] == u"restore"_s, &error, &backup, &remark));
         static const QRegularExpression stamp(u"\\d{8}-\\d{6}"_s);
         QCOMPARE(error.replace(stamp, u"%2"_s),
                  QString(cells[3]).replace(u"%1"_s, f.path).replace(u"%3"_s, f.dir.path()));
-        QCOMPARE(backup + recover, u"nonenone"_s);
+        QCOMPARE(backup, u"none"_s);
         QCOMPARE(f.state(), state);
         auto after = f.files();
         const QStringList names = after.keys();
         const QStringList made = names.filter(stamp);
         QCOMPARE(made.size(), cells[2].toInt());
+        QCOMPARE(remark, cells.value(4, u"none"_s).replace(u"%4"_s, made.value(0)));
         for (const QString& name : made) {
             QCOMPARE(after.take(name), StoreFixture::defaultBytes());
         }
         QCOMPARE(after, files);
     }
 
-    /// The operation, the file that is spoilt before it is read back, how, and the message.
+    /// The operation, how the file is spoilt before it is read back, and the message.
     void noticesWhatIsSpoiltMeanwhile_data()
     {
-        addTextRows({"save > file > truncate > Read-back verification of %1 failed.",
-                     "save > file > remove > Cannot read %1: No such file or directory",
-                     "restore > file > truncate > Read-back verification of %1 failed.",
-                     "restore > file > remove > Cannot read %1: No such file or directory",
-                     "save > copy > truncate > Could not create the backup %2. Nothing was "
-                     "written.",
-                     "restore > copy > truncate > Could not back up the current file first. "
-                     "Nothing was changed."});
+        addTextRows({"save > truncate > Read-back verification of %1 failed.",
+                     "save > remove > Cannot read %1: No such file or directory",
+                     "restore > truncate > Read-back verification of %1 failed.",
+                     "restore > remove > Cannot read %1: No such file or directory"});
     }
     void noticesWhatIsSpoiltMeanwhile()
     {
         QFETCH(const QStringList, cells);
         const bool restore = cells[0] == u"restore"_s;
-        const bool ofFile = cells[1] == u"file"_s;
         for (int attempt = 0; attempt < 200; ++attempt) {
             StoreFixture f;
             f.edit("A/x", u"2"_s);
             const QString source = f.path + u".bak-source"_s;
             f.write(source, "<xsdt><i k=\"B\"/></xsdt>");
             const QString state = f.state();
-            const QString copy = f.store.backupName(restore ? u"before-restore"_s : QString());
             QString error;
-            QString recover;
-            auto meddler =
-                std::make_unique<Meddler>(ofFile ? f.path : copy, cells[2] == u"remove"_s);
-            const bool done = restore ? f.store.restoreBackup(source, &error, &recover)
-                                      : f.store.save(&error, nullptr, &recover);
+            QString remark;
+            auto meddler = std::make_unique<Meddler>(f.path, cells[1] == u"remove"_s);
+            const bool done = restore ? f.store.restoreBackup(source, &error, &remark)
+                                      : f.store.save(&error, nullptr, &remark);
             meddler.reset();
             if (done) {
                 continue; // too late
             }
-            QCOMPARE(error, QString(cells[3]).replace(u"%1"_s, f.path).replace(u"%2"_s, copy));
+            QCOMPARE(error, QString(cells[2]).replace(u"%1"_s, f.path));
             QCOMPARE(f.state(), state);
-            QCOMPARE(f.store.isChangedOnDisk(), ofFile);
-            QCOMPARE(f.read(ofFile ? recover : f.path), StoreFixture::defaultBytes());
-            QCOMPARE(recover.isEmpty(), !ofFile);
+            QVERIFY(f.store.isChangedOnDisk());
+            const QStringList backups = PixInsightEnv::backupsOf(f.path);
+            QCOMPARE(f.read(backups[0]), StoreFixture::defaultBytes());
+            QCOMPARE(remark,
+                     u"The file had been replaced by then. Its former content is in the "
+                     "backup %1, which can be restored."_s.arg(QFileInfo(backups[0]).fileName()));
             return;
         }
         QSKIP("In 200 attempts nothing came between writing and reading back.");
+    }
+
+    void savesInAFolderThatCannotBeListed()
+    {
+        FaultyStore f;
+        QVERIFY(f.make(u"folder unlisted"_s));
+        QString error;
+        QString backup;
+        QString remark;
+        QVERIFY2(f.run(false, &error, &backup, &remark), qPrintable(error));
+        QCOMPARE(remark, QString());
+        QCOMPARE(f.read(backup), StoreFixture::defaultBytes());
     }
 
     /// KSE_KILLS=500 makes so many.

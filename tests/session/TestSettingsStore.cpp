@@ -166,7 +166,8 @@ private slots:
         StoreFixture f;
         const QString older = f.path + u".bak-older"_s;
         f.write(older, {});
-        for (const auto& [path, year] : {std::pair(f.path, 2001), std::pair(older, 2010)}) {
+        // The older one is of a time when the clock was ahead.
+        for (const auto& [path, year] : {std::pair(f.path, 2001), std::pair(older, 2090)}) {
             QFile file(path);
             QVERIFY(file.open(QIODevice::ReadWrite) &&
                     file.setFileTime(QDateTime({year, 2, 3}, {4, 5, 6}),
@@ -176,8 +177,12 @@ private slots:
         const QDateTime before = QDateTime::currentDateTime().addSecs(-2);
         QString backup;
         QVERIFY(f.store.save(nullptr, &backup));
-        QVERIFY(QFileInfo(backup).lastModified() > before);
         QCOMPARE(PixInsightEnv::backupsOf(f.path).constFirst(), backup);
+        QVERIFY(QFile::remove(older) && QFile::remove(backup));
+        f.edit("A/x", u"3"_s);
+        QVERIFY(f.store.save(nullptr, &backup));
+        const QDateTime time = QFileInfo(backup).lastModified();
+        QVERIFY(time > before && time <= QDateTime::currentDateTime());
     }
 
     void writesAnyLayoutCompactlyAndOnlyChanges()
@@ -228,6 +233,30 @@ private slots:
         QCOMPARE(f.files().size(), 3);
         const QStringList copies = QDir(f.dir.path()).entryList({u"*-before-restore"_s});
         QCOMPARE(f.read(f.dir.filePath(copies.value(0))), "changed meanwhile");
+    }
+
+    void bringsBackWhatIsGone()
+    {
+        StoreFixture f;
+        f.edit("A/x", u"2"_s);
+        QString backup;
+        QVERIFY(f.store.save(nullptr, &backup));
+        QVERIFY(QFile::setPermissions(backup, QFile::ReadOwner));
+        const QFileDevice::Permissions mode = QFile::permissions(backup);
+        QVERIFY(QFile::remove(f.path));
+        QString error;
+        QString remark;
+        QVERIFY2(f.store.restoreBackup(backup, &error, &remark), qPrintable(error));
+        QCOMPARE(f.read(f.path), StoreFixture::defaultBytes());
+        QCOMPARE(QFile::permissions(f.path), mode);
+        QVERIFY(!f.store.isChangedOnDisk() && remark.isEmpty());
+        QCOMPARE(f.files().size(), 2);
+#ifdef Q_OS_UNIX
+        QVERIFY(QFile::remove(f.path) && QFile::link(u"nowhere"_s, f.path));
+        QVERIFY(!f.store.restoreBackup(backup, &error, &remark)); // the disk may just be missing
+        QCOMPARE(error, u"Could not back up the current file first. Nothing was changed."_s);
+        QCOMPARE(remark, u"Cannot read %1: No such file or directory"_s.arg(f.path));
+#endif
     }
 
     /// What is compared with <i k='g'><v k='a' t='s'>1</v></i>, and where it differs, if at all.

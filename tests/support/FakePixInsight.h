@@ -60,6 +60,12 @@ public:
         return m_process.waitForFinished() && waitUntilSeen(id, false);
     }
 
+    /// Path of the executable.
+    QString program() const
+    {
+        return m_program;
+    }
+
     /// The process's id; 0 while it isn't running.
     quint64 processId() const
     {

@@ -35,7 +35,7 @@ public:
     };
 
     /// What is to be done, and where the file lies: behind a link or not, and on a file system
-    /// that has files without a name or not.
+    /// that has files without a name, and hard links, or not.
     FaultTrial(bool restore, bool link, bool named)
         : m_restore(restore)
         , m_link(link)
@@ -112,14 +112,14 @@ public:
         return contentOf(older) == olderBytes && stampOf(older) == m_olderStamp;
     }
 
-    /// The backups that were made.
+    /// The backups that were made, without one that somebody else did.
     QStringList newBackups() const
     {
         QStringList paths;
         for (const QString& found : allFiles()) {
             static const QRegularExpression form(
                 QStringLiteral(R"(\.bak-\d{8}-\d{6}(-before-restore)?(-\d+)?$)"));
-            if (found != older && form.match(found).hasMatch()) {
+            if (found != older && found != claimed && form.match(found).hasMatch()) {
                 paths.append(found);
             }
         }
@@ -130,7 +130,7 @@ public:
     QStringList leftOvers() const
     {
         QStringList paths = allFiles();
-        for (const QString& known : QStringList{path, target, older} + newBackups()) {
+        for (const QString& known : QStringList{path, target, older, claimed} + newBackups()) {
             paths.removeAll(known);
         }
         return paths;
@@ -148,38 +148,49 @@ public:
         names[stampOf(made).first] = QStringLiteral(" backup");
         QStringList steps{QString()};
         for (const Call& call : calls) {
-            const bool naming = call.name == "name" || call.name == "rename";
-            const bool counts = (call.path == target || call.path == made)
-                                    ? naming || call.name == "read"
-                                    : call.name == "write" || call.name == "flush";
+            const bool named = call.path == target || call.path == made;
+            const bool counts =
+                call.name == "read" || (named ? call.name == "name" || call.name == "rename"
+                                              : call.name == "write" || call.name == "flush");
             const QString step = QString::fromLatin1(call.name) + names.value(call.file);
-            if (call.worked && names.contains(call.file) && counts && steps.last() != step) {
+            // Qt flushes the file once more before it renames it.
+            const bool again = steps.last() == step ||
+                               (step == QStringLiteral("flush file") && steps.contains(step));
+            if (call.worked && names.contains(call.file) && counts && !again) {
                 steps.append(step);
             }
         }
         return steps.mid(1).join(QStringLiteral(", "));
     }
 
-    /// Which call, from 1, was the last of that name; 0 if none was.
-    int last(const char* name) const
+    /// Which call, from 1, was the last of that name, or the last before the file was replaced; 0
+    /// if none was.
+    int last(const QByteArray& name, bool beforeReplacement = false) const
     {
         int place = 0;
         for (int i = 0; i < calls.size(); ++i) {
+            const bool replaces =
+                (calls[i].name == "rename" || calls[i].name == "name") && calls[i].path == target;
+            if (beforeReplacement && replaces) {
+                break;
+            }
             place = calls[i].name == name ? i + 1 : place;
         }
         return place;
     }
 
-    QString path;   ///< As it is opened.
-    QString target; ///< The file itself.
-    QString older;  ///< A backup that was there before; what is restored.
+    QString path;    ///< As it is opened.
+    QString target;  ///< The file itself.
+    QString claimed; ///< What somebody else has put under the name of a backup, if so.
+    QString older;   ///< A backup that was there before; what is restored.
     QByteArray oldBytes;
     QByteArray newBytes;
     QByteArray olderBytes;
 
     Outcome outcome = Outcome::Died;
     QString error;
-    QString backup;    ///< What a save or a failure after the replacement has named.
+    QString backup; ///< What a save has named.
+    QString remark;
     bool kept = false; ///< Whether tree, pending changes and hash are as they were.
     QList<Call> calls;
 
@@ -255,6 +266,7 @@ private:
         outcome = index < 0 ? Outcome::Died : static_cast<Outcome>(index);
         error = told.value(QStringLiteral("error"));
         backup = told.value(QStringLiteral("backup"));
+        remark = told.value(QStringLiteral("remark"));
         kept = told.value(QStringLiteral("kept")) == u"yes";
         if (outcome == Outcome::Died) {
             finish();
@@ -266,11 +278,14 @@ private:
     void readLog()
     {
         calls.clear();
+        claimed.clear();
         for (const QByteArray& line : StoreFixture::read(m_log).split('\n')) {
             const QList<QByteArray> words = line.split(' ');
-            if (words.size() > 3) {
-                calls.append({words[0], words[1] == "0", words[2].toULongLong(),
-                              QFile::decodeName(words.mid(3).join(' '))});
+            const QString file = QFile::decodeName(words.mid(3).join(' '));
+            if (words[0] == "claim") {
+                claimed = file;
+            } else if (words.size() > 3) {
+                calls.append({words[0], words[1] == "0", words[2].toULongLong(), file});
             }
         }
     }

@@ -8,7 +8,7 @@
 //   KSE_FAULT_AT      which call goes wrong, from 1
 //   KSE_FAULT_LASTING if set, all later ones go wrong too
 //   KSE_FAULT_VICTIM  the file that somebody else spoils
-//   KSE_FAULT_NAMED   if set, the file system has no files without a name
+//   KSE_FAULT_NAMED   if set, the file system has no files without a name and no hard links
 //   KSE_FAULT_MODE    what goes wrong:
 //     error CODE      the call isn't made, and fails with that error code
 //     late CODE       the call is made, and yet fails
@@ -18,6 +18,8 @@
 //     swap, cut, remove, deny
 //                     before the call the victim is replaced by another file, cut, removed, or
 //                     loses all permissions
+//     claim           before the call somebody else takes the backup's name that was looked at last
+//     start           before the call the program KSE_FAULT_VICTIM is started
 //   KSE_FAULT_OVER    if set, nothing goes wrong any more, and nothing is logged
 #include <cerrno>
 #include <csignal>
@@ -30,6 +32,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -110,6 +113,40 @@ void writeLine(const char* call, int error, ino_t number, const std::string& pat
     }
 }
 
+std::string freeName; // of a backup
+
+/// Remembers which name for a backup was found to be free.
+void note(int error, const std::string& path)
+{
+    if (error == ENOENT && path.find(".bak-") != std::string::npos) {
+        freeName = path;
+    }
+}
+
+void claimName()
+{
+    const int file = NEXT(open)(freeName.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666);
+    if (file >= 0) {
+        (void)!NEXT(write)(file, "claimed", 7);
+        NEXT(close)(file);
+        writeLine("claim", 0, numberOf(freeName), freeName);
+    }
+}
+
+/// Returns when `program` runs, which it does until the standard input ends.
+void start(const char* program)
+{
+    char* const none[] = {nullptr};
+    pid_t id = 0;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    if (posix_spawn(&id, program, &actions, nullptr, none, none) != 0) {
+        std::abort();
+    }
+    posix_spawn_file_actions_destroy(&actions);
+}
+
 void spoilVictim(const std::string& how)
 {
     const char* const victim = settings().victim.c_str();
@@ -125,6 +162,10 @@ void spoilVictim(const std::string& how)
         NEXT(unlink)(victim);
     } else if (how == "deny") {
         NEXT(chmod)(victim, 0);
+    } else if (how == "claim") {
+        claimName();
+    } else if (how == "start") {
+        start(victim);
     }
 }
 
@@ -170,6 +211,7 @@ auto handle(const char* name, const std::string& path, Make make, Number number)
     }
     file = file == 0 ? number() : file;
     writeLine(name, error, file, path);
+    note(error, path);
     if (mode == "after" || mode == "torn") {
         die();
     }
@@ -186,6 +228,18 @@ auto onPath(const char* name, const std::string& path, Make make)
         return make();
     };
     return isWatched(path) ? handle(name, path, whole, [&path] { return numberOf(path); }) : make();
+}
+
+/// The same for a call that a file system of the poorer kind refuses with `code`.
+template <typename Make>
+int onPathIfRich(const char* name, const std::string& path, int code, Make make)
+{
+    const auto refuse = [code] {
+        errno = code;
+        return -1;
+    };
+    return settings().named && isWatched(path) ? onPath(name, path, refuse)
+                                               : onPath(name, path, make);
 }
 
 template <typename Make>
@@ -300,9 +354,25 @@ WATCH_PATH("remove", int, unlink, (const char* path) noexcept, (path))
 WATCH_PATH("remove", int, unlinkat, (int folder, const char* path, int flags) noexcept, (folder, path, flags))
 WATCH_PATH("rename", int, rename, (const char* from, const char* path) noexcept, (from, path))
 WATCH_PATH("rename", int, renameat, (int folder, const char* from, int to, const char* path) noexcept, (folder, from, to, path))
-WATCH_PATH("rename", int, renameat2, (int folder, const char* from, int to, const char* path, unsigned flags) noexcept, (folder, from, to, path, flags))
-WATCH_PATH("name", int, link, (const char* from, const char* path) noexcept, (from, path))
-WATCH_PATH("name", int, linkat, (int folder, const char* from, int to, const char* path, int flags) noexcept, (folder, from, to, path, flags))
+
+int renameat2(int folder, const char* from, int to, const char* path, unsigned flags) noexcept
+{
+    return onPathIfRich("rename", path, EINVAL, [=] {
+        return NEXT(renameat2)(folder, from, to, path, flags);
+    });
+}
+
+int link(const char* from, const char* path) noexcept
+{
+    return onPathIfRich("name", path, EPERM, [=] { return NEXT(link)(from, path); });
+}
+
+int linkat(int folder, const char* from, int to, const char* path, int flags) noexcept
+{
+    return onPathIfRich("name", path, EPERM, [=] {
+        return NEXT(linkat)(folder, from, to, path, flags);
+    });
+}
 
 int fcntl(int file, int command, ...)
 {

@@ -89,11 +89,15 @@ struct FaultyStore : StoreFixture
              }},
             {u"folder denied"_s,
              [&] {
-                 return denyWriting(dir.path());
+                 return deny(dir.path(), 0555);
              }},
             {u"real folder denied"_s,
              [&] {
-                 return denyWriting(moveBehindLink());
+                 return deny(moveBehindLink(), 0555);
+             }},
+            {u"folder unlisted"_s,
+             [&] {
+                 return deny(dir.path(), 0333);
              }},
             {u"no room for the backup"_s,
              [&] {
@@ -134,15 +138,15 @@ struct FaultyStore : StoreFixture
     QString source() const { return path + u".bak-old"_s; }
 
     /// Saves, or restores the older backup, under the size limit if that is the trouble.
-    bool run(bool restore, QString* error, QString* backup, QString* recover)
+    bool run(bool restore, QString* error, QString* backup, QString* remark)
     {
         rlimit before = {};
         getrlimit(RLIMIT_FSIZE, &before);
         const rlimit limit = {m_sizeLimit, before.rlim_max};
         std::signal(SIGXFSZ, SIG_IGN); // so that the limit is an error, like a full disk
         setrlimit(RLIMIT_FSIZE, &limit);
-        const bool done = restore ? store.restoreBackup(source(), error, recover)
-                                  : store.save(error, backup, recover);
+        const bool done = restore ? store.restoreBackup(source(), error, remark)
+                                  : store.save(error, backup, remark);
         setrlimit(RLIMIT_FSIZE, &before);
         return done;
     }
@@ -154,8 +158,8 @@ private:
         return true;
     }
 
-    /// Makes `folder` read-only, to root too, who becomes somebody else for it.
-    bool denyWriting(const QString& folder)
+    /// Gives `folder` that mode, which counts for root too, who becomes somebody else for it.
+    bool deny(const QString& folder, mode_t mode)
     {
         m_denied = folder;
         constexpr uid_t nobody = 65534;
@@ -166,7 +170,7 @@ private:
                 }
             }
         }
-        return chmod(QFile::encodeName(folder).constData(), 0555) == 0 &&
+        return chmod(QFile::encodeName(folder).constData(), mode) == 0 &&
                (getuid() != 0 || seteuid(nobody) == 0);
     }
 

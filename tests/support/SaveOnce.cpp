@@ -3,6 +3,7 @@
 //   save-once save FILE | save-once restore FILE BACKUP
 #include "support/SaveOnce.h"
 
+#include "session/PixInsightEnv.h"
 #include "support/StoreFixture.h"
 
 #include <QCoreApplication>
@@ -21,19 +22,20 @@ struct Session
     SettingsStore store;
     QString error;
     QString backup;
+    QString remark;
 
     bool open() { return store.load(path, &error) && changeOnce(store); }
 
-    /// Waits while a process of PixInsight's name runs, as in another program's test. That is asked
-    /// before anything else, so that no call is lost on it.
+    /// Waits while a process of PixInsight's name runs, as in another program's test, unless it is
+    /// this one's fault. That is asked before anything else, so that no call is lost on it.
     bool run()
     {
-        bool done = false;
-        do {
-            done = source.isEmpty() ? store.save(&error, &backup, &backup)
-                                    : store.restoreBackup(source, &error, &backup);
-        } while (!done && error.startsWith(u"PixInsight is running."));
-        return done;
+        const bool waits =
+            qgetenv("KSE_FAULT_MODE") != "start" || qEnvironmentVariableIsSet("KSE_FAULT_OVER");
+        while (waits && !PixInsightEnv::runningProcessIds().isEmpty()) {
+        }
+        return source.isEmpty() ? store.save(&error, &backup, &remark)
+                                : store.restoreBackup(source, &error, &remark);
     }
 };
 
@@ -49,7 +51,7 @@ int main(int argc, char** argv)
 {
     const QCoreApplication app(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    Session session{arguments.value(2), arguments.value(3), {}, {}, {}};
+    Session session{arguments.value(2), arguments.value(3), {}, {}, {}, {}};
     const bool opened = session.open();
     const QString before = stateOf(session.store);
     const bool done = opened && session.run();
@@ -57,6 +59,7 @@ int main(int argc, char** argv)
     tell("outcome", !opened ? u"closed"_s : done ? u"done"_s : u"failed"_s);
     tell("error", session.error);
     tell("backup", session.backup);
+    tell("remark", session.remark);
     tell("kept", stateOf(session.store) == before ? u"yes"_s : u"no"_s);
     tell("changed", session.store.isChangedOnDisk() ? u"yes"_s : u"no"_s);
     tell("end", {});

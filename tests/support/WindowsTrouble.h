@@ -42,10 +42,10 @@ struct WindowsTrouble : StoreFixture
     QString source() const { return path + QStringLiteral(".bak-old"); }
 
     /// Saves, or restores the older backup.
-    bool run(bool restore, QString* error, QString* backup = nullptr, QString* recover = nullptr)
+    bool run(bool restore, QString* error, QString* backup = nullptr, QString* remark = nullptr)
     {
-        return restore ? store.restoreBackup(source(), error, recover)
-                       : store.save(error, backup, recover);
+        return restore ? store.restoreBackup(source(), error, remark)
+                       : store.save(error, backup, remark);
     }
 
 private:
