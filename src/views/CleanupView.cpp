@@ -3,6 +3,7 @@
 
 #include "document/XsdtDocument.h"
 #include "schema/DeletePolicy.h"
+#include "views/CleanupRow.h"
 #include "views/FormatBytes.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
@@ -13,6 +14,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QTreeWidget>
@@ -25,50 +27,6 @@ using namespace Qt::StringLiterals;
 namespace kse {
 
 namespace {
-
-enum Column { EntryColumn, ValuesColumn, SizeColumn, StatusColumn, ColumnCount };
-
-// Qt lays out a million characters for seconds, however narrow the column.
-constexpr qsizetype nameLimit = 1000;
-
-/// A row whose box ticks all beneath it, and tells of that once: told row by row, the status of
-/// all rows would be looked up for each of them.
-class ParentRow : public QTreeWidgetItem
-{
-public:
-    ParentRow() { setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable | Qt::ItemIsAutoTristate); }
-
-    void setData(int column, int role, const QVariant& value) override
-    {
-        if (role != Qt::CheckStateRole || !treeWidget()) {
-            QTreeWidgetItem::setData(column, role, value);
-            return;
-        }
-        {
-            const QSignalBlocker quiet(treeWidget()->model());
-            QTreeWidgetItem::setData(column, role, value);
-        }
-        emitDataChanged();
-    }
-};
-
-void setNumbers(QTreeWidgetItem& row, qsizetype values, qint64 size)
-{
-    row.setText(ValuesColumn, QString::number(values));
-    row.setText(SizeColumn, formatBytes(size));
-    row.setTextAlignment(ValuesColumn, Qt::AlignRight | Qt::AlignVCenter);
-    row.setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
-}
-
-ParentRow* makeRoot(const QString& title)
-{
-    auto* root = new ParentRow;
-    root->setText(EntryColumn, title);
-    QFont bold;
-    bold.setWeight(QFont::Bold);
-    root->setFont(EntryColumn, bold);
-    return root;
-}
 
 void addNoteIfEmpty(QTreeWidgetItem* root, const QString& note)
 {
@@ -115,41 +73,6 @@ struct NamedNodes
 
 } // namespace
 
-/// A row with a box of its own.
-class CleanupView::Entry : public QTreeWidgetItem
-{
-public:
-    explicit Entry(const QString& name)
-        : QTreeWidgetItem({withoutMiddle(name, nameLimit)})
-    {
-        setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
-        setCheckState(EntryColumn, Qt::Unchecked);
-    }
-
-    void addNode(XsdtNode* node, qsizetype valueCount, qint64 serializedSize)
-    {
-        nodes.append(node);
-        values += valueCount;
-        size += serializedSize;
-        setNumbers(*this, values, size);
-    }
-
-    QString status(qsizetype queued) const
-    {
-        if (queued == 0) {
-            return {};
-        }
-        return queued == nodes.size()
-                   ? CleanupView::tr("Queued for deletion")
-                   : CleanupView::tr("Partly queued (%1 of %2)").arg(queued).arg(nodes.size());
-    }
-
-    QList<XsdtNode*> nodes; ///< What it deletes.
-    qsizetype values = 0;
-    qint64 size = 0; ///< In bytes, when the list was built.
-    bool isWarn = false;
-};
-
 CleanupView::CleanupView(SettingsModel* model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
@@ -159,6 +82,7 @@ CleanupView::CleanupView(SettingsModel* model, QWidget* parent)
     connect(m_undoButton, &QPushButton::clicked, this, &CleanupView::undoTicked);
     connect(m_queueButton, &QPushButton::clicked, this, &CleanupView::queueTicked);
     connect(m_tree, &QTreeWidget::itemChanged, this, &CleanupView::refreshStatus);
+    connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CleanupView::showRowMenu);
     connect(m_model, &SettingsModel::edited, this, &CleanupView::refreshStatus);
     refreshStatus();
 }
@@ -168,17 +92,18 @@ void CleanupView::createWidgets()
     m_tree = new QTreeWidget(this);
     m_tree->setObjectName("tree"_L1);
     m_tree->setAccessibleName(tr("Entries that can be removed"));
-    m_tree->setColumnCount(ColumnCount);
+    m_tree->setColumnCount(CleanupRow::ColumnCount);
     m_tree->setHeaderLabels({tr("Entry"), tr("Values"), tr("Size"), tr("Status")});
     m_tree->setRootIsDecorated(true);
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
     m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
+    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
-    header->setSectionResizeMode(EntryColumn, QHeaderView::Stretch);
-    for (const int column : {ValuesColumn, SizeColumn}) {
+    header->setSectionResizeMode(CleanupRow::EntryColumn, QHeaderView::Stretch);
+    for (const int column : {CleanupRow::ValuesColumn, CleanupRow::SizeColumn}) {
         m_tree->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     }
 
@@ -187,6 +112,8 @@ void CleanupView::createWidgets()
     m_statusLabel->setTextFormat(Qt::PlainText);
     m_undoButton = new QPushButton(tr("Undo queued deletion"), this);
     m_undoButton->setObjectName("undoButton"_L1);
+    m_undoButton->setToolTip(
+        tr("Tick a queued entry again to undo its deletion, or use its right-click menu."));
     m_queueButton = new QPushButton(tr("Queue for deletion"), this);
     m_queueButton->setObjectName("queueButton"_L1);
 }
@@ -214,6 +141,7 @@ void CleanupView::setDocument(XsdtDocument* document)
 {
     const QSignalBlocker blocker(m_tree);
     m_entries.clear();
+    m_rows.clear();
     m_tree->clear();
     m_safeRoot = nullptr;
     m_warnRoot = nullptr;
@@ -224,16 +152,20 @@ void CleanupView::setDocument(XsdtDocument* document)
         return;
     }
     // Filled before they come into the tree, which otherwise takes every row by itself.
-    m_safeRoot = makeRoot(tr("Safe to clean - PixInsight recreates these"));
+    m_safeRoot = new CleanupParent(*m_model, tr("Safe to clean - PixInsight recreates these"));
     for (const CleanupGroup& group : policy->cleanupGroups()) {
         group.each ? addMatches(group) : addWholeGroup(group);
     }
     addNoteIfEmpty(m_safeRoot, tr("Nothing to clean in this file."));
-    m_warnRoot = makeRoot(tr("Saved tool and script settings - deleting loses your configuration"));
+    m_warnRoot = new CleanupParent(
+        *m_model, tr("Saved tool and script settings - deleting loses your configuration"));
     addWarnEntries();
     addNoteIfEmpty(m_warnRoot, tr("No tool settings found."));
     m_tree->addTopLevelItems({m_safeRoot, m_warnRoot});
+    QFont bold;
+    bold.setWeight(QFont::Bold);
     for (QTreeWidgetItem* root : {m_safeRoot, m_warnRoot}) {
+        root->setFont(CleanupRow::EntryColumn, bold);
         root->setFirstColumnSpanned(true);
         root->setExpanded(true);
     }
@@ -242,7 +174,7 @@ void CleanupView::setDocument(XsdtDocument* document)
 
 void CleanupView::addWholeGroup(const CleanupGroup& group)
 {
-    auto entry = std::make_unique<Entry>(group.title);
+    auto entry = std::make_unique<CleanupEntry>(*m_model, group.title);
     QStringList found;
     for (const QString& path : group.paths) {
         XsdtNode* node = m_document->root.findByPath(path);
@@ -251,17 +183,21 @@ void CleanupView::addWholeGroup(const CleanupGroup& group)
         }
         const qsizetype values = node->valueCount();
         const qint64 size = node->serializedSize();
-        auto* detail = new QTreeWidgetItem(entry.get(), {withoutMiddle(node->path(), nameLimit)});
+        auto* detail = new CleanupRow(*m_model, node->path());
         detail->setFlags(Qt::ItemIsEnabled);
-        setNumbers(*detail, values, size);
+        detail->addNode(node, values, size);
+        entry->addChild(detail);
+        m_rows.append(detail);
         entry->addNode(node, values, size);
         found.append(path);
     }
     if (found.isEmpty()) {
         return;
     }
-    entry->setToolTip(EntryColumn, asToolTip(group.description + u'\n' + found.join(", "_L1)));
+    entry->setToolTip(CleanupRow::EntryColumn,
+                      asToolTip(group.description + u'\n' + found.join(", "_L1)));
     m_entries.append(entry.get());
+    m_rows.append(entry.get());
     m_safeRoot->addChild(entry.release());
 }
 
@@ -279,19 +215,15 @@ void CleanupView::addMatches(const CleanupGroup& group)
     if (matches.nodes.isEmpty()) {
         return;
     }
-    auto* parent = new ParentRow;
+    auto* parent = new CleanupParent(
+        *m_model, tr("%1 (%2)").arg(group.title, QString::number(matches.nodes.size())));
     m_safeRoot->addChild(parent);
-    qsizetype values = 0;
-    qint64 size = 0;
+    m_rows.append(parent);
     matches.visitSorted([&](const QString& name, XsdtNode* node) {
-        const Entry* entry = addEntry(parent, name, node, false);
-        values += entry->values;
-        size += entry->size;
+        const CleanupEntry* entry = addEntry(parent, name, node, false);
+        parent->addNode(node, entry->values(), entry->size());
     });
-    parent->setText(EntryColumn,
-                    tr("%1 (%2)").arg(group.title, QString::number(matches.nodes.size())));
-    setNumbers(*parent, values, size);
-    parent->setToolTip(EntryColumn, asToolTip(group.description));
+    parent->setToolTip(CleanupRow::EntryColumn, asToolTip(group.description));
 }
 
 void CleanupView::addWarnEntries()
@@ -305,15 +237,16 @@ void CleanupView::addWarnEntries()
         [this](const QString& path, XsdtNode* node) { addEntry(m_warnRoot, path, node, true); });
 }
 
-CleanupView::Entry* CleanupView::addEntry(QTreeWidgetItem* parent, const QString& name,
-                                          XsdtNode* node, bool isWarn)
+CleanupEntry* CleanupView::addEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node,
+                                    bool isWarn)
 {
-    auto* entry = new Entry(name);
+    auto* entry = new CleanupEntry(*m_model, name);
     parent->addChild(entry);
     entry->isWarn = isWarn;
     entry->addNode(node, node->valueCount(), node->serializedSize());
-    entry->setToolTip(EntryColumn, asToolTip(m_model->deletionDecision(node).reason));
+    entry->setToolTip(CleanupRow::EntryColumn, asToolTip(m_model->deletionDecision(node).reason));
     m_entries.append(entry);
+    m_rows.append(entry);
     return entry;
 }
 
@@ -329,27 +262,25 @@ void CleanupView::refreshStatus()
 {
     // The view would look for each changed row by itself, in quadratic time.
     const QSignalBlocker quiet(m_tree->model());
-    int queuedEntries = 0;
-    for (Entry* entry : std::as_const(m_entries)) {
-        const auto queued = std::count_if(entry->nodes.cbegin(), entry->nodes.cend(),
-                                          [](const XsdtNode* n) { return n->isInsideDeletion(); });
-        entry->setText(StatusColumn, entry->status(queued));
-        queuedEntries += queued > 0 ? 1 : 0;
+    for (CleanupRow* row : std::as_const(m_rows)) {
+        row->refresh();
     }
+    const auto queuedEntries = std::count_if(m_entries.cbegin(), m_entries.cend(),
+                                             [](const CleanupEntry* e) { return e->queued() > 0; });
     for (QTreeWidgetItem* root : {m_safeRoot, m_warnRoot}) {
         if (root) {
             root->setDisabled(m_readOnly); // and with it what lies beneath
         }
     }
-    m_tree->resizeColumnToContents(StatusColumn);
+    m_tree->resizeColumnToContents(CleanupRow::StatusColumn);
     m_tree->viewport()->update();
     QAccessibleTableModelChangeEvent change(m_tree, QAccessibleTableModelChangeEvent::DataChanged);
     QAccessible::updateAccessibility(&change);
 
-    const QList<Entry*> ticked = tickedEntries();
+    const QList<CleanupEntry*> ticked = tickedEntries();
     qint64 size = 0;
-    for (const Entry* entry : ticked) {
-        size += entry->size;
+    for (const CleanupEntry* entry : ticked) {
+        size += entry->size();
     }
     const bool canQueue = !m_readOnly && !ticked.isEmpty();
     setEnabledOrPass(*m_queueButton, canQueue, *m_tree);
@@ -364,11 +295,13 @@ void CleanupView::refreshStatus()
     }
 }
 
-QList<CleanupView::Entry*> CleanupView::tickedEntries() const
+QList<CleanupEntry*> CleanupView::tickedEntries() const
 {
-    QList<Entry*> ticked;
+    QList<CleanupEntry*> ticked;
     std::copy_if(m_entries.cbegin(), m_entries.cend(), std::back_inserter(ticked),
-                 [](const Entry* e) { return e->checkState(EntryColumn) == Qt::Checked; });
+                 [](const CleanupEntry* e) {
+                     return e->checkState(CleanupRow::EntryColumn) == Qt::Checked;
+                 });
     return ticked;
 }
 
@@ -376,20 +309,20 @@ void CleanupView::tickAll(bool skipWarn)
 {
     {
         const QSignalBlocker quiet(m_tree->model());
-        for (Entry* entry : std::as_const(m_entries)) {
+        for (CleanupEntry* entry : std::as_const(m_entries)) {
             const bool skip = skipWarn && entry->isWarn;
-            entry->setCheckState(EntryColumn, skip ? Qt::Unchecked : Qt::Checked);
+            entry->setCheckState(CleanupRow::EntryColumn, skip ? Qt::Unchecked : Qt::Checked);
         }
     }
     refreshStatus();
 }
 
-void CleanupView::untick(const QList<Entry*>& entries)
+void CleanupView::untick(const QList<CleanupEntry*>& entries)
 {
     {
         const QSignalBlocker quiet(m_tree->model());
-        for (Entry* entry : entries) {
-            entry->setCheckState(EntryColumn, Qt::Unchecked);
+        for (CleanupEntry* entry : entries) {
+            entry->setCheckState(CleanupRow::EntryColumn, Qt::Unchecked);
         }
     }
     refreshStatus();
@@ -398,10 +331,10 @@ void CleanupView::untick(const QList<Entry*>& entries)
 bool CleanupView::confirmWarnings()
 {
     QStringList names;
-    const QList<Entry*> ticked = tickedEntries();
-    for (const Entry* entry : ticked) {
+    const QList<CleanupEntry*> ticked = tickedEntries();
+    for (const CleanupEntry* entry : ticked) {
         if (entry->isWarn) {
-            names.append(entry->text(EntryColumn));
+            names.append(entry->text(CleanupRow::EntryColumn));
         }
     }
     if (names.isEmpty() || !m_confirmWarn) {
@@ -426,7 +359,7 @@ void CleanupView::queueTicked()
     }
     // Only now: beneath the question the list may have been built anew, for another tree. Then
     // nothing is ticked.
-    const QList<Entry*> ticked = tickedEntries();
+    const QList<CleanupEntry*> ticked = tickedEntries();
     if (ticked.isEmpty()) {
         return;
     }
@@ -434,8 +367,8 @@ void CleanupView::queueTicked()
     QStringList refusals;
     {
         const SettingsModel::Batch batch(*m_model);
-        for (const Entry* entry : ticked) {
-            for (XsdtNode* node : entry->nodes) {
+        for (const CleanupEntry* entry : ticked) {
+            for (XsdtNode* node : entry->nodes()) {
                 QString reason;
                 if (m_model->markForDeletion(node, &reason)) {
                     ++queued;
@@ -452,16 +385,52 @@ void CleanupView::queueTicked()
 
 void CleanupView::undoTicked()
 {
-    const QList<Entry*> ticked = tickedEntries();
-    {
-        const SettingsModel::Batch batch(*m_model);
-        for (const Entry* entry : ticked) {
-            for (XsdtNode* node : entry->nodes) {
-                m_model->undoDeletion(node);
-            }
-        }
+    const QList<CleanupEntry*> ticked = tickedEntries();
+    QList<XsdtNode*> nodes;
+    bool isAnyQueued = false;
+    for (const CleanupEntry* entry : ticked) {
+        nodes += entry->nodes();
+        isAnyQueued = isAnyQueued || entry->queued() > 0;
+    }
+    if (!undo(nodes)) {
+        emit message(isAnyQueued ? tr("What is ticked lies inside a group that is queued for "
+                                      "deletion. Undo the deletion of that group.")
+                                 : tr("Nothing that is ticked is queued for deletion."));
     }
     untick(ticked);
+}
+
+/// Whether any of `nodes` was queued itself.
+bool CleanupView::undo(const QList<XsdtNode*>& nodes)
+{
+    const SettingsModel::Batch batch(*m_model);
+    bool isAnyMarked = false;
+    for (XsdtNode* node : nodes) {
+        isAnyMarked = isAnyMarked || node->markedForDeletion;
+        m_model->undoDeletion(node);
+    }
+    return isAnyMarked;
+}
+
+void CleanupView::showRowMenu(const QPoint& pos)
+{
+    const auto* row = dynamic_cast<const CleanupRow*>(m_tree->itemAt(pos)); // null for a note
+    if (!row || row->nodes().isEmpty()) {
+        return;
+    }
+    const QList<XsdtNode*> nodes = row->nodes(); // the row may die beneath the menu
+    const bool isMarked = std::any_of(nodes.cbegin(), nodes.cend(),
+                                      [](const XsdtNode* n) { return n->markedForDeletion; });
+    QMenu menu(window());
+    QAction* action =
+        menu.addAction(row->queued() > 0 && !isMarked ? tr("Inside a group marked for deletion")
+                                                      : tr("Undo deletion"));
+    action->setEnabled(isMarked && !m_readOnly);
+    const quint64 generation = m_model->generation();
+    const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
+    if (chosen == action && m_model->generation() == generation && !m_readOnly) {
+        undo(nodes);
+    }
 }
 
 } // namespace kse

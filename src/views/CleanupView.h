@@ -11,6 +11,8 @@ class QTreeWidgetItem;
 
 namespace kse {
 
+class CleanupEntry;
+class CleanupRow;
 class SettingsModel;
 struct CleanupGroup;
 struct XsdtDocument;
@@ -47,18 +49,19 @@ signals:
     void message(const QString& text);
 
 private:
-    class Entry;
-
     void createWidgets();
     void createLayout();
     void undoTicked();
+    bool undo(const QList<XsdtNode*>& nodes);
+    void showRowMenu(const QPoint& pos);
     void refreshStatus();
     void addWholeGroup(const CleanupGroup& group);
     void addMatches(const CleanupGroup& group);
     void addWarnEntries();
-    Entry* addEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node, bool isWarn);
-    QList<Entry*> tickedEntries() const;
-    void untick(const QList<Entry*>& entries);
+    CleanupEntry* addEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node,
+                           bool isWarn);
+    QList<CleanupEntry*> tickedEntries() const;
+    void untick(const QList<CleanupEntry*>& entries);
     bool confirmWarnings();
 
     SettingsModel* m_model = nullptr;
@@ -67,7 +70,9 @@ private:
     bool m_confirmWarn = true;
     QTreeWidgetItem* m_safeRoot = nullptr; ///< Null while the tree is empty, as `m_warnRoot` is.
     QTreeWidgetItem* m_warnRoot = nullptr;
-    QList<Entry*> m_entries; ///< What can be ticked, from top to bottom.
+    QList<CleanupEntry*>
+        m_entries;             ///< What deletes something when it is ticked, from top to bottom.
+    QList<CleanupRow*> m_rows; ///< All that stand for nodes.
     QTreeWidget* m_tree = nullptr;
     QLabel* m_statusLabel = nullptr;
     QPushButton* m_undoButton = nullptr;

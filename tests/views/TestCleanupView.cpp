@@ -66,6 +66,7 @@ private slots:
     void listsWhatThePolicyOffers();
     void ticksWithTheKeyboard();
     void asksBeforeSettingsAreLost();
+    void showsWhatIsQueued();
     void dropsTheAnswerWhenTheTreeIsGone();
 };
 
@@ -83,9 +84,6 @@ void TestCleanupView::listsWhatThePolicyOffers()
     const XsdtNode* node = page.document.root.findByPath(u"ModuleData/A");
     QCOMPARE(page.item(u"ModuleData/A"_s)->toolTip(0), page.policy.decide(node).reason);
     QVERIFY(page.item(safeTier)->isExpanded() && page.item(warnTier)->isExpanded());
-
-    QVERIFY(page.model.markForDeletion(page.document.root.findByPath(u"CommandHistory")));
-    QCOMPARE(page.item(histories)->text(3), u"Partly queued (1 of 2)"_s);
 
     page.document.root.children.clear();
     page.view.setDocument(&page.document);
@@ -139,6 +137,53 @@ void TestCleanupView::asksBeforeSettingsAreLost()
     page.queueButton->click();
     QCOMPARE(messages.size(), 1);
     QCOMPARE(edits.size(), 3);
+}
+
+void TestCleanupView::showsWhatIsQueued()
+{
+    Page page(sample);
+    QSignalSpy messages(&page.view, &CleanupView::message);
+    QTreeWidget& tree = *page.tree;
+    tree.expandAll();
+    const auto looks = [&page](const QString& row) {
+        const QTreeWidgetItem* item = page.item(row);
+        return item->text(3) + (item->font(0).strikeOut() ? u" struck"_s : u""_s) +
+               (item->background(2).color().alpha() == 60 ? u" red"_s : u""_s);
+    };
+    const QString history = u"CommandHistory"_s;
+    const QString module = u"ModuleData/A"_s;
+    QCOMPARE(chooseInMenu(tree, history, {}), QStringList(u"Undo deletion!"_s));
+    for (const QString& path : {history, module}) {
+        QVERIFY(page.model.markForDeletion(page.document.root.findByPath(path)));
+    }
+    QCOMPARE(looks(histories), u"Partly queued (1 of 2)"_s);
+    QCOMPARE(looks(history), u" struck red"_s);
+    QCOMPARE(looks(windows), u"Partly queued (1 of 2)"_s);
+    QCOMPARE(looks(u"A › A"_s), u"Queued for deletion struck"_s);
+    QCOMPARE(looks(module), u"Queued for deletion struck red"_s);
+    QCOMPARE(chooseInMenu(tree, u"A › A"_s, {}),
+             QStringList(u"Inside a group marked for deletion!"_s));
+
+    // The button says why it does nothing, and the menu needs no ticks.
+    auto* undo = page.view.findChild<QPushButton*>(u"undoButton"_s);
+    for (const auto& [row, text] :
+         {std::pair(u"A › A"_s, u"What is ticked lies inside a group that "
+                                "is queued for deletion. Undo the "
+                                "deletion of that group."_s),
+          std::pair(u"z › W"_s, u"Nothing that is ticked is queued for "
+                                "deletion."_s)}) {
+        page.toggle(row);
+        undo->click();
+        QCOMPARE(messages.takeFirst(), QVariantList{text});
+    }
+    chooseInMenu(tree, module, u"Undo deletion"_s);
+    QCOMPARE(looks(windows) + looks(module), QString());
+    page.view.setReadOnly(true);
+    chooseInMenu(tree, histories, u"Undo deletion"_s);
+    QCOMPARE(page.document.pendingCount(), 1);
+    page.view.setReadOnly(false);
+    chooseInMenu(tree, histories, u"Undo deletion"_s);
+    QCOMPARE(page.document.pendingCount(), 0);
 }
 
 void TestCleanupView::dropsTheAnswerWhenTheTreeIsGone()
