@@ -2,7 +2,7 @@
 #include "views/HealthView.h"
 
 #include "document/XsdtNode.h"
-#include "schema/DeletePolicy.h"
+#include "views/GroupLine.h"
 #include "views/PlainText.h"
 #include "views/SettingRow.h"
 #include "views/SettingRowSet.h"
@@ -27,6 +27,7 @@ namespace {
 constexpr qsizetype cardStep = 200; // that many at once aren't felt as a wait
 constexpr qsizetype nodeLimit = 12;
 constexpr qsizetype titleLimit = 1000;
+constexpr qsizetype pathLimit = 500; // what follows it must stay in sight
 constexpr qsizetype detailLimit = 10'000;
 
 QColor severityColor(Severity severity)
@@ -109,8 +110,9 @@ void HealthView::connectWidgets()
     connect(m_rerunButton, &QPushButton::clicked, this, &HealthView::run);
     connect(m_cards, &WidgetColumn::moreRequested, this, &HealthView::addCards);
     connect(m_model, &SettingsModel::edited, this, &HealthView::onEdited);
+    connect(m_model, &SettingsModel::edited, this, &HealthView::refreshGroupLines);
     connect(m_rowSet, &SettingRowSet::message, this, &HealthView::message);
-    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &HealthView::deleteRequested);
+    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &HealthView::requestDeletion);
     connect(m_rowSet, &SettingRowSet::restoreRequested, this, &HealthView::restoreRequested);
     connect(m_rowSet, &SettingRowSet::revealRequested, this, &HealthView::revealRequested);
 }
@@ -130,9 +132,7 @@ void HealthView::setDocument(const XsdtDocument* document)
 void HealthView::setReadOnly(bool readOnly)
 {
     m_rowSet->setReadOnly(readOnly);
-    for (QPushButton* button : std::as_const(m_deleteButtons)) {
-        button->setEnabled(!readOnly);
-    }
+    refreshGroupLines();
 }
 
 void HealthView::run()
@@ -169,7 +169,7 @@ void HealthView::removeCards()
     m_cards->clear();
     m_cards->setMoreText({});
     m_rowSet->clear();
-    m_deleteButtons.clear();
+    m_groupLines.clear();
     m_findings.clear();
     m_stale = false;
 }
@@ -240,55 +240,74 @@ void HealthView::addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* 
 
 void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card)
 {
-    for (XsdtNode* node : finding.nodes.first(qMin(nodeLimit, finding.nodes.size()))) {
+    const qsizetype count = finding.nodes.size();
+    for (qsizetype i = 0; i < qMin(nodeLimit, count); ++i) {
+        XsdtNode* node = finding.nodes[i];
         if (node->kind == XsdtNode::Kind::Group) {
-            layout->addWidget(buildGroupLine(node, card));
+            layout->addWidget(buildGroupLine(node, i + 1, count, card));
             continue;
         }
         SettingRow* row = m_rowSet->add(node, card);
         row->setShowPath(true);
         layout->addWidget(row);
     }
-    if (finding.nodes.size() > nodeLimit) {
-        layout->addWidget(createLabel(tr("...and %1 more.").arg(finding.nodes.size() - nodeLimit),
-                                      Qt::PlainText, u"moreLabel"_s, card));
+    if (count > nodeLimit) {
+        layout->addWidget(createLabel(tr("...and %1 more.").arg(count - nodeLimit), Qt::PlainText,
+                                      u"moreLabel"_s, card));
     }
 }
 
 /// A group has no editor: it can be looked at in the tree, or go.
-QWidget* HealthView::buildGroupLine(XsdtNode* node, QWidget* card)
+GroupLine* HealthView::buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count,
+                                      QWidget* card)
 {
-    const QString path = node->path();
-    const QString values = tr("%n value(s)", nullptr, static_cast<int>(node->valueCount()));
-    auto* line = new QWidget(card);
+    auto* line = new GroupLine(node, *m_model, number, count, card);
     line->setObjectName(u"groupLine"_s);
-    QLabel* label = createLabel(u"<b>%1</b>  (%2)"_s.arg(asHtml(path), values.toHtmlEscaped()),
-                                Qt::RichText, u"groupLabel"_s, line);
-    const QString shortPath = withoutMiddle(path, titleLimit);
-    auto* reveal = new QPushButton(tr("Show in All settings"), line);
-    reveal->setObjectName(u"revealButton"_s);
-    reveal->setAccessibleName(tr("Show %1 in All settings").arg(shortPath));
-    connect(reveal, &QPushButton::clicked, this, [this, node] { emit revealRequested(node); });
-
-    const DeleteDecision decision = m_model->deletionDecision(node);
-    const bool isProtected = decision.level == DeleteLevel::Never;
-    auto* remove = new QPushButton(tr("Delete this one..."), line);
-    remove->setObjectName(u"deleteButton"_s);
-    remove->setAccessibleName(tr("Delete %1...").arg(shortPath));
-    remove->setEnabled(!isProtected && !m_rowSet->isReadOnly());
-    remove->setToolTip(
-        asToolTip(isProtected ? tr("Protected: %1").arg(decision.reason) : decision.reason));
-    connect(remove, &QPushButton::clicked, this, [this, node] { emit deleteRequested(node); });
-    if (!isProtected) {
-        m_deleteButtons.append(remove);
-    }
-
-    auto* layout = new QHBoxLayout(line);
-    layout->setContentsMargins({});
-    layout->addWidget(label, 1);
-    layout->addWidget(reveal);
-    layout->addWidget(remove);
+    line->refresh(m_rowSet->isReadOnly());
+    connect(line, &GroupLine::deleteRequested, this, &HealthView::requestDeletion);
+    connect(line, &GroupLine::restoreRequested, this, &HealthView::restoreRequested);
+    connect(line, &GroupLine::revealRequested, this, &HealthView::revealRequested);
+    m_groupLines.append(line);
     return line;
+}
+
+void HealthView::refreshGroupLines()
+{
+    for (GroupLine* line : std::as_const(m_groupLines)) {
+        line->refresh(m_rowSet->isReadOnly());
+    }
+}
+
+/// Asks first where nothing would be left of a key of which there are copies: each of them looks as
+/// if it could go.
+void HealthView::requestDeletion(XsdtNode* node)
+{
+    const auto& siblings = node->parent->children;
+    qsizetype queued = 0;
+    const bool isLast = std::none_of(siblings.begin(), siblings.end(), [&](const auto& sibling) {
+        const bool isCopy = sibling->key == node->key && sibling.get() != node;
+        queued += isCopy ? 1 : 0;
+        return isCopy && !sibling->markedForDeletion;
+    });
+    if (isLast && queued > 0 && !confirmLast(*node)) {
+        return;
+    }
+    emit deleteRequested(node);
+}
+
+/// False also if the tree is gone when the box closes.
+bool HealthView::confirmLast(const XsdtNode& node)
+{
+    PlainMessageBox box(QMessageBox::Warning, tr("Delete the last copy?"),
+                        tr("Every other copy of %1 is queued for deletion. If this one goes too, "
+                           "nothing is left of it.")
+                            .arg(abbreviated(node.path(), pathLimit)),
+                        QMessageBox::Yes | QMessageBox::Cancel, this);
+    box.setPlainInformativeText(
+        tr("Nothing is removed until you save, and you can undo it before then."));
+    box.setDefaultButton(QMessageBox::Cancel);
+    const quint64 generation = m_model->generation();
+    return box.exec() == QMessageBox::Yes && m_model->generation() == generation;
 }
 
 } // namespace kse

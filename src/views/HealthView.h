@@ -11,6 +11,7 @@ class QVBoxLayout;
 
 namespace kse {
 
+class GroupLine;
 class SettingRowSet;
 class SettingsModel;
 class WidgetColumn;
@@ -57,7 +58,10 @@ private:
     QWidget* buildCard(const Finding& finding);
     static void addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card);
     void addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card);
-    QWidget* buildGroupLine(XsdtNode* node, QWidget* card);
+    GroupLine* buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count, QWidget* card);
+    void refreshGroupLines();
+    void requestDeletion(XsdtNode* node);
+    bool confirmLast(const XsdtNode& node);
 
     SettingsModel* m_model = nullptr;
     const SettingsSchema* m_schema = nullptr;
@@ -67,7 +71,7 @@ private:
     bool m_stale = false;  ///< Edited since, and the summary says so.
     QList<Finding> m_findings;
     SettingRowSet* m_rowSet = nullptr;
-    QList<QPushButton*> m_deleteButtons; ///< On the cards, without those of protected groups.
+    QList<GroupLine*> m_groupLines; ///< On the cards.
 
     QLabel* m_summaryLabel = nullptr;
     QPushButton* m_rerunButton = nullptr;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "support/DialogAnswerer.h"
 #include "support/SettingsPage.h"
 #include "support/TestMain.h"
+#include "views/GroupLine.h"
 #include "views/HealthView.h"
 #include "views/SettingRow.h"
 
@@ -100,6 +102,55 @@ private slots:
             QCOMPARE(reveal[0][0].value<XsdtNode*>(),
                      page.document->root.children.back()->children.back().get());
         }
+    }
+
+    void asksBeforeTheLastCopyGoes()
+    {
+        Page page("<i k='ScriptData'><i k='A'><v k='x' t='s' v='1'/></i><i k='A'/></i>");
+        QSignalSpy remove(&page.view, &HealthView::deleteRequested);
+        QSignalSpy restore(&page.view, &HealthView::restoreRequested);
+        page.view.run();
+        const auto lines = page.view.findChildren<GroupLine*>();
+        const auto button = [&lines](int line) {
+            return lines[line]->findChild<QPushButton*>(u"deleteButton"_s);
+        };
+        const auto label = [&lines](int line) {
+            return lines[line]->findChild<QLabel*>(u"groupLabel"_s);
+        };
+        XsdtNode* group = page.node(u"ScriptData"_s);
+        const int width = button(0)->sizeHint().width();
+        QVERIFY(page.model.markForDeletion(group->children[0].get()));
+        QCOMPARE(button(0)->text(), u"Undo deletion"_s);
+        QCOMPARE(button(0)->accessibleName(), u"Undo deletion of ScriptData/A (1 of 2)"_s);
+        QCOMPARE(button(0)->sizeHint().width(), width);
+        QVERIFY(label(0)->font().strikeOut() && !label(1)->font().strikeOut());
+
+        for (const auto answer : {QMessageBox::Cancel, QMessageBox::Yes}) {
+            QVERIFY(remove.isEmpty());
+            const DialogAnswerer<QMessageBox> answerer([answer](QMessageBox& box) {
+                QCOMPARE(box.text(), u"Every other copy of ScriptData/A is queued for deletion. If "
+                                     "this one goes too, nothing is left of it."_s);
+                box.button(answer)->click();
+            });
+            button(1)->click();
+        }
+        QCOMPARE(remove.count(), 1);
+        button(0)->click();
+        QCOMPARE(restore[0][0].value<XsdtNode*>(), group->children[0].get());
+        page.model.undoDeletion(group->children[0].get());
+        button(1)->click(); // no question
+        QCOMPARE(remove.count(), 2);
+
+        QVERIFY(page.model.markForDeletion(group->children[0].get()));
+        page.model.revertAll();
+        QVERIFY(!label(0)->font().strikeOut());
+        group->markedForDeletion = true;
+        page.model.refreshAll();
+        page.view.setReadOnly(true);
+        page.view.setReadOnly(false);
+        QVERIFY(label(0)->font().strikeOut() && !button(0)->isEnabled());
+        QCOMPARE(label(0)->accessibleDescription(),
+                 u"Copy 1 of 2, in the order of the file\nInside a group marked for deletion"_s);
     }
 
     void keepsBothEndsOfLongTexts()
