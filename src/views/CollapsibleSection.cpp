@@ -5,6 +5,7 @@
 #include "views/TabOrder.h"
 
 #include <QHelpEvent>
+#include <QPainter>
 #include <QToolButton>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -21,9 +22,27 @@ constexpr qsizetype titleLimit = 200;
 
 } // namespace
 
+/// Red where it is told so, as rows are that are queued for deletion.
+class CollapsibleSection::TitleButton : public QToolButton
+{
+public:
+    using QToolButton::QToolButton;
+
+    bool isRed = false;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QToolButton::paintEvent(event);
+        if (isRed) {
+            QPainter(this).fillRect(rect(), QColor(230, 60, 60, 60));
+        }
+    }
+};
+
 CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWidget* parent)
     : QWidget(parent)
-    , m_toggleButton(new QToolButton(this))
+    , m_toggleButton(new TitleButton(this))
     , m_body(new QWidget(this))
     , m_bodyLayout(new QVBoxLayout(m_body))
     , m_startExpanded(expanded)
@@ -59,6 +78,39 @@ void CollapsibleSection::setTitle(const QString& title)
     m_toggleButton->setText(asCaption(abbreviated(title, titleLimit)));
 }
 
+void CollapsibleSection::setDeletion(Deletion deletion)
+{
+    if (deletion == m_deletion) {
+        return;
+    }
+    m_deletion = deletion;
+    QFont font;
+    font.setWeight(QFont::Bold);
+    font.setStrikeOut(deletion == Deletion::Whole);
+    m_toggleButton->setFont(font);
+    m_toggleButton->setAccessibleDescription(deletionText());
+    m_toggleButton->isRed = deletion != Deletion::None;
+    m_toggleButton->update();
+}
+
+int CollapsibleSection::titleHeight() const
+{
+    return m_toggleButton->sizeHint().height();
+}
+
+QString CollapsibleSection::deletionText() const
+{
+    switch (m_deletion) {
+    case Deletion::None:
+        break;
+    case Deletion::Within:
+        return tr("Something in it is queued for deletion.");
+    case Deletion::Whole:
+        return tr("All of it is queued for deletion.");
+    }
+    return {};
+}
+
 void CollapsibleSection::setExpanded(bool expanded)
 {
     m_toggleButton->setChecked(expanded);
@@ -91,10 +143,15 @@ bool CollapsibleSection::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::ToolTip) {
         return QWidget::eventFilter(watched, event);
     }
+    QStringList lines;
     if (m_toggleButton->sizeHint().width() > m_toggleButton->width()) { // the title is cut off
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), asToolTip(m_title),
-                           m_toggleButton);
+        lines.append(m_title);
     }
+    if (m_deletion != Deletion::None) {
+        lines.append(deletionText());
+    }
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), asToolTip(lines.join(u'\n')),
+                       m_toggleButton);
     return true;
 }
 

@@ -6,7 +6,6 @@
 #include <functional>
 
 class QPoint;
-class QToolButton;
 class QVBoxLayout;
 
 namespace kse {
@@ -21,6 +20,13 @@ public:
 
     /// `title` may come from the file: it is shown letter for letter.
     void setTitle(const QString& title);
+
+    /// Whether something within, or all of it, is queued for deletion, by the title's looks.
+    enum class Deletion { None, Within, Whole };
+    void setDeletion(Deletion deletion);
+
+    /// For what stands beside the title.
+    int titleHeight() const;
 
     /// Where the content goes; its parent widget is the one to make content for.
     QVBoxLayout* bodyLayout() const { return m_bodyLayout; }
@@ -38,10 +44,15 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    QToolButton* m_toggleButton = nullptr;
+    class TitleButton;
+
+    QString deletionText() const;
+
+    TitleButton* m_toggleButton = nullptr;
     QWidget* m_body = nullptr;
     QVBoxLayout* m_bodyLayout = nullptr;
     QString m_title;
+    Deletion m_deletion = Deletion::None;
     bool m_startExpanded = false; ///< As given to the constructor.
     std::function<void()> m_lazyBuilder;
 };

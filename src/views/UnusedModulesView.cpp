@@ -2,6 +2,7 @@
 #include "views/UnusedModulesView.h"
 
 #include "document/Leaves.h"
+#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "views/CollapsibleSection.h"
 #include "views/FormatBytes.h"
@@ -49,6 +50,20 @@ qsizetype countMarked(const ModuleInfo& module)
     return std::count_if(module.nodes.begin(), module.nodes.end(),
                          [](const XsdtNode* node) { return node->isInsideDeletion(); });
 }
+
+/// The box of a card, as high as the card's title, so that both stand on one line.
+class Tick : public QCheckBox
+{
+public:
+    using QCheckBox::QCheckBox;
+
+    const CollapsibleSection* section = nullptr; ///< Of the card, made after this.
+
+    QSize sizeHint() const override
+    {
+        return {QCheckBox::sizeHint().width(), section->titleHeight()};
+    }
+};
 
 /// Without a signal: whoever changes many ticks brings the summary up to date once.
 void setTicked(QCheckBox& tick, bool ticked)
@@ -106,6 +121,7 @@ QWidget* UnusedModulesView::createButtonRow()
     };
     m_tickAllButton = createButton(u"tickAllButton"_s, tr("Tick all"));
     m_undoButton = createButton(u"undoButton"_s, tr("Undo queued deletion"));
+    m_undoButton->setToolTip(tr("Tick a queued module again to undo its deletion."));
     m_queueButton = createButton(u"queueButton"_s, tr("Queue ticked modules for deletion"));
     connect(m_tickAllButton, &QPushButton::clicked, this, &UnusedModulesView::tickAll);
     connect(m_undoButton, &QPushButton::clicked, this, &UnusedModulesView::undoTicked);
@@ -126,12 +142,16 @@ void UnusedModulesView::connectModel()
     connect(m_rows, &SettingRowSet::deleteRequested, this, &UnusedModulesView::deleteRequested);
     connect(m_rows, &SettingRowSet::restoreRequested, this, &UnusedModulesView::restoreRequested);
     connect(m_rows, &SettingRowSet::revealRequested, this, &UnusedModulesView::revealRequested);
-    connect(m_model, &SettingsModel::dataChanged, this, &UnusedModulesView::forgetSizes);
+    connect(m_model, &SettingsModel::dataChanged, this, &UnusedModulesView::forgetContents);
     // Much has changed; `dataChanged` for each group follows, but has nothing left to do then.
-    connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_sizes.clear(); });
-    connect(m_model, &SettingsModel::edited, this, &UnusedModulesView::updateSummary);
+    connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_contents.clear(); });
+    connect(m_model, &SettingsModel::edited, this, [this] {
+        // `dataChanged` can't name what lies deeper than the model shows.
+        m_contents.removeIf([](const auto& content) { return content->isDeep; });
+        updateSummary();
+    });
     connect(m_model, &SettingsModel::modelReset, this, [this] {
-        m_sizes.clear();
+        m_contents.clear();
         updateSummary();
     });
 }
@@ -145,7 +165,7 @@ void UnusedModulesView::setDocument(const XsdtDocument* document)
 void UnusedModulesView::refresh()
 {
     m_rows->clear();
-    m_sizes.clear();
+    m_contents.clear();
     m_cards.clear();
     m_column->clear();
     m_column->widget()->hide(); // in sight, each new card would lay out all
@@ -165,7 +185,10 @@ void UnusedModulesView::refresh()
 QWidget* UnusedModulesView::addCard(const ModuleInfo& module)
 {
     auto* row = new QWidget(m_column->widget());
-    Card card{module, new QCheckBox(row), new CollapsibleSection(module.name, false, row)};
+    auto* tick = new Tick(row);
+    auto* section = new CollapsibleSection(module.name, false, row);
+    tick->section = section;
+    const Card card{module, tick, section};
     card.tick->setObjectName(u"tick"_s);
     card.tick->setAccessibleName(abbreviated(module.name, textLimit));
     card.tick->setToolTip(tr("Tick to include in the bulk actions below."));
@@ -270,13 +293,13 @@ void UnusedModulesView::updateSummary()
     int ticked = 0;
     qint64 tickedBytes = 0;
     for (const Card& card : std::as_const(m_cards)) {
-        const DataSize size = sizeOf(card.module);
+        const Content content = contentOf(card.module);
         const qsizetype marked = countMarked(card.module);
-        updateCard(card, size, marked);
+        updateCard(card, content, marked);
         queued += marked > 0 ? 1 : 0;
         if (card.tick->isChecked()) {
             ++ticked;
-            tickedBytes += size.bytes;
+            tickedBytes += content.bytes;
         }
     }
     const bool canQueue = !m_rows->isReadOnly() && ticked > 0;
@@ -298,38 +321,58 @@ void UnusedModulesView::updateSummary()
     }
 }
 
-void UnusedModulesView::updateCard(const Card& card, const DataSize& size, qsizetype marked)
+void UnusedModulesView::updateCard(const Card& card, const Content& content, qsizetype marked)
 {
-    QString title = tr("%1  -  %n value(s), %2", nullptr, static_cast<int>(size.values))
-                        .arg(abbreviated(card.module.name, 100), formatBytes(size.bytes));
+    QString title = tr("%1  -  %n value(s), %2", nullptr, static_cast<int>(content.values))
+                        .arg(abbreviated(card.module.name, 100), formatBytes(content.bytes));
+    const bool isWhole = marked == card.module.nodes.size();
     if (marked > 0) {
-        title += marked == card.module.nodes.size() ? tr("   [queued for deletion]")
-                                                    : tr("   [partly queued for deletion]");
+        title += isWhole ? tr("   [queued for deletion]") : tr("   [partly queued for deletion]");
     }
     card.section->setTitle(title);
+    using Deletion = CollapsibleSection::Deletion;
+    card.section->setDeletion(isWhole                             ? Deletion::Whole
+                              : marked > 0 || content.holdsQueued ? Deletion::Within
+                                                                  : Deletion::None);
     card.tick->setEnabled(!m_rows->isReadOnly());
 }
 
-/// Like `moduleValueCount` and `moduleDataSize`, but measures each group once until it changes.
-UnusedModulesView::DataSize UnusedModulesView::sizeOf(const ModuleInfo& module)
+/// Of all its groups, each of which is looked through once until it changes. Values and bytes are
+/// those of `moduleValueCount` and `moduleDataSize`.
+UnusedModulesView::Content UnusedModulesView::contentOf(const ModuleInfo& module)
 {
-    DataSize sum{module.registryNode ? 1 : 0, 0};
+    Content sum;
+    sum.values = module.registryNode ? 1 : 0;
     for (const XsdtNode* node : module.nodes) {
-        auto size = m_sizes.find(node);
-        if (size == m_sizes.end()) {
-            size = m_sizes.insert(node, {node->valueCount(), node->serializedSize()});
+        auto content = m_contents.constFind(node);
+        if (content == m_contents.cend()) {
+            content = m_contents.insert(node, contentOf(*node));
         }
-        sum.values += size->values;
-        sum.bytes += size->bytes;
+        sum.values += content->values;
+        sum.bytes += content->bytes;
+        sum.holdsQueued = sum.holdsQueued || content->holdsQueued;
     }
     return sum;
 }
 
-void UnusedModulesView::forgetSizes(const QModelIndex& topLeft)
+UnusedModulesView::Content UnusedModulesView::contentOf(const XsdtNode& group)
+{
+    Content content;
+    content.bytes = group.serializedSize();
+    walkTree(group, [&content](const XsdtNode& node) {
+        content.values += node.kind == XsdtNode::Kind::Value ? 1 : 0;
+        content.holdsQueued = content.holdsQueued || node.markedForDeletion;
+        content.isDeep = content.isDeep || node.depth > SettingsModel::maximumDepth;
+        return Walk::Into;
+    });
+    return content;
+}
+
+void UnusedModulesView::forgetContents(const QModelIndex& topLeft)
 {
     const XsdtNode* node = m_model->nodeForIndex(topLeft.parent());
-    for (; node && !m_sizes.isEmpty(); node = node->parent) {
-        m_sizes.remove(node);
+    for (; node && !m_contents.isEmpty(); node = node->parent) {
+        m_contents.remove(node);
     }
 }
 
@@ -411,16 +454,22 @@ bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
 
 void UnusedModulesView::undoTicked()
 {
+    bool isAnyMarked = false;
     {
         const SettingsModel::Batch batch(*m_model);
         for (const Card& card : tickedCards()) {
             for (XsdtNode* node : card.module.nodes) {
+                isAnyMarked = isAnyMarked || node->markedForDeletion;
                 m_model->undoDeletion(node);
             }
             setTicked(*card.tick, false);
         }
     }
     updateSummary();
+    if (!isAnyMarked) {
+        emit message(tr("No ticked module is queued for deletion. What is queued within one is "
+                        "undone from its own right-click menu."));
+    }
 }
 
 } // namespace kse

@@ -63,10 +63,12 @@ private:
         QCheckBox* tick = nullptr;
         CollapsibleSection* section = nullptr;
     };
-    struct DataSize
+    struct Content
     {
         qsizetype values = 0;
         qint64 bytes = 0;
+        bool holdsQueued = false; ///< Something in it is marked for deletion.
+        bool isDeep = false;      ///< It reaches deeper than the model shows.
     };
 
     void createUi();
@@ -77,9 +79,10 @@ private:
     void addNote(const Card& card, const QString& text, XsdtNode* node);
 
     void updateSummary();
-    void updateCard(const Card& card, const DataSize& size, qsizetype marked);
-    DataSize sizeOf(const ModuleInfo& module);
-    void forgetSizes(const QModelIndex& topLeft);
+    void updateCard(const Card& card, const Content& content, qsizetype marked);
+    Content contentOf(const ModuleInfo& module);
+    static Content contentOf(const XsdtNode& group);
+    void forgetContents(const QModelIndex& topLeft);
 
     QList<Card> tickedCards() const;
     void tickAll();
@@ -91,7 +94,7 @@ private:
     const XsdtDocument* m_document = nullptr;
     SettingRowSet* m_rows = nullptr;
     QList<Card> m_cards;
-    QHash<const XsdtNode*, DataSize> m_sizes; ///< Of groups in cards; modules may share one.
+    QHash<const XsdtNode*, Content> m_contents; ///< Of groups in cards; modules may share one.
     QLabel* m_summary = nullptr;
     WidgetColumn* m_column = nullptr;
     QPushButton* m_queueButton = nullptr;

@@ -110,6 +110,41 @@ private slots:
         QCOMPARE(f.view.focusWidget()->objectName(), u"lineEdit"_s);
     }
 
+    void followsChangesAtAnyDepth()
+    {
+        const int deep = int(SettingsModel::maximumDepth);
+        Fixture f("<i k='ModuleData'><i k='A'>" + QByteArray("<i k='g'>").repeated(deep) +
+                  "<v k='v' t='s' v='1'/>" + QByteArray("</i>").repeated(deep) + "</i></i>");
+        const auto looks = [&f] {
+            const QToolButton* title = f.title(0);
+            return title->text().section(u"  -  "_s, 1) + title->accessibleDescription() +
+                   (title->font().strikeOut() ? u" struck"_s : QString());
+        };
+        XsdtNode* node = f.node(u"ModuleData/A"_s);
+        XsdtNode* value = node;
+        while (!value->children.empty()) {
+            value = value->children.front().get();
+        }
+        QCOMPARE(looks(), u"1 value(s), 12.7 KiB"_s);
+        f.model.setValue(value, QString(100, u'x'));
+        QCOMPARE(looks(), u"1 value(s), 12.8 KiB"_s);
+
+        QVERIFY(f.policy.load("{\"policy\": {\"delete\": [{\"path\": \"**\", \"level\": "
+                              "\"safe\"}]}}"));
+        QVERIFY(f.model.markForDeletion(value));
+        QCOMPARE(looks(), u"1 value(s), 12.8 KiBSomething in it is queued for deletion."_s);
+        QVERIFY(f.model.markForDeletion(node));
+        QCOMPARE(looks(), u"1 value(s), 12.8 KiB   [queued for deletion]All of it is queued for "
+                          "deletion. struck"_s);
+        f.model.undoDeletion(node);
+        QSignalSpy messages(&f.view, &UnusedModulesView::message);
+        f.tick(0);
+        f.child<QPushButton>("undoButton")->click();
+        QCOMPARE(messages.size(), 1);
+        f.model.undoDeletion(value);
+        QCOMPARE(looks(), u"1 value(s), 12.8 KiB"_s);
+    }
+
     void givesUpWhenThingsChangeBeneathTheBox()
     {
         Fixture f;
