@@ -54,7 +54,7 @@ int WrappingRow::count() const
 
 QSize WrappingRow::sizeHint() const
 {
-    QSize size;
+    QSize size(0, 0);
     for (const QLayoutItem* item : m_items) {
         const QSize hint = item->sizeHint();
         size = {size.width() + hint.width(), std::max(size.height(), hint.height())};
@@ -131,12 +131,13 @@ void WrappingRow::placeLine(const Line& line, const QRect& rect) const
     }
 }
 
-/// As much as the layouts of Qt leave.
+/// As much as the other layouts leave.
 int WrappingRow::gap(Qt::Orientation orientation) const
 {
     const QWidget* widget = parentWidget();
-    return widget->style()->layoutSpacing(QSizePolicy::CheckBox, QSizePolicy::LineEdit, orientation,
-                                          nullptr, widget);
+    const auto metric = orientation == Qt::Horizontal ? QStyle::PM_LayoutHorizontalSpacing
+                                                      : QStyle::PM_LayoutVerticalSpacing;
+    return widget->style()->pixelMetric(metric, nullptr, widget);
 }
 
 } // namespace kse

@@ -3,6 +3,7 @@
 #include "app/ToolbarIcons.h"
 #include "support/TestMain.h"
 #include "views/WidgetColumn.h"
+#include "views/WrappingRow.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -159,6 +160,15 @@ void TestThemeManager::leavesRoom()
     const QFontMetrics text = button.fontMetrics();
     QVERIFY(button.sizeHint().width() > text.horizontalAdvance(button.text()) + text.height());
     QCOMPARE(QCheckBox().sizeHint().height(), QLineEdit().sizeHint().height());
+
+    QWidget window;
+    auto* row = new WrappingRow;
+    window.setLayout(row);
+    for (int i = 0; i < 2; ++i) {
+        row->addWidget(new QPushButton(u"Text"_s));
+    }
+    QCOMPARE(row->heightForWidth(1), 2 * row->heightForWidth(1000) + 6);
+    QCOMPARE(row->sizeHint().width(), 2 * row->minimumSize().width() + 6);
 }
 
 void TestThemeManager::ringsListsReachedByTab()
