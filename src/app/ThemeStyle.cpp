@@ -56,8 +56,7 @@ void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* pa
     painter->restore();
 }
 
-/// The arrow of a group in a tree or of a section. It grows with the text; Fusion's has one
-/// size.
+/// The arrow of a group in a tree or of a section. It grows with the text, as Fusion's doesn't.
 void drawArrow(int degrees, const QStyleOption& option, QPainter* painter)
 {
     const double side = std::max(8.0, option.fontMetrics.ascent() / 2.0);
