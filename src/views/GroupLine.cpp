@@ -64,6 +64,9 @@ GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype numbe
     const DeleteDecision decision = model.deletionDecision(node);
     m_isProtected = decision.level == DeleteLevel::Never;
     m_reason = m_isProtected ? tr("Protected: %1").arg(decision.reason) : decision.reason;
+    m_name = tr("%1 (%2 of %3)")
+                 .arg(withoutMiddle(node->path(), pathLimit), QString::number(number),
+                      QString::number(count));
     createWidgets();
     reserveNumber();
 }
@@ -77,7 +80,7 @@ void GroupLine::createWidgets()
     m_label->setObjectName(u"groupLabel"_s);
     m_revealButton = new QPushButton(tr("Show in All settings"), this);
     m_revealButton->setObjectName(u"revealButton"_s);
-    m_revealButton->setAccessibleName(tr("Show %1 in All settings").arg(name()));
+    m_revealButton->setAccessibleName(tr("Show %1 in All settings").arg(m_name));
     m_deleteButton = new DeleteButton(this);
     m_deleteButton->setObjectName(u"deleteButton"_s);
     connect(m_revealButton, &QPushButton::clicked, this, [this] { emit revealRequested(m_node); });
@@ -98,14 +101,6 @@ void GroupLine::createWidgets()
     layout->addWidget(m_deleteButton);
 }
 
-/// The path and, as no other copy's, the number.
-QString GroupLine::name() const
-{
-    return tr("%1 (%2 of %3)")
-        .arg(withoutMiddle(m_node->path(), pathLimit), QString::number(m_number),
-             QString::number(m_count));
-}
-
 void GroupLine::refresh(bool readOnly)
 {
     const bool isMarked = m_node->markedForDeletion;
@@ -116,7 +111,7 @@ void GroupLine::refresh(bool readOnly)
     m_label->setAccessibleDescription(stateText());
     m_deleteButton->offerUndo(isMarked);
     m_deleteButton->setAccessibleName(
-        (isMarked ? tr("Undo deletion of %1") : tr("Delete %1...")).arg(name()));
+        (isMarked ? tr("Undo deletion of %1") : tr("Delete %1...")).arg(m_name));
     setEnabledOrPass(*m_deleteButton, isMarked || !(isInside || m_isProtected || readOnly),
                      *m_revealButton);
     // Where there is none, the line's own comes.
@@ -137,13 +132,14 @@ QString GroupLine::stateText() const
 
 QString GroupLine::firstValues() const
 {
-    const qsizetype prefix = m_node->path().size() + 1;
+    const QString path = m_node->path();
+    const qsizetype prefix = path.isEmpty() ? 0 : path.size() + 1;
     QString text;
     qsizetype shown = 0;
     walkTree(std::as_const(*m_node), [&](const XsdtNode& node) {
         if (node.kind == XsdtNode::Kind::Value) {
             text += tr("\n%1 = %2")
-                        .arg(withoutMiddle(node.path().sliced(prefix), previewLength),
+                        .arg(withoutMiddle(node.path().mid(prefix), previewLength),
                              displayValue(node, node.value, previewLength));
             ++shown;
         }

@@ -43,13 +43,13 @@ private:
 
     void createWidgets();
     void reserveNumber();
-    QString name() const;
     QString stateText() const;
     QString firstValues() const;
 
     XsdtNode* m_node = nullptr;
     qsizetype m_number = 0;
     qsizetype m_count = 0;
+    QString m_name;             ///< The path and, as no other copy's, the number.
     bool m_isProtected = false; ///< Never to be deleted.
     QString m_reason;           ///< What its deletion would do, or why there is none.
     QSpacerItem* m_numberSpace = nullptr;

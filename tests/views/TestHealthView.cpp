@@ -117,6 +117,9 @@ private slots:
         const auto label = [&lines](int line) {
             return lines[line]->findChild<QLabel*>(u"groupLabel"_s);
         };
+        QHelpEvent help(QEvent::ToolTip, {}, {});
+        QApplication::sendEvent(lines[0], &help);
+        QCOMPARE(QToolTip::text(), u"Copy 1 of 2, in the order of the file\nx = 1"_s);
         XsdtNode* group = page.node(u"ScriptData"_s);
         const int width = button(0)->sizeHint().width();
         QVERIFY(page.model.markForDeletion(group->children[0].get()));
