@@ -202,6 +202,8 @@ void MainWindow::connectTheme()
 {
     const ThemeManager* theme = &ThemeManager::instance();
     updateStatusBarStyle();
+    // A letter that reaches out of its line would stay behind when the message goes.
+    connect(statusBar(), &QStatusBar::messageChanged, statusBar(), qOverload<>(&QWidget::update));
     connect(theme, &ThemeManager::changed, this, &MainWindow::updateStatusBarStyle);
     refreshToolbarIcons();
     connect(theme, &ThemeManager::changed, this, &MainWindow::refreshToolbarIcons);
