@@ -295,7 +295,9 @@ void MainWindow::keepOnScreen()
     const QRect room = screen()->availableGeometry();
     QSize frame = frameGeometry().size() - size();
     if (frame.isNull()) { // not known before the window is shown
-        frame.setHeight(style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
+        const int border = style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, this);
+        const int title = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
+        frame = {2 * border, title + border};
     }
     resize(size().boundedTo(room.size() - frame));
     if (isVisible()) {

@@ -9,9 +9,9 @@
 #include "views/SettingsModel.h"
 #include "views/TabOrder.h"
 #include "views/TextOrder.h"
+#include "views/WrappingRow.h"
 
 #include <QAccessible>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
@@ -126,8 +126,9 @@ void CleanupView::createLayout()
                       "<i>Edit &gt; Revert all changes</i>."),
                    this);
     intro->setWordWrap(true);
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(m_statusLabel, 1);
+    m_statusLabel->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    auto* bottom = new WrappingRow(Qt::AlignTrailing);
+    bottom->addWidget(m_statusLabel);
     bottom->addWidget(m_undoButton);
     bottom->addWidget(m_queueButton);
     auto* layout = new QVBoxLayout(this);

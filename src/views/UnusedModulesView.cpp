@@ -12,6 +12,7 @@
 #include "views/SettingsModel.h"
 #include "views/TabOrder.h"
 #include "views/WidgetColumn.h"
+#include "views/WrappingRow.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -127,10 +128,10 @@ QWidget* UnusedModulesView::createButtonRow()
     connect(m_undoButton, &QPushButton::clicked, this, &UnusedModulesView::undoTicked);
     connect(m_queueButton, &QPushButton::clicked, this, &UnusedModulesView::queueTicked);
 
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
+    auto* layout = new WrappingRow(Qt::AlignTrailing);
+    row->setLayout(layout);
     layout->addWidget(m_tickAllButton);
-    layout->addStretch();
+    layout->addItem(new QSpacerItem(0, 0, QSizePolicy::Expanding));
     layout->addWidget(m_undoButton);
     layout->addWidget(m_queueButton);
     return row;

@@ -7,7 +7,7 @@
 namespace kse {
 
 /// A row of widgets that goes on beneath where it is too narrow for all of them. One that expands
-/// in width takes what its line leaves over, and makes do with its minimum.
+/// in width takes what its line leaves over, and makes do with its minimum. There are no margins.
 class WrappingRow : public QLayout
 {
 public:
