@@ -103,6 +103,7 @@ protected:
     }
 
     void mousePressEvent(QMouseEvent*) override { m_banner->openPage(); }
+    void mouseDoubleClickEvent(QMouseEvent*) override {} // its first click opened the page
 
     void keyPressEvent(QKeyEvent* event) override
     {
