@@ -230,8 +230,7 @@ void MainWindow::onFindModule()
 void MainWindow::searchEverywhere(const QString& text)
 {
     m_tabs->setCurrentWidget(m_searchView);
-    m_searchView->clearRestriction();
-    m_searchView->setQuery(text);
+    m_searchView->searchEverywhere(text);
     m_searchView->focusQuery();
 }
 

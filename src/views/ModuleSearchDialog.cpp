@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/ModuleSearchDialog.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QDialogButtonBox>
 #include <QEvent>
@@ -62,6 +63,12 @@ void ModuleSearchDialog::createName(const QStringList& moduleNames)
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     completer->setFilterMode(Qt::MatchContains);
     m_nameEdit->setCompleter(completer);
+    // The list that is open takes Return for closing it, even with nothing chosen in it.
+    connect(m_nameEdit, &QLineEdit::returnPressed, completer, [this, list = completer->popup()] {
+        if (list->isVisible() && !list->currentIndex().isValid()) {
+            m_searchButton->click();
+        }
+    });
     layout()->addWidget(label);
     layout()->addWidget(m_nameEdit);
 }

@@ -127,9 +127,7 @@ void SearchView::setDocument(const XsdtDocument* document)
     m_results.clear();
     m_index.clear();
     m_indexBuilt = false;
-    m_restriction.clear();
-    m_restricted = false;
-    m_banner->hide();
+    dropRestriction();
     m_document = document;
     m_limit = rowStep;
     if (document) {
@@ -150,6 +148,16 @@ void SearchView::setQuery(const QString& text)
     populate();
 }
 
+void SearchView::searchEverywhere(const QString& text)
+{
+    dropRestriction();
+    for (QCheckBox* scope : {m_searchNames, m_searchValues, m_searchDescriptions}) {
+        scope->setChecked(true);
+    }
+    m_changedOnly->setChecked(false);
+    setQuery(text);
+}
+
 void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& bannerText)
 {
     m_restriction = QSet<XsdtNode*>(nodes.begin(), nodes.end());
@@ -164,6 +172,8 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
         m_changedOnly->setChecked(false);
         m_includeProtected->setChecked(false);
     }
+    m_queryEdit->setClearButtonEnabled(false); // it goes by the signal that was blocked
+    m_queryEdit->setClearButtonEnabled(true);
     m_limit = rowStep;
     populate();
 }
@@ -171,11 +181,16 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
 void SearchView::clearRestriction()
 {
     if (m_restricted) {
-        m_restriction.clear();
-        m_restricted = false;
-        m_banner->hide();
+        dropRestriction();
         populate();
     }
+}
+
+void SearchView::dropRestriction()
+{
+    m_restriction.clear();
+    m_restricted = false;
+    m_banner->hide();
 }
 
 void SearchView::focusQuery()

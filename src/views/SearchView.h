@@ -38,6 +38,9 @@ public:
     /// Searches for `text` at once.
     void setQuery(const QString& text);
 
+    /// The same in the whole file: in names, values and descriptions, changed or not.
+    void searchEverywhere(const QString& text);
+
     /// Lists `nodes`, whatever their type, beneath a banner that says so; what is typed from here
     /// on is searched for among them.
     void showRestricted(const QList<XsdtNode*>& nodes, const QString& bannerText);
@@ -60,6 +63,7 @@ private:
     void layOut();
     void connectWidgets();
 
+    void dropRestriction();
     void onQueryChanged();
     void onShowMore();
     void populate();

@@ -111,6 +111,7 @@ private slots:
         QCOMPARE(banner->text(), u"<b>%1"_s);
         QCOMPARE(banner->textFormat(), Qt::PlainText);
         QCOMPARE(page.keys(), u"MaskOn When"_s);
+        QVERIFY(!page.child<QLineEdit>("queryEdit")->findChild<QToolButton*>()->isVisible());
         page.view.focusQuery();
         QTest::keyClicks(QApplication::focusWidget(), u"mask"_s);
         QTRY_COMPARE(page.keys(), u"MaskOn"_s);
@@ -118,6 +119,11 @@ private slots:
         QCOMPARE(page.keys(), u"Mask MaskOn Other Gone"_s);
         QVERIFY(!banner->isVisible());
 
+        page.view.showRestricted(nodes, u"again"_s);
+        page.child<QCheckBox>("changedOnly")->click();
+        page.child<QCheckBox>("searchNames")->click();
+        page.view.searchEverywhere(u"mask"_s);
+        QCOMPARE(page.keys(), u"Mask MaskOn Other Gone"_s);
         page.view.showRestricted(nodes, u"again"_s);
         page.view.setQuery(u"mask"_s);
         page.view.setDocument(nullptr);
@@ -179,7 +185,10 @@ private slots:
         QCOMPARE(dialog.mode(), ModuleSearchMode::Process);
         dialog.findChild<QRadioButton*>(u"fullRadio"_s)->click();
         QCOMPARE(dialog.mode(), ModuleSearchMode::Full);
-        QTest::keyClick(name, Qt::Key_Return);
+        name->clear();
+        QTest::keyClicks(name, u"ostrand"_s);
+        QTRY_VERIFY(name->completer()->popup()->isVisible());
+        QTest::keyClick(name->completer()->popup(), Qt::Key_Return);
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
     }
 };
