@@ -75,7 +75,22 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
 void CollapsibleSection::setTitle(const QString& title)
 {
     m_title = title;
-    m_toggleButton->setText(asCaption(abbreviated(title, titleLimit)));
+    updateCaption();
+}
+
+void CollapsibleSection::setChangeCount(qsizetype count)
+{
+    if (count != m_changeCount) {
+        m_changeCount = count;
+        updateCaption();
+    }
+}
+
+void CollapsibleSection::updateCaption()
+{
+    const QString title = asCaption(abbreviated(m_title, titleLimit));
+    m_toggleButton->setText(
+        m_changeCount > 0 ? tr("%1   ● %2").arg(title, QString::number(m_changeCount)) : title);
 }
 
 void CollapsibleSection::setDeletion(Deletion deletion)

@@ -21,6 +21,9 @@ public:
     /// `title` may come from the file: it is shown letter for letter.
     void setTitle(const QString& title);
 
+    /// How many changes there are within: unless 0, the title tells.
+    void setChangeCount(qsizetype count);
+
     /// Whether something within, or all of it, is queued for deletion, by the title's looks.
     enum class Deletion { None, Within, Whole };
     void setDeletion(Deletion deletion);
@@ -46,12 +49,14 @@ protected:
 private:
     class TitleButton;
 
+    void updateCaption();
     QString deletionText() const;
 
     TitleButton* m_toggleButton = nullptr;
     QWidget* m_body = nullptr;
     QVBoxLayout* m_bodyLayout = nullptr;
     QString m_title;
+    qsizetype m_changeCount = 0;
     Deletion m_deletion = Deletion::None;
     bool m_startExpanded = false; ///< As given to the constructor.
     std::function<void()> m_lazyBuilder;

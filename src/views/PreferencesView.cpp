@@ -13,14 +13,15 @@
 #include "views/WidgetColumn.h"
 
 #include <QEvent>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -229,10 +230,10 @@ void PreferencesView::buildPage(const PageSpec& spec)
     Page page;
     page.title = shownName(abbreviated(spec.title, titleLimit), spec.nodes.constFirst()->key);
     column->setAccessibleName(page.title);
-    page.content = column->widget();
+    page.column = column;
     for (const Group& group : groups) {
-        column->append(several ? QList<QWidget*>{buildSection(group, true, page.content, page)}
-                               : buildGroup(group, page.content, page));
+        column->append(several ? QList<QWidget*>{buildSection(group, true, column->widget(), page)}
+                               : buildGroup(group, column->widget(), page));
     }
     m_pageStack->addWidget(column);
     page.item = new QListWidgetItem(page.title, m_pageList);
@@ -295,9 +296,19 @@ void PreferencesView::setSearchText(const QString& text)
 void PreferencesView::updatePageCounts()
 {
     for (const Page& page : m_pages) {
-        const auto changed =
-            std::count_if(page.rows.begin(), page.rows.end(),
-                          [](const SettingRow* row) { return row->node()->isModified(); });
+        const QWidget* content = page.column->widget();
+        QHash<const QWidget*, qsizetype> changedWithin;
+        for (const SettingRow* row : page.rows) {
+            const QWidget* above = row->node()->isModified() ? row : content;
+            while (above != content) {
+                above = above->parentWidget();
+                ++changedWithin[above];
+            }
+        }
+        for (CollapsibleSection* section : page.sections) {
+            section->setChangeCount(changedWithin.value(section));
+        }
+        const qsizetype changed = changedWithin.value(content);
         QFont font; // sets the weight alone, for the list's own font
         font.setWeight(changed > 0 ? QFont::Bold : QFont::Normal);
         page.item->setFont(font);
@@ -311,7 +322,7 @@ void PreferencesView::applyFilter()
     const QString text = m_searchEdit->text().trimmed();
     QListWidgetItem* firstFound = nullptr;
     for (const Page& page : m_pages) {
-        page.content->hide(); // in sight, each row that comes or goes would lay out all
+        page.column->widget()->hide(); // in sight, each row that comes or goes would lay out all
         const bool found = filterRows(page.rows, text);
         for (auto it = page.sections.rbegin(); it != page.sections.rend(); ++it) {
             CollapsibleSection* section = *it;
@@ -319,7 +330,8 @@ void PreferencesView::applyFilter()
             section->setVisible(finds || text.isEmpty());
             section->setExpanded(text.isEmpty() ? section->startExpanded() : finds);
         }
-        page.content->show();
+        page.column->widget()->show();
+        page.column->verticalScrollBar()->setValue(0);
         page.item->setHidden(!found);
         if (found && !firstFound) {
             firstFound = page.item;

@@ -20,6 +20,7 @@ class SettingRow;
 class SettingRowSet;
 class SettingsModel;
 class SettingsSchema;
+class WidgetColumn;
 struct PageSpec;
 struct XsdtDocument;
 struct XsdtNode;
@@ -64,7 +65,7 @@ private:
     {
         QString title;
         QListWidgetItem* item = nullptr;
-        QWidget* content = nullptr; ///< What the page scrolls.
+        WidgetColumn* column = nullptr;
         QList<SettingRow*> rows;
         QList<CollapsibleSection*> sections; ///< An outer one before those inside it.
     };

@@ -104,6 +104,23 @@ private slots:
         QCOMPARE(f.view.pageCount(), 0);
     }
 
+    void showsChangesAndBeginsEachSearchAtTheTop()
+    {
+        Fixture f(QByteArray(content).replace("<v k='Fast'", manyValues(50) + "<v k='Fast'"));
+        const auto* title = f.onFirstPage<QToolButton>("toggleButton");
+        XsdtNode* node = f.node(u"Global/Preferences/Application/S&b/Deep/Needle"_s);
+        QVERIFY(f.model.setValue(node, u"straw"_s));
+        QCOMPARE(f.list->item(0)->text(), u"Application   ● 1"_s);
+        QCOMPARE(title->text(), u"S&&b   ● 1"_s);
+        f.model.revertValue(node);
+        QCOMPARE(title->text(), u"S&&b"_s);
+
+        auto* bar = qobject_cast<QScrollArea*>(f.stack->widget(1))->verticalScrollBar();
+        bar->setValue(bar->maximum());
+        f.view.setSearchText(u"Key"_s);
+        QCOMPARE(bar->value(), 0);
+    }
+
     void copesWithHostileFile()
     {
         QByteArray deep;
