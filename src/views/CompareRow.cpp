@@ -2,6 +2,7 @@
 #include "views/CompareRow.h"
 
 #include "document/XsdtNode.h"
+#include "document/XsdtValueType.h"
 #include "views/CompareEngine.h"
 #include "views/CompareView.h"
 #include "views/PlainText.h"
@@ -9,6 +10,8 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QStyle>
+#include <QTreeWidget>
 
 namespace kse {
 
@@ -17,6 +20,7 @@ namespace {
 constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
 constexpr qsizetype valueLimit = 90;
 constexpr qsizetype toolTipValueLimit = 300;
+constexpr qsizetype cutValueLimit = 1000;
 
 QString shownValue(const XsdtNode* node)
 {
@@ -50,10 +54,18 @@ CompareRow::CompareRow(const CompareEntry& entry, int index, bool isCopyable)
 {
 }
 
+const XsdtNode* CompareRow::node() const
+{
+    return m_entry.thisNode ? m_entry.thisNode : m_entry.otherNode;
+}
+
 QVariant CompareRow::data(int column, int role) const
 {
     if (role == Qt::DisplayRole) {
         return shownText(column);
+    }
+    if (role == Qt::ToolTipRole && (column == ThisColumn || column == OtherColumn)) {
+        return cutValue(column);
     }
     if (column != SettingColumn) {
         return {};
@@ -100,6 +112,25 @@ QString CompareRow::toolTipText() const
                     .arg(firstCharacters(m_entry.otherNode->value, toolTipValueLimit));
     }
     return asToolTip(text + obstacleText());
+}
+
+/// The value in `column` for its tool tip; empty unless the cell has no room for all of it.
+QString CompareRow::cutValue(int column) const
+{
+    const XsdtNode* node = column == ThisColumn ? m_entry.thisNode : m_entry.otherNode;
+    if (!node) {
+        return {};
+    }
+    const QTreeWidget& tree = *treeWidget();
+    const QString shown = shownValue(node);
+    const int margin = tree.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &tree) + 1;
+    const int room = tree.columnWidth(column) - 2 * margin;
+    if (node->value.size() <= valueLimit && tree.fontMetrics().horizontalAdvance(shown) <= room) {
+        return {};
+    }
+    return asMarkup(node->typeCode == XsdtValueType::Block
+                        ? shown
+                        : abbreviated(node->value, cutValueLimit)); // wraps as markup only
 }
 
 /// As a line of its own, why the other file's value can't be copied; empty if it can.

@@ -6,6 +6,7 @@
 namespace kse {
 
 struct CompareEntry;
+struct XsdtNode;
 
 /// One difference in the list of the comparison. Its texts are made when they are seen: there may
 /// be a hundred thousand rows, all made anew at each key typed into the filter.
@@ -17,6 +18,11 @@ public:
     /// `entry` isn't owned and must outlive the row; it is the one at `index` of its list.
     CompareRow(const CompareEntry& entry, int index, bool isCopyable);
 
+    const CompareEntry& entry() const { return m_entry; }
+
+    /// The one of the open file or else the other's.
+    const XsdtNode* node() const;
+
     /// In the user role of the first column, too. Rows that are no entries have -1 there.
     int index() const { return m_index; }
 
@@ -25,6 +31,7 @@ public:
 private:
     QString shownText(int column) const;
     QString toolTipText() const;
+    QString cutValue(int column) const;
     QString obstacleText() const;
 
     const CompareEntry& m_entry;

@@ -2,34 +2,27 @@
 #include "views/CompareView.h"
 
 #include "schema/DeletePolicy.h"
-#include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
+#include "views/CompareFileBox.h"
 #include "views/CompareRow.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 #include "views/TabOrder.h"
-#include "views/WheelGuard.h"
 #include "views/WrappingRow.h"
 
 #include <QCheckBox>
 #include <QClipboard>
-#include <QComboBox>
 #include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHash>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QSet>
-#include <QSignalBlocker>
 #include <QStyle>
-#include <QTreeWidget>
+#include <QStyleOptionButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -41,17 +34,6 @@ namespace kse {
 
 namespace {
 
-constexpr int maximumExpanded = 400; // rows; beyond, the groups are closed at first
-constexpr qsizetype maximumBackups = 25;
-constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
-
-const QString browseData = u"?"_s;
-
-bool isSameFile(const QString& path, const QString& other)
-{
-    return !path.isEmpty() && !other.isEmpty() && QFileInfo(path) == QFileInfo(other);
-}
-
 bool holdsText(const CompareEntry& entry, const QString& text)
 {
     const auto valueHolds = [&text](const XsdtNode* node) {
@@ -61,18 +43,28 @@ bool holdsText(const CompareEntry& entry, const QString& text)
            valueHolds(entry.thisNode) || valueHolds(entry.otherNode);
 }
 
-/// A row that isn't an entry, known by -1 where these have their number.
-QTreeWidgetItem* makeTopLevelRow(const QString& text)
+QString copyAllText(const QString& count)
 {
-    auto* row = new QTreeWidgetItem({withoutMiddle(text, nameLimit)});
-    row->setData(CompareRow::SettingColumn, Qt::UserRole, -1);
-    return row;
+    return CompareView::tr("Use the other file's value for all shown (%1)").arg(count);
 }
 
-int entryIndex(const QTreeWidgetItem* item)
+/// As wide with any number as with a large one: its neighbour stays beneath the mouse.
+class CopyAllButton : public QPushButton
 {
-    return item ? item->data(CompareRow::SettingColumn, Qt::UserRole).toInt() : -1;
-}
+public:
+    using QPushButton::QPushButton;
+
+    QSize sizeHint() const override
+    {
+        QStyleOptionButton option;
+        initStyleOption(&option);
+        option.text = copyAllText(u"88888"_s);
+        const QSize text = fontMetrics().size(Qt::TextShowMnemonic, option.text);
+        return style()
+            ->sizeFromContents(QStyle::CT_PushButton, &option, text, this)
+            .expandedTo(QPushButton::sizeHint());
+    }
+};
 
 } // namespace
 
@@ -84,7 +76,6 @@ CompareView::CompareView(SettingsModel* model, QWidget* parent)
     createTree();
     createLayout();
     connectWidgets();
-    refillFileCombo();
     refresh();
 }
 
@@ -95,11 +86,8 @@ CompareView::~CompareView()
 
 void CompareView::createInputs()
 {
-    m_fileCombo = new QComboBox(this);
+    m_fileCombo = new CompareFileBox(this);
     m_fileCombo->setObjectName("fileCombo"_L1);
-    m_fileCombo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    m_fileCombo->setMinimumWidth(200); // a long name doesn't keep the window wide
-    WheelGuard::install(m_fileCombo);
 
     const auto makeCheckBox = [this](const QString& name, const QString& text, bool on) {
         auto* box = new QCheckBox(text, this);
@@ -137,26 +125,12 @@ void CompareView::createTree()
     m_summaryLabel->setTextFormat(Qt::PlainText);
     m_summaryLabel->setWordWrap(true);
 
-    m_tree = new QTreeWidget(this);
+    m_tree = new CompareTree(this);
     m_tree->setObjectName("tree"_L1);
-    m_tree->setAccessibleName(tr("Differences"));
-    m_tree->setHeaderLabels({tr("Setting"), tr("This file"), tr("Other file"), tr("Status")});
-    m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_tree->setAlternatingRowColors(true);
-    m_tree->setUniformRowHeights(true);
-    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
-    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
-    QHeaderView* header = m_tree->header();
-    header->setStretchLastSection(false);
-    header->setSectionResizeMode(CompareRow::SettingColumn, QHeaderView::Interactive);
-    header->resizeSection(CompareRow::SettingColumn, 340);
-    header->setSectionResizeMode(CompareRow::ThisColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(CompareRow::OtherColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(CompareRow::StatusColumn, QHeaderView::ResizeToContents);
 
     m_copySelectedButton = new QPushButton(tr("Use the other file's value for selected"), this);
     m_copySelectedButton->setObjectName("copySelectedButton"_L1);
-    m_copyAllButton = new QPushButton(this);
+    m_copyAllButton = new CopyAllButton(this);
     m_copyAllButton->setObjectName("copyAllButton"_L1);
 }
 
@@ -189,18 +163,18 @@ void CompareView::connectWidgets()
 {
     connect(m_fileCombo, &QComboBox::activated, this, &CompareView::onFileActivated);
     for (const QCheckBox* box : {m_showDifferent, m_showOnlyThis, m_showOnlyOther, m_hideNoise}) {
-        connect(box, &QCheckBox::toggled, this, &CompareView::populate);
+        connect(box, &QCheckBox::toggled, this, [this] { populate(); });
     }
-    connect(m_filterEdit, &QLineEdit::textChanged, this, &CompareView::populate);
+    connect(m_filterEdit, &QLineEdit::textChanged, this, [this] { populate(); });
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &CompareView::updateButtons);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CompareView::onContextMenu);
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &CompareView::onDoubleClicked);
     connect(m_copySelectedButton, &QPushButton::clicked, this,
-            [this] { copyEntries(selectedEntries()); });
+            [this] { copyEntries(m_tree->selectedEntries()); });
     connect(m_copyAllButton, &QPushButton::clicked, this, &CompareView::onCopyAll);
 
     m_refreshTimer.setSingleShot(true);
-    connect(&m_refreshTimer, &QTimer::timeout, this, &CompareView::refreshInPlace);
+    connect(&m_refreshTimer, &QTimer::timeout, this, [this] { refresh(m_tree->state()); });
     const auto refreshSoon = [this] {
         m_refreshTimer.start(0);
     };
@@ -216,7 +190,7 @@ void CompareView::setDocument(XsdtDocument* document, const QString& path)
     if (m_document && isSameFile(m_otherPath, path)) {
         forgetOther();
     }
-    refillFileCombo();
+    m_fileCombo->setFiles(m_thisPath, m_otherPath);
     refresh();
 }
 
@@ -246,7 +220,7 @@ bool CompareView::compareWith(const QString& path, QString* error)
     } else if (SettingsStore::readFile(path, bytes, &reason)) {
         if (m_other.parse(bytes, &reason)) {
             m_otherPath = path;
-            refillFileCombo();
+            m_fileCombo->setFiles(m_thisPath, m_otherPath);
         } else {
             m_otherPath.clear();
             reason = tr("%1 is not a valid PixInsight settings file: %2").arg(path, reason);
@@ -268,9 +242,7 @@ void CompareView::setStateFilters(bool different, bool onlyThis, bool onlyOther)
 
 void CompareView::clearEntries()
 {
-    const QSignalBlocker blocker(m_tree);
-    m_rows.clear();
-    m_tree->clear(); // before the entries, which the rows refer to
+    m_tree->removeRows(); // before the entries, which they refer to
     m_copyableRows = 0;
     m_entries.clear();
     m_isNoise.clear();
@@ -283,7 +255,7 @@ void CompareView::forgetOther()
     m_otherPath.clear();
 }
 
-void CompareView::refresh()
+void CompareView::refresh(const CompareTreeState& state)
 {
     m_refreshTimer.stop();
     clearEntries();
@@ -295,7 +267,7 @@ void CompareView::refresh()
             const XsdtNode* node = entry.thisNode ? entry.thisNode : entry.otherNode;
             m_isNoise.push_back(policy && policy->isCompareNoise(node));
         }
-        populate();
+        populate(state);
         return;
     }
     m_summaryLabel->setText(
@@ -304,41 +276,10 @@ void CompareView::refresh()
     updateButtons();
 }
 
-void CompareView::refreshInPlace()
+void CompareView::populate(const CompareTreeState& treeState)
 {
-    QSet<QString> open;
-    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
-        if (const QTreeWidgetItem* group = m_tree->topLevelItem(i); group->isExpanded()) {
-            open.insert(group->text(CompareRow::SettingColumn));
-        }
-    }
-    const int top = m_tree->verticalScrollBar()->value();
-    const qsizetype currentRow = shownEntries().indexOf(entryIndex(m_tree->currentItem()));
-    refresh();
-    for (int i = 0; m_rows.size() > maximumExpanded && i < m_tree->topLevelItemCount(); ++i) {
-        QTreeWidgetItem* group = m_tree->topLevelItem(i);
-        group->setExpanded(open.contains(group->text(CompareRow::SettingColumn)));
-    }
-    // What was current may be gone, for it was copied: who works by keyboard goes on where it was.
-    if (currentRow >= 0 && !m_rows.isEmpty()) {
-        CompareRow* row = m_rows.at(qMin(currentRow, m_rows.size() - 1));
-        if (row->parent()->isExpanded()) { // the view would open it
-            m_tree->setCurrentItem(row, CompareRow::SettingColumn, QItemSelectionModel::NoUpdate);
-        }
-    }
-    m_tree->doItemsLayout(); // gives the scroll bar its range
-    m_tree->verticalScrollBar()->setValue(top);
-}
-
-void CompareView::populate()
-{
-    const QSignalBlocker blocker(m_tree);
-    m_rows.clear();
-    m_tree->clear();
-    m_copyableRows = 0;
     if (!m_document || m_otherPath.isEmpty()) {
-        updateButtons();
-        return;
+        return; // there is nothing to show
     }
     const QString text = m_filterEdit->text().trimmed();
     const std::array<bool, 3> isOn = {m_showDifferent->isChecked(), m_showOnlyThis->isChecked(),
@@ -359,7 +300,7 @@ void CompareView::populate()
             shown.push_back(i);
         }
     }
-    addRows(shown);
+    addRows(shown, treeState);
     QString summary = tr("%1 different, %2 only in this file, %3 only in the other file")
                           .arg(counts[0])
                           .arg(counts[1])
@@ -372,83 +313,29 @@ void CompareView::populate()
     updateButtons();
 }
 
-void CompareView::addRows(const std::vector<int>& shown)
+void CompareView::addRows(const std::vector<int>& shown, const CompareTreeState& state)
 {
-    QFont bold;
-    bold.setBold(true);
-    QList<QTreeWidgetItem*> topLevelRows;
-    QHash<QString, QTreeWidgetItem*> groups;
+    m_copyableRows = 0;
+    QList<CompareRow*> rows;
+    rows.reserve(qsizetype(shown.size()));
     for (const int index : shown) {
         const CompareEntry& entry = m_entries.at(index);
-        const QString name = groupedPath(entry.path).group;
-        QTreeWidgetItem*& group = groups[name];
-        if (!group) {
-            group = makeTopLevelRow(name);
-            group->setFont(CompareRow::SettingColumn, bold);
-            topLevelRows.append(group);
-        }
         const bool copyable = isCopyable(entry);
         m_copyableRows += copyable ? 1 : 0;
-        auto* row = new CompareRow(entry, index, copyable);
-        group->addChild(row);
-        m_rows.append(row);
+        rows.append(new CompareRow(entry, index, copyable));
     }
-    if (topLevelRows.isEmpty()) {
-        topLevelRows.append(makeTopLevelRow(tr("Nothing to show with the current filters.")));
-        topLevelRows.first()->setFlags(Qt::ItemIsEnabled);
-    }
-    // Once and filled: the tree takes rows that come one by one each by itself.
-    m_tree->addTopLevelItems(topLevelRows);
-    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
-        m_tree->setFirstColumnSpanned(i, {}, true);
-    }
-    if (!m_rows.isEmpty() && m_rows.size() <= maximumExpanded) {
-        m_tree->expandAll();
-    }
+    m_tree->setRows(rows, state);
 }
 
 void CompareView::updateButtons()
 {
-    const QList<int> selected = selectedEntries();
+    const QList<int> selected = m_tree->selectedEntries();
     const bool selectionCopyable = std::any_of(
         selected.cbegin(), selected.cend(), [this](int i) { return isCopyable(m_entries.at(i)); });
     setEnabledOrPass(*m_copySelectedButton, !m_readOnly && selectionCopyable, *m_tree);
     setEnabledOrPass(*m_copyAllButton, !m_readOnly && m_copyableRows > 0, *m_tree);
-    m_copyAllButton->setText(
-        m_copyableRows > 0 ? tr("Use the other file's value for all shown (%1)").arg(m_copyableRows)
-                           : tr("Use the other file's value for all shown"));
-}
-
-void CompareView::refillFileCombo()
-{
-    const QSignalBlocker blocker(m_fileCombo);
-    m_fileCombo->clear();
-    m_fileCombo->addItem(tr("Choose a file to compare with..."), QString());
-    int current = 0;
-    const auto add = [&](const QString& path, const QString& label) {
-        if (isSameFile(path, m_thisPath)) {
-            return;
-        }
-        if (isSameFile(path, m_otherPath)) {
-            current = m_fileCombo->count();
-        }
-        m_fileCombo->addItem(label.arg(PixInsightEnv::describeFile(path)), path);
-    };
-    const QStringList files = PixInsightEnv::findSettingsFiles();
-    for (const QString& path : files) {
-        add(path, u"%1"_s);
-    }
-    if (!m_thisPath.isEmpty()) {
-        const QStringList backups = PixInsightEnv::backupsOf(m_thisPath).mid(0, maximumBackups);
-        for (const QString& path : backups) {
-            add(path, tr("Backup: %1"));
-        }
-    }
-    if (!m_otherPath.isEmpty() && current == 0) {
-        add(m_otherPath, u"%1"_s);
-    }
-    m_fileCombo->addItem(tr("Browse..."), browseData);
-    m_fileCombo->setCurrentIndex(current);
+    m_copyAllButton->setText(m_copyableRows > 0 ? copyAllText(QString::number(m_copyableRows))
+                                                : tr("Use the other file's value for all shown"));
 }
 
 void CompareView::chooseFile(const QString& path)
@@ -468,7 +355,7 @@ void CompareView::onFileActivated(int index)
         refresh();
         return;
     }
-    if (path == browseData) {
+    if (m_fileCombo->isBrowse(index)) {
         const QString folder = m_thisPath.isEmpty() ? QString() : QFileInfo(m_thisPath).path();
         const QString picked = QFileDialog::getOpenFileName(
             window(), tr("Compare with"), folder,
@@ -479,12 +366,12 @@ void CompareView::onFileActivated(int index)
     } else {
         chooseFile(path);
     }
-    refillFileCombo();
+    m_fileCombo->setFiles(m_thisPath, m_otherPath);
 }
 
 void CompareView::onContextMenu(const QPoint& pos)
 {
-    const int index = entryIndex(m_tree->itemAt(pos));
+    const int index = CompareTree::entryIndex(m_tree->itemAt(pos));
     if (index < 0) {
         return;
     }
@@ -514,7 +401,7 @@ void CompareView::onContextMenu(const QPoint& pos)
 
 void CompareView::onDoubleClicked(QTreeWidgetItem* item)
 {
-    const int index = entryIndex(item);
+    const int index = CompareTree::entryIndex(item);
     if (index >= 0 && m_entries.at(index).thisNode) {
         emit revealRequested(m_entries.at(index).thisNode);
     }
@@ -572,31 +459,11 @@ bool CompareView::isCopyable(const CompareEntry& entry) const
     return !policy || !policy->isCompareNoCopy(entry.thisNode);
 }
 
-QList<int> CompareView::selectedEntries() const
-{
-    QList<int> indices;
-    std::vector<bool> isTaken(size_t(m_entries.size()));
-    const auto take = [&](int index) {
-        if (index >= 0 && !isTaken[size_t(index)]) {
-            isTaken[size_t(index)] = true;
-            indices.append(index);
-        }
-    };
-    const QList<QTreeWidgetItem*> items = m_tree->selectedItems();
-    for (const QTreeWidgetItem* item : items) {
-        take(entryIndex(item));
-        for (int i = 0; i < item->childCount(); ++i) {
-            take(entryIndex(item->child(i)));
-        }
-    }
-    return indices;
-}
-
 QList<int> CompareView::shownEntries() const
 {
     QList<int> indices;
-    indices.reserve(m_rows.size());
-    for (const CompareRow* row : m_rows) {
+    indices.reserve(m_tree->rows().size());
+    for (const CompareRow* row : m_tree->rows()) {
         indices.append(row->index());
     }
     return indices;

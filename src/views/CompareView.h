@@ -3,6 +3,7 @@
 
 #include "document/XsdtDocument.h"
 #include "views/CompareEngine.h"
+#include "views/CompareTree.h"
 
 #include <QList>
 #include <QString>
@@ -12,16 +13,14 @@
 #include <vector>
 
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
-class QTreeWidget;
 class QTreeWidgetItem;
 
 namespace kse {
 
-class CompareRow;
+class CompareFileBox;
 class SettingsModel;
 
 /// The page that compares the open file with another one, which is never written, and takes
@@ -66,12 +65,10 @@ private:
     void connectWidgets();
     void clearEntries();
     void forgetOther();
-    void refresh();
-    void refreshInPlace();
-    void populate();
-    void addRows(const std::vector<int>& shown);
+    void refresh(const CompareTreeState& state = {});
+    void populate(const CompareTreeState& treeState = {});
+    void addRows(const std::vector<int>& shown, const CompareTreeState& state);
     void updateButtons();
-    void refillFileCombo();
     void chooseFile(const QString& path);
     void onFileActivated(int index);
     void onContextMenu(const QPoint& pos);
@@ -79,7 +76,6 @@ private:
     void onCopyAll();
     void copyEntries(const QList<int>& indices);
     bool isCopyable(const CompareEntry& entry) const;
-    QList<int> selectedEntries() const;
     QList<int> shownEntries() const;
 
     SettingsModel* m_model = nullptr;
@@ -89,19 +85,18 @@ private:
     QString m_otherPath; ///< Empty: nothing is compared.
     QList<CompareEntry> m_entries;
     std::vector<bool> m_isNoise; ///< Of each entry; slow to find out at every key of the filter.
-    QList<CompareRow*> m_rows;   ///< What the tree shows of the entries, from top to bottom.
-    int m_copyableRows = 0;      ///< How many of these can be copied.
+    int m_copyableRows = 0;      ///< How many of the rows can be copied.
     quint64 m_comparison = 0;    ///< Rises whenever the entries go.
     bool m_readOnly = false;
     QTimer m_refreshTimer; ///< Active while a change waits for the comparison that it needs.
-    QComboBox* m_fileCombo = nullptr;
+    CompareFileBox* m_fileCombo = nullptr;
     QCheckBox* m_showDifferent = nullptr;
     QCheckBox* m_showOnlyThis = nullptr;
     QCheckBox* m_showOnlyOther = nullptr;
     QCheckBox* m_hideNoise = nullptr;
     QLineEdit* m_filterEdit = nullptr;
     QLabel* m_summaryLabel = nullptr;
-    QTreeWidget* m_tree = nullptr;
+    CompareTree* m_tree = nullptr;
     QPushButton* m_copySelectedButton = nullptr;
     QPushButton* m_copyAllButton = nullptr;
 };

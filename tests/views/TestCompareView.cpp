@@ -94,6 +94,8 @@ private slots:
     void choosesFromTheList();
     void copiesWhatTheTreeDoesNotShow();
     void keepsItsPlaceWhenRefreshed();
+    void keepsSelectionAndClosedGroupsThroughEdits();
+    void showsCutValueInToolTip();
 };
 
 void TestCompareView::listsDifferences_data()
@@ -190,6 +192,13 @@ void TestCompareView::choosesFromTheList()
         QTest::keyClick(page.combo, Qt::Key_Down);
         return page.summary();
     };
+    StoreFixture::write(page.path + u".bak-2"_s, "<nothing");
+    page.combo->showPopup(); // looks again
+    page.combo->hidePopup();
+    QCOMPARE(page.combo->count(), 5);
+    QFile::remove(page.path + u".bak-2"_s);
+    page.combo->showPopup();
+    page.combo->hidePopup();
     QVERIFY(choose(1).startsWith(u"0 different, 0 only"_s));
     QVERIFY(page.combo->currentText().startsWith(u"Backup: core-001-pxi.settings.bak-1"_s));
     for (const QString& picked : {page.otherPath, page.path, QString()}) {
@@ -236,6 +245,43 @@ void TestCompareView::keepsItsPlaceWhenRefreshed()
     QVERIFY(page.item(u"G/1"_s)->isExpanded() && !page.item(u"G/0"_s)->isExpanded());
     QCOMPARE(page.tree->currentItem(), page.item(u"v151"_s));
     QCOMPARE(page.tree->verticalScrollBar()->value(), 40);
+}
+
+void TestCompareView::keepsSelectionAndClosedGroupsThroughEdits()
+{
+    const QString nodes = u"A/a/v:i=1; A/b/w:i=1; A/b/x:i=1; A/c/y:i=1; A/c/z:i=1"_s;
+    Page page(nodes, QString(nodes).replace(u"=1"_s, u"=2"_s));
+    const int width = page.button(u"copyAllButton"_s)->sizeHint().width();
+    const auto isSelected = [&](const QString& text) {
+        return page.item(text)->isSelected();
+    };
+    page.tree->setCurrentItem(page.item(u"y"_s));
+    page.item(u"A/a"_s)->setExpanded(false);
+    for (const QString& text : {u"A/a"_s, u"w"_s, u"z"_s}) {
+        page.item(text)->setSelected(true);
+    }
+    XsdtNode* x = page.document.root.findByPath(u"A/b/x");
+    QVERIFY(page.model.setValue(x, u"2"_s));
+    QTRY_VERIFY(!page.item(u"x"_s));
+    QVERIFY(isSelected(u"A/a"_s) && isSelected(u"w"_s) && isSelected(u"y"_s) && isSelected(u"z"_s));
+    QCOMPARE(page.tree->selectedItems().size(), 4);
+    QVERIFY(!page.item(u"A/a"_s)->isExpanded() && page.item(u"A/b"_s)->isExpanded());
+    QCOMPARE(page.tree->currentItem(), page.item(u"y"_s));
+    page.button(u"copySelectedButton"_s)->click();
+    QTRY_COMPARE(page.lines(), QStringList(u"Nothing to show with the current filters."_s));
+    QCOMPARE(page.button(u"copyAllButton"_s)->sizeHint().width(), width);
+}
+
+void TestCompareView::showsCutValueInToolTip()
+{
+    const QString value = u"<a> "_s.repeated(50);
+    Page page(u"v:s=%1; w:s=short"_s.arg(value), u"v:s=b; w:s=c"_s);
+    QCOMPARE(page.item(u"v"_s)->toolTip(1), asMarkup(value));
+    QCOMPARE(page.item(u"v"_s)->toolTip(2), QString());
+    QCOMPARE(page.item(u"w"_s)->toolTip(1), QString());
+    page.tree->header()->setSectionResizeMode(1, QHeaderView::Fixed);
+    page.tree->setColumnWidth(1, 20);
+    QCOMPARE(page.item(u"w"_s)->toolTip(1), asMarkup(u"short"_s));
 }
 
 KSE_TEST_MAIN(TestCompareView)
