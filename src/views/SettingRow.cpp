@@ -17,13 +17,14 @@
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPainter>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QSpinBox>
-#include <QStyleOptionFocusRect>
 #include <QToolButton>
 
 #include <cmath>
@@ -173,6 +174,22 @@ void SettingRow::addEditor(QWidget* editor, const QString& name)
     m_editorHost->layout()->addWidget(editor);
 }
 
+void SettingRow::addSpinBox(QAbstractSpinBox* box, const QString& name)
+{
+    addEditor(box, name);
+    WheelGuard::install(box);
+    box->setKeyboardTracking(false);
+    box->setLocale(QLocale::c()); // as the file, and a minus sign that every keyboard has
+    // What a box shows for want of the stored text is no change to it when it is typed.
+    connect(box->findChild<QLineEdit*>(), &QLineEdit::textEdited, this,
+            [this, box] { m_isTyped = box->hasAcceptableInput(); });
+    connect(box, &QAbstractSpinBox::editingFinished, this, [this, box] {
+        if (m_isTyped && !isOutdated() && !editorShowsValue()) {
+            commit(box->text());
+        }
+    });
+}
+
 void SettingRow::createCheckBox()
 {
     m_checkBox = new QCheckBox(m_editorHost);
@@ -199,9 +216,7 @@ void SettingRow::createComboBox()
 void SettingRow::createSpinBox()
 {
     m_spinBox = new UngroupedSpinBox<QSpinBox>(m_editorHost);
-    addEditor(m_spinBox, u"spinBox"_s);
-    WheelGuard::install(m_spinBox);
-    m_spinBox->setKeyboardTracking(false);
+    addSpinBox(m_spinBox, u"spinBox"_s);
     connect(m_spinBox, &QSpinBox::valueChanged, this,
             [this](int number) { commit(QString::number(number)); });
 }
@@ -209,9 +224,7 @@ void SettingRow::createSpinBox()
 void SettingRow::createDoubleSpinBox()
 {
     m_doubleSpinBox = new UngroupedSpinBox<QDoubleSpinBox>(m_editorHost);
-    addEditor(m_doubleSpinBox, u"doubleSpinBox"_s);
-    WheelGuard::install(m_doubleSpinBox);
-    m_doubleSpinBox->setKeyboardTracking(false);
+    addSpinBox(m_doubleSpinBox, u"doubleSpinBox"_s);
     m_doubleSpinBox->setDecimals(0);
     connect(m_doubleSpinBox, &QDoubleSpinBox::valueChanged, this,
             [this](double number) { commit(QString::number(number, 'f', 0)); });
@@ -308,9 +321,12 @@ QString SettingRow::rangeFault(const QString& text) const
         !(number < m_info.min || number > m_info.max)) {
         return {};
     }
+    // With all digits: 1.0000001 isn't 1, which would be within 0 to 1.
+    const auto shown = [](double value) {
+        return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    };
     return tr("%1: %2 is outside the allowed range %3 to %4")
-        .arg(abbreviated(m_info.label, 200), QString::number(number), QString::number(m_info.min),
-             QString::number(m_info.max));
+        .arg(abbreviated(m_info.label, 200), shown(number), shown(m_info.min), shown(m_info.max));
 }
 
 void SettingRow::commit(const QString& text)
@@ -369,7 +385,53 @@ void SettingRow::revert()
 
 void SettingRow::refresh()
 {
+    refreshEditor();
     const bool isChanged = m_node->isModified();
+    QFont font = m_nameLabel->font();
+    font.setWeight(isChanged ? QFont::Bold : QFont::Normal);
+    font.setStrikeOut(m_node->isInsideDeletion());
+    m_nameLabel->setFont(font);
+    QPalette palette; // sets no role
+    if (isChanged) {
+        palette.setColor(QPalette::Window, QColor(255, 190, 0, 55));
+    }
+    setPalette(palette);
+    setAutoFillBackground(isChanged);
+    refreshRevertButton(isChanged);
+    refreshEditorHost();
+    refreshDescription(isChanged);
+}
+
+/// Whether the editor shows what is stored, and not something else for a text that it can't show.
+bool SettingRow::editorShowsValue() const
+{
+    const QString& text = m_node->value;
+    bool isNumber = true;
+    if (m_checkBox) {
+        return text == "true"_L1 || text == "false"_L1;
+    }
+    if (m_doubleSpinBox) {
+        return text.toDouble(&isNumber) == m_doubleSpinBox->value() && isNumber;
+    }
+    if (m_comboBox) {
+        (void)text.toLongLong(&isNumber);
+    } else if (m_spinBox) {
+        (void)text.toInt(&isNumber);
+    } else if (m_colorButton) {
+        (void)text.toUInt(&isNumber);
+    }
+    return isNumber;
+}
+
+QString SettingRow::storedTextHint() const
+{
+    return editorShowsValue() ? QString()
+                              : tr("Stored text: %1").arg(firstCharacters(m_node->value, 80));
+}
+
+void SettingRow::refreshEditor()
+{
+    m_isTyped = false;
     if (m_checkBox) {
         const QSignalBlocker blocker(m_checkBox);
         m_checkBox->setChecked(m_node->value == "true"_L1);
@@ -385,19 +447,6 @@ void SettingRow::refresh()
         const QSignalBlocker blocker(m_colorButton);
         m_colorButton->setArgb(m_node->value.toUInt());
     }
-    QFont font = m_nameLabel->font();
-    font.setWeight(isChanged ? QFont::Bold : QFont::Normal);
-    font.setStrikeOut(m_node->isInsideDeletion());
-    m_nameLabel->setFont(font);
-    QPalette palette; // sets no role
-    if (isChanged) {
-        palette.setColor(QPalette::Window, QColor(255, 190, 0, 55));
-    }
-    setPalette(palette);
-    setAutoFillBackground(isChanged);
-    refreshRevertButton(isChanged);
-    refreshEditorHost();
-    refreshDescription(isChanged);
 }
 
 void SettingRow::refreshComboBox()
@@ -478,6 +527,13 @@ void SettingRow::refreshEditorHost()
         m_editorHost->setToolTip(
             tr("Module registry and version records are locked against editing."));
     }
+    if (!m_lineEdit) { // which has a tool tip of its own
+        QStringList lines{storedTextHint()};
+        if (!isEditable && !lines.first().isEmpty()) {
+            lines << m_editorHost->toolTip();
+        }
+        m_nameLabel->buddy()->setToolTip(asToolTip(lines.join(u'\n').trimmed()));
+    }
 }
 
 /// Has a screen reader tell what is seen beside the editor, and how.
@@ -486,6 +542,9 @@ void SettingRow::refreshDescription(bool isChanged)
     QStringList parts;
     if (!m_editorHost->isEnabled() || m_colorButton) { // otherwise the editor itself tells
         parts << displayValue(*m_node, m_colorButton ? m_colorButton->text() : m_node->value, 200);
+    }
+    if (m_editorHost->isEnabled()) {
+        parts << storedTextHint();
     }
     if (isChanged) {
         parts << tr("Changed; on disk: %1").arg(firstCharacters(m_node->original, 80));
@@ -530,6 +589,13 @@ void SettingRow::updateColors()
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
     setTextColor(m_descriptionLabel, mixed(text, window, 3));
     setTextColor(m_pathLabel, mixed(text, window, 2));
+    // Editors take their outline from the window's colour, which is the row's amber otherwise.
+    QPalette editors;
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        editors.setBrush(group, QPalette::Window, palette.brush(group, QPalette::Window));
+    }
+    m_editorHost->setPalette(editors);
+    m_revertButton->setPalette(editors);
 }
 
 void SettingRow::paintEvent(QPaintEvent* event)
@@ -540,15 +606,19 @@ void SettingRow::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setPen(line);
     painter.drawLine(rect().bottomLeft(), rect().bottomRight());
-    if (hasFocus()) {
-        QStyleOptionFocusRect option;
-        option.initFrom(this);
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    if (hasFocus()) { // the style's own frame would tint the amber of a changed row
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
 }
 
 bool SettingRow::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::KeyPress && (m_lineEdit || m_spinBox || m_doubleSpinBox) &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel) && !isOutdated()) {
+        refresh(); // what was typed goes
+        return true;
+    }
     // The menu key on an editor asks for the row's menu; its own opens with the mouse.
     if (event->type() == QEvent::ContextMenu) {
         const auto* request = static_cast<QContextMenuEvent*>(event);

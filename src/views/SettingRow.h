@@ -5,6 +5,7 @@
 
 #include <QWidget>
 
+class QAbstractSpinBox;
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
@@ -71,6 +72,7 @@ private:
     void createColorButton();
     void createRevertButton();
     void addEditor(QWidget* editor, const QString& name);
+    void addSpinBox(QAbstractSpinBox* box, const QString& name);
     void layOut();
 
     bool isOutdated() const;
@@ -80,6 +82,9 @@ private:
     void browse();
     void revert();
 
+    bool editorShowsValue() const;
+    QString storedTextHint() const;
+    void refreshEditor();
     void refreshComboBox();
     void refreshSpinBox();
     void refreshDoubleSpinBox();
@@ -96,6 +101,7 @@ private:
     quint64 m_generation = 0; ///< The model's, when the row was made.
     bool m_rowReadOnly = false;
     bool m_protectedType = false; ///< The node's type can't be edited.
+    bool m_isTyped = false;       ///< The spin box holds a number typed since the last refresh.
 
     QVBoxLayout* m_texts = nullptr;
     QLabel* m_nameLabel = nullptr;

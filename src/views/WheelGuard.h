@@ -7,7 +7,8 @@ class QWidget;
 
 namespace kse {
 
-/// Keeps a turn of the mouse wheel from changing a widget that doesn't have the focus.
+/// Keeps a turn of the mouse wheel from changing a widget that doesn't have the focus: what holds
+/// the widget scrolls instead.
 class WheelGuard : public QObject
 {
     Q_OBJECT
