@@ -13,6 +13,7 @@
 #include "views/SearchView.h"
 #include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
+#include "views/SettingsTree.h"
 #include "views/TreePosition.h"
 #include "views/UnusedModulesView.h"
 #include "views/ValueDelegate.h"
@@ -35,7 +36,6 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <cstdio>
@@ -216,11 +216,15 @@ QWidget* MainWindow::createAdvancedPage()
     filterRow->addWidget(m_changedOnly);
     layout->addLayout(filterRow);
 
-    m_tree = new QTreeView;
+    m_tree = new SettingsTree;
     m_tree->setObjectName("tree"_L1);
     m_tree->setAccessibleName(tr("All settings"));
     m_tree->setModel(m_proxy);
-    m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, new ValueDelegate(m_tree));
+    auto* delegate = new ValueDelegate(m_tree);
+    m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, delegate);
+    connect(delegate, &ValueDelegate::editedRowHidden, this, [this](const QString& key) {
+        showStatus(tr("%1 doesn't match the filter any more, so it isn't shown.").arg(key), 8000);
+    });
     m_tree->setUniformRowHeights(true);
     m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     m_tree->setAlternatingRowColors(true);

@@ -148,6 +148,7 @@ void MainWindow::revealNode(XsdtNode* node)
     }
     m_tree->setCurrentIndex(index);
     m_tree->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    m_tree->setFocus(); // so that a key edits or deletes it
 }
 
 bool MainWindow::hasFile(const QString& title)

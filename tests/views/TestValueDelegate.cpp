@@ -22,7 +22,9 @@ private slots:
     void init();
     void writesWhatWasTypedAndNothingElse_data();
     void writesWhatWasTypedAndNothingElse();
-    void leavesBooleanInAnotherForm();
+    void choosesBooleanFromOpenList_data();
+    void choosesBooleanFromOpenList();
+    void closesListWithItsDocument();
 
 private:
     template <typename Editor>
@@ -102,13 +104,47 @@ void TestValueDelegate::writesWhatWasTypedAndNothingElse()
     QCOMPARE(edited.count(), stored == value ? 0 : 1);
 }
 
-void TestValueDelegate::leavesBooleanInAnotherForm()
+void TestValueDelegate::choosesBooleanFromOpenList_data()
 {
-    auto* combo = edit<QComboBox>('b', u"TRUE"_s);
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QList<Qt::Key>>("keys");
+    QTest::addColumn<QString>("stored");
+    using Keys = QList<Qt::Key>;
+    QTest::newRow("return") << u"true"_s << Keys{Qt::Key_Down, Qt::Key_Return} << u"false"_s;
+    QTest::newRow("tab") << u"false"_s << Keys{Qt::Key_Up, Qt::Key_Tab} << u"true"_s;
+    QTest::newRow("escape") << u"true"_s << Keys{Qt::Key_Down, Qt::Key_Escape} << u"true"_s;
+    QTest::newRow("other form") << u"TRUE"_s << Keys{Qt::Key_Return} << u"TRUE"_s;
+}
+
+void TestValueDelegate::choosesBooleanFromOpenList()
+{
+    QFETCH(QString, value);
+    QFETCH(QList<Qt::Key>, keys);
+    const QPointer<QComboBox> combo = edit<QComboBox>('b', value);
     QVERIFY(combo);
-    QCOMPARE(combo->currentIndex(), -1);
-    press(combo, Qt::Key_Return);
-    QCOMPARE(m_document->root.children.front()->value, u"TRUE"_s);
+    QTRY_VERIFY(combo->view()->isVisible());
+    for (const Qt::Key key : std::as_const(keys)) {
+        QVERIFY(combo);
+        QTest::keyClick(combo->view(), key);
+    }
+    QTRY_VERIFY(!combo);
+    QTEST(m_document->root.children.front()->value, "stored");
+}
+
+/// Also that a closed list isn't changed by the wheel.
+void TestValueDelegate::closesListWithItsDocument()
+{
+    const QPointer<QComboBox> combo = edit<QComboBox>('b', u"true"_s);
+    QTRY_VERIFY(combo->view()->isVisible());
+    combo->hidePopup();
+    QWheelEvent wheel({5, 5}, combo->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(combo, &wheel);
+    QCOMPARE(combo->currentText(), u"true"_s);
+    combo->showPopup();
+    m_model->setDocument(nullptr);
+    QVERIFY(!QApplication::activePopupWidget());
+    QTRY_VERIFY(!combo);
 }
 
 } // namespace kse
