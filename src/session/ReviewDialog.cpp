@@ -6,6 +6,7 @@
 #include "document/XsdtValueType.h"
 #include "schema/SettingsSchema.h"
 #include "session/ChangeRemark.h"
+#include "views/CopyKey.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
 #include "views/WrappedLabel.h"
@@ -72,6 +73,27 @@ QTreeWidgetItem* makeRow(const QStringList& texts, ReviewDialog::RowKind kind, X
     row->setData(ChangeColumn, ReviewDialog::NodeRole, QVariant::fromValue(node));
     row->setToolTip(SettingColumn, asToolTip(texts.at(SettingColumn))); // the column may cut it
     return row;
+}
+
+// The text of a cell as the file has or gets it; what the row says of itself as it stands.
+QVariant wholeText(const QModelIndex& index)
+{
+    const QModelIndex first = index.siblingAtColumn(ChangeColumn);
+    const int kind = first.data(ReviewDialog::KindRole).toInt();
+    const auto* node = first.data(ReviewDialog::NodeRole).value<XsdtNode*>();
+    if (!node && kind == ReviewDialog::RemovedValueRow) { // beneath the value itself
+        node = first.parent().data(ReviewDialog::NodeRole).value<XsdtNode*>();
+    }
+    if (node && index.column() == SettingColumn) {
+        return node->path();
+    }
+    if (node && index.column() == BeforeColumn && kind != ReviewDialog::DeletionRow) {
+        return kind == ReviewDialog::EditRow ? node->original : node->value;
+    }
+    if (node && index.column() == AfterColumn && kind == ReviewDialog::EditRow) {
+        return node->value;
+    }
+    return index.data();
 }
 
 // A row that tells something about the list and stands for no change.
@@ -161,6 +183,7 @@ void ReviewDialog::createTree()
     m_tree->setUniformRowHeights(true);
     m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     m_tree->setRootIsDecorated(true);
+    copyWholeTexts(m_tree, wholeText);
     setTabOrder(m_showDeletions, m_tree);
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);

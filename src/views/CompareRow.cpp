@@ -64,6 +64,9 @@ QVariant CompareRow::data(int column, int role) const
     if (role == Qt::DisplayRole) {
         return shownText(column);
     }
+    if (role == Qt::EditRole) {
+        return wholeText(column);
+    }
     if (role == Qt::ToolTipRole && (column == ThisColumn || column == OtherColumn)) {
         return cutValue(column);
     }
@@ -95,6 +98,23 @@ QString CompareRow::shownText(int column) const
         return shownValue(m_entry.thisNode);
     case OtherColumn:
         return shownValue(m_entry.otherNode);
+    default:
+        return statusText(m_entry);
+    }
+}
+
+QVariant CompareRow::wholeText(int column) const
+{
+    const auto valueOf = [](const XsdtNode* node) {
+        return node ? QVariant(node->value) : QVariant();
+    };
+    switch (column) {
+    case SettingColumn:
+        return groupedPath(m_entry.path).name;
+    case ThisColumn:
+        return valueOf(m_entry.thisNode);
+    case OtherColumn:
+        return valueOf(m_entry.otherNode);
     default:
         return statusText(m_entry);
     }

@@ -9,7 +9,8 @@ struct CompareEntry;
 struct XsdtNode;
 
 /// One difference in the list of the comparison. Its texts are made when they are seen: there may
-/// be a hundred thousand rows, all made anew at each key typed into the filter.
+/// be a hundred thousand rows, all made anew at each key typed into the filter. The edit role has
+/// them unshortened.
 class CompareRow : public QTreeWidgetItem
 {
 public:
@@ -30,6 +31,7 @@ public:
 
 private:
     QString shownText(int column) const;
+    QVariant wholeText(int column) const;
     QString toolTipText() const;
     QString cutValue(int column) const;
     QString obstacleText() const;

@@ -3,6 +3,7 @@
 
 #include "views/CompareEngine.h"
 #include "views/CompareRow.h"
+#include "views/CopyKey.h"
 #include "views/PlainText.h"
 
 #include <QHeaderView>
@@ -52,6 +53,7 @@ CompareTree::CompareTree(QWidget* parent)
     setUniformRowHeights(true);
     setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
     setContextMenuPolicy(Qt::CustomContextMenu);
+    copyWholeTexts(this, [](const QModelIndex& index) { return index.data(Qt::EditRole); });
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(CompareRow::SettingColumn, QHeaderView::Interactive);
     header()->resizeSection(CompareRow::SettingColumn, 340);

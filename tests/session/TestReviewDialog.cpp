@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -239,6 +240,11 @@ void TestReviewDialog::cutsLongTexts()
     review.tree->setCurrentItem(review.tree->topLevelItem(2));
     QCOMPARE(review.detail().count(u'v'), 100'001);
     QVERIFY(review.detail().contains(u"900000"_s));
+    review.tree->setCurrentItem(review.tree->topLevelItem(2), 3);
+    review.tree->setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(review.dialog.get()));
+    QTest::keyClick(review.tree, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QApplication::clipboard()->text().size(), 1'000'000);
 }
 
 void TestReviewDialog::revertsSelectedInOneRefresh()

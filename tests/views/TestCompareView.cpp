@@ -159,6 +159,13 @@ void TestCompareView::offersMenu()
     QCOMPARE(node->value, u"2"_s);
     chooseInMenu(*page.tree, u"y"_s, u"Show in All settings"_s, [&] { page.reload(); });
     QCOMPARE(page.reveals.size(), 2);
+
+    Page block(u"a:B=xyz"_s, u"a:B=x"_s);
+    block.tree->setCurrentItem(block.item(u"a"_s), 1);
+    block.tree->setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&block.view));
+    QTest::keyClick(block.tree, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QApplication::clipboard()->text(), u"xyz"_s);
 }
 
 void TestCompareView::refusesFiles()
