@@ -33,6 +33,15 @@ void MainWindow::deleteNode(XsdtNode* node)
         return;
     }
     const QString path = withoutMiddle(node->path(), 500); // what follows it must stay in sight
+    if (const XsdtNode* group = node->parent; group && group->isInsideDeletion()) {
+        while (!group->markedForDeletion) {
+            group = group->parent;
+        }
+        showStatus(tr("%1 is already queued for deletion with %2.")
+                       .arg(path, withoutMiddle(group->path(), 500)),
+                   8000);
+        return;
+    }
     const int values = int(node->valueCount());
     const DeleteDecision decision = m_model->deletionDecision(node);
     if (decision.level == DeleteLevel::Never) {
