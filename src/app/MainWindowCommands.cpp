@@ -5,12 +5,15 @@
 #include "app/OpenEditor.h"
 #include "app/UserGuide.h"
 #include "app/WaitCursor.h"
+#include "document/TreeWalk.h"
 #include "session/BackupsDialog.h"
 #include "session/PixInsightEnv.h"
 #include "session/ReviewDialog.h"
 #include "views/PixelRatio.h"
 #include "views/PlainText.h"
+#include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
+#include "views/TreePosition.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -50,6 +53,21 @@ QList<QKeySequence> zoomInKeys()
         keys.append(equal);
     }
     return keys;
+}
+
+/// The groups that stand open in `tree`, also those inside closed ones.
+QList<const XsdtNode*> expandedGroups(const QTreeView& tree, const QAbstractProxyModel& proxy,
+                                      const SettingsModel& model)
+{
+    QList<const XsdtNode*> groups;
+    walkTree(std::as_const(model.document()->root), [&](const XsdtNode& node) {
+        if (!node.children.empty() &&
+            tree.isExpanded(proxy.mapFromSource(model.indexForNode(&node)))) {
+            groups.append(&node);
+        }
+        return Walk::Into;
+    });
+    return groups;
 }
 
 } // namespace
@@ -432,8 +450,18 @@ void MainWindow::onRevertAll()
                     tr("Discard all %n unsaved change(s)?", nullptr, int(pending)),
                     QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
     if (confirmed && m_model->generation() == generation) {
+        const TreePosition position(*m_tree, *m_proxy);
+        const bool isFiltering = !m_proxy->filterText().isEmpty() || m_proxy->isChangedOnly();
+        const QList<const XsdtNode*> expanded =
+            isFiltering ? QList<const XsdtNode*>() : expandedGroups(*m_tree, *m_proxy, *m_model);
         m_model->revertAll();
-        expandPreferences();
+        for (const XsdtNode* group : expanded) {
+            m_tree->expand(m_proxy->mapFromSource(m_model->indexForNode(group)));
+        }
+        if (isFiltering) {
+            m_tree->expandAll();
+        }
+        position.restore();
     }
 }
 

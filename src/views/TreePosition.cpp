@@ -1,24 +1,51 @@
 // SPDX-License-Identifier: MIT
 #include "views/TreePosition.h"
 
+#include "document/XsdtNode.h"
+#include "views/SettingsModel.h"
+
 #include <QAbstractProxyModel>
 #include <QTreeView>
 
 namespace kse {
 
+namespace {
+
+const XsdtNode* nodeOf(const QModelIndex& index)
+{
+    return index.data(SettingsModel::NodeRole).value<XsdtNode*>();
+}
+
+} // namespace
+
 TreePosition::TreePosition(QTreeView& tree, const QAbstractProxyModel& proxy)
     : m_tree(tree)
     , m_proxy(proxy)
-    , m_top(proxy.mapToSource(tree.indexAt({0, 0}).siblingAtColumn(0)))
+    , m_top(nodeOf(tree.indexAt({0, 0})))
+    , m_current(nodeOf(tree.currentIndex()))
+    , m_currentColumn(tree.currentIndex().column())
+    , m_isSelected(tree.selectionModel()->isSelected(tree.currentIndex()))
 {
 }
 
 void TreePosition::restore() const
 {
-    for (QModelIndex source = m_top; source.isValid(); source = source.parent()) {
-        const QModelIndex shown = m_proxy.mapFromSource(source);
-        if (m_tree.visualRect(shown).isValid()) {
-            m_tree.scrollTo(shown, QAbstractItemView::PositionAtTop);
+    const auto* model = static_cast<const SettingsModel*>(m_proxy.sourceModel());
+    const auto shown = [&](const XsdtNode* node, int column = 0) {
+        return m_proxy.mapFromSource(model->indexForNode(node, column));
+    };
+    if (const QModelIndex current = shown(m_current, m_currentColumn);
+        current.isValid() && current != m_tree.currentIndex()) {
+        const bool autoScroll = m_tree.hasAutoScroll();
+        m_tree.setAutoScroll(false); // it would open the groups above
+        m_tree.selectionModel()->setCurrentIndex(
+            current, m_isSelected ? QItemSelectionModel::SelectCurrent | QItemSelectionModel::Rows
+                                  : QItemSelectionModel::NoUpdate);
+        m_tree.setAutoScroll(autoScroll);
+    }
+    for (const XsdtNode* node = m_top; node; node = node->parent) {
+        if (const QModelIndex top = shown(node); m_tree.visualRect(top).isValid()) {
+            m_tree.scrollTo(top, QAbstractItemView::PositionAtTop);
             return;
         }
     }

@@ -8,9 +8,11 @@
 #include "support/WindowFixture.h"
 #include "views/CompareView.h"
 #include "views/ModuleSearchDialog.h"
+#include "views/SearchView.h"
 #include "views/SettingRow.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QInputDialog>
@@ -21,6 +23,7 @@
 #include <QNetworkReply>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTreeWidget>
 #include <QUrl>
@@ -180,6 +183,14 @@ private slots:
         pressDelete(u"Thornwick"_s);
         pressDelete(safePath);
         QCOMPARE(pending(), 3);
+    }
+
+    void tellsWhatIsQueuedAlready()
+    {
+        pressDelete(safePath);
+        pressDelete(safePath + u'/' + node(safePath)->children.front()->key);
+        QVERIFY2(status().endsWith(" is already queued for deletion with Global/Statistics."_L1),
+                 qPrintable(status()));
     }
 
     void reviewsSavesAndRestores()
@@ -464,6 +475,45 @@ private slots:
         find<QWidget>("advancedPage")->findChild<QCheckBox*>(u"changedOnly"_s)->click();
         QCOMPARE(tree()->model()->rowCount(), 1);
         QVERIFY(tree()->isExpanded(tree()->model()->index(0, 0)));
+        edit(stringPath, node(stringPath)->original);
+        QCOMPARE(tree()->model()->rowCount(), 0);
+        QCOMPARE(status(), u"Prefix doesn't match the filter any more, so it isn't shown."_s);
+    }
+
+    void editsAndCopiesARowFromAnyOfItsCells()
+    {
+        m_window->findChild<SearchView*>()->revealRequested(node(stringPath));
+        QCOMPARE(tree()->currentIndex().column(), 0);
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"Prefix"_s);
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {},
+                          tree()->visualRect(tree()->currentIndex()).center());
+        QTest::qWait(QApplication::doubleClickInterval() + 100);
+        QCOMPARE(m_window->focusWidget(), tree()); // a slow second click on the name
+        QTest::keyClick(tree(), Qt::Key_F2);
+        qobject_cast<QLineEdit*>(m_window->focusWidget())->setText(u"a\n"_s + QString(300, u'x'));
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Return);
+        QTRY_VERIFY(tree()->hasFocus());
+        QTest::keyClick(tree(), Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), node(stringPath)->value);
+        QCOMPARE(node(stringPath)->value.size(), 302);
+    }
+
+    void revertsAllInPlace()
+    {
+        for (const QString& filter : {QString(), u"max"_s}) {
+            find<QLineEdit>("treeFilter")->setText(filter);
+            edit(u"Global/Preferences/Process/MaxConsoleLines"_s, u"77"_s);
+            const int scrolled = tree()->verticalScrollBar()->value();
+            QCOMPARE(scrolled > 0, filter.isEmpty());
+            DialogAnswerer<QMessageBox> yes(
+                [](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
+            action("actRevert")->trigger();
+            QCOMPARE(pending(), 0);
+            QCOMPARE(tree()->currentIndex().data().toString(), u"4000"_s);
+            QVERIFY(tree()->visualRect(tree()->currentIndex()).isValid()); // its group is open
+            QCOMPARE(tree()->verticalScrollBar()->value(), scrolled);
+        }
     }
 
     void rendersItsPicturesAndLeavesTheFileAlone()
