@@ -571,6 +571,27 @@ private slots:
         }
     }
 
+    void takesWidthOnItsScreenAndGivesItBack()
+    {
+        ThemeManager::instance().setFontScale(0.8, false);
+        settle();
+        const QRect screen = m_window->screen()->availableGeometry();
+        m_window->resize(m_window->minimumWidth(), 700);
+        const int width = m_window->width();
+        m_window->move(screen.right() - m_window->frameGeometry().width(), 20);
+        ThemeManager::instance().setFontScale(2.2, false);
+        settle();
+        QVERIFY(m_window->width() > width);
+        QVERIFY(screen.contains(m_window->frameGeometry()));
+        ThemeManager::instance().setFontScale(0.8, false);
+        settle();
+        QCOMPARE(m_window->width(), width);
+        m_window->resize(5000, 5000);
+        m_window->hide();
+        m_window->show();
+        QVERIFY(screen.contains(m_window->frameGeometry()));
+    }
+
     void worksOnAFileOfAMillionLevels()
     {
         const int depth = 1'000'000;
