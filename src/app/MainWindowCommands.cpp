@@ -336,8 +336,8 @@ bool MainWindow::onSave()
     }
     QString error;
     if (!SettingsStore::isPixInsightClosed(&error)) { // rather than after the review
-        report(QMessageBox::Critical, tr("Save failed"), error);
         pollEnvironment();
+        report(QMessageBox::Critical, tr("Save failed"), error);
         return false;
     }
     const quint64 generation = m_model->generation();

@@ -84,14 +84,18 @@ struct Replacement
         const bool hasBackup = !formerHash.isEmpty();
         const bool isCopied =
             !hasBackup || copyVerified(store.path, formerHash, newestBackupTime(), copy, &reason);
-        if (isCopied && !prepareReplacement(file, store.path, bytes, model, error)) {
-            remark = hasBackup ? u"The file is unchanged."_s : QString();
-            return Outcome::Failed;
+        if (isCopied) {
+            if (!prepareReplacement(file, store.path, bytes, model, error)) {
+                remark = hasBackup ? u"The file is unchanged."_s : QString();
+                return Outcome::Failed;
+            }
+            backup = store.backupName(suffix); // somebody may have taken the other meanwhile
         }
-        if (!isCopied || (hasBackup && !nameBackup(copy, &reason))) {
-            remark = copy.autoRemove() ? u"Reason: %1"_s.arg(reason)
-                                       : u"The disk did not confirm the backup %1: %2"_s.arg(
-                                             QFileInfo(backup).fileName(), reason);
+        if (!isCopied || (hasBackup && !nameCopy(copy, backup, &reason))) {
+            const bool isNamed = !copy.autoRemove() || holdsFormer(backup);
+            remark = isNamed ? u"The disk did not confirm the backup %1: %2"_s.arg(
+                                   QFileInfo(backup).fileName(), reason)
+                             : u"Reason: %1"_s.arg(reason);
             return Outcome::NoBackup;
         }
         awaitRelease(store.path);
@@ -114,10 +118,7 @@ struct Replacement
     /// Whether the file still is what it was.
     bool isUntouched() const
     {
-        QByteArray current;
-        return formerHash.isEmpty()
-                   ? isMissing(store.path)
-                   : SettingsStore::readFile(store.path, current) && sha256(current) == formerHash;
+        return formerHash.isEmpty() ? isMissing(store.path) : holdsFormer(store.path);
     }
 
     /// What is left when the step, or what follows it, failed.
@@ -133,6 +134,12 @@ struct Replacement
     }
 
 private:
+    bool holdsFormer(const QString& path) const
+    {
+        QByteArray content;
+        return SettingsStore::readFile(path, content) && sha256(content) == formerHash;
+    }
+
     QString madeText() const
     {
         return u"The backup %1 had been made by then."_s.arg(QFileInfo(backup).fileName());
@@ -142,18 +149,6 @@ private:
     {
         const QStringList backups = PixInsightEnv::backupsOf(store.path);
         return backups.isEmpty() ? QDateTime() : QFileInfo(backups.constFirst()).lastModified();
-    }
-
-    /// Gives the copy its name, and another one if somebody has taken that meanwhile.
-    bool nameBackup(QTemporaryFile& copy, QString* reason)
-    {
-        while (!nameCopy(copy, backup, reason)) {
-            if (!copy.autoRemove() || !isTaken(backup)) {
-                return false;
-            }
-            backup = store.backupName(suffix);
-        }
-        return true;
     }
 };
 

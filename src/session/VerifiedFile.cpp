@@ -137,10 +137,6 @@ bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& 
 
 bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error)
 {
-    // Where there are no hard links, Qt ends in a rename that replaces what has the name.
-    if (!isMissing(to)) {
-        return fail(error, u"The name is taken"_s);
-    }
     if (!retrying([&copy, &to] { return copy.rename(to); })) {
         return fail(error, reasonOf(copy));
     }

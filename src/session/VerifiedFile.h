@@ -24,7 +24,7 @@ namespace kse {
                                 QString* error = nullptr);
 
 /// Gives what `copyVerified` made the new name `to`, through to the disk. What bears that name
-/// already is left alone.
+/// already is left alone, but for a file system without hard links: look just before.
 [[nodiscard]] bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error = nullptr);
 
 /// Writes `bytes`, through to the disk, to `file`, which `commitVerified` can put in the place of

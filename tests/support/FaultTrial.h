@@ -154,7 +154,7 @@ public:
                                               : call.name == "write" || call.name == "flush");
             const QString step = QString::fromLatin1(call.name) + names.value(call.file);
             // Qt flushes the file once more before it renames it.
-            const bool again = steps.last() == step ||
+            const bool again = (steps.size() == 1 && call.name == "read") || steps.last() == step ||
                                (step == QStringLiteral("flush file") && steps.contains(step));
             if (call.worked && names.contains(call.file) && counts && !again) {
                 steps.append(step);
