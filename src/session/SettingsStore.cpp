@@ -33,8 +33,7 @@ void say(QString* remark, const QString& text)
 /// Whether anything bears the name `path`, be it a link that leads nowhere.
 bool isTaken(const QString& path)
 {
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
+    return QFileInfo(path).isSymLink() || QFileInfo::exists(path);
 }
 
 bool failChanged(QString* error)

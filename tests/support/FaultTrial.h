@@ -119,7 +119,7 @@ public:
         for (const QString& found : allFiles()) {
             static const QRegularExpression form(
                 QStringLiteral(R"(\.bak-\d{8}-\d{6}(-before-restore)?(-\d+)?$)"));
-            if (found != older && found != claimed && form.match(found).hasMatch()) {
+            if (found != older && contentOf(found) != "claimed" && form.match(found).hasMatch()) {
                 paths.append(found);
             }
         }
