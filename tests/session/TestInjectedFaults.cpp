@@ -139,7 +139,7 @@ private:
         }
         // Without hard links a name can be lost between the look for it and the rename.
         const QByteArray call = trial.calls.value(at - 1).name;
-        const bool isNaming = call == "seek" || call == "name" || call == "rename";
+        const bool isNaming = QByteArrayList{"seek", "close", "name", "rename"}.contains(call);
         QVERIFY(trial.claimed.isEmpty() || FaultTrial::contentOf(trial.claimed) == "claimed" ||
                 (isNaming && cells[1] == u"named"_s));
         count(trial, m_counts);
