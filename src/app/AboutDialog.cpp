@@ -97,6 +97,7 @@ QLayout* AboutDialog::createTexts()
     column->setSpacing(6);
     m_name = new QLabel(tr("Kestrane Settings Editor"));
     m_name->setObjectName("name"_L1);
+    m_name->setWordWrap(true);
     column->addWidget(m_name);
     column->addWidget(new QLabel(tr("Version %1").arg(QStringLiteral(KSE_VERSION))));
     column->addWidget(createText(
