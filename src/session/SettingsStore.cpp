@@ -85,7 +85,7 @@ struct Replacement
             !hasBackup || copyVerified(store.path, formerHash, newestBackupTime(), copy, &reason);
         if (isCopied) {
             if (!prepareReplacement(file, store.path, bytes, model, error)) {
-                remark = hasBackup ? u"The file is unchanged."_s : QString();
+                remark = hasBackup && isUntouched() ? u"The file is unchanged."_s : QString();
                 return Outcome::Failed;
             }
             backup = store.backupName(suffix); // somebody may have taken the other meanwhile

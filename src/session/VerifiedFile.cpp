@@ -61,9 +61,9 @@ bool readRest(QFileDevice& file, QByteArray& bytes, QString* reason)
     return true;
 }
 
-/// Gives the temporary file all that it needs before it may be put in its place, among it owner and
-/// `mode` of the file `takesAfter`: `commit` itself overlooks a disk that fills up while it empties
-/// its buffer.
+/// Gives the temporary file all that it needs before it may be put in its place: the owner of the
+/// file `takesAfter`, `mode` and `bytes`. `commit` itself overlooks a disk that fills up while it
+/// empties its buffer.
 bool fill(QSaveFile& file, const QString& takesAfter, const QByteArray& bytes,
           QFileDevice::Permissions mode, QString* reason)
 {
@@ -124,8 +124,7 @@ bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& 
         return false;
     }
     if (newerThan >= QDateTime::currentDateTime()) {
-        // By more than the two seconds that some file systems tell apart. Only the order hangs on
-        // it.
+        // By more than the two seconds that some file systems can't tell apart.
         (void)copy.setFileTime(newerThan.addSecs(3), QFileDevice::FileModificationTime);
     }
     QByteArray readBack;
