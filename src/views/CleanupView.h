@@ -70,9 +70,8 @@ private:
     bool m_confirmWarn = true;
     QTreeWidgetItem* m_safeRoot = nullptr; ///< Null while the tree is empty, as `m_warnRoot` is.
     QTreeWidgetItem* m_warnRoot = nullptr;
-    QList<CleanupEntry*>
-        m_entries;             ///< What deletes something when it is ticked, from top to bottom.
-    QList<CleanupRow*> m_rows; ///< All that stand for nodes.
+    QList<CleanupEntry*> m_entries; ///< With boxes of their own, from top to bottom.
+    QList<CleanupRow*> m_rows;      ///< All that stand for nodes.
     QTreeWidget* m_tree = nullptr;
     QLabel* m_statusLabel = nullptr;
     QPushButton* m_undoButton = nullptr;

@@ -131,8 +131,10 @@ void HealthView::setDocument(const XsdtDocument* document)
 
 void HealthView::setReadOnly(bool readOnly)
 {
-    m_rowSet->setReadOnly(readOnly);
-    refreshGroupLines();
+    if (readOnly != m_rowSet->isReadOnly()) { // the poll calls this every few seconds
+        m_rowSet->setReadOnly(readOnly);
+        refreshGroupLines();
+    }
 }
 
 void HealthView::run()

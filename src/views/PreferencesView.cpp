@@ -37,7 +37,7 @@ constexpr int maximumRows = 5000;
 constexpr int maximumPageRows = 2000;
 constexpr qsizetype titleLimit = 100;
 
-/// Shows the rows and sections that `text` finds; whether there are any rows.
+/// Shows the rows that `text` finds and hides the others; whether it finds any.
 bool filterRows(const QList<SettingRow*>& rows, const QString& text)
 {
     bool found = false;
