@@ -3,32 +3,18 @@
 
 #include "document/XsdtNode.h"
 #include "document/XsdtValueType.h"
-#include "views/ColorButton.h"
-#include "views/FileTextEdit.h"
 #include "views/PlainText.h"
 #include "views/SettingsModel.h"
-#include "views/WheelGuard.h"
+#include "views/ValueEditor.h"
 #include "views/WrappedLabel.h"
 
 #include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
 #include <QContextMenuEvent>
-#include <QDoubleSpinBox>
-#include <QFileDialog>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
-#include <QLocale>
 #include <QPainter>
 #include <QPointer>
-#include <QSignalBlocker>
-#include <QSpinBox>
 #include <QToolButton>
-
-#include <cmath>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -36,25 +22,7 @@ namespace kse {
 
 namespace {
 
-constexpr int markerRole = Qt::UserRole + 1; // 1 in the combo box item for a value without a name
-constexpr double intMin = std::numeric_limits<int>::min();
-constexpr double intMax = std::numeric_limits<int>::max();
 constexpr qsizetype labelLimit = 1000;
-
-/// A spin box that takes no group separators: Qt leaves them out of the number, so that a decimal
-/// comma or point of another country would multiply the value in silence.
-template <typename Box>
-class UngroupedSpinBox : public Box
-{
-public:
-    using Box::Box;
-
-    QValidator::State validate(QString& text, int& position) const override
-    {
-        return text.contains(this->locale().groupSeparator()) ? QValidator::Invalid
-                                                              : Box::validate(text, position);
-    }
-};
 
 QLabel* createLabel(const QString& text, const QString& name, QWidget* parent)
 {
@@ -77,13 +45,6 @@ void setTextColor(QWidget* widget, const QColor& color)
     QPalette palette; // sets this role alone; the others go on following the theme
     palette.setColor(QPalette::All, QPalette::WindowText, color);
     widget->setPalette(palette);
-}
-
-/// Like the spin boxes themselves, 0 for what is no number that they can show.
-double finiteNumber(const QString& text)
-{
-    const double number = text.toDouble();
-    return std::isfinite(number) ? number : 0;
 }
 
 } // namespace
@@ -123,138 +84,18 @@ void SettingRow::createLabels()
 
 void SettingRow::createEditor()
 {
-    m_editorHost = new QWidget(this);
-    m_editorHost->setObjectName(u"editorHost"_s);
-    m_editorHost->setMinimumWidth(240);
-    m_editorHost->setMaximumWidth(460);
-    auto* layout = new QHBoxLayout(m_editorHost);
-    layout->setContentsMargins({});
-
-    const bool fitsSpinBox = m_info.hasRange && m_info.min >= 0 && m_info.max <= intMax;
-    switch (m_info.kind) {
-    case VariableKind::Boolean:
-        createCheckBox();
-        layout->addStretch();
-        break;
-    case VariableKind::Choice:
-        createComboBox();
-        break;
-    case VariableKind::Integer:
-        createSpinBox();
-        break;
-    case VariableKind::Unsigned:
-        if (fitsSpinBox) {
-            createSpinBox();
-        } else {
-            createDoubleSpinBox();
-        }
-        break;
-    case VariableKind::Real:
-    case VariableKind::Text:
-        createLineEdit();
-        break;
-    case VariableKind::FilePath:
-    case VariableKind::Directory:
-        createLineEdit();
-        createBrowseButton();
-        break;
-    case VariableKind::Color:
-        createColorButton();
-        layout->addStretch();
-        break;
-    }
-}
-
-void SettingRow::addEditor(QWidget* editor, const QString& name)
-{
-    editor->setObjectName(name);
-    editor->setAccessibleName(abbreviated(m_info.label, labelLimit));
-    editor->installEventFilter(this);
-    m_nameLabel->setBuddy(editor);
-    m_editorHost->layout()->addWidget(editor);
-}
-
-void SettingRow::addSpinBox(QAbstractSpinBox* box, const QString& name)
-{
-    addEditor(box, name);
-    WheelGuard::install(box);
-    box->setKeyboardTracking(false);
-    box->setLocale(QLocale::c()); // as the file, and a minus sign that every keyboard has
-    // What a box shows for want of the stored text is no change to it when it is typed.
-    connect(box->findChild<QLineEdit*>(), &QLineEdit::textEdited, this,
-            [this, box] { m_isTyped = box->hasAcceptableInput(); });
-    connect(box, &QAbstractSpinBox::editingFinished, this, [this, box] {
-        if (m_isTyped && !isOutdated() && !editorShowsValue()) {
-            commit(box->text());
+    m_editor = ValueEditor::create(m_info, abbreviated(m_info.label, labelLimit), this);
+    m_editor->setObjectName(u"editorHost"_s);
+    m_editor->setMinimumWidth(240);
+    m_editor->setMaximumWidth(460);
+    m_editor->control()->installEventFilter(this);
+    m_nameLabel->setBuddy(m_editor->control());
+    connect(m_editor, &ValueEditor::entered, this, &SettingRow::commit);
+    connect(m_editor, &ValueEditor::cancelled, this, [this] {
+        if (!isOutdated()) {
+            refresh();
         }
     });
-}
-
-void SettingRow::createCheckBox()
-{
-    m_checkBox = new QCheckBox(m_editorHost);
-    addEditor(m_checkBox, u"checkBox"_s);
-    connect(m_checkBox, &QCheckBox::clicked, this,
-            [this](bool checked) { commit(checked ? u"true"_s : u"false"_s); });
-}
-
-void SettingRow::createComboBox()
-{
-    m_comboBox = new QComboBox(m_editorHost);
-    addEditor(m_comboBox, u"comboBox"_s);
-    WheelGuard::install(m_comboBox);
-    for (const VariableChoice& choice : m_info.choices) {
-        m_comboBox->addItem(choice.text, choice.value);
-    }
-    connect(m_comboBox, &QComboBox::activated, this, [this](int item) {
-        if (!m_comboBox->itemData(item, markerRole).isValid()) { // that one stands for the value
-            commit(QString::number(m_comboBox->itemData(item).toLongLong()));
-        }
-    });
-}
-
-void SettingRow::createSpinBox()
-{
-    m_spinBox = new UngroupedSpinBox<QSpinBox>(m_editorHost);
-    addSpinBox(m_spinBox, u"spinBox"_s);
-    connect(m_spinBox, &QSpinBox::valueChanged, this,
-            [this](int number) { commit(QString::number(number)); });
-}
-
-void SettingRow::createDoubleSpinBox()
-{
-    m_doubleSpinBox = new UngroupedSpinBox<QDoubleSpinBox>(m_editorHost);
-    addSpinBox(m_doubleSpinBox, u"doubleSpinBox"_s);
-    m_doubleSpinBox->setDecimals(0);
-    connect(m_doubleSpinBox, &QDoubleSpinBox::valueChanged, this,
-            [this](double number) { commit(QString::number(number, 'f', 0)); });
-}
-
-void SettingRow::createLineEdit()
-{
-    m_lineEdit = new QLineEdit(m_editorHost);
-    addEditor(m_lineEdit, u"lineEdit"_s);
-    connect(m_lineEdit, &QLineEdit::editingFinished, this, &SettingRow::commitLine);
-}
-
-void SettingRow::createBrowseButton()
-{
-    m_browseButton = new QToolButton(m_editorHost);
-    m_browseButton->setObjectName(u"browseButton"_s);
-    m_browseButton->setText(u"\u2026"_s);
-    m_browseButton->setToolTip(m_info.kind == VariableKind::Directory ? tr("Choose a folder")
-                                                                      : tr("Choose a file"));
-    m_browseButton->setAccessibleName(tr("Browse for %1").arg(m_lineEdit->accessibleName()));
-    m_editorHost->layout()->addWidget(m_browseButton);
-    connect(m_browseButton, &QToolButton::clicked, this, &SettingRow::browse);
-}
-
-void SettingRow::createColorButton()
-{
-    m_colorButton = new ColorButton(m_editorHost);
-    addEditor(m_colorButton, u"colorButton"_s);
-    connect(m_colorButton, &ColorButton::colorPicked, this,
-            [this](quint32 argb) { commit(QString::number(argb)); });
 }
 
 void SettingRow::createRevertButton()
@@ -278,7 +119,7 @@ void SettingRow::layOut()
     layout->setContentsMargins(10, 6, 10, 6);
     layout->setSpacing(12);
     layout->addLayout(m_texts, 3);
-    layout->addWidget(m_editorHost, 2, Qt::AlignTop);
+    layout->addWidget(m_editor, 2, Qt::AlignTop);
     layout->addWidget(m_revertButton, 0, Qt::AlignTop);
 }
 
@@ -313,22 +154,6 @@ bool SettingRow::isOutdated() const
     return m_model->generation() != m_generation;
 }
 
-QString SettingRow::rangeFault(const QString& text) const
-{
-    bool isNumber = false;
-    const double number = text.trimmed().toDouble(&isNumber);
-    if (m_info.kind != VariableKind::Real || !m_info.hasRange || !isNumber ||
-        !(number < m_info.min || number > m_info.max)) {
-        return {};
-    }
-    // With all digits: 1.0000001 isn't 1, which would be within 0 to 1.
-    const auto shown = [](double value) {
-        return QString::number(value, 'g', QLocale::FloatingPointShortest);
-    };
-    return tr("%1: %2 is outside the allowed range %3 to %4")
-        .arg(abbreviated(m_info.label, 200), shown(number), shown(m_info.min), shown(m_info.max));
-}
-
 void SettingRow::commit(const QString& text)
 {
     if (isOutdated()) {
@@ -337,34 +162,13 @@ void SettingRow::commit(const QString& text)
     const QPointer<SettingRow> self(this); // a page may drop the row on a change
     if (m_model->isReadOnly()) {           // PixInsight started beneath a dialog of the row
         emit rejected(tr("PixInsight is running; nothing can be changed."));
-    } else if (const QString fault = rangeFault(text); !fault.isEmpty()) {
+    } else if (const QString fault = m_editor->faultOf(text); !fault.isEmpty()) {
         emit rejected(fault);
     } else {
         m_model->setValue(m_node, text);
     }
     if (self) {
         refresh();
-    }
-}
-
-void SettingRow::commitLine()
-{
-    if (!isOutdated() && !m_lineEdit->isReadOnly() && m_lineEdit->text() != m_node->value) {
-        commit(m_lineEdit->text());
-    }
-}
-
-void SettingRow::browse()
-{
-    const QPointer<SettingRow> self(this);
-    // In a window's title "[*]" is a placeholder.
-    const QString caption = abbreviated(m_info.label, 200).replace("[*]"_L1, "[*][*]"_L1);
-    const QString path = m_info.kind == VariableKind::Directory
-                             ? QFileDialog::getExistingDirectory(window(), caption, m_node->value,
-                                                                 QFileDialog::ShowDirsOnly)
-                             : QFileDialog::getOpenFileName(window(), caption, m_node->value);
-    if (self && !path.isEmpty()) {
-        commit(path);
     }
 }
 
@@ -375,7 +179,7 @@ void SettingRow::revert()
     }
     const QPointer<SettingRow> self(this);
     if (m_revertButton->hasFocus()) { // about to be disabled; Qt would give it to the next row
-        m_nameLabel->buddy()->setFocus();
+        m_editor->control()->setFocus();
     }
     m_model->revertValue(m_node);
     if (self) {
@@ -385,7 +189,7 @@ void SettingRow::revert()
 
 void SettingRow::refresh()
 {
-    refreshEditor();
+    m_editor->setValue(*m_node);
     const bool isChanged = m_node->isModified();
     QFont font = m_nameLabel->font();
     font.setWeight(isChanged ? QFont::Bold : QFont::Normal);
@@ -398,104 +202,8 @@ void SettingRow::refresh()
     setPalette(palette);
     setAutoFillBackground(isChanged);
     refreshRevertButton(isChanged);
-    refreshEditorHost();
+    refreshEditor();
     refreshDescription(isChanged);
-}
-
-/// Whether the editor shows what is stored, and not something else for a text that it can't show.
-bool SettingRow::editorShowsValue() const
-{
-    const QString& text = m_node->value;
-    bool isNumber = true;
-    if (m_checkBox) {
-        return text == "true"_L1 || text == "false"_L1;
-    }
-    if (m_doubleSpinBox) {
-        return text.toDouble(&isNumber) == m_doubleSpinBox->value() && isNumber;
-    }
-    if (m_comboBox) {
-        (void)text.toLongLong(&isNumber);
-    } else if (m_spinBox) {
-        (void)text.toInt(&isNumber);
-    } else if (m_colorButton) {
-        (void)text.toUInt(&isNumber);
-    }
-    return isNumber;
-}
-
-QString SettingRow::storedTextHint() const
-{
-    return editorShowsValue() ? QString()
-                              : tr("Stored text: %1").arg(firstCharacters(m_node->value, 80));
-}
-
-void SettingRow::refreshEditor()
-{
-    m_isTyped = false;
-    if (m_checkBox) {
-        const QSignalBlocker blocker(m_checkBox);
-        m_checkBox->setChecked(m_node->value == "true"_L1);
-    } else if (m_comboBox) {
-        refreshComboBox();
-    } else if (m_spinBox) {
-        refreshSpinBox();
-    } else if (m_doubleSpinBox) {
-        refreshDoubleSpinBox();
-    } else if (m_lineEdit) {
-        refreshLineEdit();
-    } else if (m_colorButton) {
-        const QSignalBlocker blocker(m_colorButton);
-        m_colorButton->setArgb(m_node->value.toUInt());
-    }
-}
-
-void SettingRow::refreshComboBox()
-{
-    const QSignalBlocker blocker(m_comboBox);
-    // Always afresh: two texts that are no numbers read as the same number.
-    if (const int marker = m_comboBox->findData(1, markerRole); marker >= 0) {
-        m_comboBox->removeItem(marker);
-    }
-    const qint64 number = m_node->value.toLongLong();
-    int item = m_comboBox->findData(number);
-    if (item < 0) {
-        item = m_comboBox->count();
-        m_comboBox->addItem(tr("Other (%1)").arg(abbreviated(m_node->value, 100)), number);
-        m_comboBox->setItemData(item, 1, markerRole);
-    }
-    m_comboBox->setCurrentIndex(item);
-}
-
-void SettingRow::refreshSpinBox()
-{
-    const QSignalBlocker blocker(m_spinBox);
-    const int number = m_node->value.toInt();
-    const double min = m_info.hasRange ? qBound(intMin, m_info.min, intMax) : intMin;
-    const double max = m_info.hasRange ? qBound(intMin, m_info.max, intMax) : intMax;
-    m_spinBox->setRange(qMin(static_cast<int>(min), number), qMax(static_cast<int>(max), number));
-    m_spinBox->setValue(number);
-}
-
-void SettingRow::refreshDoubleSpinBox()
-{
-    const QSignalBlocker blocker(m_doubleSpinBox);
-    const double number = finiteNumber(m_node->value);
-    const double min = m_info.hasRange ? m_info.min : 0;
-    const double max = m_info.hasRange ? m_info.max : std::numeric_limits<quint32>::max();
-    m_doubleSpinBox->setRange(qMin(min, number), qMax(max, number));
-    m_doubleSpinBox->setValue(number);
-}
-
-void SettingRow::refreshLineEdit()
-{
-    const QSignalBlocker blocker(m_lineEdit);
-    if (m_protectedType) {
-        showFileText(*m_lineEdit, displayValue(*m_node, m_node->value, m_node->value.size()));
-        m_lineEdit->setReadOnly(true);
-    } else {
-        showFileText(*m_lineEdit, m_node->value);
-    }
-    m_lineEdit->setCursorPosition(0);
 }
 
 void SettingRow::refreshRevertButton(bool isChanged)
@@ -508,31 +216,27 @@ void SettingRow::refreshRevertButton(bool isChanged)
             : tr("Unchanged"));
 }
 
-void SettingRow::refreshEditorHost()
+void SettingRow::refreshEditor()
 {
     const bool isLocked = m_model->isLocked(m_node);
     const bool isEditable = !m_rowReadOnly && !m_info.readOnly && !m_protectedType &&
                             !m_node->isInsideDeletion() && !isLocked;
     // A row without a control in use takes the focus itself, so that the keyboard reaches its menu.
     setFocusPolicy(isEditable || m_revertButton->isEnabled() ? Qt::NoFocus : Qt::TabFocus);
-    if (!isEditable && m_editorHost->isAncestorOf(window()->focusWidget())) {
+    if (!isEditable && m_editor->isAncestorOf(window()->focusWidget())) {
         setFocus();
     }
-    m_editorHost->setEnabled(isEditable);
+    m_editor->setEnabled(isEditable);
     if (m_info.readOnly) {
-        m_editorHost->setToolTip(tr("Documented by PixInsight as read-only or write-only."));
+        m_editor->setToolTip(tr("Documented by PixInsight as read-only or write-only."));
     } else if (m_protectedType) {
-        m_editorHost->setToolTip(tr("Protected value type: shown for reference only."));
+        m_editor->setToolTip(tr("Protected value type: shown for reference only."));
     } else if (isLocked) {
-        m_editorHost->setToolTip(
-            tr("Module registry and version records are locked against editing."));
+        m_editor->setToolTip(tr("Module registry and version records are locked against editing."));
     }
-    if (!m_lineEdit) { // which has a tool tip of its own
-        QStringList lines{storedTextHint()};
-        if (!isEditable && !lines.first().isEmpty()) {
-            lines << m_editorHost->toolTip();
-        }
-        m_nameLabel->buddy()->setToolTip(asToolTip(lines.join(u'\n').trimmed()));
+    if (const QString hint = m_editor->storedTextHint(); !hint.isEmpty()) {
+        const QString text = isEditable ? hint : hint + u'\n' + m_editor->toolTip();
+        m_editor->control()->setToolTip(asToolTip(text.trimmed()));
     }
 }
 
@@ -540,11 +244,12 @@ void SettingRow::refreshEditorHost()
 void SettingRow::refreshDescription(bool isChanged)
 {
     QStringList parts;
-    if (!m_editorHost->isEnabled() || m_colorButton) { // otherwise the editor itself tells
-        parts << displayValue(*m_node, m_colorButton ? m_colorButton->text() : m_node->value, 200);
+    const QString unspoken = m_editor->unspokenText();
+    if (!m_editor->isEnabled() || !unspoken.isEmpty()) { // otherwise the editor itself tells
+        parts << displayValue(*m_node, unspoken.isEmpty() ? m_node->value : unspoken, 200);
     }
-    if (m_editorHost->isEnabled()) {
-        parts << storedTextHint();
+    if (m_editor->isEnabled()) {
+        parts << m_editor->storedTextHint();
     }
     if (isChanged) {
         parts << tr("Changed; on disk: %1").arg(firstCharacters(m_node->original, 80));
@@ -552,8 +257,8 @@ void SettingRow::refreshDescription(bool isChanged)
     if (m_node->isInsideDeletion()) {
         parts << tr("Marked for deletion");
     }
-    if (!m_editorHost->isEnabled()) {
-        parts << m_editorHost->toolTip();
+    if (!m_editor->isEnabled()) {
+        parts << m_editor->toolTip();
     }
     if (!m_pathLabel->isHidden()) {
         parts << m_pathLabel->text();
@@ -562,7 +267,7 @@ void SettingRow::refreshDescription(bool isChanged)
     parts.removeAll(QString());
     const QString text = parts.join(u'\n');
     setAccessibleDescription(text);
-    m_nameLabel->buddy()->setAccessibleDescription(text);
+    m_editor->control()->setAccessibleDescription(text);
 }
 
 void SettingRow::updateFonts()
@@ -577,7 +282,7 @@ void SettingRow::updateFonts()
     m_pathLabel->setFont(secondary);
     m_descriptionLabel->setFont(secondary);
     // The name's first line stands on that of the editor.
-    const int spare = m_editorHost->sizeHint().height() - QFontMetrics(name).height();
+    const int spare = m_editor->sizeHint().height() - QFontMetrics(name).height();
     m_texts->setContentsMargins(0, qMax(0, spare / 2), 0, 0);
 }
 
@@ -594,7 +299,7 @@ void SettingRow::updateColors()
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         editors.setBrush(group, QPalette::Window, palette.brush(group, QPalette::Window));
     }
-    m_editorHost->setPalette(editors);
+    m_editor->setPalette(editors);
     m_revertButton->setPalette(editors);
 }
 
@@ -614,11 +319,6 @@ void SettingRow::paintEvent(QPaintEvent* event)
 
 bool SettingRow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::KeyPress && (m_lineEdit || m_spinBox || m_doubleSpinBox) &&
-        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel) && !isOutdated()) {
-        refresh(); // what was typed goes
-        return true;
-    }
     // The menu key on an editor asks for the row's menu; its own opens with the mouse.
     if (event->type() == QEvent::ContextMenu) {
         const auto* request = static_cast<QContextMenuEvent*>(event);

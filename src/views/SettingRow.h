@@ -5,20 +5,14 @@
 
 #include <QWidget>
 
-class QAbstractSpinBox;
-class QCheckBox;
-class QComboBox;
-class QDoubleSpinBox;
 class QLabel;
-class QLineEdit;
-class QSpinBox;
 class QToolButton;
 class QVBoxLayout;
 
 namespace kse {
 
-class ColorButton;
 class SettingsModel;
+class ValueEditor;
 struct XsdtNode;
 
 /// One setting with its name, its description, the editor that suits it and an arrow that takes
@@ -63,34 +57,15 @@ protected:
 private:
     void createLabels();
     void createEditor();
-    void createCheckBox();
-    void createComboBox();
-    void createSpinBox();
-    void createDoubleSpinBox();
-    void createLineEdit();
-    void createBrowseButton();
-    void createColorButton();
     void createRevertButton();
-    void addEditor(QWidget* editor, const QString& name);
-    void addSpinBox(QAbstractSpinBox* box, const QString& name);
     void layOut();
 
     bool isOutdated() const;
-    QString rangeFault(const QString& text) const;
     void commit(const QString& text);
-    void commitLine();
-    void browse();
     void revert();
 
-    bool editorShowsValue() const;
-    QString storedTextHint() const;
-    void refreshEditor();
-    void refreshComboBox();
-    void refreshSpinBox();
-    void refreshDoubleSpinBox();
-    void refreshLineEdit();
     void refreshRevertButton(bool isChanged);
-    void refreshEditorHost();
+    void refreshEditor();
     void refreshDescription(bool isChanged);
     void updateFonts();
     void updateColors();
@@ -101,22 +76,13 @@ private:
     quint64 m_generation = 0; ///< The model's, when the row was made.
     bool m_rowReadOnly = false;
     bool m_protectedType = false; ///< The node's type can't be edited.
-    bool m_isTyped = false;       ///< The spin box holds a number typed since the last refresh.
 
     QVBoxLayout* m_texts = nullptr;
     QLabel* m_nameLabel = nullptr;
     QLabel* m_pathLabel = nullptr;
     QLabel* m_descriptionLabel = nullptr;
     QToolButton* m_revertButton = nullptr;
-    QWidget* m_editorHost = nullptr;
-    // Of these, only what edits the row's kind.
-    QCheckBox* m_checkBox = nullptr;
-    QComboBox* m_comboBox = nullptr;
-    QSpinBox* m_spinBox = nullptr;
-    QDoubleSpinBox* m_doubleSpinBox = nullptr;
-    QLineEdit* m_lineEdit = nullptr;
-    ColorButton* m_colorButton = nullptr;
-    QToolButton* m_browseButton = nullptr;
+    ValueEditor* m_editor = nullptr;
 };
 
 } // namespace kse

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class QString;
+class QWidget;
+
+namespace kse {
+
+class ValueEditor;
+struct VariableInfo;
+
+/// A spin box for a whole number within `info`'s range, which opens for a stored value beyond it.
+/// The arguments are those of `ValueEditor::create`.
+[[nodiscard]] ValueEditor* createNumberEditor(const VariableInfo& info, const QString& name,
+                                              QWidget* parent);
+
+} // namespace kse
