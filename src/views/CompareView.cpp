@@ -353,9 +353,7 @@ void CompareView::onFileActivated(int index)
         clearEntries();
         forgetOther();
         refresh();
-        return;
-    }
-    if (m_fileCombo->isBrowse(index)) {
+    } else if (m_fileCombo->isBrowse(index)) {
         const QString folder = m_thisPath.isEmpty() ? QString() : QFileInfo(m_thisPath).path();
         const QString picked = QFileDialog::getOpenFileName(
             window(), tr("Compare with"), folder,

@@ -16,12 +16,12 @@ class TestRandomSessions : public WindowFixture
 private slots:
     void initTestCase() { prepareProgram(); }
 
-    void agreesWithAPlainWindow_data()
+    void looksLikeANewWindow_data()
     {
         QTest::addColumn<quint32>("seed");
         QTest::addColumn<int>("steps");
         QTest::addColumn<bool>("whole");
-        const QString range = qEnvironmentVariable("KSE_SESSION_SEEDS", u"1-8"_s);
+        const QString range = qEnvironmentVariable("KSE_SESSION_SEEDS", u"1-6"_s);
         const int steps = qEnvironmentVariable("KSE_SESSION_STEPS", u"100"_s).toInt();
         const quint32 last = range.section(u'-', 1, 1).toUInt();
         for (quint32 seed = range.section(u'-', 0, 0).toUInt(); seed <= last; ++seed) {
@@ -30,7 +30,7 @@ private slots:
         QTest::newRow("the samples") << quint32(1) << 10 << true;
     }
 
-    void agreesWithAPlainWindow()
+    void looksLikeANewWindow()
     {
         QFETCH(quint32, seed);
         QFETCH(int, steps);
@@ -41,24 +41,11 @@ private slots:
                                contentOf(folder + u"core-002-pxi.settings"_s)},
                               whole);
         const QString fault = session.run(steps);
-        for (auto count = session.counts().begin(); count != session.counts().end(); ++count) {
-            m_counts[count.key()] += count.value();
-        }
         if (!fault.isEmpty()) { // too long for a message of Qt Test
             std::fprintf(stderr, "seed %u: %s\n", seed, qPrintable(fault));
         }
         QVERIFY(fault.isEmpty());
     }
-
-    void cleanupTestCase()
-    {
-        for (auto count = m_counts.begin(); count != m_counts.end(); ++count) {
-            qInfo().noquote() << count.value() << count.key();
-        }
-    }
-
-private:
-    QMap<QString, int> m_counts;
 };
 
 KSE_TEST_MAIN(TestRandomSessions)
