@@ -4,6 +4,7 @@
 #include "app/OpenEditor.h"
 #include "app/WaitCursor.h"
 #include "promo/AdBanner.h"
+#include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
 #include "views/CleanupView.h"
 #include "views/CompareView.h"
@@ -302,7 +303,7 @@ void MainWindow::reportUnopened(const QString& path, const QString& error)
     const QString backup = newestUsableBackup(path);
     const QString found =
         tr("The newest backup beside it that can be read is %1.").arg(QFileInfo(backup).fileName());
-    const bool isGone = m_store.loaded && path == m_store.path && !QFileInfo::exists(path);
+    const bool isGone = m_store.loaded && path == m_store.path && isMissing(path);
     if (backup.isEmpty() || !isGone || m_messages != Messages::Boxes) {
         report(QMessageBox::Critical, title, error,
                backup.isEmpty()

@@ -4,6 +4,7 @@
 #include "app/OpenEditor.h"
 #include "app/WaitCursor.h"
 #include "session/BackupsDialog.h"
+#include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
 #include "session/ReviewDialog.h"
 #include "views/PlainText.h"
@@ -101,7 +102,7 @@ void MainWindow::onRestoreBackup()
     PlainMessageBox box(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No,
                         this);
     box.setDefaultButton(QMessageBox::No);
-    if (!QFileInfo::exists(path)) {
+    if (isMissing(path)) {
         box.setPlainInformativeText(tr("The file is missing, so there is nothing to back up."));
     }
     if (box.exec() == QMessageBox::Yes && m_store.loaded && m_store.path == path) {

@@ -119,19 +119,20 @@ private:
         m_partGeneration = model()->generation();
         m_window->activateWindow(); // which a box that closed here doesn't do
         QCoreApplication::processEvents();
+        auto* tabs = find<QTabWidget>("tabs");
         const int kind = m_user.below(100);
-        if (kind < 8 && action("actSave")->isEnabled()) {
+        if (kind < 6 && action("actSave")->isEnabled()) {
             m_user.trigger(*action("actSave"));
-        } else if (kind < 12) {
+        } else if (kind < 9) {
             changeFile();
-        } else if (kind < 16) {
+        } else if (kind < 13) {
             toggleRunning();
-        } else if (kind < 26) {
+        } else if (kind < 18) {
             m_user.command(*m_window);
-        } else if (kind < 38) {
-            m_user.use(*find<QTabWidget>("tabs")->tabBar());
+        } else if (kind < 28) {
+            m_user.use(*tabs->tabBar());
         } else {
-            m_user.act(*m_window);
+            m_user.act(kind < 31 ? *m_window : *tabs->currentWidget());
         }
         if (!m_window->isVisible()) {
             m_window->show();
@@ -141,7 +142,7 @@ private:
     /// Somebody else writes or removes the open file.
     void changeFile()
     {
-        const int kind = m_user.below(12);
+        const int kind = model()->document() ? m_user.below(12) : 2;
         const QByteArray bytes = kind == 0 ? QByteArray("nonsense") : newFile();
         m_user.note(kind == 1 ? u"the file goes"_s
                               : u"the file becomes another, of %1 bytes"_s.arg(bytes.size()));
@@ -157,10 +158,16 @@ private:
             m_user.act(*m_window); // before the window knows
         }
         poll();
+        if (!model()->document()) {
+            action("actReload")->trigger();
+        }
     }
 
     void toggleRunning()
     {
+        if (!m_runs && m_dialogs == 0 && !m_user.oneIn(4)) {
+            return; // most of the time it doesn't run
+        }
         m_runs = !m_runs;
         m_user.note(m_runs ? u"PixInsight starts"_s : u"PixInsight ends"_s);
         QVERIFY(m_runs ? m_pixInsight.start() : m_pixInsight.stop());

@@ -25,6 +25,7 @@
 #include <QSet>
 #include <QTabBar>
 #include <QTest>
+#include <QToolBar>
 #include <QTimer>
 #include <QTreeView>
 
@@ -77,12 +78,12 @@ public:
     /// The next dialog is answered by this instead.
     void answerNext(const std::function<void(QWidget&)>& answer) { m_script = answer; }
 
-    /// Uses a widget of `window`: each kind of those in sight is as likely as any other.
-    void act(QWidget& window)
+    /// Uses a widget in `place`: each kind of those in sight is as likely as any other.
+    void act(QWidget& place)
     {
         QMap<QString, QList<QWidget*>> targets;
-        for (QWidget* widget : window.findChildren<QWidget*>()) {
-            if (widget->window() == &window && widget->isVisible() && widget->isEnabled() &&
+        for (QWidget* widget : place.findChildren<QWidget*>()) {
+            if (widget->window() == place.window() && widget->isVisible() && widget->isEnabled() &&
                 isTarget(*widget)) {
                 targets[kindOf(*widget)].append(widget);
             }
@@ -169,6 +170,7 @@ private:
         const QWidget* parent = widget.parentWidget();
         if (widget.objectName().startsWith("qt_"_L1) || qobject_cast<const QHeaderView*>(&widget) ||
             qobject_cast<const QComboBox*>(parent) || qobject_cast<const QTabBar*>(parent) ||
+            qobject_cast<const QToolBar*>(parent) ||
             qobject_cast<const QAbstractSpinBox*>(parent)) {
             return hasMenu(widget) || qobject_cast<const QTabBar*>(&widget);
         }
@@ -329,7 +331,9 @@ private:
         const QPointer<QWidget> open = &widget;
         m_used.insert(QLatin1String(widget.metaObject()->className()));
         if (auto* menu = qobject_cast<QMenu*>(&widget)) {
-            QAction* choice = pick(menu->actions());
+            QList<QAction*> choices = menu->actions();
+            choices.removeIf([](const QAction* action) { return action->isSeparator(); });
+            QAction* choice = pick(choices);
             note(u"  menu: "_s + choice->text());
             menu->setActiveAction(choice);
             QTest::keyClick(menu, choice->isEnabled() ? Qt::Key_Return : Qt::Key_Escape);
