@@ -456,6 +456,15 @@ private slots:
         QCOMPARE(contentOf(m_file), before);
         QVERIFY(status().startsWith("Restored "_L1) && find<QLabel>("bannerLabel")->isHidden());
         QVERIFY(!box->currentText().contains(u"missing"_s));
+#ifdef Q_OS_UNIX
+        QVERIFY(QFile::remove(m_file) && QFile::link(u"nowhere"_s, m_file)); // no restore mends it
+        DialogAnswerer<QMessageBox> told([](QMessageBox& asked) {
+            QCOMPARE(asked.buttons().size(), 1);
+            asked.accept();
+        });
+        find<QPushButton>("bannerReload")->click();
+        QVERIFY(told.wasAsked());
+#endif
     }
 
     void filtersAndKeepsItsPlace()
