@@ -91,11 +91,7 @@ void SettingRow::createEditor()
     m_editor->control()->installEventFilter(this);
     m_nameLabel->setBuddy(m_editor->control());
     connect(m_editor, &ValueEditor::entered, this, &SettingRow::commit);
-    connect(m_editor, &ValueEditor::cancelled, this, [this] {
-        if (!isOutdated()) {
-            refresh();
-        }
-    });
+    connect(m_editor, &ValueEditor::cancelled, this, &SettingRow::refresh);
 }
 
 void SettingRow::createRevertButton()
@@ -148,7 +144,7 @@ bool SettingRow::matches(const QString& text) const
            (m_node->typeCode == XsdtValueType::String && holds(m_node->value));
 }
 
-/// A dialog of the row, or its own deferred deletion, may outlive the node.
+/// The row's dialog, its signals and its deferred deletion may outlast the node.
 bool SettingRow::isOutdated() const
 {
     return m_model->generation() != m_generation;
@@ -189,6 +185,9 @@ void SettingRow::revert()
 
 void SettingRow::refresh()
 {
+    if (isOutdated()) {
+        return;
+    }
     m_editor->setValue(*m_node);
     const bool isChanged = m_node->isModified();
     QFont font = m_nameLabel->font();

@@ -23,8 +23,8 @@ class SettingRow : public QWidget
     Q_OBJECT
 
 public:
-    /// Made for a value of the document that `model` holds, and of no use with the model's next
-    /// one: it then writes nothing, but must not be refreshed any more.
+    /// Made for a value of the document that `model` holds. Once the model holds the next one,
+    /// controls and `refresh` leave `node` alone, which may be gone.
     SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* model,
                QWidget* parent = nullptr);
 

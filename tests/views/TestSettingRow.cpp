@@ -42,6 +42,7 @@ private slots:
     void wheelNeedsFocus();
     void picksFolderAndColor();
     void givesUpWhenDocumentIsReplacedUnderDialog();
+    void readsNoNodeOfAReplacedDocument();
     void namesItsPartsAndMatches();
     void followsThemeAndTextSize();
     void offersMenu();
@@ -267,6 +268,21 @@ void TestSettingRow::givesUpWhenDocumentIsReplacedUnderDialog()
         QVERIFY(file.wasAsked());
         QCOMPARE(m_node->value, u"old"_s);
     }
+}
+
+void TestSettingRow::readsNoNodeOfAReplacedDocument()
+{
+    makeRow('s', u"old"_s, infoOf(VariableKind::Text));
+    connect(m_model.get(), &SettingsModel::edited, m_row, [this] {
+        m_model->setDocument(m_document.get());
+        m_node->value = u"another's"_s;
+    });
+    auto* line = part<QLineEdit>("lineEdit");
+    QTest::keyClicks(line, u"new "_s);
+    QTest::keyClick(line, Qt::Key_Return);
+    QTest::keyClick(line, Qt::Key_Escape);
+    QVERIFY(m_node->value == u"another's"_s);
+    QVERIFY(line->text().contains(u"new "_s));
 }
 
 void TestSettingRow::namesItsPartsAndMatches()
