@@ -25,8 +25,8 @@
 #include <QSet>
 #include <QTabBar>
 #include <QTest>
-#include <QToolBar>
 #include <QTimer>
+#include <QToolBar>
 #include <QTreeView>
 
 #include <functional>
