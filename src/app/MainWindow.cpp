@@ -404,10 +404,10 @@ void MainWindow::rebuildFileBox()
 
 void MainWindow::refreshFileBoxItem()
 {
-    const int index = m_fileBox->currentIndex();
-    const QString text = PixInsightEnv::describeFile(m_store.path);
-    if (m_store.loaded && index >= 0 && m_fileBox->itemText(index) != text) {
-        m_fileBox->setItemText(index, text);
+    // While the user is asked about another file, that one is chosen already.
+    const QString path = m_fileBox->currentData().toString();
+    if (m_store.loaded && QFileInfo(path) == QFileInfo(m_store.path)) {
+        m_fileBox->setItemText(m_fileBox->currentIndex(), PixInsightEnv::describeFile(path));
     }
 }
 

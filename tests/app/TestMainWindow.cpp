@@ -446,6 +446,10 @@ private slots:
         QVERIFY(QFile::remove(m_file));
         poll();
         QVERIFY(box->currentText().endsWith(" - instance 1, missing"_L1));
+        box->addItem(u"chosen"_s, m_file + u".bak-20260101-000000"_s);
+        box->setCurrentText(u"chosen"_s);
+        poll();
+        QCOMPARE(box->currentText(), u"chosen"_s);
         DialogAnswerer<QMessageBox> offer([](QMessageBox& asked) {
             QVERIFY(
                 asked.informativeText().contains("core-001-pxi.settings.bak-20260101-000000"_L1));
