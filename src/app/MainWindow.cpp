@@ -6,22 +6,18 @@
 #include "promo/AdBanner.h"
 #include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
+#include "views/AllSettingsView.h"
 #include "views/CleanupView.h"
 #include "views/CompareView.h"
 #include "views/HealthView.h"
 #include "views/PlainText.h"
 #include "views/PreferencesView.h"
 #include "views/SearchView.h"
-#include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
-#include "views/SettingsTree.h"
-#include "views/TreePosition.h"
 #include "views/UnusedModulesView.h"
-#include "views/ValueDelegate.h"
 #include "views/WheelGuard.h"
 
 #include <QAbstractButton>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
@@ -29,9 +25,7 @@
 #include <QFileInfo>
 #include <QFrame>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStandardPaths>
@@ -127,8 +121,6 @@ void MainWindow::buildUi()
     resize(1100, 760);
     m_model = new SettingsModel(this);
     m_model->setPolicy(&m_policy);
-    m_proxy = new SettingsFilterProxy(this);
-    m_proxy->setSourceModel(m_model);
     connect(m_model, &SettingsModel::edited, this, &MainWindow::onEdited);
     connect(m_model, &SettingsModel::editRejected, this, &MainWindow::showRejection);
     m_openEditor = new OpenEditor(this);
@@ -196,56 +188,6 @@ QLayout* MainWindow::createBannerRow()
     return layout;
 }
 
-QWidget* MainWindow::createAdvancedPage()
-{
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(0, 6, 0, 0);
-
-    m_treeFilter = new QLineEdit;
-    m_treeFilter->setObjectName("treeFilter"_L1);
-    m_treeFilter->setAccessibleName(tr("Filter"));
-    m_treeFilter->setClearButtonEnabled(true);
-    m_treeFilter->setPlaceholderText(
-        tr("Filter this tree by name or value (Ctrl+F searches everything)"));
-    connect(m_treeFilter, &QLineEdit::textChanged, this, &MainWindow::applyTreeFilter);
-    m_changedOnly = new QCheckBox(tr("Changed only"));
-    m_changedOnly->setObjectName("changedOnly"_L1);
-    connect(m_changedOnly, &QCheckBox::toggled, this, &MainWindow::applyChangedOnly);
-    auto* filterRow = new QHBoxLayout;
-    filterRow->addWidget(m_treeFilter, 1);
-    filterRow->addWidget(m_changedOnly);
-    layout->addLayout(filterRow);
-
-    m_tree = new SettingsTree;
-    m_tree->setObjectName("tree"_L1);
-    m_tree->setAccessibleName(tr("All settings"));
-    m_tree->setModel(m_proxy);
-    auto* delegate = new ValueDelegate(m_tree);
-    m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, delegate);
-    connect(delegate, &ValueDelegate::editedRowHidden, this, [this](const QString& key) {
-        showStatus(tr("%1 doesn't match the filter any more, so it isn't shown.").arg(key), 8000);
-    });
-    m_tree->setUniformRowHeights(true);
-    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
-    m_tree->setAlternatingRowColors(true);
-    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
-    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
-                            QAbstractItemView::EditKeyPressed);
-    m_tree->header()->setStretchLastSection(false);
-    m_tree->header()->setSectionResizeMode(SettingsModel::SettingColumn, QHeaderView::Interactive);
-    m_tree->header()->setSectionResizeMode(SettingsModel::ValueColumn, QHeaderView::Stretch);
-    m_tree->header()->setSectionResizeMode(SettingsModel::TypeColumn,
-                                           QHeaderView::ResizeToContents);
-    m_tree->header()->resizeSection(SettingsModel::SettingColumn, 380);
-    connect(m_tree, &QTreeView::customContextMenuRequested, this, &MainWindow::showContextMenu);
-    auto* deleteKey = new QShortcut(QKeySequence::Delete, m_tree);
-    deleteKey->setContext(Qt::WidgetShortcut);
-    connect(deleteKey, &QShortcut::activated, this, &MainWindow::deleteSelected);
-    layout->addWidget(m_tree, 1);
-    return page;
-}
-
 void MainWindow::startBanner(bool allowNetwork, int delayMs)
 {
     m_adBanner->start(allowNetwork, delayMs);
@@ -258,6 +200,7 @@ void MainWindow::attachViews()
     setPagesReadOnly(); // first: what is built now is built by it
     forEachPage([document](auto* page) { page->setDocument(document); });
     m_compareView->setDocument(document, document ? m_store.path : QString());
+    m_advancedPage->resetExpansion();
     rebuildFileBox();
 }
 
@@ -285,13 +228,11 @@ bool MainWindow::openFile(const QString& asked)
     });
     if (!opened) {
         m_staleOnDisk = m_staleOnDisk && m_store.loaded;
-        expandPreferences();
         reportUnopened(path, error);
         refreshBanner();
         return false;
     }
     m_staleOnDisk = false;
-    resetExpansion();
     showStatus(tr("Loaded %1").arg(QDir::toNativeSeparators(path)), 5000);
     refreshBanner();
     return true;
@@ -409,46 +350,6 @@ void MainWindow::refreshFileBoxItem()
     if (m_store.loaded && QFileInfo(path) == QFileInfo(m_store.path)) {
         m_fileBox->setItemText(m_fileBox->currentIndex(), PixInsightEnv::describeFile(path));
     }
-}
-
-void MainWindow::expandPreferences()
-{
-    if (!m_store.loaded) {
-        return;
-    }
-    const XsdtNode* node = m_store.document.root.findByPath(u"Global/Preferences");
-    QModelIndex index = m_proxy->mapFromSource(m_model->indexForNode(node));
-    for (; index.isValid(); index = index.parent()) {
-        m_tree->expand(index);
-    }
-}
-
-void MainWindow::resetExpansion()
-{
-    m_tree->collapseAll();
-    expandPreferences();
-}
-
-void MainWindow::applyTreeFilter(const QString& text)
-{
-    const TreePosition position(*m_tree, *m_proxy);
-    m_proxy->setFilterText(text);
-    if (text.trimmed().isEmpty()) {
-        resetExpansion();
-    } else {
-        m_tree->expandAll();
-    }
-    position.restore();
-}
-
-void MainWindow::applyChangedOnly(bool changedOnly)
-{
-    const TreePosition position(*m_tree, *m_proxy);
-    m_proxy->setChangedOnly(changedOnly);
-    if (changedOnly) {
-        m_tree->expandAll();
-    }
-    position.restore();
 }
 
 void MainWindow::onEdited()

@@ -15,26 +15,23 @@
 #include <utility>
 
 class QAction;
-class QCheckBox;
 class QComboBox;
 class QLabel;
-class QLineEdit;
 class QPushButton;
 class QTabWidget;
 class QTimer;
 class QToolBar;
-class QTreeView;
 
 namespace kse {
 
 class AdBanner;
+class AllSettingsView;
 class CleanupView;
 class CompareView;
 class HealthView;
 class OpenEditor;
 class PreferencesView;
 class SearchView;
-class SettingsFilterProxy;
 class SettingsModel;
 class UnusedModulesView;
 
@@ -82,8 +79,6 @@ private slots:
     void onRevertAll();
     void onEdited();
     void pollEnvironment();
-    void showContextMenu(const QPoint& pos);
-    void deleteSelected();
     void onFindModule();
     void onUnusedModules();
     void onHealthCheck();
@@ -101,7 +96,6 @@ private:
     void createToolBar();
     QWidget* createFileRow();
     QLayout* createBannerRow();
-    QWidget* createAdvancedPage();
     void createPages();
     void createKeys();
     void connectPages();
@@ -144,13 +138,9 @@ private:
 
     /// Whether pending changes may go: there are none, or the user says so. `tail` ends the text.
     bool confirmDiscard(const QString& tail);
-    void expandPreferences();
-    void resetExpansion();
     void rebuildFileBox();
     void refreshFileBoxItem();
     void onFileActivated(int index);
-    void applyTreeFilter(const QString& text);
-    void applyChangedOnly(bool changedOnly);
     void refreshBanner();
     void refreshActions(qsizetype pending);
     void turnPage(int step);
@@ -182,7 +172,6 @@ private:
     SettingsSchema m_schema;
     DeletePolicy m_policy;
     SettingsModel* m_model = nullptr;
-    SettingsFilterProxy* m_proxy = nullptr;
     OpenEditor* m_openEditor = nullptr;
     PreferencesView* m_preferencesView = nullptr;
     CleanupView* m_cleanupView = nullptr;
@@ -192,11 +181,8 @@ private:
     UnusedModulesView* m_unusedModulesView = nullptr;
     QComboBox* m_fileBox = nullptr;
     QStringList m_knownFiles;
-    QWidget* m_advancedPage = nullptr;
+    AllSettingsView* m_advancedPage = nullptr;
     QTabWidget* m_tabs = nullptr;
-    QTreeView* m_tree = nullptr;
-    QLineEdit* m_treeFilter = nullptr;
-    QCheckBox* m_changedOnly = nullptr;
     QLabel* m_bannerLabel = nullptr;
     QPushButton* m_bannerReload = nullptr;
     QTimer* m_pollTimer = nullptr;

@@ -4,12 +4,10 @@
 #include "app/AboutDialog.h"
 #include "app/OpenEditor.h"
 #include "app/UserGuide.h"
-#include "document/TreeWalk.h"
+#include "views/AllSettingsView.h"
 #include "views/PixelRatio.h"
 #include "views/PlainText.h"
-#include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
-#include "views/TreePosition.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -19,10 +17,10 @@
 #include <QSettings>
 #include <QShowEvent>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabWidget>
 #include <QTimer>
 #include <QToolBar>
-#include <QTreeView>
 
 #include <algorithm>
 #include <cmath>
@@ -46,21 +44,6 @@ QList<QKeySequence> zoomInKeys()
         keys.append(equal);
     }
     return keys;
-}
-
-/// The groups that stand open in `tree`, also those inside closed ones.
-QList<const XsdtNode*> expandedGroups(const QTreeView& tree, const QAbstractProxyModel& proxy,
-                                      const SettingsModel& model)
-{
-    QList<const XsdtNode*> groups;
-    walkTree(std::as_const(model.document()->root), [&](const XsdtNode& node) {
-        if (!node.children.empty() &&
-            tree.isExpanded(proxy.mapFromSource(model.indexForNode(&node)))) {
-            groups.append(&node);
-        }
-        return Walk::Into;
-    });
-    return groups;
 }
 
 } // namespace
@@ -131,8 +114,8 @@ void MainWindow::createMenus()
     createThemeMenu(*edit->addMenu(tr("&Theme")));
 
     QMenu* view = menuBar()->addMenu(tr("&View"));
-    view->addAction(tr("&Expand all"), m_tree, &QTreeView::expandAll);
-    view->addAction(tr("&Collapse all"), this, &MainWindow::resetExpansion);
+    view->addAction(tr("&Expand all"), m_advancedPage, &AllSettingsView::expandAll);
+    view->addAction(tr("&Collapse all"), m_advancedPage, &AllSettingsView::resetExpansion);
     view->addSeparator();
     ThemeManager* theme = &ThemeManager::instance();
     view->addAction(tr("&Larger text"), theme, [theme] { theme->step(0.1); })
@@ -331,18 +314,7 @@ void MainWindow::onRevertAll()
                     tr("Discard all %n unsaved change(s)?", nullptr, int(pending)),
                     QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
     if (confirmed && m_model->generation() == generation) {
-        const TreePosition position(*m_tree, *m_proxy);
-        const bool isFiltering = !m_proxy->filterText().isEmpty() || m_proxy->isChangedOnly();
-        const QList<const XsdtNode*> expanded =
-            isFiltering ? QList<const XsdtNode*>() : expandedGroups(*m_tree, *m_proxy, *m_model);
-        m_model->revertAll();
-        for (const XsdtNode* group : expanded) {
-            m_tree->expand(m_proxy->mapFromSource(m_model->indexForNode(group)));
-        }
-        if (isFiltering) {
-            m_tree->expandAll();
-        }
-        position.restore();
+        m_advancedPage->revertAll();
     }
 }
 

@@ -3,29 +3,11 @@
 
 #include "views/NodeContextMenu.h"
 #include "views/PlainText.h"
-#include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
 
 #include <QCheckBox>
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QMenu>
-#include <QTreeView>
-
-using namespace Qt::StringLiterals;
 
 namespace kse {
-
-void MainWindow::deleteSelected()
-{
-    const QModelIndex index = m_tree->currentIndex();
-    if (!index.isValid() || !m_tree->selectionModel()->isSelected(index)) {
-        return;
-    }
-    if (XsdtNode* node = m_model->nodeForIndex(m_proxy->mapToSource(index))) {
-        deleteNode(node);
-    }
-}
 
 void MainWindow::deleteNode(XsdtNode* node)
 {
@@ -79,62 +61,6 @@ bool MainWindow::confirmDeletion(const QString& path, int values, const QString&
     }
     m_dontAskDelete = box.checkBox()->isChecked();
     return true;
-}
-
-void MainWindow::showContextMenu(const QPoint& pos)
-{
-    const QModelIndex index = m_tree->indexAt(pos);
-    if (!index.isValid()) {
-        return;
-    }
-    XsdtNode* node = m_model->nodeForIndex(m_proxy->mapToSource(index));
-    if (!node) {
-        return;
-    }
-    const bool isValue = node->kind == XsdtNode::Kind::Value;
-    const DeleteDecision decision = m_model->deletionDecision(node);
-    QMenu menu(this);
-    menu.setToolTipsVisible(true);
-    QAction* revert = menu.addAction(tr("Revert this value"));
-    revert->setEnabled(node->isModified() && !m_running);
-    QAction* copyPath = menu.addAction(tr("Copy setting path"));
-    QAction* copyValue = menu.addAction(tr("Copy value"));
-    copyValue->setEnabled(isValue);
-    menu.addSeparator();
-    QAction* remove = nullptr;
-    QAction* undo = nullptr;
-    QAction* why = nullptr;
-    if (node->markedForDeletion) {
-        undo = menu.addAction(tr("Undo deletion"));
-    } else if (node->isInsideDeletion()) {
-        menu.addAction(tr("Inside an entry marked for deletion"))->setEnabled(false);
-    } else if (decision.level == DeleteLevel::Never) {
-        why = menu.addAction(tr("Why can't this be deleted?"));
-    } else {
-        remove = menu.addAction(decision.level == DeleteLevel::Warn ? tr("Delete this entry...")
-                                                                    : tr("Delete this entry"));
-        remove->setToolTip(asToolTip(decision.reason));
-        remove->setEnabled(!m_running);
-    }
-
-    const quint64 generation = m_model->generation();
-    const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
-    if (!chosen || m_model->generation() != generation) {
-        return;
-    }
-    if (chosen == revert && !m_running) {
-        m_model->revertValue(node);
-    } else if (chosen == copyPath) {
-        QGuiApplication::clipboard()->setText(node->path());
-    } else if (chosen == copyValue) {
-        QGuiApplication::clipboard()->setText(node->value);
-    } else if (chosen == remove) {
-        deleteNode(node);
-    } else if (chosen == undo) {
-        m_model->undoDeletion(node);
-    } else if (chosen == why) {
-        showCannotDelete(this, node->path(), decision.reason);
-    }
 }
 
 } // namespace kse

@@ -4,6 +4,7 @@
 #include "app/OpenEditor.h"
 #include "app/UserGuide.h"
 #include "schema/ModuleCatalog.h"
+#include "views/AllSettingsView.h"
 #include "views/CleanupView.h"
 #include "views/CompareView.h"
 #include "views/HealthView.h"
@@ -11,16 +12,12 @@
 #include "views/PlainText.h"
 #include "views/PreferencesView.h"
 #include "views/SearchView.h"
-#include "views/SettingsFilterProxy.h"
 #include "views/SettingsModel.h"
 #include "views/UnusedModulesView.h"
 
 #include <QAction>
-#include <QCheckBox>
-#include <QLineEdit>
 #include <QShortcut>
 #include <QTabWidget>
-#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
@@ -34,7 +31,7 @@ void MainWindow::createPages()
     m_unusedModulesView = new UnusedModulesView(m_model, &m_schema, this);
     m_healthView = new HealthView(m_model, &m_schema, this);
     m_compareView = new CompareView(m_model, this);
-    m_advancedPage = createAdvancedPage();
+    m_advancedPage = new AllSettingsView(m_model, this);
 
     m_tabs = new QTabWidget;
     m_tabs->setObjectName("tabs"_L1);
@@ -125,6 +122,9 @@ void MainWindow::connectPages()
 
     connect(m_compareView, &CompareView::message, this, showFor(8000));
     connect(m_compareView, &CompareView::revealRequested, this, &MainWindow::revealNode);
+
+    connect(m_advancedPage, &AllSettingsView::message, this, showFor(8000));
+    connectDeletion(m_advancedPage);
 }
 
 void MainWindow::revealNode(XsdtNode* node)
@@ -133,22 +133,7 @@ void MainWindow::revealNode(XsdtNode* node)
         return;
     }
     m_tabs->setCurrentWidget(m_advancedPage);
-    m_treeFilter->clear();
-    m_changedOnly->setChecked(false);
-    QModelIndex index;
-    // What lies deeper than the tree shows is revealed by the nearest group above it.
-    for (; node->parent && !index.isValid(); node = node->parent) {
-        index = m_proxy->mapFromSource(m_model->indexForNode(node));
-    }
-    if (!index.isValid()) {
-        return;
-    }
-    for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) {
-        m_tree->expand(above);
-    }
-    m_tree->setCurrentIndex(index);
-    m_tree->scrollTo(index, QAbstractItemView::PositionAtCenter);
-    m_tree->setFocus(); // so that a key edits or deletes it
+    m_advancedPage->reveal(node);
 }
 
 bool MainWindow::hasFile(const QString& title)

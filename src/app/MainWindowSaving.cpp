@@ -50,9 +50,6 @@ bool MainWindow::onSave()
     // A save without deletions destroys no node, so the tree keeps its expansion.
     const bool destroysNodes = !m_store.document.deletions().isEmpty();
     const bool saved = destroysNodes ? replaceTree(save) : save();
-    if (destroysNodes) {
-        resetExpansion();
-    }
     if (!saved) {
         report(QMessageBox::Critical, tr("Save failed"), error, remark);
         pollEnvironment();
@@ -119,7 +116,6 @@ void MainWindow::restoreFrom(const QString& backup)
         return m_store.restoreBackup(backup, &error, &remark);
     });
     m_staleOnDisk = !restored && m_store.isChangedOnDisk();
-    resetExpansion();
     refreshBanner();
     if (!restored) {
         report(QMessageBox::Critical, tr("Restore failed"), error, remark);

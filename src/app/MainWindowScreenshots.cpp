@@ -6,6 +6,7 @@
 #include "session/BackupsDialog.h"
 #include "session/PixInsightEnv.h"
 #include "session/ReviewDialog.h"
+#include "views/AllSettingsView.h"
 #include "views/CleanupView.h"
 #include "views/CompareView.h"
 #include "views/HealthView.h"
@@ -19,7 +20,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTabWidget>
-#include <QTreeView>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -56,11 +56,12 @@ void MainWindow::renderScreenshots(const QString& dir, const QString& searchText
     grabDialogs(dir);
 
     m_tabs->setCurrentWidget(m_advancedPage);
-    m_changedOnly->setChecked(true);
+    auto* changedOnly = m_advancedPage->findChild<QCheckBox*>(u"changedOnly"_s);
+    changedOnly->setChecked(true);
     grabTo(*this, dir, u"advanced-changed.png"_s);
-    m_changedOnly->setChecked(false);
+    changedOnly->setChecked(false);
     m_model->revertAll();
-    resetExpansion();
+    m_advancedPage->resetExpansion();
     grabTo(*this, dir, u"advanced.png"_s);
 }
 
