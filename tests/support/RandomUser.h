@@ -72,7 +72,7 @@ public:
     void note(const QString& step) { m_log.append(step); }
     const QStringList& log() const { return m_log; }
 
-    /// Names of what was used since the last call, and of what holds it.
+    /// Names of what was used since the last call, and of what holds it; not those in rows.
     QSet<QString> takeUsed() { return std::exchange(m_used, {}); }
 
     /// The next dialog is answered by this instead.
@@ -112,11 +112,8 @@ public:
 
     void use(QWidget& widget)
     {
-        for (const QWidget* up = &widget; up; up = up->parentWidget()) {
+        for (const QWidget* up = &widget; up && !isInRow(widget); up = up->parentWidget()) {
             m_used.insert(up->objectName());
-        }
-        if (isInRow(widget)) {
-            m_used.insert(u"row"_s);
         }
         const QString target = kindOf(widget) + u" \""_s + widget.accessibleName().left(60) + u'"';
         if (hasMenu(widget) && (oneIn(3) || qobject_cast<SettingRow*>(&widget))) {
@@ -152,7 +149,7 @@ public:
 private:
     static bool isInRow(const QWidget& widget)
     {
-        const QWidget* up = widget.parentWidget();
+        const QWidget* up = &widget;
         while (up && !qobject_cast<const SettingRow*>(up)) {
             up = up->parentWidget();
         }
@@ -343,11 +340,13 @@ private:
             const QFileInfoList found = QDir(files->directory()).entryInfoList(QDir::Files);
             if (!found.isEmpty() && oneIn(2)) {
                 files->selectFile(pick(found).filePath());
+                note(u"  select "_s + files->selectedFiles().join(u' '));
             }
         } else if (auto* colors = qobject_cast<QColorDialog*>(&widget)) {
             colors->setCurrentColor(QColor::fromRgba(m_random.generate()));
         } else if (!qobject_cast<QMessageBox*>(&widget)) {
             for (int i = below(4); i > 0 && open && open->isVisible(); --i) {
+                onAnswer(widget);
                 act(widget);
             }
         }

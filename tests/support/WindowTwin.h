@@ -135,6 +135,10 @@ private:
         const QList<XsdtNode*> nodes = nodesOf(from);
         const QList<XsdtNode*> twins = nodesOf(to.document());
         const bool wasReadOnly = to.isReadOnly();
+        if (from && to.document()) { // which a save doesn't change
+            to.document()->defaultLayout = from->defaultLayout;
+            emit to.edited();
+        }
         to.setReadOnly(false);
         {
             const SettingsModel::Batch batch(to);
