@@ -2,6 +2,7 @@
 #include "app/MainWindow.h"
 
 #include "app/OpenEditor.h"
+#include "app/Screenshots.h"
 #include "app/WaitCursor.h"
 #include "promo/AdBanner.h"
 #include "session/DurableFile.h"
@@ -191,6 +192,11 @@ QLayout* MainWindow::createBannerRow()
 void MainWindow::startBanner(bool allowNetwork, int delayMs)
 {
     m_adBanner->start(allowNetwork, delayMs);
+}
+
+void MainWindow::renderScreenshots(const QString& dir, const QString& searchText)
+{
+    Screenshots(this, m_store, m_schema, dir).render(searchText);
 }
 
 void MainWindow::attachViews()

@@ -157,12 +157,6 @@ private:
     void showRejection(const QString& reason);
     void showStatus(const QString& text, int milliseconds);
     void announce(const QString& text);
-    void grabPreferences(const QString& dir, const QString& searchText);
-    void grabSearch(const QString& dir);
-    void grabCleanup(const QString& dir);
-    void grabComparison(const QString& dir);
-    void grabDialogs(const QString& dir);
-    static void grabTo(QWidget& widget, const QString& dir, const QString& name);
 
     qsizetype pendingCount() const;
     QString recordedVersion() const;
