@@ -68,7 +68,7 @@ public:
     {
         setCursor(Qt::PointingHandCursor);
         setFixedSize(stripSize);
-        setFocusPolicy(Qt::StrongFocus);
+        setFocusPolicy(Qt::TabFocus); // its ring tells the keyboard's way, and a click needs none
     }
 
     void describe(const QString& alt)
