@@ -20,6 +20,7 @@
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -36,6 +37,30 @@ constexpr int maximumNesting = 16; // of sections in one another
 constexpr int maximumRows = 5000;
 constexpr int maximumPageRows = 2000;
 constexpr qsizetype titleLimit = 100;
+
+/// Room around a title that is the row's own: what lies between rows can't be clicked.
+class PageDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
+    }
+};
+
+/// Always marks the page in front: no click below the rows, or with Ctrl, takes the mark away.
+class PageList : public QListWidget
+{
+protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override
+    {
+        return event && !index.isValid() ? QItemSelectionModel::NoUpdate
+                                         : QItemSelectionModel::ClearAndSelect;
+    }
+};
 
 /// Shows the rows that `text` finds and hides the others; whether it finds any.
 bool filterRows(const QList<SettingRow*>& rows, const QString& text)
@@ -98,13 +123,13 @@ void PreferencesView::createUi()
     m_searchEdit->setPlaceholderText(tr("Search names, descriptions and text values"));
     m_searchEdit->setClearButtonEnabled(true);
 
-    m_pageList = new QListWidget;
+    m_pageList = new PageList;
     m_pageList->setObjectName(u"pageList"_s);
     m_pageList->setAccessibleName(tr("Pages"));
     m_pageList->setMinimumWidth(170);
     m_pageList->setMaximumWidth(300);
     m_pageList->setWordWrap(true);
-    m_pageList->setSpacing(2);
+    m_pageList->setItemDelegate(new PageDelegate(m_pageList));
     m_pageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
     m_limitLabel = new QLabel(tr(

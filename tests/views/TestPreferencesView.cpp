@@ -94,6 +94,14 @@ private slots:
         QVERIFY(answer.wasAsked());
         QTest::keyClick(f.list, Qt::Key_Down);
         QCOMPARE(f.shown(), u"On"_s);
+        const QRect second = f.list->visualItemRect(f.list->item(1));
+        const auto click = [&f](const QPoint& point, Qt::KeyboardModifiers modifiers = {}) {
+            QTest::mouseClick(f.list->viewport(), Qt::LeftButton, modifiers, point);
+            return f.list->selectedItems().value(0);
+        };
+        QCOMPARE(click(second.center(), Qt::ControlModifier), f.list->item(1));
+        QCOMPARE(click(f.list->viewport()->rect().bottomRight()), f.list->item(1));
+        QCOMPARE(click(second.bottomLeft() + QPoint(5, 1)), f.list->item(2));
         QVERIFY(f.view.selectPage(3) && !f.view.selectPage(5) && !f.view.selectPage(-1));
         QCOMPARE(f.shown(), u"Identifiers > Max > GUI > Icon"_s);
         QVERIFY(f.view.selectPage(4));
