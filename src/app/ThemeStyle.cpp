@@ -2,6 +2,7 @@
 #include "app/ThemeStyle.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QFocusFrame>
 #include <QPainter>
 #include <QStyleHintReturnMask>
@@ -22,6 +23,7 @@ constexpr int rowMargin = 2;    // above and below the text of a row in a list
 constexpr int textMargin = 2;   // beside the text of a line edit
 constexpr int accentHeight = 2; // of the line on the tab in front
 constexpr int ringWidth = 1;    // of the frame around what has the keyboard
+constexpr int fusionArrowWidth = 8;
 
 /// The outline of tabs and their pane. Fusion's is darker than the window, which on a dark one is
 /// no outline at all.
@@ -56,20 +58,48 @@ void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* pa
     painter->restore();
 }
 
-/// The arrow of a group in a tree or of a section. It grows with the text, as Fusion's doesn't.
-void drawArrow(int degrees, const QStyleOption& option, QPainter* painter)
+/// The width of an arrow. It grows with the text, as Fusion's doesn't.
+int arrowWidth(const QStyleOption& option)
 {
-    const double side = std::max(8.0, option.fontMetrics.ascent() / 2.0);
-    QColor colour = option.palette.color(QPalette::WindowText);
-    colour.setAlpha(180);
+    return std::max(fusionArrowWidth, option.fontMetrics.ascent() / 2);
+}
+
+/// An arrow of `colour` in the middle of `rect`, pointing down before it's turned.
+void drawArrow(int degrees, const QRect& rect, int width, const QColor& colour, QPainter* painter)
+{
+    const double half = width / 2.0;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
     painter->setBrush(colour);
-    painter->translate(QRectF(option.rect).center());
-    painter->rotate(degrees); // it points down
-    painter->drawPolygon(QPolygonF({{-side / 2, -side / 4}, {side / 2, -side / 4}, {0, side / 4}}));
+    painter->translate(QRectF(rect).center());
+    painter->rotate(degrees);
+    painter->drawPolygon(QPolygonF({{-half, -half / 2}, {half, -half / 2}, {0, half / 2}}));
     painter->restore();
+}
+
+/// The arrow of a group in a tree or of a section.
+void drawArrow(int degrees, const QStyleOption& option, QPainter* painter)
+{
+    QColor colour = option.palette.color(QPalette::WindowText);
+    colour.setAlpha(180);
+    drawArrow(degrees, option.rect, arrowWidth(option), colour, painter);
+}
+
+/// The arrow of a box: as soft as Fusion's, yet opaque, since it covers that.
+void drawBoxArrow(int degrees, const QRect& rect, bool isEnabled, const QStyleOption& option,
+                  QPainter* painter)
+{
+    const auto group = isEnabled ? option.palette.currentColorGroup() : QPalette::Disabled;
+    const QColor text = option.palette.color(group, QPalette::ButtonText);
+    const QColor ground = option.palette.color(group, QPalette::Button);
+    const auto mixed = [](int two, int one) {
+        return (2 * two + one) / 3;
+    };
+    drawArrow(degrees, rect, arrowWidth(option),
+              QColor(mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
+                     mixed(text.blue(), ground.blue())),
+              painter);
 }
 
 /// A tab above its pane: the one in front is open towards it, the others end on its outline.
@@ -104,6 +134,23 @@ void drawTab(const QStyleOptionTab& tab, int paneOverlap, QPainter* painter)
 ThemeStyle::ThemeStyle()
     : QProxyStyle(u"Fusion"_s)
 {
+}
+
+void ThemeStyle::polish(QWidget* widget)
+{
+    QProxyStyle::polish(widget);
+    if (qobject_cast<QComboBox*>(widget)) {
+        widget->installEventFilter(this);
+    }
+}
+
+bool ThemeStyle::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::FontChange) {
+        QEvent styleChange(QEvent::StyleChange); // the only one that has it forgotten
+        QCoreApplication::sendEvent(object, &styleChange);
+    }
+    return QProxyStyle::eventFilter(object, event);
 }
 
 void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
@@ -145,13 +192,58 @@ void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option,
                              const QWidget* widget) const
 {
     const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
+    const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
     if (element == CE_FocusFrame) { // its mask leaves a ring
         painter->fillRect(option->rect, option->palette.color(QPalette::Highlight));
     } else if (element == CE_TabBarTabShape && tab && tab->shape == QTabBar::RoundedNorth) {
         drawTab(*tab, proxy()->pixelMetric(PM_TabBarBaseOverlap, option, widget), painter);
+    } else if (element == CE_ComboBoxLabel && box && !box->editable) { // Fusion cuts a letter
+        const QRect field = proxy()->subControlRect(CC_ComboBox, box, SC_ComboBoxEditField, widget);
+        QStyleOptionComboBox elided = *box;
+        elided.currentText =
+            box->fontMetrics.elidedText(box->currentText, Qt::ElideMiddle, field.width());
+        QProxyStyle::drawControl(element, &elided, painter, widget);
     } else {
         QProxyStyle::drawControl(element, option, painter, widget);
     }
+}
+
+void ThemeStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    const auto rectOf = [&](SubControl part) {
+        return proxy()->subControlRect(control, option, part, widget);
+    };
+    const bool isEnabled = option->state & State_Enabled;
+    const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option);
+    if (control == CC_SpinBox && spin && spin->buttonSymbols == QAbstractSpinBox::UpDownArrows) {
+        const auto steps = spin->stepEnabled;
+        drawBoxArrow(180, rectOf(SC_SpinBoxUp),
+                     isEnabled && steps & QAbstractSpinBox::StepUpEnabled, *option, painter);
+        drawBoxArrow(0, rectOf(SC_SpinBoxDown),
+                     isEnabled && steps & QAbstractSpinBox::StepDownEnabled, *option, painter);
+    } else if (control == CC_ComboBox) {
+        drawBoxArrow(0, rectOf(SC_ComboBoxArrow), isEnabled, *option, painter);
+    }
+}
+
+QRect ThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                 SubControl part, const QWidget* widget) const
+{
+    const QRect rect = QProxyStyle::subControlRect(control, option, part, widget);
+    if (control != CC_SpinBox && control != CC_ComboBox) {
+        return rect;
+    }
+    const bool isSpin = control == CC_SpinBox;
+    const bool isField = part == (isSpin ? SC_SpinBoxEditField : SC_ComboBoxEditField);
+    const bool isArrow =
+        isSpin ? part == SC_SpinBoxUp || part == SC_SpinBoxDown : part == SC_ComboBoxArrow;
+    const int extra = arrowWidth(*option) - fusionArrowWidth; // from the field to its arrows
+    const int left = isArrow ? -extra : 0;
+    const int right = isField ? -extra : 0;
+    return option->direction == Qt::RightToLeft ? rect.adjusted(-right, 0, -left, 0)
+                                                : rect.adjusted(left, 0, right, 0);
 }
 
 int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
@@ -185,6 +277,9 @@ QSize ThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* option
         return size + QSize(2 * paneMargin, 2 * paneMargin);
     case CT_ItemViewItem:
         return size + QSize(0, 2 * rowMargin);
+    case CT_SpinBox:
+    case CT_ComboBox:
+        return size + QSize(arrowWidth(*option) - fusionArrowWidth, 0);
     case CT_PushButton:
         size.setWidth(std::max(size.width(), contents.width() + option->fontMetrics.height() +
                                                  proxy()->pixelMetric(PM_ButtonMargin, option)));

@@ -161,6 +161,21 @@ void TestThemeManager::leavesRoom()
     QVERIFY(button.sizeHint().width() > text.horizontalAdvance(button.text()) + text.height());
     QCOMPARE(QCheckBox().sizeHint().height(), QLineEdit().sizeHint().height());
 
+    for (const auto direction :
+         {Qt::LeftToRight, Qt::RightToLeft}) { // arrows grow, the field gives way
+        QStyleOptionSpinBox box;
+        box.initFrom(&button);
+        box.frame = true;
+        box.direction = direction;
+        box.rect = QRect(0, 0, 200, 40);
+        const auto rectOf = [&box](QStyle::SubControl part) {
+            return QApplication::style()->subControlRect(QStyle::CC_SpinBox, &box, part);
+        };
+        const QRect up = rectOf(QStyle::SC_SpinBoxUp);
+        QVERIFY(up.width() > text.ascent() / 2 + 4 && box.rect.contains(up));
+        QVERIFY(!up.intersects(rectOf(QStyle::SC_SpinBoxEditField)));
+    }
+
     QWidget window;
     auto* row = new WrappingRow;
     window.setLayout(row);
