@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "views/WrappedLabel.h"
 
+#include <QEvent>
+
 namespace kse {
 
 WrappedLabel::WrappedLabel(const QString& text, Qt::TextFormat format, QWidget* parent)
@@ -27,6 +29,9 @@ void WrappedLabel::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);
     m_height = -1; // another style has other margins
+    if (event->type() == QEvent::FontChange) {
+        setIndent(indent()); // has an empty label forget its size, which it keeps with a new font
+    }
 }
 
 } // namespace kse

@@ -569,10 +569,10 @@ private slots:
         const Look plain;
         const Look other{ThemeMode::Dark, 2.2, Qt::RightToLeft,
                          int(QGuiApplication::screens().size() - 1), true};
-        QVERIFY(apply(plain));
+        QVERIFY(apply(other));
         const QString file = m_folder + u"/core-002-pxi.settings"_s;
-        StandingProgram live(file, plain.screen);
-        for (const Look& look : {other, plain}) {
+        StandingProgram live(file, other.screen);
+        for (const Look& look : {plain, other}) {
             QVERIFY(apply(look));
             live.moveTo(look.screen);
             const QSet<QString> seen = live.looks();
