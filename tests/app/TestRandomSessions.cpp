@@ -21,7 +21,7 @@ private slots:
         QTest::addColumn<quint32>("seed");
         QTest::addColumn<int>("steps");
         QTest::addColumn<bool>("whole");
-        const QString range = qEnvironmentVariable("KSE_SESSION_SEEDS", u"3-5"_s);
+        const QString range = qEnvironmentVariable("KSE_SESSION_SEEDS", u"1-6"_s);
         const int steps = qEnvironmentVariable("KSE_SESSION_STEPS", u"100"_s).toInt();
         const quint32 last = range.section(u'-', 1, 1).toUInt();
         for (quint32 seed = range.section(u'-', 0, 0).toUInt(); seed <= last; ++seed) {
