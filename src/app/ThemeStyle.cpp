@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QFocusFrame>
 #include <QPainter>
+#include <QScreen>
 #include <QStyleHintReturnMask>
 #include <QStyleOption>
 
@@ -277,8 +278,13 @@ QSize ThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* option
         return size + QSize(2 * paneMargin, 2 * paneMargin);
     case CT_ItemViewItem:
         return size + QSize(0, 2 * rowMargin);
+    case CT_ComboBox: // cuts a long line with dots rather than widen a dialog past its screen
+        if (widget) {
+            size.setWidth(
+                std::min(size.width(), widget->screen()->availableSize().width() * 9 / 10));
+        }
+        [[fallthrough]];
     case CT_SpinBox:
-    case CT_ComboBox:
         return size + QSize(arrowWidth(*option) - fusionArrowWidth, 0);
     case CT_PushButton:
         size.setWidth(std::max(size.width(), contents.width() + option->fontMetrics.height() +
