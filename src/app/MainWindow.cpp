@@ -390,6 +390,7 @@ void MainWindow::showStatus(const QString& text, int milliseconds)
 {
     // A status bar is one line: more characters than any screen holds only cost time.
     const QString shown = withoutMiddle(text, 1000);
+    m_said = shown;
     statusBar()->showMessage(shown, milliseconds);
     announce(shown);
 }

@@ -167,6 +167,7 @@ private:
     DeletePolicy m_policy;
     SettingsModel* m_model = nullptr;
     OpenEditor* m_openEditor = nullptr;
+    QString m_said; ///< The last message in the status bar that is no status tip.
     PreferencesView* m_preferencesView = nullptr;
     CleanupView* m_cleanupView = nullptr;
     CompareView* m_compareView = nullptr;

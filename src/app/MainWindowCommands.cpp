@@ -343,6 +343,10 @@ QString MainWindow::recordedVersion() const
 
 bool MainWindow::event(QEvent* event)
 {
+    if (event->type() == QEvent::StatusTip && !m_said.isEmpty() &&
+        statusBar()->currentMessage() == m_said) {
+        return true; // the mouse on a button doesn't cut short what was said
+    }
     const bool handled = QMainWindow::event(event);
     if (changesPixelRatio(*event)) {
         refreshToolbarIcons();

@@ -218,6 +218,8 @@ private slots:
         const QStringList backups = PixInsightEnv::backupsOf(m_file);
         QCOMPARE(backups.size(), 1);
         QCOMPARE(contentOf(backups.constFirst()), before);
+        QStatusTipEvent tip(u"Review"_s); // of the button beneath the mouse
+        QCoreApplication::sendEvent(m_window.get(), &tip);
         QCOMPARE(status(), u"Saved. Backup: "_s + QFileInfo(backups.constFirst()).fileName());
         XsdtDocument saved;
         QVERIFY(saved.parse(contentOf(m_file)));
