@@ -164,6 +164,15 @@ void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
         painter->restore();
         break;
+    case PE_FrameFocusRect:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (option->state & State_Item && option->state & State_Selected) { // Fusion's hardly shows
+            painter->save();
+            painter->setPen(option->palette.color(QPalette::HighlightedText));
+            painter->drawRect(option->rect.adjusted(1, 1, -2, -2));
+            painter->restore();
+        }
+        break;
     case PE_IndicatorBranch:
         if (option->state & State_Children) {
             const int closed = option->direction == Qt::RightToLeft ? 90 : -90;
