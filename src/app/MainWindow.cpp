@@ -10,13 +10,13 @@
 #include "views/AllSettingsView.h"
 #include "views/CleanupView.h"
 #include "views/CompareView.h"
+#include "views/FileBox.h"
 #include "views/HealthView.h"
 #include "views/PlainText.h"
 #include "views/PreferencesView.h"
 #include "views/SearchView.h"
 #include "views/SettingsModel.h"
 #include "views/UnusedModulesView.h"
-#include "views/WheelGuard.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -157,10 +157,9 @@ QWidget* MainWindow::createFileRow()
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_fileBox = new QComboBox;
+    m_fileBox = new FileBox;
     m_fileBox->setObjectName("fileBox"_L1);
     m_fileBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    WheelGuard::install(m_fileBox);
     connect(m_fileBox, &QComboBox::activated, this, &MainWindow::onFileActivated);
     auto* label = new QLabel(tr("File:"));
     label->setBuddy(m_fileBox);

@@ -2,7 +2,6 @@
 #include "views/CompareFileBox.h"
 
 #include "session/PixInsightEnv.h"
-#include "views/WheelGuard.h"
 
 #include <QFileInfo>
 #include <QSignalBlocker>
@@ -18,11 +17,10 @@ constexpr qsizetype maximumBackups = 25;
 } // namespace
 
 CompareFileBox::CompareFileBox(QWidget* parent)
-    : QComboBox(parent)
+    : FileBox(parent)
 {
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setMinimumWidth(200); // a long name doesn't keep the window wide
-    WheelGuard::install(this);
     refill();
 }
 

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QComboBox>
+#include "views/FileBox.h"
+
 #include <QString>
 
 namespace kse {
 
 /// Offers the files to compare with: those of PixInsight's instances and the backups of the file
 /// that is open. Its list is looked up again whenever it opens.
-class CompareFileBox : public QComboBox
+class CompareFileBox : public FileBox
 {
     Q_OBJECT
 

@@ -317,6 +317,9 @@ private slots:
         edit(stringPath, u"mine"_s);
         auto* box = find<QComboBox>("fileBox");
         QCOMPARE(box->count(), 2);
+        QTest::keyClick(box, Qt::Key_Down); // opens the list, not the next file
+        QVERIFY(box->view()->isVisible() && box->currentIndex() == 0);
+        box->hidePopup();
         DialogAnswerer<QMessageBox> cancel([](QMessageBox& asked) { asked.close(); });
         box->setCurrentIndex(1);
         emit box->activated(1);
