@@ -233,8 +233,8 @@ bool MainWindow::openFile(const QString& asked)
     });
     if (!opened) {
         m_staleOnDisk = m_staleOnDisk && m_store.loaded;
+        refreshBanner(); // first: the box may stand for long
         reportUnopened(path, error);
-        refreshBanner();
         return false;
     }
     m_staleOnDisk = false;

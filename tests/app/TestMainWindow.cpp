@@ -385,6 +385,7 @@ private slots:
                                      u" is not a valid PixInsight settings file: Not a PixInsight "
                                      "settings file (no <xsdt> element)."_s);
             QVERIFY(box.informativeText().contains("&amp;lt;%1.settings.bak-20260101-000000"_L1));
+            QVERIFY(!action("actReload")->isEnabled()); // already now
             box.close();
         });
         QVERIFY(!m_window->openFile(bad));
@@ -392,7 +393,6 @@ private slots:
         QVERIFY(!model()->document());
         QCOMPARE(find<QComboBox>("fileBox")->currentIndex(), -1);
         QCOMPARE(find<QComboBox>("fileBox")->placeholderText(), u"Choose a settings file"_s);
-        QVERIFY(!action("actReload")->isEnabled());
         QVERIFY(m_window->openFile(m_file));
     }
 
