@@ -20,6 +20,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QSize>
 #include <QTabWidget>
 #include <QTreeWidget>
 
@@ -43,9 +44,11 @@ Screenshots::Screenshots(QWidget* window, SettingsStore& store, const SettingsSc
 void Screenshots::render(const QString& searchText)
 {
     QDir().mkpath(m_dir);
-    m_window->resize(1200, 820);
+    const QSize size(1200, 820);
+    m_window->resize(size);
     m_window->show();
     QCoreApplication::processEvents();
+    m_window->resize(size); // shown, it fits itself to the screen, which a picture needn't
 
     grabPreferences(searchText);
     grabSearch();

@@ -539,6 +539,7 @@ private slots:
         const QByteArray before = contentOf(m_file);
         const QStringList files = QDir(m_folder).entryList(QDir::Files);
         QTemporaryDir pictures;
+        m_window->hide(); // as the program starts it
         m_window->renderScreenshots(pictures.filePath(u"new"_s), QString());
         QStringList expected{u"about"_s,         u"advanced-changed"_s, u"advanced"_s,
                              u"backups"_s,       u"cleanup-queued"_s,   u"cleanup"_s,
@@ -555,6 +556,7 @@ private slots:
             QCOMPARE(picture.suffix(), u"png"_s);
             QVERIFY(!QImage(picture.filePath()).isNull());
         }
+        QCOMPARE(m_window->size(), QSize(1200, 820)); // on this screen too
         QVERIFY(!m_window->findChild<QNetworkReply*>());
         QCOMPARE(contentOf(m_file), before);
         QCOMPARE(QDir(m_folder).entryList(QDir::Files), files);
