@@ -349,6 +349,9 @@ private:
     /// If a file is what the document was read from, keeps how it is.
     void noteLoaded()
     {
+        if (std::exchange(m_builtGeneration, model()->generation()) != model()->generation()) {
+            m_hasSizesOfEdits = model()->document() && pending() > 0;
+        }
         QStringList files = folder().keys();
         files.append(path());
         for (const QString& file : std::as_const(files)) {
@@ -413,7 +416,7 @@ private:
             }
         }
         if (!sameTree && m_parts == 1 && m_world > 0 && m_dialogs > 0 && model()->document() &&
-            pending() > 0) {
+            pending() > 0 && stateOfNodes() != m_before) { // else it couldn't be read anew
             m_faults.append(u"changed by an answer to what was asked of another tree"_s);
         }
         if (model()->document() && pending() == 0 && m_loaded.bytes &&
@@ -458,6 +461,11 @@ private:
             lived.replaceInStrings(facts, u"..."_s);
             fresh.replaceInStrings(facts, u"..."_s);
         }
+        if (m_hasSizesOfEdits) { // those of a new window are without
+            static const QRegularExpression sizes(u"\\d+(\\.\\d)? K?i?B\\b"_s);
+            lived.replaceInStrings(sizes, u"..."_s);
+            fresh.replaceInStrings(sizes, u"..."_s);
+        }
         if (m_checkIsOld) {
             static const QRegularExpression findings(u"Health check \\(\\d+\\)"_s);
             lived.replaceInStrings(findings, u"Health check"_s);
@@ -482,12 +490,14 @@ private:
     QMap<QString, QByteArray> m_disk;     ///< The folder after the last step.
     QMap<QString, QByteArray> m_versions; ///< What else was in its files during this one.
     QList<std::pair<QString, bool>> m_before;
-    QStringList m_kept;           ///< Of the document, when the last dialog was answered.
-    quint64 m_generation = 0;     ///< Of the tree before this step.
-    quint64 m_partGeneration = 0; ///< The same before the last part of it.
-    int m_parts = 0;              ///< Of this step.
-    int m_world = 0;              ///< Changes outside the window in this step.
-    int m_dialogs = 0;            ///< That came in this step.
+    QStringList m_kept;             ///< Of the document, when the last dialog was answered.
+    quint64 m_generation = 0;       ///< Of the tree before this step.
+    quint64 m_partGeneration = 0;   ///< The same before the last part of it.
+    quint64 m_builtGeneration = 0;  ///< Of the tree that the pages were made for.
+    bool m_hasSizesOfEdits = false; ///< Changes were pending by then: a reload that failed.
+    int m_parts = 0;                ///< Of this step.
+    int m_world = 0;                ///< Changes outside the window in this step.
+    int m_dialogs = 0;              ///< That came in this step.
     bool m_runs = false;
     bool m_searchIsOld = false; ///< Something was edited since the last search.
     bool m_checkIsOld = false;  ///< Something was edited since the last check.
