@@ -4,6 +4,7 @@
 #   scripts/debian13.sh [ARGUMENT FOR CTEST...]
 # The first run installs that system in the folder debian13 in KSE_CACHE, which is
 # ~/.cache/kestrane-settings-editor if not set; later ones use it again, and what was built there.
+# DEBIAN_MIRROR names another source of packages than debootstrap's own.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -26,7 +27,7 @@ if [[ ! -d $root ]]; then
     scripts/setup.sh debian13
     rm -rf "$root.part" # of a run that was cut short
     mkdir -p "$root.part"
-    debootstrap --variant=minbase trixie "$root.part" "${DEBIAN_MIRROR:-http://deb.debian.org/debian}"
+    debootstrap --variant=minbase trixie "$root.part" ${DEBIAN_MIRROR:+"$DEBIAN_MIRROR"}
     mv "$root.part" "$root"
 fi
 cp /etc/resolv.conf "$root/etc/resolv.conf"
