@@ -4,14 +4,14 @@
 #include "document/TreeWalk.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
-#include "views/CleanupView.h"
-#include "views/CompareView.h"
-#include "views/HealthView.h"
-#include "views/PreferencesView.h"
-#include "views/SearchView.h"
-#include "views/SettingsFilterProxy.h"
-#include "views/SettingsModel.h"
-#include "views/UnusedModulesView.h"
+#include "views/cleanup/CleanupView.h"
+#include "views/cleanup/UnusedModulesView.h"
+#include "views/compare/CompareView.h"
+#include "views/health/HealthView.h"
+#include "views/model/SettingsFilterProxy.h"
+#include "views/model/SettingsModel.h"
+#include "views/preferences/PreferencesView.h"
+#include "views/search/SearchView.h"
 
 #include <QApplication>
 #include <QFile>

@@ -2,7 +2,7 @@
 #include "GeneratedDocument.h"
 #include "document/Leaves.h"
 #include "support/PlainWays.h"
-#include "views/CompareEngine.h"
+#include "views/compare/CompareEngine.h"
 
 using namespace kse;
 

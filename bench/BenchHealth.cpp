@@ -3,7 +3,7 @@
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "schema/SettingsSchema.h"
-#include "views/HealthChecker.h"
+#include "views/health/HealthChecker.h"
 
 #include <QFile>
 #include <benchmark/benchmark.h>

@@ -2,9 +2,9 @@
 #include "document/XsdtDocument.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
-#include "views/HealthView.h"
-#include "views/SearchView.h"
-#include "views/SettingsModel.h"
+#include "views/health/HealthView.h"
+#include "views/model/SettingsModel.h"
+#include "views/search/SearchView.h"
 
 #include <QtWidgets>
 #include <benchmark/benchmark.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "GeneratedDocument.h"
+#include "document/LowerCasePath.h"
 #include "document/TreeWalk.h"
 #include "schema/SettingsSchema.h"
-#include "views/LowerCasePath.h"
-#include "views/SearchIndex.h"
+#include "views/search/SearchIndex.h"
 
 #include <QFile>
 

@@ -3,9 +3,9 @@
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "schema/DeletePolicy.h"
-#include "views/SettingsFilterProxy.h"
-#include "views/SettingsModel.h"
-#include "views/TreePosition.h"
+#include "views/model/SettingsFilterProxy.h"
+#include "views/model/SettingsModel.h"
+#include "views/model/TreePosition.h"
 
 #include <QApplication>
 #include <QTreeView>

@@ -3,7 +3,7 @@
 
 #include "Revision.h"
 #include "session/PixInsightEnv.h"
-#include "views/PixelRatio.h"
+#include "widgets/PixelRatio.h"
 
 #include <QApplication>
 #include <QClipboard>

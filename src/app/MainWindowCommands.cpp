@@ -4,10 +4,10 @@
 #include "app/AboutDialog.h"
 #include "app/OpenEditor.h"
 #include "app/UserGuide.h"
-#include "views/AllSettingsView.h"
-#include "views/PixelRatio.h"
-#include "views/PlainText.h"
-#include "views/SettingsModel.h"
+#include "views/model/SettingsModel.h"
+#include "views/tree/AllSettingsView.h"
+#include "widgets/MessageBox.h"
+#include "widgets/PixelRatio.h"
 
 #include <QActionGroup>
 #include <QApplication>

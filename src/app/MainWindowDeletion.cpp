@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 
-#include "views/NodeContextMenu.h"
-#include "views/PlainText.h"
-#include "views/SettingsModel.h"
+#include "views/model/SettingsModel.h"
+#include "views/rows/NodeContextMenu.h"
+#include "widgets/MessageBox.h"
+#include "widgets/PlainText.h"
 
 #include <QCheckBox>
 

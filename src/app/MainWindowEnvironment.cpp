@@ -3,8 +3,8 @@
 
 #include "app/OpenEditor.h"
 #include "session/PixInsightEnv.h"
-#include "views/PlainText.h"
-#include "views/SettingsModel.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/PlainText.h"
 
 #include <QAccessible>
 #include <QAction>

@@ -3,12 +3,12 @@
 
 #include "app/OpenEditor.h"
 #include "app/WaitCursor.h"
-#include "session/BackupsDialog.h"
 #include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
-#include "session/ReviewDialog.h"
-#include "views/PlainText.h"
-#include "views/SettingsModel.h"
+#include "session/dialogs/BackupsDialog.h"
+#include "session/dialogs/ReviewDialog.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/MessageBox.h"
 
 #include <QCloseEvent>
 #include <QDateTime>

@@ -3,18 +3,18 @@
 
 #include "app/AboutDialog.h"
 #include "schema/ModuleCatalog.h"
-#include "session/BackupsDialog.h"
 #include "session/PixInsightEnv.h"
-#include "session/ReviewDialog.h"
 #include "session/SettingsStore.h"
-#include "views/AllSettingsView.h"
-#include "views/CleanupView.h"
-#include "views/CompareView.h"
-#include "views/HealthView.h"
-#include "views/PreferencesView.h"
-#include "views/SearchView.h"
-#include "views/SettingsModel.h"
-#include "views/UnusedModulesView.h"
+#include "session/dialogs/BackupsDialog.h"
+#include "session/dialogs/ReviewDialog.h"
+#include "views/cleanup/CleanupView.h"
+#include "views/cleanup/UnusedModulesView.h"
+#include "views/compare/CompareView.h"
+#include "views/health/HealthView.h"
+#include "views/model/SettingsModel.h"
+#include "views/preferences/PreferencesView.h"
+#include "views/search/SearchView.h"
+#include "views/tree/AllSettingsView.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>

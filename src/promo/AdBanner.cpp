@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "promo/AdBanner.h"
 
-#include "views/PlainText.h"
+#include "widgets/PlainText.h"
 
 #include <QAbstractButton>
 #include <QBuffer>

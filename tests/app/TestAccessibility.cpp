@@ -4,9 +4,9 @@
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
-#include "views/CollapsibleSection.h"
-#include "views/SettingRow.h"
-#include "views/UnusedModulesView.h"
+#include "views/cleanup/UnusedModulesView.h"
+#include "views/rows/SettingRow.h"
+#include "widgets/CollapsibleSection.h"
 
 #include <QCheckBox>
 #include <QHelpEvent>

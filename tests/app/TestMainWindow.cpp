@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "app/AboutDialog.h"
-#include "session/BackupsDialog.h"
-#include "session/ReviewDialog.h"
+#include "session/dialogs/BackupsDialog.h"
+#include "session/dialogs/ReviewDialog.h"
 #include "support/DialogAnswerer.h"
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
-#include "views/CompareView.h"
-#include "views/ModuleSearchDialog.h"
-#include "views/SearchView.h"
-#include "views/SettingRow.h"
+#include "views/compare/CompareView.h"
+#include "views/rows/SettingRow.h"
+#include "views/search/ModuleSearchDialog.h"
+#include "views/search/SearchView.h"
 
 #include <QCheckBox>
 #include <QClipboard>

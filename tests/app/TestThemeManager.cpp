@@ -2,8 +2,8 @@
 #include "app/ThemeManager.h"
 #include "app/ToolbarIcons.h"
 #include "support/TestMain.h"
-#include "views/WidgetColumn.h"
-#include "views/WrappingRow.h"
+#include "widgets/WidgetColumn.h"
+#include "widgets/WrappingRow.h"
 
 #include <QtTest>
 #include <QtWidgets>

@@ -5,7 +5,7 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 #include "support/WindowsTrouble.h"
-#include "views/HealthChecker.h"
+#include "views/health/HealthChecker.h"
 
 #include <QRegularExpression>
 

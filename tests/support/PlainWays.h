@@ -3,8 +3,8 @@
 
 #include "document/Leaves.h"
 #include "document/XsdtDocument.h"
-#include "views/CompareEngine.h"
-#include "views/SearchIndex.h"
+#include "views/compare/CompareEngine.h"
+#include "views/search/SearchIndex.h"
 
 #include <QHash>
 #include <QSet>

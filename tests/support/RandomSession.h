@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "session/BackupsDialog.h"
-#include "session/ReviewDialog.h"
+#include "session/dialogs/BackupsDialog.h"
+#include "session/dialogs/ReviewDialog.h"
 #include "support/FakePixInsight.h"
 #include "support/RandomUser.h"
 #include "support/SmallSettings.h"
 #include "support/WindowFixture.h"
 #include "support/WindowLaws.h"
 #include "support/WindowTwin.h"
-#include "views/HealthView.h"
-#include "views/SearchView.h"
+#include "views/health/HealthView.h"
+#include "views/search/SearchView.h"
 
 #include <QAbstractItemModelTester>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "views/ColorButton.h"
-#include "views/SettingRow.h"
+#include "views/rows/SettingRow.h"
+#include "widgets/ColorButton.h"
 
 #include <QAction>
 #include <QApplication>

@@ -5,7 +5,7 @@
 #include "schema/SettingsSchema.h"
 #include "support/DocumentText.h"
 #include "support/TextRows.h"
-#include "views/SettingsModel.h"
+#include "views/model/SettingsModel.h"
 
 #include <QLabel>
 #include <QLayout>

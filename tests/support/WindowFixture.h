@@ -5,7 +5,7 @@
 #include "app/ThemeManager.h"
 #include "document/XsdtDocument.h"
 #include "session/PixInsightEnv.h"
-#include "views/SettingsModel.h"
+#include "views/model/SettingsModel.h"
 
 #include <QAction>
 #include <QDir>

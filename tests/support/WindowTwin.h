@@ -5,8 +5,8 @@
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "support/WindowText.h"
-#include "views/SettingRow.h"
-#include "views/SettingsModel.h"
+#include "views/model/SettingsModel.h"
+#include "views/rows/SettingRow.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

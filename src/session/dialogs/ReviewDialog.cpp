@@ -1,0 +1,491 @@
+// SPDX-License-Identifier: MIT
+#include "session/dialogs/ReviewDialog.h"
+
+#include "document/TreeWalk.h"
+#include "document/XsdtDocument.h"
+#include "document/XsdtValueType.h"
+#include "schema/SettingsSchema.h"
+#include "session/dialogs/ChangeRemark.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/CopyKey.h"
+#include "widgets/PlainText.h"
+#include "widgets/WrappedLabel.h"
+
+#include <QCheckBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTextOption>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace kse {
+
+namespace {
+
+enum Column { ChangeColumn, SettingColumn, BeforeColumn, AfterColumn };
+
+constexpr qsizetype valueLimit = 120;
+constexpr qsizetype pathLimit = 1000;
+constexpr qsizetype toolTipLimit = 500;
+constexpr qsizetype detailLimit = 100'000;  // each text; Qt lays out a longer line too slowly
+constexpr qsizetype wordWrapLimit = 10'000; // and needs quadratic time to look for its words
+constexpr qsizetype removedRowLimit = 300;
+
+XsdtNode* nodeOf(const QTreeWidgetItem* row)
+{
+    return row->data(ChangeColumn, ReviewDialog::NodeRole).value<XsdtNode*>();
+}
+
+int kindOf(const QTreeWidgetItem* row)
+{
+    return row->data(ChangeColumn, ReviewDialog::KindRole).toInt();
+}
+
+// A path in one line, short enough to be laid out at every repaint.
+QString rowPath(const QString& path)
+{
+    return withoutMiddle(path, pathLimit).replace(u'\n', QChar(0x23CE));
+}
+
+QString rowValue(const XsdtNode& node, const QString& text)
+{
+    return displayValue(node, text, valueLimit);
+}
+
+QString rowToolTip(const QString& text)
+{
+    return asToolTip(firstCharacters(text, toolTipLimit));
+}
+
+QTreeWidgetItem* makeRow(const QStringList& texts, ReviewDialog::RowKind kind, XsdtNode* node)
+{
+    auto* row = new QTreeWidgetItem(texts);
+    row->setData(ChangeColumn, ReviewDialog::KindRole, kind);
+    row->setData(ChangeColumn, ReviewDialog::NodeRole, QVariant::fromValue(node));
+    row->setToolTip(SettingColumn, asToolTip(texts.at(SettingColumn))); // the column may cut it
+    return row;
+}
+
+// The text of a cell as the file has or gets it; what the row says of itself as it stands.
+QVariant wholeText(const QModelIndex& index)
+{
+    const QModelIndex first = index.siblingAtColumn(ChangeColumn);
+    const int kind = first.data(ReviewDialog::KindRole).toInt();
+    const auto* node = first.data(ReviewDialog::NodeRole).value<XsdtNode*>();
+    if (!node && kind == ReviewDialog::RemovedValueRow) { // beneath the value itself
+        node = first.parent().data(ReviewDialog::NodeRole).value<XsdtNode*>();
+    }
+    if (node && index.column() == SettingColumn) {
+        return node->path();
+    }
+    if (node && index.column() == BeforeColumn && kind != ReviewDialog::DeletionRow) {
+        return kind == ReviewDialog::EditRow ? node->original : node->value;
+    }
+    if (node && index.column() == AfterColumn && kind == ReviewDialog::EditRow) {
+        return node->value;
+    }
+    return index.data();
+}
+
+// A row that tells something about the list and stands for no change.
+QTreeWidgetItem* makeNote(const QString& text)
+{
+    auto* row = new QTreeWidgetItem(QStringList{QString(), text});
+    row->setFlags(Qt::ItemIsEnabled);
+    return row;
+}
+
+} // namespace
+
+ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, QWidget* parent,
+                           const SettingsSchema* schema)
+    : QDialog(parent)
+    , m_model(model)
+    , m_document(document)
+    , m_schema(schema)
+    , m_generation(model->generation())
+{
+    setWindowTitle(tr("Review changes"));
+    createWidgets();
+    createTree();
+    createLayout();
+    connectWidgets();
+    updateDetailHeight();
+    updateRunning();
+    populate();
+    resize(980, 640);
+    m_tree->setFocus();
+}
+
+void ReviewDialog::createWidgets()
+{
+    m_running = new WrappedLabel(tr("<b>PixInsight is running.</b> It would overwrite the file, so "
+                                    "nothing can be saved. Close PixInsight first."),
+                                 Qt::RichText, this);
+    m_running->setObjectName(QStringLiteral("running"));
+    m_running->setMargin(8);
+    m_running->setAutoFillBackground(true);
+    QPalette amber = m_running->palette();
+    amber.setBrush(QPalette::Window, QColor(255, 190, 0, 90));
+    m_running->setPalette(amber);
+    m_summary = new QLabel(this);
+    m_summary->setObjectName(QStringLiteral("summary"));
+    m_summary->setTextFormat(Qt::PlainText);
+    m_summary->setWordWrap(true);
+    m_filter = new QLineEdit(this);
+    m_filter->setObjectName(QStringLiteral("filter"));
+    m_filter->setPlaceholderText(tr("Filter by setting name or value"));
+    m_filter->setAccessibleName(m_filter->placeholderText());
+    m_filter->setClearButtonEnabled(true);
+    m_showEdits = new QCheckBox(tr("Edits"), this);
+    m_showEdits->setObjectName(QStringLiteral("showEdits"));
+    m_showEdits->setChecked(true);
+    m_showDeletions = new QCheckBox(tr("Deletions"), this);
+    m_showDeletions->setObjectName(QStringLiteral("showDeletions"));
+    m_showDeletions->setChecked(true);
+    m_detail = new QPlainTextEdit(this);
+    m_detail->setObjectName(QStringLiteral("detail"));
+    m_detail->setReadOnly(true);
+    m_detail->setPlaceholderText(tr("Select a change to see its full text."));
+    m_detail->setAccessibleName(tr("Full text of the selected change"));
+    m_remark = new WrappedLabel(QString(), Qt::PlainText, this);
+    m_remark->setObjectName(QStringLiteral("remark"));
+    m_hidden = new WrappedLabel(QString(), Qt::PlainText, this);
+    m_hidden->setObjectName(QStringLiteral("hidden"));
+    m_revert = new QPushButton(tr("Revert selected"), this);
+    m_revert->setObjectName(QStringLiteral("revert"));
+    m_revert->setToolTip(tr("Take the selected changes back: edits return to their saved value, "
+                            "deletions are undone."));
+    m_cancel = new QPushButton(tr("Cancel"), this);
+    m_cancel->setObjectName(QStringLiteral("cancel"));
+    m_save = new QPushButton(tr("Save"), this);
+    m_save->setObjectName(QStringLiteral("save"));
+    m_save->setDefault(true);
+}
+
+void ReviewDialog::createTree()
+{
+    m_tree = new QTreeWidget(this);
+    m_tree->setObjectName(QStringLiteral("tree"));
+    m_tree->setAccessibleName(tr("Pending changes"));
+    m_tree->setHeaderLabels({tr("Change"), tr("Setting"), tr("Before"), tr("After")});
+    m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_tree->setAlternatingRowColors(true);
+    m_tree->setUniformRowHeights(true);
+    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
+    m_tree->setRootIsDecorated(true);
+    copyWholeTexts(m_tree, wholeText);
+    setTabOrder(m_showDeletions, m_tree);
+    QHeaderView* header = m_tree->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(ChangeColumn, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(SettingColumn, QHeaderView::Interactive);
+    header->setSectionResizeMode(BeforeColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(AfterColumn, QHeaderView::Stretch);
+    header->resizeSection(SettingColumn, 360);
+}
+
+void ReviewDialog::createLayout()
+{
+    auto* filters = new QHBoxLayout;
+    filters->addWidget(m_filter, 1);
+    filters->addWidget(m_showEdits);
+    filters->addWidget(m_showDeletions);
+    auto* promise = new QLabel(tr("Saving makes a timestamped backup of the current file first, "
+                                  "checks the result, and replaces the file in one step."),
+                               this);
+    promise->setWordWrap(true);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(m_revert);
+    buttons->addStretch();
+    buttons->addWidget(m_cancel);
+    buttons->addWidget(m_save);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_running);
+    layout->addWidget(m_summary);
+    layout->addLayout(filters);
+    layout->addWidget(m_tree, 1);
+    layout->addWidget(m_detail);
+    layout->addWidget(m_remark);
+    layout->addWidget(promise);
+    layout->addWidget(m_hidden);
+    layout->addLayout(buttons);
+}
+
+void ReviewDialog::connectWidgets()
+{
+    connect(m_filter, &QLineEdit::textChanged, this, &ReviewDialog::populate);
+    connect(m_showEdits, &QCheckBox::toggled, this, &ReviewDialog::populate);
+    connect(m_showDeletions, &QCheckBox::toggled, this, &ReviewDialog::populate);
+    connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &ReviewDialog::updateDetail);
+    connect(m_tree, &QTreeWidget::itemExpanded, this, &ReviewDialog::populateDeletion);
+    connect(m_revert, &QPushButton::clicked, this, &ReviewDialog::onRevert);
+    connect(m_cancel, &QPushButton::clicked, this, &ReviewDialog::reject);
+    connect(m_save, &QPushButton::clicked, this, &ReviewDialog::accept);
+    connect(m_model, &SettingsModel::layoutChanged, this, &ReviewDialog::updateRunning);
+    connect(m_model, &SettingsModel::modelReset, this, &ReviewDialog::onModelReset);
+}
+
+void ReviewDialog::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::FontChange && m_detail) {
+        updateDetailHeight();
+    }
+}
+
+void ReviewDialog::keyPressEvent(QKeyEvent* event)
+{
+    // Return ends the typing of a filter and presses a button; to save is decided in the list.
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const QWidget* focus = focusWidget();
+    if (isReturn && focus == m_filter) {
+        m_tree->setFocus();
+    } else if (!isReturn || focus == m_tree || qobject_cast<const QPushButton*>(focus)) {
+        QDialog::keyPressEvent(event);
+    }
+}
+
+void ReviewDialog::updateDetailHeight()
+{
+    m_detail->setMaximumHeight(fontMetrics().lineSpacing() * 11 / 2);
+    // Its line is kept free, so that the list doesn't move from one selected row to the next.
+    m_remark->setMinimumHeight(fontMetrics().height());
+}
+
+void ReviewDialog::populate()
+{
+    {
+        const QSignalBlocker blocker(m_tree);
+        m_tree->clear();
+        const QList<XsdtNode*> deletions = m_document->deletions();
+        const QList<XsdtNode*> edits = m_document->editedValues();
+        m_deletionCount = deletions.size();
+        m_editCount = edits.size();
+        qsizetype removedValues = 0;
+        for (const XsdtNode* node : deletions) {
+            removedValues += node->valueCount();
+        }
+        updateSummary(removedValues);
+        if (m_showDeletions->isChecked()) {
+            addDeletions(deletions);
+        }
+        if (m_showEdits->isChecked()) {
+            addEdits(edits);
+        }
+        updateHidden();
+        if (m_tree->topLevelItemCount() == 0 && m_deletionCount + m_editCount > 0) {
+            m_tree->addTopLevelItem(makeNote(tr("Nothing matches the filters.")));
+        }
+    }
+    m_save->setEnabled(m_deletionCount + m_editCount > 0);
+    updateDetail();
+}
+
+void ReviewDialog::updateSummary(qsizetype removedValues)
+{
+    m_summary->setText(m_deletionCount + m_editCount == 0
+                           ? tr("There are no changes to save.")
+                           : tr("%1 edit(s) and %2 deletion(s) (%3 values removed) will be "
+                                "written to the settings file.")
+                                 .arg(m_editCount)
+                                 .arg(m_deletionCount)
+                                 .arg(removedValues));
+}
+
+void ReviewDialog::updateHidden()
+{
+    const int hidden = int(m_editCount + m_deletionCount) - m_tree->topLevelItemCount();
+    m_hidden->setText(tr("The filters hide %n change(s). Save writes them too.", nullptr, hidden));
+    m_hidden->setVisible(hidden > 0);
+}
+
+void ReviewDialog::updateRunning()
+{
+    m_running->setVisible(m_model->isReadOnly());
+}
+
+bool ReviewDialog::passesFilter(const PendingNode& pending, const QString& filter)
+{
+    const auto holdsFilter = [&filter](const QString& text) {
+        return text.contains(filter, Qt::CaseInsensitive);
+    };
+    const XsdtNode& node = *pending.node;
+    return filter.isEmpty() || holdsFilter(pending.path) ||
+           (node.kind == XsdtNode::Kind::Value && node.typeCode != XsdtValueType::Block &&
+            (holdsFilter(node.value) || holdsFilter(node.original)));
+}
+
+std::vector<ReviewDialog::PendingNode>
+ReviewDialog::filteredByPath(const QList<XsdtNode*>& nodes) const
+{
+    const QString filter = m_filter->text().trimmed();
+    std::vector<PendingNode> result;
+    for (XsdtNode* node : nodes) {
+        PendingNode pending{node->path(), node};
+        if (passesFilter(pending, filter)) {
+            result.push_back(std::move(pending));
+        }
+    }
+    std::stable_sort(result.begin(), result.end(), [](const PendingNode& a, const PendingNode& b) {
+        return a.path.compare(b.path, Qt::CaseInsensitive) < 0;
+    });
+    return result;
+}
+
+void ReviewDialog::addDeletions(const QList<XsdtNode*>& nodes)
+{
+    QFont bold;
+    bold.setBold(true); // and nothing else, so that the rest follows the tree's font
+    QList<QTreeWidgetItem*> rows;
+    for (const PendingNode& pending : filteredByPath(nodes)) {
+        const int values = static_cast<int>(pending.node->valueCount());
+        QTreeWidgetItem* row = makeRow({tr("Delete"), rowPath(pending.path),
+                                        tr("%n value(s)", nullptr, values), tr("(removed)")},
+                                       DeletionRow, pending.node);
+        row->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
+        row->setFont(ChangeColumn, bold);
+        row->setForeground(ChangeColumn, QColor(214, 60, 60));
+        rows.append(row);
+    }
+    m_tree->addTopLevelItems(rows);
+}
+
+void ReviewDialog::addEdits(const QList<XsdtNode*>& nodes)
+{
+    QList<QTreeWidgetItem*> rows;
+    for (const PendingNode& pending : filteredByPath(nodes)) {
+        const XsdtNode& node = *pending.node;
+        QTreeWidgetItem* row = makeRow({tr("Edit"), rowPath(pending.path),
+                                        rowValue(node, node.original), rowValue(node, node.value)},
+                                       EditRow, pending.node);
+        row->setToolTip(BeforeColumn, rowToolTip(node.original));
+        row->setToolTip(AfterColumn, rowToolTip(node.value));
+        rows.append(row);
+    }
+    m_tree->addTopLevelItems(rows);
+}
+
+void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
+{
+    XsdtNode* deleted = nodeOf(row);
+    if (!deleted || kindOf(row) != DeletionRow || row->childCount() > 0) {
+        return;
+    }
+    QList<QTreeWidgetItem*> rows;
+    const auto addValue = [&rows](const XsdtNode& value, const QString& name, XsdtNode* node) {
+        rows.append(
+            makeRow({QString(), rowPath(name), rowValue(value, value.value), tr("(removed)")},
+                    RemovedValueRow, node));
+    };
+    if (deleted->kind == XsdtNode::Kind::Value) {
+        addValue(*deleted, deleted->key, nullptr);
+    } else {
+        // A path that is empty adds no separator to those beneath it.
+        const QString path = deleted->path();
+        const qsizetype prefix = path.isEmpty() ? 0 : path.size() + 1;
+        qsizetype values = 0;
+        walkTree(*deleted, [&](XsdtNode& node) {
+            if (node.kind == XsdtNode::Kind::Value && ++values <= removedRowLimit) {
+                addValue(node, node.path().mid(prefix), &node);
+                rows.last()->setToolTip(BeforeColumn, rowToolTip(node.value));
+            }
+            return Walk::Into;
+        });
+        if (values > removedRowLimit) {
+            rows.append(makeNote(tr("...and %1 more values").arg(values - removedRowLimit)));
+        }
+    }
+    row->addChildren(rows);
+}
+
+void ReviewDialog::updateDetail()
+{
+    const QModelIndexList selected = m_tree->selectionModel()->selectedRows();
+    m_revert->setEnabled(!selected.isEmpty());
+    m_detail->clear();
+    m_remark->clear();
+    if (selected.size() > 1) {
+        m_detail->setPlainText(tr("%1 changes selected.").arg(selected.size()));
+        return;
+    }
+    const auto* node =
+        selected.isEmpty() ? nullptr : selected.first().data(NodeRole).value<XsdtNode*>();
+    if (!node) {
+        return;
+    }
+    const QString value = abbreviated(node->value, detailLimit);
+    QString text;
+    const int kind = selected.first().data(KindRole).toInt();
+    switch (kind) {
+    case EditRow:
+        text = tr("Before: %1\nAfter:  %2").arg(abbreviated(node->original, detailLimit), value);
+        break;
+    case DeletionRow:
+        text = tr("The whole entry is removed (%n value(s)). Expand the row to see them.", nullptr,
+                  static_cast<int>(node->valueCount()));
+        break;
+    case RemovedValueRow:
+        text = tr("Removed value: %1").arg(value);
+        break;
+    }
+    text.prepend(abbreviated(node->path(), detailLimit) + u'\n');
+    m_detail->setWordWrapMode(text.size() > wordWrapLimit
+                                  ? QTextOption::WrapAnywhere
+                                  : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_detail->setPlainText(text);
+    if (node->kind == XsdtNode::Kind::Value && kind != DeletionRow) {
+        const VariableInfo info = m_schema ? m_schema->describe(*node) : VariableInfo();
+        m_remark->setText(kind == EditRow ? editRemark(*node, info) : removalRemark(*node, info));
+    }
+}
+
+void ReviewDialog::onRevert()
+{
+    int firstRow = -1;
+    {
+        const SettingsModel::Batch batch(*m_model);
+        const QModelIndexList selected = m_tree->selectionModel()->selectedRows();
+        for (const QModelIndex& row : selected) {
+            auto* node = row.data(NodeRole).value<XsdtNode*>();
+            if (row.parent().isValid() || !node) {
+                continue;
+            }
+            firstRow = firstRow < 0 ? row.row() : std::min(firstRow, row.row());
+            row.data(KindRole).toInt() == DeletionRow ? m_model->undoDeletion(node)
+                                                      : m_model->revertValue(node);
+        }
+    }
+    if (firstRow < 0) {
+        return;
+    }
+    // The button goes dead under the focus: the list goes on where it was.
+    m_tree->setFocus();
+    populate();
+    const int lastRow = m_tree->topLevelItemCount() - 1;
+    m_tree->setCurrentItem(m_tree->topLevelItem(std::min(firstRow, lastRow)), ChangeColumn,
+                           QItemSelectionModel::NoUpdate);
+}
+
+void ReviewDialog::onModelReset()
+{
+    if (m_model->generation() == m_generation) {
+        populate();
+        return;
+    }
+    const QSignalBlocker blocker(m_tree);
+    m_tree->clear();
+    reject();
+}
+
+} // namespace kse

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "views/cleanup/CleanupRow.h"
+
+#include "document/XsdtNode.h"
+#include "views/cleanup/CleanupView.h"
+#include "views/cleanup/FormatBytes.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/PlainText.h"
+
+#include <QSignalBlocker>
+#include <QTreeWidget>
+
+#include <algorithm>
+
+namespace kse {
+
+namespace {
+
+// Qt lays out a million characters for seconds, however narrow the column.
+constexpr qsizetype nameLimit = 1000;
+
+} // namespace
+
+CleanupRow::CleanupRow(const SettingsModel& model, const QString& name)
+    : m_model(model)
+{
+    setText(EntryColumn, withoutMiddle(name, nameLimit));
+    setTextAlignment(ValuesColumn, Qt::AlignRight | Qt::AlignVCenter);
+    setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
+}
+
+void CleanupRow::addNode(XsdtNode* node, qsizetype valueCount, qint64 serializedSize)
+{
+    m_nodes.append(node);
+    m_values += valueCount;
+    m_size += serializedSize;
+}
+
+void CleanupRow::refresh()
+{
+    m_queued = std::count_if(m_nodes.cbegin(), m_nodes.cend(),
+                             [](const XsdtNode* node) { return node->isInsideDeletion(); });
+}
+
+QVariant CleanupRow::data(int column, int role) const
+{
+    if (!m_nodes.isEmpty()) { // else a title above all rows
+        if (role == Qt::DisplayRole && column != EntryColumn) {
+            return columnText(column);
+        }
+        if (m_queued == m_nodes.size() && isLook(column, role)) {
+            return m_model.data(m_model.indexForNode(m_nodes.first()), role);
+        }
+    }
+    return QTreeWidgetItem::data(column, role);
+}
+
+bool CleanupRow::isLook(int column, int role)
+{
+    return role == Qt::BackgroundRole || role == Qt::ForegroundRole ||
+           role == Qt::AccessibleDescriptionRole ||
+           (role == Qt::FontRole && column != StatusColumn); // the status itself holds
+}
+
+QString CleanupRow::columnText(int column) const
+{
+    switch (column) {
+    case ValuesColumn:
+        return QString::number(m_values);
+    case SizeColumn:
+        return formatBytes(m_size);
+    default:
+        return status();
+    }
+}
+
+/// What became of the nodes; nothing for a row that is there to be read alone.
+QString CleanupRow::status() const
+{
+    if (m_queued == 0 || !(flags() & Qt::ItemIsUserCheckable)) {
+        return {};
+    }
+    return m_queued == m_nodes.size()
+               ? CleanupView::tr("Queued for deletion")
+               : CleanupView::tr("Partly queued (%1 of %2)").arg(m_queued).arg(m_nodes.size());
+}
+
+CleanupParent::CleanupParent(const SettingsModel& model, const QString& title)
+    : CleanupRow(model, title)
+{
+    setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable | Qt::ItemIsAutoTristate);
+}
+
+void CleanupParent::setData(int column, int role, const QVariant& value)
+{
+    if (role != Qt::CheckStateRole || !treeWidget()) {
+        CleanupRow::setData(column, role, value);
+        return;
+    }
+    {
+        const QSignalBlocker quiet(treeWidget()->model());
+        CleanupRow::setData(column, role, value);
+    }
+    emitDataChanged();
+}
+
+CleanupEntry::CleanupEntry(const SettingsModel& model, const QString& name)
+    : CleanupRow(model, name)
+{
+    setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+    setCheckState(EntryColumn, Qt::Unchecked);
+}
+
+} // namespace kse

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "views/compare/CompareRow.h"
+
+#include "document/XsdtNode.h"
+#include "document/XsdtValueType.h"
+#include "views/compare/CompareEngine.h"
+#include "views/compare/CompareView.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/PlainText.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyle>
+#include <QTreeWidget>
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
+constexpr qsizetype valueLimit = 90;
+constexpr qsizetype toolTipValueLimit = 300;
+constexpr qsizetype cutValueLimit = 1000;
+
+QString shownValue(const XsdtNode* node)
+{
+    return node ? displayValue(*node, node->value, valueLimit) : QString();
+}
+
+QString statusText(const CompareEntry& entry)
+{
+    switch (entry.state) {
+    case CompareState::OnlyThis:
+        return CompareView::tr("Only in this file");
+    case CompareState::OnlyOther:
+        return CompareView::tr("Only in the other file");
+    case CompareState::Different:
+        break;
+    }
+    const QString text = CompareView::tr("Different");
+    const QChar type = entry.thisNode->typeCode;
+    const QChar otherType = entry.otherNode->typeCode;
+    return type == otherType
+               ? text
+               : text + CompareView::tr(" (type %1 / %2)").arg(QString(type), QString(otherType));
+}
+
+} // namespace
+
+CompareRow::CompareRow(const CompareEntry& entry, int index, bool isCopyable)
+    : m_entry(entry)
+    , m_index(index)
+    , m_isCopyable(isCopyable)
+{
+}
+
+const XsdtNode* CompareRow::node() const
+{
+    return m_entry.thisNode ? m_entry.thisNode : m_entry.otherNode;
+}
+
+QVariant CompareRow::data(int column, int role) const
+{
+    if (role == Qt::DisplayRole) {
+        return shownText(column);
+    }
+    if (role == Qt::EditRole) {
+        return wholeText(column);
+    }
+    if (role == Qt::ToolTipRole && (column == ThisColumn || column == OtherColumn)) {
+        return cutValue(column);
+    }
+    if (column != SettingColumn) {
+        return {};
+    }
+    switch (role) {
+    case Qt::UserRole:
+        return m_index;
+    case Qt::ToolTipRole:
+        return toolTipText();
+    case Qt::AccessibleDescriptionRole:
+        return obstacleText().trimmed();
+    case Qt::ForegroundRole:
+        return m_entry.state == CompareState::Different && !m_isCopyable
+                   ? QApplication::palette().brush(QPalette::Disabled, QPalette::Text)
+                   : QVariant();
+    default:
+        return {};
+    }
+}
+
+QString CompareRow::shownText(int column) const
+{
+    switch (column) {
+    case SettingColumn:
+        return withoutMiddle(groupedPath(m_entry.path).name, nameLimit);
+    case ThisColumn:
+        return shownValue(m_entry.thisNode);
+    case OtherColumn:
+        return shownValue(m_entry.otherNode);
+    default:
+        return statusText(m_entry);
+    }
+}
+
+QVariant CompareRow::wholeText(int column) const
+{
+    const auto valueOf = [](const XsdtNode* node) {
+        return node ? QVariant(node->value) : QVariant();
+    };
+    switch (column) {
+    case SettingColumn:
+        return groupedPath(m_entry.path).name;
+    case ThisColumn:
+        return valueOf(m_entry.thisNode);
+    case OtherColumn:
+        return valueOf(m_entry.otherNode);
+    default:
+        return statusText(m_entry);
+    }
+}
+
+QString CompareRow::toolTipText() const
+{
+    QString text = withoutMiddle(m_entry.path, nameLimit);
+    if (m_entry.thisNode) {
+        text += CompareView::tr("\nThis file: %1")
+                    .arg(firstCharacters(m_entry.thisNode->value, toolTipValueLimit));
+    }
+    if (m_entry.otherNode) {
+        text += CompareView::tr("\nOther file: %1")
+                    .arg(firstCharacters(m_entry.otherNode->value, toolTipValueLimit));
+    }
+    return asToolTip(text + obstacleText());
+}
+
+/// The value in `column` for its tool tip; empty unless the cell has no room for all of it.
+QString CompareRow::cutValue(int column) const
+{
+    const XsdtNode* node = column == ThisColumn ? m_entry.thisNode : m_entry.otherNode;
+    if (!node) {
+        return {};
+    }
+    const QTreeWidget& tree = *treeWidget();
+    const QString shown = shownValue(node);
+    const int margin = tree.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &tree) + 1;
+    const int room = tree.columnWidth(column) - 2 * margin;
+    if (node->value.size() <= valueLimit && tree.fontMetrics().horizontalAdvance(shown) <= room) {
+        return {};
+    }
+    return asMarkup(node->typeCode == XsdtValueType::Block
+                        ? shown
+                        : abbreviated(node->value, cutValueLimit)); // wraps as markup only
+}
+
+/// As a line of its own, why the other file's value can't be copied; empty if it can.
+QString CompareRow::obstacleText() const
+{
+    if (m_entry.state == CompareState::Different && !m_isCopyable) {
+        return CompareView::tr("\nCannot be copied: protected value type, specific to one "
+                               "PixInsight installation, or queued for deletion.");
+    }
+    if (m_entry.state == CompareState::OnlyOther) {
+        return CompareView::tr("\nDoes not exist in this file; adding entries is not offered.");
+    }
+    return {};
+}
+
+} // namespace kse

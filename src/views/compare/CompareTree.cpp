@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+#include "views/compare/CompareTree.h"
+
+#include "views/compare/CompareEngine.h"
+#include "views/compare/CompareRow.h"
+#include "widgets/CopyKey.h"
+#include "widgets/PlainText.h"
+
+#include <QHeaderView>
+#include <QItemSelection>
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int maximumExpanded = 400;  // rows; beyond, the groups are closed at first
+constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
+
+/// A row that isn't an entry, known by -1 where these have their number.
+QTreeWidgetItem* makeTopLevelRow(const QString& text)
+{
+    auto* row = new QTreeWidgetItem({withoutMiddle(text, nameLimit)});
+    row->setData(CompareRow::SettingColumn, Qt::UserRole, -1);
+    return row;
+}
+
+QString nameOf(const QTreeWidgetItem& group)
+{
+    return group.text(CompareRow::SettingColumn);
+}
+
+/// Null for a group.
+const XsdtNode* nodeOf(const QTreeWidgetItem& item)
+{
+    return item.parent() ? static_cast<const CompareRow&>(item).node() : nullptr;
+}
+
+} // namespace
+
+CompareTree::CompareTree(QWidget* parent)
+    : QTreeWidget(parent)
+{
+    setAccessibleName(tr("Differences"));
+    setHeaderLabels({tr("Setting"), tr("This file"), tr("Other file"), tr("Status")});
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setAlternatingRowColors(true);
+    setUniformRowHeights(true);
+    setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    copyWholeTexts(this, [](const QModelIndex& index) { return index.data(Qt::EditRole); });
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(CompareRow::SettingColumn, QHeaderView::Interactive);
+    header()->resizeSection(CompareRow::SettingColumn, 340);
+    header()->setSectionResizeMode(CompareRow::ThisColumn, QHeaderView::Stretch);
+    header()->setSectionResizeMode(CompareRow::OtherColumn, QHeaderView::Stretch);
+    header()->setSectionResizeMode(CompareRow::StatusColumn, QHeaderView::ResizeToContents);
+}
+
+void CompareTree::removeRows()
+{
+    const QSignalBlocker blocker(this);
+    m_rows.clear();
+    clear();
+}
+
+void CompareTree::setRows(const QList<CompareRow*>& rows, const CompareTreeState& state)
+{
+    const QSignalBlocker blocker(this);
+    clear();
+    m_rows = rows;
+    addGroups();
+    // In this order: to span a row, the view lays out all; from then on it takes each group that
+    // opens by itself, at the cost of the whole list.
+    restoreOpen(state);
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        setFirstColumnSpanned(i, {}, true);
+    }
+    restoreSelection(state);
+    restoreCurrent(state);
+    doItemsLayout(); // gives the scroll bar its range
+    verticalScrollBar()->setValue(state.top);
+}
+
+void CompareTree::addGroups()
+{
+    QFont bold;
+    bold.setBold(true);
+    QList<QTreeWidgetItem*> topLevelRows;
+    QHash<QString, QTreeWidgetItem*> groups;
+    for (CompareRow* row : std::as_const(m_rows)) {
+        const QString name = groupedPath(row->entry().path).group;
+        QTreeWidgetItem*& group = groups[name];
+        if (!group) {
+            group = makeTopLevelRow(name);
+            group->setFont(CompareRow::SettingColumn, bold);
+            topLevelRows.append(group);
+        }
+        group->addChild(row);
+    }
+    if (topLevelRows.isEmpty()) {
+        topLevelRows.append(makeTopLevelRow(tr("Nothing to show with the current filters.")));
+        topLevelRows.first()->setFlags(Qt::ItemIsEnabled);
+    }
+    // Once and filled: the tree takes rows that come one by one each by itself.
+    addTopLevelItems(topLevelRows);
+}
+
+// Here and below a group is found by its place: from an item Qt finds it by searching all groups.
+CompareTreeState CompareTree::state() const
+{
+    CompareTreeState state;
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        state.isOpen.insert(nameOf(*topLevelItem(i)), isExpanded(model()->index(i, 0)));
+    }
+    const QList<QTreeWidgetItem*> selected = selectedItems();
+    for (const QTreeWidgetItem* item : selected) {
+        if (const XsdtNode* node = nodeOf(*item)) {
+            state.selectedNodes.insert(node);
+        } else {
+            state.selectedGroups.insert(nameOf(*item));
+        }
+    }
+    if (QTreeWidgetItem* current = currentItem()) {
+        QTreeWidgetItem* group = current->parent() ? current->parent() : current;
+        state.currentNode = nodeOf(*current);
+        state.currentGroup = nameOf(*group);
+        state.groupPlace = indexOfTopLevelItem(group);
+        state.placeInGroup = group->indexOfChild(current);
+    }
+    state.top = verticalScrollBar()->value();
+    return state;
+}
+
+void CompareTree::restoreOpen(const CompareTreeState& state)
+{
+    const bool isShort = m_rows.size() <= maximumExpanded;
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        if (state.isOpen.value(nameOf(*topLevelItem(i)), isShort)) {
+            expand(model()->index(i, 0));
+        }
+    }
+}
+
+template <typename IsGroupSelected, typename IsRowSelected>
+void CompareTree::selectRows(IsGroupSelected&& isGroupSelected, IsRowSelected&& isRowSelected)
+{
+    QItemSelection selection;
+    // One range for neighbours: Qt goes through all ranges again and again.
+    const auto add = [&](const QModelIndex& parent, auto&& isSelected) {
+        int first = 0;
+        for (int row = 0; row <= model()->rowCount(parent); ++row) {
+            if (row == model()->rowCount(parent) || !isSelected(row)) {
+                if (first < row) {
+                    selection.append({model()->index(first, CompareRow::SettingColumn, parent),
+                                      model()->index(row - 1, CompareRow::StatusColumn, parent)});
+                }
+                first = row + 1;
+            }
+        }
+    };
+    add({}, [&](int i) { return isGroupSelected(*topLevelItem(i)); });
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* group = topLevelItem(i);
+        const QModelIndex index = model()->index(i, 0);
+        add(index, [&](int row) { return isRowSelected(index, *group->child(row)); });
+    }
+    clearSelection(); // else Qt holds each new range against each old one
+    selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void CompareTree::restoreSelection(const CompareTreeState& state)
+{
+    selectRows(
+        [&](const QTreeWidgetItem& group) { return state.selectedGroups.contains(nameOf(group)); },
+        [&](const QModelIndex&, const QTreeWidgetItem& row) {
+            return state.selectedNodes.contains(nodeOf(row));
+        });
+}
+
+void CompareTree::selectAll()
+{
+    selectRows(
+        [](const QTreeWidgetItem&) { return true; },
+        [this](const QModelIndex& group, const QTreeWidgetItem&) { return isExpanded(group); });
+}
+
+void CompareTree::restoreCurrent(const CompareTreeState& state)
+{
+    if (state.groupPlace < 0 || m_rows.isEmpty()) {
+        return;
+    }
+    QTreeWidgetItem* item = nearest(state);
+    if (item->parent() && !item->parent()->isExpanded()) {
+        item = item->parent(); // the view would open it
+    }
+    setCurrentItem(item, CompareRow::SettingColumn, QItemSelectionModel::NoUpdate);
+}
+
+/// The row that was current or else is in its place.
+QTreeWidgetItem* CompareTree::nearest(const CompareTreeState& state) const
+{
+    for (CompareRow* row : m_rows) {
+        if (row->node() == state.currentNode) {
+            return row;
+        }
+    }
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        QTreeWidgetItem* group = topLevelItem(i);
+        if (nameOf(*group) == state.currentGroup) {
+            return state.placeInGroup < 0
+                       ? group
+                       : group->child(std::min(state.placeInGroup, group->childCount() - 1));
+        }
+    }
+    return topLevelItem(std::min(state.groupPlace, topLevelItemCount() - 1));
+}
+
+QList<int> CompareTree::selectedEntries() const
+{
+    QList<int> indices;
+    QSet<int> taken;
+    const auto take = [&](const QTreeWidgetItem* item) {
+        const int index = entryIndex(item);
+        if (index >= 0 && !taken.contains(index)) {
+            taken.insert(index);
+            indices.append(index);
+        }
+    };
+    const QList<QTreeWidgetItem*> items = selectedItems();
+    for (const QTreeWidgetItem* item : items) {
+        take(item);
+        for (int i = 0; i < item->childCount(); ++i) {
+            take(item->child(i));
+        }
+    }
+    return indices;
+}
+
+int CompareTree::entryIndex(const QTreeWidgetItem* item)
+{
+    return item && item->parent() ? static_cast<const CompareRow*>(item)->index() : -1;
+}
+
+} // namespace kse

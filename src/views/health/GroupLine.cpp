@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+#include "views/health/GroupLine.h"
+
+#include "document/TreeWalk.h"
+#include "schema/DeletePolicy.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/PlainText.h"
+#include "widgets/TabOrder.h"
+#include "widgets/WrappedLabel.h"
+
+#include <QHBoxLayout>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QStyle>
+#include <QToolTip>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype pathLimit = 1000;
+constexpr qsizetype previewLimit = 8; // values
+constexpr qsizetype previewLength = 60;
+
+QString numberText(qsizetype number)
+{
+    return GroupLine::tr("%1.").arg(number);
+}
+
+} // namespace
+
+/// As wide as the longer of its two texts, so that its neighbour never comes under the mouse.
+class GroupLine::DeleteButton : public QPushButton
+{
+public:
+    using QPushButton::QPushButton;
+
+    void offerUndo(bool undo) { setText(undo ? m_undoText : m_deleteText); }
+
+    QSize sizeHint() const override
+    {
+        const auto widthOf = [this](const QString& text) {
+            return fontMetrics().horizontalAdvance(text);
+        };
+        const int widest = qMax(widthOf(m_deleteText), widthOf(m_undoText));
+        return QPushButton::sizeHint() + QSize(widest - widthOf(text()), 0);
+    }
+
+private:
+    const QString m_deleteText = GroupLine::tr("Delete this one...");
+    const QString m_undoText = GroupLine::tr("Undo deletion");
+};
+
+GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype number, qsizetype count,
+                     QWidget* parent)
+    : QWidget(parent)
+    , m_node(node)
+    , m_number(number)
+    , m_count(count)
+{
+    const DeleteDecision decision = model.deletionDecision(node);
+    m_isProtected = decision.level == DeleteLevel::Never;
+    m_reason = m_isProtected ? tr("Protected: %1").arg(decision.reason) : decision.reason;
+    m_name = tr("%1 (%2 of %3)")
+                 .arg(withoutMiddle(node->path(), pathLimit), QString::number(number),
+                      QString::number(count));
+    createWidgets();
+    reserveNumber();
+}
+
+void GroupLine::createWidgets()
+{
+    const QString path = asMarkup(withoutMiddle(m_node->path(), pathLimit));
+    const QString values = tr("%n value(s)", nullptr, static_cast<int>(m_node->valueCount()));
+    m_label = new WrappedLabel(u"<b>%1</b>  (%2)"_s.arg(path, values.toHtmlEscaped()), Qt::RichText,
+                               this);
+    m_label->setObjectName(u"groupLabel"_s);
+    m_revealButton = new QPushButton(tr("Show in All settings"), this);
+    m_revealButton->setObjectName(u"revealButton"_s);
+    m_revealButton->setAccessibleName(tr("Show %1 in All settings").arg(m_name));
+    m_deleteButton = new DeleteButton(this);
+    m_deleteButton->setObjectName(u"deleteButton"_s);
+    connect(m_revealButton, &QPushButton::clicked, this, [this] { emit revealRequested(m_node); });
+    connect(m_deleteButton, &QPushButton::clicked, this, [this] {
+        if (m_node->markedForDeletion) {
+            emit restoreRequested(m_node);
+        } else {
+            emit deleteRequested(m_node);
+        }
+    });
+
+    m_numberSpace = new QSpacerItem(0, 0);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addSpacerItem(m_numberSpace);
+    layout->addWidget(m_label, 1);
+    layout->addWidget(m_revealButton);
+    layout->addWidget(m_deleteButton);
+}
+
+void GroupLine::refresh(bool readOnly)
+{
+    const bool isMarked = m_node->markedForDeletion;
+    const bool isInside = m_node->isInsideDeletion();
+    QFont font; // sets this alone; the rest goes on following the application's
+    font.setStrikeOut(isInside);
+    m_label->setFont(font);
+    m_label->setAccessibleDescription(stateText());
+    m_deleteButton->offerUndo(isMarked);
+    m_deleteButton->setAccessibleName(
+        (isMarked ? tr("Undo deletion of %1") : tr("Delete %1...")).arg(m_name));
+    setEnabledOrPass(*m_deleteButton, isMarked || !(isInside || m_isProtected || readOnly),
+                     *m_revealButton);
+    // Where there is none, the line's own comes.
+    m_deleteButton->setToolTip(isInside ? QString() : asToolTip(m_reason));
+}
+
+/// What is seen of the line without its path.
+QString GroupLine::stateText() const
+{
+    const QString copy = tr("Copy %1 of %2, in the order of the file")
+                             .arg(QString::number(m_number), QString::number(m_count));
+    if (m_node->markedForDeletion) {
+        return copy + u'\n' + tr("Marked for deletion");
+    }
+    return m_node->isInsideDeletion() ? copy + u'\n' + tr("Inside a group marked for deletion")
+                                      : copy;
+}
+
+QString GroupLine::firstValues() const
+{
+    const QString path = m_node->path();
+    const qsizetype prefix = path.isEmpty() ? 0 : path.size() + 1;
+    QString text;
+    qsizetype shown = 0;
+    walkTree(std::as_const(*m_node), [&](const XsdtNode& node) {
+        if (node.kind == XsdtNode::Kind::Value) {
+            text += tr("\n%1 = %2")
+                        .arg(withoutMiddle(node.path().mid(prefix), previewLength),
+                             displayValue(node, node.value, previewLength));
+            ++shown;
+        }
+        return shown < previewLimit ? Walk::Into : Walk::Stop;
+    });
+    const qsizetype more = m_node->valueCount() - shown;
+    return more > 0 ? text + tr("\n...and %1 more.").arg(more) : text;
+}
+
+/// Keeps the width of the largest number free on every line of the card.
+void GroupLine::reserveNumber()
+{
+    m_numberSpace->changeSize(fontMetrics().horizontalAdvance(numberText(m_count) + u' '), 0);
+    layout()->invalidate();
+}
+
+void GroupLine::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        reserveNumber();
+    }
+}
+
+bool GroupLine::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::event(event);
+    }
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                       asToolTip(stateText() + firstValues()), this);
+    return true;
+}
+
+void GroupLine::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    const QRect place(0, m_label->y(), m_numberSpace->sizeHint().width(), m_label->height());
+    QPainter painter(this);
+    style()->drawItemText(&painter, QStyle::visualRect(layoutDirection(), rect(), place),
+                          Qt::AlignVCenter |
+                              QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft),
+                          palette(), true, numberText(m_number), QPalette::WindowText);
+}
+
+} // namespace kse

@@ -1,0 +1,316 @@
+// SPDX-License-Identifier: MIT
+#include "views/health/HealthView.h"
+
+#include "document/XsdtNode.h"
+#include "views/health/GroupLine.h"
+#include "views/model/SettingsModel.h"
+#include "views/rows/SettingRow.h"
+#include "views/rows/SettingRowSet.h"
+#include "widgets/MessageBox.h"
+#include "widgets/PlainText.h"
+#include "widgets/WidgetColumn.h"
+#include "widgets/WrappedLabel.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype cardStep = 200; // that many at once aren't felt as a wait
+constexpr qsizetype nodeLimit = 12;
+constexpr qsizetype titleLimit = 1000;
+constexpr qsizetype pathLimit = 500; // what follows it must stay in sight
+constexpr qsizetype detailLimit = 10'000;
+
+QColor severityColor(Severity severity)
+{
+    switch (severity) {
+    case Severity::Note:
+        return {60, 140, 230};
+    case Severity::Warning:
+        return {226, 150, 0};
+    case Severity::Problem:
+        return {214, 60, 60};
+    }
+    return {128, 128, 128};
+}
+
+QString asHtml(const QString& text)
+{
+    return asMarkup(withoutMiddle(text, titleLimit));
+}
+
+QLabel* createLabel(const QString& text, Qt::TextFormat format, const QString& name,
+                    QWidget* parent)
+{
+    auto* label = new WrappedLabel(text, format, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+QFrame* createStripe(Severity severity, QWidget* parent)
+{
+    auto* stripe = new QFrame(parent);
+    stripe->setObjectName(u"stripe"_s);
+    stripe->setFixedWidth(6);
+    stripe->setAutoFillBackground(true);
+    QPalette palette;
+    palette.setColor(QPalette::All, QPalette::Window, severityColor(severity));
+    stripe->setPalette(palette);
+    return stripe;
+}
+
+} // namespace
+
+HealthView::HealthView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_schema(schema)
+    , m_rowSet(new SettingRowSet(model, schema, this))
+{
+    createWidgets();
+    connectWidgets();
+}
+
+void HealthView::createWidgets()
+{
+    QLabel* purpose = createLabel(
+        tr("Looks through the file for things that are probably wrong: folders and files that do "
+           "not exist here, numbers outside their documented range, keys that appear twice, "
+           "modules whose file is missing. Nothing is changed by the check; fix a setting right "
+           "in the list."),
+        Qt::PlainText, u"purposeLabel"_s, this);
+    m_summaryLabel = createLabel({}, Qt::PlainText, u"summaryLabel"_s, this);
+    m_rerunButton = new QPushButton(tr("Run the check again"), this);
+    m_rerunButton->setObjectName(u"rerunButton"_s);
+    m_cards = new WidgetColumn(10, this);
+    m_cards->setAccessibleName(tr("Findings"));
+    m_cards->widget()->setObjectName(u"cardsContainer"_s);
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(m_summaryLabel, 1);
+    top->addWidget(m_rerunButton);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->addWidget(purpose);
+    layout->addLayout(top);
+    layout->addWidget(m_cards, 1);
+}
+
+void HealthView::connectWidgets()
+{
+    connect(m_rerunButton, &QPushButton::clicked, this, &HealthView::run);
+    connect(m_cards, &WidgetColumn::moreRequested, this, &HealthView::addCards);
+    connect(m_model, &SettingsModel::edited, this, &HealthView::onEdited);
+    connect(m_model, &SettingsModel::edited, this, &HealthView::refreshGroupLines);
+    connect(m_rowSet, &SettingRowSet::message, this, &HealthView::message);
+    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &HealthView::requestDeletion);
+    connect(m_rowSet, &SettingRowSet::restoreRequested, this, &HealthView::restoreRequested);
+    connect(m_rowSet, &SettingRowSet::revealRequested, this, &HealthView::revealRequested);
+}
+
+void HealthView::setDocument(const XsdtDocument* document)
+{
+    removeCards();
+    m_document = document;
+    m_hasRun = false;
+    m_summaryLabel->clear();
+    emit summaryChanged(0, 0);
+    if (document && isVisible()) {
+        run();
+    }
+}
+
+void HealthView::setReadOnly(bool readOnly)
+{
+    if (readOnly != m_rowSet->isReadOnly()) { // the poll calls this every few seconds
+        m_rowSet->setReadOnly(readOnly);
+        refreshGroupLines();
+    }
+}
+
+void HealthView::run()
+{
+    removeCards();
+    m_hasRun = m_document;
+    if (!m_document) {
+        return;
+    }
+    m_findings = HealthChecker::run(*m_document, *m_schema, m_env);
+    addCards();
+    updateSummary();
+}
+
+void HealthView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (!m_hasRun && m_document) {
+        run();
+    }
+}
+
+void HealthView::onEdited()
+{
+    if (m_hasRun && !m_findings.isEmpty() && !m_stale) {
+        m_stale = true;
+        m_summaryLabel->setText(m_summaryLabel->text() +
+                                tr("   (You changed settings: run the check again to re-check.)"));
+    }
+}
+
+void HealthView::removeCards()
+{
+    m_cards->clear();
+    m_cards->setMoreText({});
+    m_rowSet->clear();
+    m_groupLines.clear();
+    m_findings.clear();
+    m_stale = false;
+}
+
+/// Adds the next cards; the button at their end asks for more.
+void HealthView::addCards()
+{
+    const qsizetype total = m_findings.size();
+    const qsizetype shown = qMin(total, m_cards->count() + cardStep);
+    QList<QWidget*> cards;
+    for (qsizetype i = m_cards->count(); i < shown; ++i) {
+        cards.append(buildCard(m_findings[i]));
+    }
+    m_cards->append(cards);
+    m_cards->setMoreText(shown < total ? tr("Show more findings (%1 more)").arg(total - shown)
+                                       : QString());
+}
+
+void HealthView::updateSummary()
+{
+    const auto count = [this](Severity severity) {
+        return static_cast<int>(
+            std::count_if(m_findings.cbegin(), m_findings.cend(),
+                          [severity](const Finding& f) { return f.severity == severity; }));
+    };
+    const int problems = count(Severity::Problem);
+    const int warnings = count(Severity::Warning);
+    m_summaryLabel->setText(m_findings.isEmpty() ? tr("No problems found.")
+                                                 : tr("%1 problem(s), %2 warning(s), %3 note(s)")
+                                                       .arg(problems)
+                                                       .arg(warnings)
+                                                       .arg(count(Severity::Note)));
+    emit summaryChanged(problems, warnings);
+}
+
+QWidget* HealthView::buildCard(const Finding& finding)
+{
+    auto* card = new QFrame(m_cards->widget());
+    card->setObjectName(u"card"_s);
+    auto* layout = new QHBoxLayout(card);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(createStripe(finding.severity, card));
+    auto* column = new QVBoxLayout;
+    column->setSpacing(4);
+    column->setContentsMargins(12, 6, 6, 6);
+    layout->addLayout(column, 1);
+
+    addTexts(finding, column, card);
+    addNodes(finding, column, card);
+    if (finding.action == FindingAction::OpenUnusedModules) {
+        auto* open = new QPushButton(tr("Open Unused modules"), card);
+        open->setObjectName(u"openUnusedButton"_s);
+        connect(open, &QPushButton::clicked, this, &HealthView::openUnusedModules);
+        column->addWidget(open, 0, Qt::AlignLeft);
+    }
+    return card;
+}
+
+void HealthView::addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card)
+{
+    const QString severity = HealthChecker::severityName(finding.severity).toHtmlEscaped();
+    layout->addWidget(createLabel(u"<b>%1:</b> %2"_s.arg(severity, asHtml(finding.title)),
+                                  Qt::RichText, u"titleLabel"_s, card));
+    layout->addWidget(createLabel(withoutMiddle(finding.detail, detailLimit), Qt::PlainText,
+                                  u"detailLabel"_s, card));
+}
+
+void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card)
+{
+    const qsizetype count = finding.nodes.size();
+    for (qsizetype i = 0; i < qMin(nodeLimit, count); ++i) {
+        XsdtNode* node = finding.nodes[i];
+        if (node->kind == XsdtNode::Kind::Group) {
+            layout->addWidget(buildGroupLine(node, i + 1, count, card));
+            continue;
+        }
+        SettingRow* row = m_rowSet->add(node, card);
+        row->setShowPath(true);
+        layout->addWidget(row);
+    }
+    if (count > nodeLimit) {
+        layout->addWidget(createLabel(tr("...and %1 more.").arg(count - nodeLimit), Qt::PlainText,
+                                      u"moreLabel"_s, card));
+    }
+}
+
+/// A group has no editor: it can be looked at in the tree, or go.
+GroupLine* HealthView::buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count,
+                                      QWidget* card)
+{
+    auto* line = new GroupLine(node, *m_model, number, count, card);
+    line->setObjectName(u"groupLine"_s);
+    line->refresh(m_rowSet->isReadOnly());
+    connect(line, &GroupLine::deleteRequested, this, &HealthView::requestDeletion);
+    connect(line, &GroupLine::restoreRequested, this, &HealthView::restoreRequested);
+    connect(line, &GroupLine::revealRequested, this, &HealthView::revealRequested);
+    m_groupLines.append(line);
+    return line;
+}
+
+void HealthView::refreshGroupLines()
+{
+    for (GroupLine* line : std::as_const(m_groupLines)) {
+        line->refresh(m_rowSet->isReadOnly());
+    }
+}
+
+/// Asks first where nothing would be left of a key of which there are copies: each of them looks as
+/// if it could go.
+void HealthView::requestDeletion(XsdtNode* node)
+{
+    const auto& siblings = node->parent->children;
+    qsizetype queued = 0;
+    const bool isLast = std::none_of(siblings.begin(), siblings.end(), [&](const auto& sibling) {
+        const bool isCopy = sibling->key == node->key && sibling.get() != node;
+        queued += isCopy ? 1 : 0;
+        return isCopy && !sibling->markedForDeletion;
+    });
+    if (isLast && queued > 0 && !confirmLast(*node)) {
+        return;
+    }
+    emit deleteRequested(node);
+}
+
+/// False also if the tree is gone when the box closes.
+bool HealthView::confirmLast(const XsdtNode& node)
+{
+    PlainMessageBox box(QMessageBox::Warning, tr("Delete the last copy?"),
+                        tr("Every other copy of %1 is queued for deletion. If this one goes too, "
+                           "nothing is left of it.")
+                            .arg(abbreviated(node.path(), pathLimit)),
+                        QMessageBox::Yes | QMessageBox::Cancel, this);
+    box.setPlainInformativeText(
+        tr("Nothing is removed until you save, and you can undo it before then."));
+    box.setDefaultButton(QMessageBox::Cancel);
+    const quint64 generation = m_model->generation();
+    return box.exec() == QMessageBox::Yes && m_model->generation() == generation;
+}
+
+} // namespace kse

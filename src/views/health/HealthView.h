@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "views/health/HealthChecker.h"
+
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+class QVBoxLayout;
+
+namespace kse {
+
+class GroupLine;
+class SettingRowSet;
+class SettingsModel;
+class WidgetColumn;
+
+/// The Health check tab: a card for each finding, with the settings concerned as rows to edit. The
+/// check runs when the tab is first shown for a document, and when it is asked for.
+class HealthView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Model and schema stay the caller's.
+    HealthView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent = nullptr);
+
+    /// Checks `document` from here on, or nothing for null. It stays the caller's; pass null
+    /// before its tree is replaced.
+    void setDocument(const XsdtDocument* document);
+
+    /// While PixInsight runs.
+    void setReadOnly(bool readOnly);
+
+    /// Checks now.
+    void run();
+
+signals:
+    void message(const QString& text); ///< For the status bar.
+    void deleteRequested(kse::XsdtNode* node);
+    void restoreRequested(kse::XsdtNode* node);
+    void revealRequested(kse::XsdtNode* node);
+    void openUnusedModules();
+    void summaryChanged(int problems, int warnings); ///< Notes don't count.
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void createWidgets();
+    void connectWidgets();
+
+    void onEdited();
+    void removeCards();
+    void addCards();
+    void updateSummary();
+    QWidget* buildCard(const Finding& finding);
+    static void addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card);
+    void addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card);
+    GroupLine* buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count, QWidget* card);
+    void refreshGroupLines();
+    void requestDeletion(XsdtNode* node);
+    bool confirmLast(const XsdtNode& node);
+
+    SettingsModel* m_model = nullptr;
+    const SettingsSchema* m_schema = nullptr;
+    const XsdtDocument* m_document = nullptr;
+    const HealthEnv m_env = HealthEnv::system();
+    bool m_hasRun = false; ///< On the present document.
+    bool m_stale = false;  ///< Edited since, and the summary says so.
+    QList<Finding> m_findings;
+    SettingRowSet* m_rowSet = nullptr;
+    QList<GroupLine*> m_groupLines; ///< On the cards.
+
+    QLabel* m_summaryLabel = nullptr;
+    QPushButton* m_rerunButton = nullptr;
+    WidgetColumn* m_cards = nullptr;
+};
+
+} // namespace kse

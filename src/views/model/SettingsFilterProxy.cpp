@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "views/model/SettingsFilterProxy.h"
+
+#include "document/TreeWalk.h"
+#include "views/model/SettingsModel.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace kse {
+
+namespace {
+
+XsdtNode* nodeOf(const QModelIndex& index)
+{
+    return index.data(SettingsModel::NodeRole).value<XsdtNode*>();
+}
+
+} // namespace
+
+SettingsFilterProxy::SettingsFilterProxy(QObject* parent)
+    : QSortFilterProxyModel(parent)
+{
+    setRecursiveFilteringEnabled(true);
+    setFilterRole(SettingsModel::NodeRole);
+}
+
+void SettingsFilterProxy::setFilterText(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    if (trimmed != m_filterText) {
+        m_filterText = trimmed;
+        refilter();
+    }
+}
+
+void SettingsFilterProxy::setChangedOnly(bool changedOnly)
+{
+    if (changedOnly != m_changedOnly) {
+        m_changedOnly = changedOnly;
+        refilter();
+    }
+}
+
+void SettingsFilterProxy::setSourceModel(QAbstractItemModel* model)
+{
+    if (sourceModel()) {
+        sourceModel()->disconnect(this);
+    }
+    m_isStale = true;
+    if (model) {
+        // Before the base class connects itself: it must find `m_accepted` up to date.
+        const auto markStale = [this] {
+            m_isStale = true;
+        };
+        connect(model, &QAbstractItemModel::modelReset, this, markStale);
+        connect(model, &QAbstractItemModel::layoutChanged, this, markStale);
+        connect(model, &QAbstractItemModel::dataChanged, this,
+                [this](const QModelIndex& first, const QModelIndex& last) {
+                    // Rows that change together do so in looks only: what is pending changes
+                    // row by row, or together with the layout.
+                    if (first.row() == last.row() && isFiltering() && !m_isStale) {
+                        updateAccepted(*nodeOf(first));
+                    }
+                });
+    }
+    QSortFilterProxyModel::setSourceModel(model);
+}
+
+Qt::ItemFlags SettingsFilterProxy::flags(const QModelIndex& index) const
+{
+    Qt::ItemFlags flags = QSortFilterProxyModel::flags(index);
+    const XsdtNode* node = nodeOf(index);
+    if (node && node->kind == XsdtNode::Kind::Value) {
+        // Otherwise a view that expands everything remembers each value as expanded.
+        flags |= Qt::ItemNeverHasChildren;
+    }
+    return flags;
+}
+
+bool SettingsFilterProxy::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
+{
+    const XsdtNode* node = nodeOf(sourceModel()->index(sourceRow, 0, sourceParent));
+    if (!node || !isFiltering()) {
+        return true;
+    }
+    if (m_isStale) {
+        const XsdtNode* root = node;
+        while (root->parent) {
+            root = root->parent;
+        }
+        collectAccepted(*root);
+        m_isStale = false;
+    }
+    return isAccepted(*node);
+}
+
+bool SettingsFilterProxy::passes(const XsdtNode& node, bool pathMatches) const
+{
+    if (m_changedOnly && !node.isModified() && !node.markedForDeletion) {
+        return false;
+    }
+    return pathMatches ||
+           (node.isEditableType() && node.value.contains(m_filterText, Qt::CaseInsensitive));
+}
+
+void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
+{
+    struct Level
+    {
+        const XsdtNode* group;
+        qsizetype pathLength;
+        bool pathMatches;
+    };
+    std::vector<Level> levels{{&root, 0, m_filterText.isEmpty()}};
+    QString path;
+    m_accepted.clear();
+    walkTree(root, [&](const XsdtNode& node) {
+        while (levels.back().group != node.parent) {
+            levels.pop_back();
+        }
+        const auto [group, pathLength, groupMatches] = levels.back();
+        path.truncate(pathLength);
+        if (!path.isEmpty()) {
+            path += u'/';
+        }
+        path += node.key;
+        // What the group's path lacks can only be found where the new part takes part in it.
+        const qsizetype from = qMax<qsizetype>(0, pathLength + 1 - m_filterText.size());
+        const bool pathMatches =
+            groupMatches || QStringView(path).mid(from).contains(m_filterText, Qt::CaseInsensitive);
+        if (passes(node, pathMatches)) {
+            for (const XsdtNode* up = &node; up->parent && setAccepted(*up, true);
+                 up = up->parent) {
+            }
+        }
+        if (node.children.empty() || levels.size() == SettingsModel::maximumDepth) {
+            return Walk::Over;
+        }
+        levels.push_back({&node, path.size(), pathMatches});
+        return Walk::Into;
+    });
+}
+
+bool SettingsFilterProxy::isAccepted(const XsdtNode& node) const
+{
+    const auto rows = m_accepted.find(node.parent);
+    return rows != m_accepted.end() && rows->second[std::size_t(node.rowInParent())];
+}
+
+bool SettingsFilterProxy::setAccepted(const XsdtNode& node, bool accepted) const
+{
+    std::vector<bool>& rows = m_accepted[node.parent];
+    rows.resize(node.parent->children.size());
+    const auto row = rows.begin() + node.rowInParent();
+    if (*row == accepted) {
+        return false;
+    }
+    *row = accepted;
+    return true;
+}
+
+void SettingsFilterProxy::updateAccepted(const XsdtNode& changed)
+{
+    bool isAncestorNew = false;
+    for (const XsdtNode* node = &changed; node->parent; node = node->parent) {
+        const auto rows = m_accepted.find(node);
+        const bool holdsAccepted =
+            rows != m_accepted.end() &&
+            std::find(rows->second.begin(), rows->second.end(), true) != rows->second.end();
+        const bool accepted =
+            holdsAccepted ||
+            passes(*node, node->path().contains(m_filterText, Qt::CaseInsensitive));
+        if (!setAccepted(*node, accepted)) {
+            break;
+        }
+        isAncestorNew = accepted && node != &changed;
+    }
+    if (isAncestorNew) {
+        // What the base class remembers of groups out of sight it doesn't keep up to date: it
+        // would show the ancestor without what it is shown for.
+        invalidate();
+    }
+}
+
+void SettingsFilterProxy::refilter()
+{
+    m_isStale = true;
+    // Not invalidateFilter(): it takes rows out and puts them in one run at a time, in quadratic
+    // time under a view that shows them.
+    invalidate();
+}
+
+} // namespace kse

@@ -1,0 +1,442 @@
+// SPDX-License-Identifier: MIT
+#include "views/model/SettingsModel.h"
+
+#include "document/TreeWalk.h"
+#include "document/XsdtDocument.h"
+#include "document/XsdtValueType.h"
+#include "schema/DeletePolicy.h"
+#include "widgets/PlainText.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QFont>
+#include <QPalette>
+
+#include <limits>
+
+namespace kse {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Qt lays out a million characters for seconds, however narrow the column.
+constexpr qsizetype keyLimit = 1000;
+constexpr qsizetype valueLimit = 200;
+
+int toInt(qsizetype count)
+{
+    return static_cast<int>(qMin<qsizetype>(count, std::numeric_limits<int>::max()));
+}
+
+bool isProtected(const XsdtNode& node)
+{
+    return node.kind == XsdtNode::Kind::Value && !node.isEditableType();
+}
+
+QString typeText(const XsdtNode& node)
+{
+    if (node.markedForDeletion) {
+        return SettingsModel::tr("Will be deleted");
+    }
+    if (node.kind == XsdtNode::Kind::Value) {
+        return typeName(node.typeCode);
+    }
+    return SettingsModel::tr("%n item(s)", nullptr, toInt(qsizetype(node.children.size())));
+}
+
+QVariant displayText(const XsdtNode& node, int column)
+{
+    switch (column) {
+    case SettingsModel::SettingColumn:
+        return abbreviated(node.key, keyLimit);
+    case SettingsModel::ValueColumn:
+        return node.kind == XsdtNode::Kind::Value ? displayValue(node, node.value, valueLimit)
+                                                  : QVariant();
+    case SettingsModel::TypeColumn:
+        return typeText(node);
+    default:
+        return {};
+    }
+}
+
+QVariant editText(const XsdtNode& node, int column)
+{
+    const bool isValue = node.kind == XsdtNode::Kind::Value;
+    return isValue && column == SettingsModel::ValueColumn ? QVariant(node.value) : QVariant();
+}
+
+/// In lines of their own, what sets the row apart from others by its colours.
+QString stateText(const XsdtNode& node)
+{
+    QString text;
+    if (isProtected(node)) {
+        text += u'\n' + typeName(node.typeCode) +
+                SettingsModel::tr(" - protected, shown for reference only");
+    }
+    if (node.isModified()) {
+        text += SettingsModel::tr("\nOriginal value: %1")
+                    .arg(firstCharacters(node.original, valueLimit));
+    }
+    if (node.markedForDeletion) {
+        text += SettingsModel::tr("\nMarked for deletion (%n value(s)); removed when you save.",
+                                  nullptr, toInt(node.valueCount()));
+    } else if (node.isInsideDeletion()) {
+        text += SettingsModel::tr("\nInside an entry marked for deletion.");
+    }
+    return text;
+}
+
+QString toolTipText(const XsdtNode& node, const DeleteDecision& decision)
+{
+    QString text = withoutMiddle(node.path(), keyLimit);
+    if (node.kind == XsdtNode::Kind::Value && !isProtected(node)) {
+        text += u'\n' + typeName(node.typeCode);
+    }
+    text += stateText(node);
+    if (!node.isInsideDeletion() && decision.level > DeleteLevel::Never) {
+        text += SettingsModel::tr("\nCan be deleted: %1").arg(decision.reason);
+    }
+    return asToolTip(text);
+}
+
+QVariant rowFont(const XsdtNode& node)
+{
+    const bool modified = node.isModified();
+    const bool struckOut = node.isInsideDeletion();
+    if (!modified && !struckOut) {
+        return {};
+    }
+    QFont font = QApplication::font();
+    if (modified || node.markedForDeletion) {
+        font.setWeight(modified ? QFont::Bold : QFont::Normal);
+    }
+    font.setStrikeOut(struckOut);
+    return font;
+}
+
+QVariant rowBackground(const XsdtNode& node)
+{
+    if (node.markedForDeletion) {
+        return QColor(230, 60, 60, 60);
+    }
+    return node.isModified() ? QVariant(QColor(255, 190, 0, 70)) : QVariant();
+}
+
+QVariant rowForeground(const XsdtNode& node)
+{
+    if (!isProtected(node) && !node.isInsideDeletion()) {
+        return {};
+    }
+    return QApplication::palette().color(QPalette::Disabled, QPalette::Text);
+}
+
+} // namespace
+
+SettingsModel::Batch::Batch(SettingsModel& model)
+    : m_model(model)
+{
+    ++m_model.m_batchDepth;
+}
+
+SettingsModel::Batch::~Batch()
+{
+    if (--m_model.m_batchDepth == 0 && m_model.m_batchChanged) {
+        m_model.m_batchChanged = false;
+        m_model.refreshAll();
+        emit m_model.edited();
+    }
+}
+
+SettingsModel::SettingsModel(QObject* parent)
+    : QAbstractItemModel(parent)
+{
+}
+
+void SettingsModel::setDocument(XsdtDocument* document)
+{
+    beginResetModel();
+    m_document = document;
+    ++m_generation;
+    endResetModel();
+}
+
+void SettingsModel::setReadOnly(bool readOnly)
+{
+    if (readOnly == m_readOnly) {
+        return;
+    }
+    m_readOnly = readOnly;
+    refreshAll();
+}
+
+QModelIndex SettingsModel::indexForNode(const XsdtNode* node, int column) const
+{
+    if (!node || !node->parent || node->depth > maximumDepth) {
+        return {};
+    }
+    return createIndex(static_cast<int>(node->rowInParent()), column, node);
+}
+
+XsdtNode* SettingsModel::nodeForIndex(const QModelIndex& index) const
+{
+    if (index.isValid()) {
+        return static_cast<XsdtNode*>(index.internalPointer());
+    }
+    return m_document ? &m_document->root : nullptr;
+}
+
+DeleteDecision SettingsModel::deletionDecision(const XsdtNode* node) const
+{
+    return m_policy ? m_policy->decide(node) : DeleteDecision();
+}
+
+bool SettingsModel::isLocked(const XsdtNode* node) const
+{
+    return m_policy && m_policy->isEditLocked(node);
+}
+
+bool SettingsModel::markForDeletion(XsdtNode* node, QString* reason)
+{
+    const auto refuse = [reason](const QString& text) {
+        if (reason) {
+            *reason = text;
+        }
+        return false;
+    };
+    if (!node || !node->parent) {
+        return refuse(tr("Nothing to delete."));
+    }
+    if (m_readOnly) {
+        return refuse(tr("PixInsight is running; nothing can be changed."));
+    }
+    if (node->isInsideDeletion()) {
+        return true;
+    }
+    const DeleteDecision decision = deletionDecision(node);
+    if (decision.level == DeleteLevel::Never) {
+        return refuse(decision.reason);
+    }
+    node->markedForDeletion = true;
+    notifySubtree(*node);
+    return true;
+}
+
+void SettingsModel::undoDeletion(XsdtNode* node)
+{
+    if (node && node->markedForDeletion) {
+        node->markedForDeletion = false;
+        notifySubtree(*node);
+    }
+}
+
+void SettingsModel::revertValue(XsdtNode* node)
+{
+    if (node && node->isModified()) {
+        node->value = node->original;
+        notifyRow(*node, ValueColumn);
+    }
+}
+
+void SettingsModel::revertAll()
+{
+    if (!m_document) {
+        return;
+    }
+    beginResetModel();
+    m_document->revertAll();
+    endResetModel();
+    emit edited();
+}
+
+void SettingsModel::refreshAll()
+{
+    if (!m_document) {
+        return;
+    }
+    // Much may come in sight or go out of it under a filter. A new layout has proxies and views
+    // read everything once, where they would take `dataChanged` row by row, in quadratic time.
+    emit layoutAboutToBeChanged();
+    emit layoutChanged();
+    notifyBelow(m_document->root);
+}
+
+QModelIndex SettingsModel::index(int row, int column, const QModelIndex& parent) const
+{
+    if (row < 0 || row >= rowCount(parent) || column < 0 || column >= ColumnCount) {
+        return {};
+    }
+    return createIndex(row, column, nodeForIndex(parent)->children[std::size_t(row)].get());
+}
+
+QModelIndex SettingsModel::parent(const QModelIndex& index) const
+{
+    if (!index.isValid()) {
+        return {};
+    }
+    const XsdtNode* above = nodeForIndex(index)->parent;
+    return above->parent ? createIndex(static_cast<int>(above->rowInParent()), 0, above)
+                         : QModelIndex();
+}
+
+int SettingsModel::rowCount(const QModelIndex& parent) const
+{
+    const XsdtNode* node = parent.column() > 0 ? nullptr : nodeForIndex(parent);
+    if (!node || node->children.empty() || node->depth >= maximumDepth) {
+        return 0;
+    }
+    return toInt(qsizetype(node->children.size()));
+}
+
+int SettingsModel::columnCount(const QModelIndex& /*parent*/) const
+{
+    return ColumnCount;
+}
+
+QVariant SettingsModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid()) {
+        return {};
+    }
+    XsdtNode* node = nodeForIndex(index);
+    switch (role) {
+    case Qt::DisplayRole:
+        return displayText(*node, index.column());
+    case Qt::EditRole:
+        return editText(*node, index.column());
+    case Qt::ToolTipRole:
+        return toolTipText(*node, deletionDecision(node));
+    case Qt::AccessibleDescriptionRole:
+        return stateText(*node).trimmed();
+    case Qt::FontRole:
+        return rowFont(*node);
+    case Qt::BackgroundRole:
+        return rowBackground(*node);
+    case Qt::ForegroundRole:
+        return rowForeground(*node);
+    case NodeRole:
+        return QVariant::fromValue(node);
+    default:
+        return {};
+    }
+}
+
+bool SettingsModel::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    return role == Qt::EditRole && index.isValid() && index.column() == ValueColumn &&
+           setValue(nodeForIndex(index), value.toString());
+}
+
+bool SettingsModel::setValue(XsdtNode* node, const QString& input)
+{
+    if (m_readOnly || !node->isEditableType() || node->isInsideDeletion()) {
+        return false;
+    }
+    if (isLocked(node)) {
+        emit editRejected(tr("%1 is part of the module registry or version records and is locked "
+                             "against editing.")
+                              .arg(abbreviated(node->key, valueLimit)));
+        return false;
+    }
+    QString text;
+    QString error;
+    if (!validateValue(node->typeCode, input, text, &error)) {
+        emit editRejected(tr("%1: %2").arg(abbreviated(node->key, valueLimit), error));
+        return false;
+    }
+    if (text == node->value) {
+        return false;
+    }
+    node->value = text;
+    notifyRow(*node, TypeColumn);
+    return true;
+}
+
+QVariant SettingsModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
+        return {};
+    }
+    switch (section) {
+    case SettingColumn:
+        return tr("Setting");
+    case ValueColumn:
+        return tr("Value");
+    case TypeColumn:
+        return tr("Type");
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags SettingsModel::flags(const QModelIndex& index) const
+{
+    if (!index.isValid()) {
+        return Qt::NoItemFlags;
+    }
+    Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    const XsdtNode* node = nodeForIndex(index);
+    if (index.column() == ValueColumn && !m_readOnly && node->isEditableType() &&
+        !node->isInsideDeletion() && !isLocked(node)) {
+        flags |= Qt::ItemIsEditable;
+    }
+    return flags;
+}
+
+void SettingsModel::notifyRow(const XsdtNode& node, int lastColumn)
+{
+    if (m_batchDepth > 0) {
+        m_batchChanged = true;
+        return;
+    }
+    if (const QModelIndex row = indexForNode(&node); row.isValid()) {
+        emit dataChanged(row, row.siblingAtColumn(lastColumn));
+    }
+    emit edited();
+}
+
+void SettingsModel::notifySubtree(const XsdtNode& node)
+{
+    if (m_batchDepth > 0) {
+        m_batchChanged = true;
+        return;
+    }
+    if (const QModelIndex row = indexForNode(&node); row.isValid()) {
+        emit dataChanged(row, row.siblingAtColumn(TypeColumn));
+        notifyBelow(node);
+    }
+    emit edited();
+}
+
+void SettingsModel::notifyBelow(const XsdtNode& node)
+{
+    // Without `NodeRole`, by which the proxy filters: otherwise it would judge all ancestors of a
+    // group anew for each group.
+    static const QList<int> roles{Qt::DisplayRole, Qt::EditRole,       Qt::ToolTipRole,
+                                  Qt::FontRole,    Qt::BackgroundRole, Qt::ForegroundRole};
+    const auto notifyChildren = [this](const XsdtNode& above) {
+        const QModelIndex parent = indexForNode(&above);
+        const int count = rowCount(parent);
+        if (count > 0) {
+            emit dataChanged(index(0, 0, parent), index(count - 1, TypeColumn, parent), roles);
+        }
+        return count > 0 ? Walk::Into : Walk::Over;
+    };
+    if (notifyChildren(node) == Walk::Into) {
+        walkTree(node, notifyChildren);
+    }
+}
+
+QString displayValue(const XsdtNode& node, const QString& text, qsizetype limit)
+{
+    if (node.typeCode == XsdtValueType::Block) {
+        return SettingsModel::tr("(%1 characters of encoded data)").arg(text.size());
+    }
+    QString shown = text;
+    if (text.size() > limit) {
+        shown = firstCharacters(text, limit) + QChar(0x2026);
+    }
+    return shown.replace(u'\n', QChar(0x23CE));
+}
+
+} // namespace kse

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "views/model/ValueDelegate.h"
+
+#include "document/XsdtValueType.h"
+#include "views/model/SettingsModel.h"
+#include "widgets/FileTextEdit.h"
+#include "widgets/PlainText.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTimer>
+#include <QWheelEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+/// The two values of a Boolean in a list that opens by itself. While it is open it takes the keys,
+/// and those that end an edit are handed on to the box, where the delegate looks for them.
+class BooleanEditor : public QComboBox
+{
+public:
+    explicit BooleanEditor(QWidget* parent)
+        : QComboBox(parent)
+    {
+        addItems({u"true"_s, u"false"_s});
+        view()->installEventFilter(this);
+        QTimer::singleShot(0, this, [this] { openList(); }); // once it has its place and its text
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        const bool isOverride = event->type() == QEvent::ShortcutOverride;
+        if (watched != view() || !(isOverride || event->type() == QEvent::KeyPress)) {
+            return QComboBox::eventFilter(watched, event);
+        }
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool takes = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter ||
+                           key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab;
+        if (!takes && !key->matches(QKeySequence::Cancel)) {
+            return QComboBox::eventFilter(watched, event);
+        }
+        if (isOverride) {
+            event->accept(); // the list would close at this already
+            return true;
+        }
+        // Beneath a text of neither kind no row is selected until the user goes to one.
+        if (const QModelIndex row = view()->currentIndex();
+            takes && view()->selectionModel()->isSelected(row)) {
+            setCurrentIndex(row.row());
+        }
+        hidePopup();
+        QCoreApplication::sendEvent(this, event);
+        return true;
+    }
+
+protected:
+    void wheelEvent(QWheelEvent* event) override
+    {
+        event->ignore(); // scrolls the tree
+    }
+
+private:
+    void openList()
+    {
+        if (!isVisible()) { // closed already, perhaps with the whole document
+            return;
+        }
+        // As by a press, so that the end of the click that opened the editor chooses nothing.
+        const QPointF pos = mapFromGlobal(QPointF(QCursor::pos()));
+        QMouseEvent press(QEvent::MouseButtonPress, pos, mapToGlobal(pos), Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        mousePressEvent(&press);
+    }
+};
+
+} // namespace
+
+QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                                     const QModelIndex& index) const
+{
+    const auto* node = index.data(SettingsModel::NodeRole).value<XsdtNode*>();
+    QWidget* editor = nullptr;
+    if (node && node->typeCode == XsdtValueType::Boolean) {
+        auto* combo = new BooleanEditor(parent);
+        connect(combo, &QComboBox::activated, this, [this, combo] {
+            auto* self = const_cast<ValueDelegate*>(this); // signals aren't const
+            emit self->commitData(combo);
+            emit self->closeEditor(combo);
+        });
+        editor = combo;
+    } else {
+        editor = QStyledItemDelegate::createEditor(parent, option, index);
+    }
+    if (editor && node) {
+        editor->setAccessibleName(abbreviated(node->key, 200));
+    }
+    return editor;
+}
+
+void ValueDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
+{
+    const QString text = index.data(Qt::EditRole).toString();
+    if (auto* combo = qobject_cast<QComboBox*>(editor)) {
+        combo->setCurrentIndex(combo->findText(text)); // of another text, none
+    } else if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+        showFileText(*line, text);
+    } else {
+        QStyledItemDelegate::setEditorData(editor, index);
+    }
+}
+
+void ValueDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
+                                 const QModelIndex& index) const
+{
+    const QPersistentModelIndex row(index);
+    const auto* node = index.data(SettingsModel::NodeRole).value<XsdtNode*>();
+    if (const auto* combo = qobject_cast<QComboBox*>(editor)) {
+        if (combo->currentIndex() >= 0) {
+            model->setData(index, combo->currentText(), Qt::EditRole);
+        }
+    } else if (const auto* line = qobject_cast<QLineEdit*>(editor)) {
+        // An unchanged text isn't given to the model, which might normalise it.
+        if (!line->isReadOnly() && line->text() != index.data(Qt::EditRole).toString()) {
+            model->setData(index, line->text(), Qt::EditRole);
+        }
+    } else {
+        QStyledItemDelegate::setModelData(editor, model, index);
+    }
+    if (!row.isValid()) {
+        emit editedRowHidden(abbreviated(node->key, 200));
+    }
+}
+
+} // namespace kse

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "views/rows/NumberEditor.h"
+
+#include "document/XsdtNode.h"
+#include "schema/SettingsSchema.h"
+#include "views/rows/ValueEditor.h"
+#include "widgets/WheelGuard.h"
+
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QLocale>
+#include <QSpinBox>
+
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+/// A spin box that takes no group separators: Qt leaves them out of the number, so that a decimal
+/// comma or point of another country would multiply the value in silence.
+template <typename Box>
+class UngroupedSpinBox : public Box
+{
+public:
+    using Box::Box;
+
+    QValidator::State validate(QString& text, int& position) const override
+    {
+        return text.contains(this->locale().groupSeparator()) ? QValidator::Invalid
+                                                              : Box::validate(text, position);
+    }
+};
+
+/// Both leave 0 for what is no number that their box can show.
+bool readNumber(const QString& text, int& number)
+{
+    bool isNumber = false;
+    number = text.toInt(&isNumber);
+    return isNumber;
+}
+
+bool readNumber(const QString& text, double& number)
+{
+    bool isNumber = false;
+    number = text.toDouble(&isNumber);
+    if (!std::isfinite(number)) {
+        number = 0;
+        return false;
+    }
+    return isNumber;
+}
+
+/// `Box` is `QSpinBox` with int as `Number`, or `QDoubleSpinBox` with double for larger numbers.
+template <typename Box, typename Number>
+class NumberEditor : public ValueEditor
+{
+public:
+    NumberEditor(Number min, Number max, const QString& objectName, const QString& name,
+                 QWidget* parent)
+        : ValueEditor(parent)
+        , m_min(min)
+        , m_max(max)
+    {
+        setControl(m_box, objectName, name);
+        cancelOnEscape();
+        WheelGuard::install(m_box);
+        m_box->setKeyboardTracking(false);
+        m_box->setLocale(QLocale::c()); // as the file, and a minus sign that every keyboard has
+        if constexpr (std::is_same_v<Number, double>) {
+            m_box->setDecimals(0);
+        }
+        connect(m_box, &Box::valueChanged, this, [this] { emit entered(m_box->text()); });
+        // What a box shows for want of the stored text is no change to it when it is typed.
+        connect(m_box->template findChild<QLineEdit*>(), &QLineEdit::textEdited, this,
+                [this] { m_isTyped = m_box->hasAcceptableInput(); });
+        connect(m_box, &Box::editingFinished, this, [this] {
+            if (m_isTyped && !storedTextHint().isEmpty()) {
+                emit entered(m_box->text());
+            }
+        });
+    }
+
+protected:
+    bool showValue(const XsdtNode& node) override
+    {
+        m_isTyped = false;
+        Number number = 0;
+        const bool isNumber = readNumber(node.value, number);
+        m_box->setRange(qMin(m_min, number), qMax(m_max, number));
+        m_box->setValue(number);
+        return isNumber && m_box->value() == number;
+    }
+
+private:
+    Box* m_box = new UngroupedSpinBox<Box>(this);
+    Number m_min = 0;
+    Number m_max = 0;
+    bool m_isTyped = false; ///< The box holds a number typed since the last `showValue`.
+};
+
+} // namespace
+
+ValueEditor* createNumberEditor(const VariableInfo& info, const QString& name, QWidget* parent)
+{
+    constexpr int intMin = std::numeric_limits<int>::min();
+    constexpr int intMax = std::numeric_limits<int>::max();
+    if (info.kind == VariableKind::Unsigned &&
+        !(info.hasRange && info.min >= 0 && info.max <= intMax)) {
+        const double max = info.hasRange ? info.max : std::numeric_limits<quint32>::max();
+        return new NumberEditor<QDoubleSpinBox, double>(info.hasRange ? info.min : 0, max,
+                                                        u"doubleSpinBox"_s, name, parent);
+    }
+    const auto bound = [](double end) {
+        return static_cast<int>(qBound<double>(intMin, end, intMax));
+    };
+    return new NumberEditor<QSpinBox, int>(info.hasRange ? bound(info.min) : intMin,
+                                           info.hasRange ? bound(info.max) : intMax, u"spinBox"_s,
+                                           name, parent);
+}
+
+} // namespace kse

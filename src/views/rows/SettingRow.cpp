@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: MIT
+#include "views/rows/SettingRow.h"
+
+#include "document/XsdtNode.h"
+#include "document/XsdtValueType.h"
+#include "views/model/SettingsModel.h"
+#include "views/rows/ValueEditor.h"
+#include "widgets/PlainText.h"
+#include "widgets/TabOrder.h"
+#include "widgets/WrappedLabel.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPointer>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype labelLimit = 1000;
+
+QLabel* createLabel(const QString& text, const QString& name, QWidget* parent)
+{
+    auto* label = new WrappedLabel(text, Qt::PlainText, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+/// `parts` quarters of `a` and the rest of `b`.
+QColor mixed(const QColor& a, const QColor& b, int parts)
+{
+    const auto mix = [parts](int x, int y) {
+        return (parts * x + (4 - parts) * y) / 4;
+    };
+    return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
+void setTextColor(QWidget* widget, const QColor& color)
+{
+    QPalette palette; // sets this role alone; the others go on following the theme
+    palette.setColor(QPalette::All, QPalette::WindowText, color);
+    widget->setPalette(palette);
+}
+
+} // namespace
+
+SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* model,
+                       QWidget* parent)
+    : QWidget(parent)
+    , m_node(node)
+    , m_info(info)
+    , m_model(model)
+    , m_generation(model->generation())
+    , m_protectedType(!node->isEditableType())
+{
+    m_info.label = shownName(info.label, node->key);
+    createLabels();
+    createEditor();
+    createRevertButton();
+    layOut();
+    setAccessibleName(abbreviated(m_info.label, labelLimit));
+    setToolTip(asToolTip(withoutMiddle(node->path(), labelLimit) +
+                         (info.documented ? QString() : tr("\n(not documented by PixInsight)"))));
+    setMayBeTabStop(*this); // while no control in it can be used
+    updateFonts();
+    updateColors();
+    refresh();
+}
+
+void SettingRow::createLabels()
+{
+    const QString name = asCaption(abbreviated(m_info.label, labelLimit)); // it has a buddy
+    m_nameLabel = createLabel(name, u"nameLabel"_s, this);
+    m_nameLabel->setAlignment(Qt::AlignLeading | Qt::AlignTop);
+    m_pathLabel = createLabel({}, u"pathLabel"_s, this);
+    m_pathLabel->hide();
+    m_descriptionLabel = createLabel(m_info.description, u"descriptionLabel"_s, this);
+    m_descriptionLabel->setVisible(!m_info.description.isEmpty());
+}
+
+void SettingRow::createEditor()
+{
+    m_editor = ValueEditor::create(m_info, abbreviated(m_info.label, labelLimit), this);
+    m_editor->setObjectName(u"editorHost"_s);
+    m_editor->setMinimumWidth(240);
+    m_editor->setMaximumWidth(460);
+    m_editor->control()->installEventFilter(this);
+    m_nameLabel->setBuddy(m_editor->control());
+    connect(m_editor, &ValueEditor::entered, this, &SettingRow::commit);
+    connect(m_editor, &ValueEditor::cancelled, this, &SettingRow::refresh);
+}
+
+void SettingRow::createRevertButton()
+{
+    m_revertButton = new QToolButton(this);
+    m_revertButton->setObjectName(u"revertButton"_s);
+    m_revertButton->setText(u"\u21BA"_s);
+    m_revertButton->setAutoRaise(true);
+    m_revertButton->setAccessibleName(tr("Revert %1").arg(abbreviated(m_info.label, labelLimit)));
+    connect(m_revertButton, &QToolButton::clicked, this, &SettingRow::revert);
+}
+
+void SettingRow::layOut()
+{
+    m_texts = new QVBoxLayout;
+    m_texts->setSpacing(2);
+    m_texts->addWidget(m_nameLabel);
+    m_texts->addWidget(m_pathLabel);
+    m_texts->addWidget(m_descriptionLabel);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(10, 6, 10, 6);
+    layout->setSpacing(12);
+    layout->addLayout(m_texts, 3);
+    layout->addWidget(m_editor, 2, Qt::AlignTop);
+    layout->addWidget(m_revertButton, 0, Qt::AlignTop);
+}
+
+void SettingRow::setReadOnly(bool readOnly)
+{
+    m_rowReadOnly = readOnly;
+    refresh();
+}
+
+void SettingRow::setShowPath(bool showPath)
+{
+    QStringList groups = m_node->path().split(u'/');
+    groups.removeLast();
+    m_pathLabel->setText(withoutMiddle(groups.join(u" \u203A "_s), labelLimit));
+    m_pathLabel->setVisible(showPath && !m_pathLabel->text().isEmpty());
+    refreshDescription(m_node->isModified());
+}
+
+bool SettingRow::matches(const QString& text) const
+{
+    const auto holds = [&text](const QString& whole) {
+        return whole.contains(text, Qt::CaseInsensitive);
+    };
+    return text.isEmpty() || holds(m_info.label) || holds(m_node->key) ||
+           holds(m_info.description) ||
+           (m_node->typeCode == XsdtValueType::String && holds(m_node->value));
+}
+
+/// The row's dialog, its signals and its deferred deletion may outlast the node.
+bool SettingRow::isOutdated() const
+{
+    return m_model->generation() != m_generation;
+}
+
+void SettingRow::commit(const QString& text)
+{
+    if (isOutdated()) {
+        return;
+    }
+    const QPointer<SettingRow> self(this); // a page may drop the row on a change
+    if (m_model->isReadOnly()) {           // PixInsight started beneath a dialog of the row
+        emit rejected(tr("PixInsight is running; nothing can be changed."));
+    } else if (const QString fault = m_editor->faultOf(text); !fault.isEmpty()) {
+        emit rejected(fault);
+    } else {
+        m_model->setValue(m_node, text);
+    }
+    if (self) {
+        refresh();
+    }
+}
+
+void SettingRow::revert()
+{
+    if (isOutdated()) {
+        return;
+    }
+    const QPointer<SettingRow> self(this);
+    if (m_revertButton->hasFocus()) { // about to be disabled; Qt would give it to the next row
+        m_editor->control()->setFocus();
+    }
+    m_model->revertValue(m_node);
+    if (self) {
+        refresh();
+    }
+}
+
+void SettingRow::refresh()
+{
+    if (isOutdated()) {
+        return;
+    }
+    m_editor->setValue(*m_node);
+    const bool isChanged = m_node->isModified();
+    QFont font = m_nameLabel->font();
+    font.setWeight(isChanged ? QFont::Bold : QFont::Normal);
+    font.setStrikeOut(m_node->isInsideDeletion());
+    m_nameLabel->setFont(font);
+    QPalette palette; // sets no role
+    if (isChanged) {
+        palette.setColor(QPalette::Window, QColor(255, 190, 0, 55));
+    }
+    setPalette(palette);
+    setAutoFillBackground(isChanged);
+    refreshRevertButton(isChanged);
+    refreshEditor();
+    refreshDescription(isChanged);
+}
+
+void SettingRow::refreshRevertButton(bool isChanged)
+{
+    m_revertButton->setEnabled(isChanged && !m_rowReadOnly && !m_node->isInsideDeletion());
+    m_revertButton->setToolTip(
+        isChanged
+            ? asToolTip(
+                  tr("Revert to the value on disk: %1").arg(firstCharacters(m_node->original, 80)))
+            : tr("Unchanged"));
+}
+
+void SettingRow::refreshEditor()
+{
+    const bool isLocked = m_model->isLocked(m_node);
+    const bool isEditable = !m_rowReadOnly && !m_info.readOnly && !m_protectedType &&
+                            !m_node->isInsideDeletion() && !isLocked;
+    // A row without a control in use takes the focus itself, so that the keyboard reaches its menu.
+    setFocusPolicy(isEditable || m_revertButton->isEnabled() ? Qt::NoFocus : Qt::TabFocus);
+    if (!isEditable && m_editor->isAncestorOf(window()->focusWidget())) {
+        setFocus();
+    }
+    m_editor->setEnabled(isEditable);
+    if (m_info.readOnly) {
+        m_editor->setToolTip(tr("Documented by PixInsight as read-only or write-only."));
+    } else if (m_protectedType) {
+        m_editor->setToolTip(tr("Protected value type: shown for reference only."));
+    } else if (isLocked) {
+        m_editor->setToolTip(tr("Module registry and version records are locked against editing."));
+    }
+    if (const QString hint = m_editor->storedTextHint(); !hint.isEmpty()) {
+        const QString text = isEditable ? hint : hint + u'\n' + m_editor->toolTip();
+        m_editor->control()->setToolTip(asToolTip(text.trimmed()));
+    }
+}
+
+/// Has a screen reader tell what is seen beside the editor, and how.
+void SettingRow::refreshDescription(bool isChanged)
+{
+    QStringList parts;
+    const QString unspoken = m_editor->unspokenText();
+    if (!m_editor->isEnabled() || !unspoken.isEmpty()) { // otherwise the editor itself tells
+        parts << displayValue(*m_node, unspoken.isEmpty() ? m_node->value : unspoken, 200);
+    }
+    if (m_editor->isEnabled()) {
+        parts << m_editor->storedTextHint();
+    }
+    if (isChanged) {
+        parts << tr("Changed; on disk: %1").arg(firstCharacters(m_node->original, 80));
+    }
+    if (m_node->isInsideDeletion()) {
+        parts << tr("Marked for deletion");
+    }
+    if (!m_editor->isEnabled()) {
+        parts << m_editor->toolTip();
+    }
+    if (!m_pathLabel->isHidden()) {
+        parts << m_pathLabel->text();
+    }
+    parts << m_info.description;
+    parts.removeAll(QString());
+    const QString text = parts.join(u'\n');
+    setAccessibleDescription(text);
+    m_editor->control()->setAccessibleDescription(text);
+}
+
+void SettingRow::updateFonts()
+{
+    // From the row's own font, which nothing here sets, so that a new text size comes through.
+    QFont name = font();
+    name.setWeight(m_nameLabel->font().weight());
+    name.setStrikeOut(m_nameLabel->font().strikeOut());
+    m_nameLabel->setFont(name);
+    QFont secondary = font();
+    secondary.setPointSizeF(0.9 * QApplication::font().pointSizeF());
+    m_pathLabel->setFont(secondary);
+    m_descriptionLabel->setFont(secondary);
+    // The name's first line stands on that of the editor.
+    const int spare = m_editor->sizeHint().height() - QFontMetrics(name).height();
+    m_texts->setContentsMargins(0, qMax(0, spare / 2), 0, 0);
+}
+
+void SettingRow::updateColors()
+{
+    // The application's palette, since the row's own has another background while it is changed.
+    const QPalette palette = QApplication::palette();
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    setTextColor(m_descriptionLabel, mixed(text, window, 3));
+    setTextColor(m_pathLabel, mixed(text, window, 2));
+    // Editors take their outline from the window's colour, which is the row's amber otherwise.
+    QPalette editors;
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        editors.setBrush(group, QPalette::Window, palette.brush(group, QPalette::Window));
+    }
+    m_editor->setPalette(editors);
+    m_revertButton->setPalette(editors);
+}
+
+void SettingRow::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    QColor line = palette().color(QPalette::WindowText);
+    line.setAlpha(30);
+    QPainter painter(this);
+    painter.setPen(line);
+    painter.drawLine(rect().bottomLeft(), rect().bottomRight());
+    if (hasFocus()) { // the style's own frame would tint the amber of a changed row
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+}
+
+bool SettingRow::eventFilter(QObject* watched, QEvent* event)
+{
+    // The menu key on an editor asks for the row's menu; its own opens with the mouse.
+    if (event->type() == QEvent::ContextMenu) {
+        const auto* request = static_cast<QContextMenuEvent*>(event);
+        if (request->reason() == QContextMenuEvent::Keyboard) {
+            emit menuRequested(m_node, request->globalPos());
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void SettingRow::contextMenuEvent(QContextMenuEvent* event)
+{
+    emit menuRequested(m_node, event->globalPos());
+    event->accept();
+}
+
+void SettingRow::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    switch (event->type()) {
+    case QEvent::ApplicationFontChange:
+    case QEvent::FontChange:
+        updateFonts();
+        break;
+    case QEvent::ApplicationPaletteChange:
+    case QEvent::PaletteChange:
+        updateColors();
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace kse

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "views/rows/SettingRowSet.h"
+
+#include "document/XsdtNode.h"
+#include "schema/SettingsSchema.h"
+#include "views/model/SettingsModel.h"
+#include "views/rows/NodeContextMenu.h"
+#include "views/rows/SettingRow.h"
+
+#include <QWidget>
+
+namespace kse {
+
+SettingRowSet::SettingRowSet(SettingsModel* model, const SettingsSchema* schema, QWidget* page,
+                             Reveal reveal)
+    : QObject(page)
+    , m_model(model)
+    , m_schema(schema)
+    , m_page(page)
+    , m_reveal(reveal)
+{
+    connect(model, &SettingsModel::dataChanged, this, &SettingRowSet::onDataChanged);
+    connect(model, &SettingsModel::modelReset, this, &SettingRowSet::refreshAll);
+    connect(model, &SettingsModel::edited, this, &SettingRowSet::refreshDeepRows);
+}
+
+SettingRow* SettingRowSet::add(XsdtNode* node, QWidget* parent)
+{
+    auto* row = new SettingRow(node, m_schema->describe(*node), m_model, parent);
+    if (m_readOnly) {
+        row->setReadOnly(true);
+    }
+    connect(row, &SettingRow::rejected, this, &SettingRowSet::message);
+    connect(row, &SettingRow::menuRequested, this, &SettingRowSet::showMenu);
+    m_rows.insert(node, row);
+    return row;
+}
+
+void SettingRowSet::clear()
+{
+    // The rows may outlive this call by a turn of the event loop, but not their nodes.
+    for (SettingRow* row : std::as_const(m_rows)) {
+        row->disconnect(this);
+    }
+    m_rows.clear();
+}
+
+void SettingRowSet::setReadOnly(bool readOnly)
+{
+    // The poll calls this every few seconds: a refresh would take what is being typed.
+    if (readOnly == m_readOnly) {
+        return;
+    }
+    m_readOnly = readOnly;
+    for (SettingRow* row : std::as_const(m_rows)) {
+        row->setReadOnly(readOnly);
+    }
+}
+
+void SettingRowSet::showMenu(XsdtNode* node, const QPoint& globalPos)
+{
+    NodeMenuCallbacks callbacks;
+    callbacks.deleteNode = [this](XsdtNode* target) {
+        emit deleteRequested(target);
+    };
+    callbacks.undoDeletion = [this](XsdtNode* target) {
+        emit restoreRequested(target);
+    };
+    if (m_reveal == Reveal::Offered) {
+        callbacks.reveal = [this](XsdtNode* target) {
+            emit revealRequested(target);
+        };
+    }
+    showNodeContextMenu(m_page, m_model, node, globalPos, m_readOnly, callbacks);
+}
+
+void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+{
+    if (m_rows.isEmpty()) {
+        return;
+    }
+    const XsdtNode* parent = m_model->nodeForIndex(topLeft.parent());
+    const int first = topLeft.row();
+    const int last = bottomRight.row();
+    // Whichever is fewer: the rows held here, or those of the model that changed.
+    if (last - first >= m_rows.size()) {
+        for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
+            const XsdtNode* node = row.key();
+            if (node->parent == parent && node->rowInParent() >= first &&
+                node->rowInParent() <= last) {
+                row.value()->refresh();
+            }
+        }
+        return;
+    }
+    for (int i = first; i <= last; ++i) {
+        const XsdtNode* node = parent->children[static_cast<std::size_t>(i)].get();
+        for (auto row = m_rows.constFind(node); row != m_rows.cend() && row.key() == node; ++row) {
+            row.value()->refresh();
+        }
+    }
+}
+
+/// Nodes deeper than the model shows have no index that it could name in `dataChanged`.
+void SettingRowSet::refreshDeepRows()
+{
+    for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
+        if (row.key()->depth > SettingsModel::maximumDepth) {
+            row.value()->refresh();
+        }
+    }
+}
+
+void SettingRowSet::refreshAll()
+{
+    for (SettingRow* row : std::as_const(m_rows)) {
+        row->refresh();
+    }
+}
+
+} // namespace kse

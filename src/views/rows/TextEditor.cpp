@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "views/rows/TextEditor.h"
+
+#include "document/XsdtNode.h"
+#include "schema/SettingsSchema.h"
+#include "views/model/SettingsModel.h"
+#include "views/rows/ValueEditor.h"
+#include "widgets/FileTextEdit.h"
+#include "widgets/PlainText.h"
+
+#include <QFileDialog>
+#include <QLayout>
+#include <QLineEdit>
+#include <QLocale>
+#include <QPointer>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+class TextEditor : public ValueEditor
+{
+public:
+    TextEditor(const QString& name, QWidget* parent)
+        : ValueEditor(parent)
+    {
+        setControl(m_edit, u"lineEdit"_s, name);
+        cancelOnEscape();
+        connect(m_edit, &QLineEdit::editingFinished, this, [this] {
+            if (!m_edit->isReadOnly() && m_edit->text() != m_stored) {
+                emit entered(m_edit->text());
+            }
+        });
+    }
+
+protected:
+    bool showValue(const XsdtNode& node) override
+    {
+        m_stored = node.value;
+        if (node.isEditableType()) {
+            showFileText(*m_edit, m_stored);
+        } else {
+            showFileText(*m_edit, displayValue(node, m_stored, m_stored.size()));
+            m_edit->setReadOnly(true);
+        }
+        m_edit->setCursorPosition(0);
+        return true;
+    }
+
+    const QString& stored() const { return m_stored; }
+
+private:
+    QLineEdit* m_edit = new QLineEdit(this);
+    QString m_stored;
+};
+
+class RealEditor : public TextEditor
+{
+public:
+    RealEditor(const VariableInfo& info, const QString& name, QWidget* parent)
+        : TextEditor(name, parent)
+        , m_info(info)
+    {
+    }
+
+    QString faultOf(const QString& text) const override
+    {
+        bool isNumber = false;
+        const double number = text.trimmed().toDouble(&isNumber);
+        if (!m_info.hasRange || !isNumber || !(number < m_info.min || number > m_info.max)) {
+            return {};
+        }
+        // With all digits: 1.0000001 isn't 1, which would be within 0 to 1.
+        const auto shown = [](double value) {
+            return QString::number(value, 'g', QLocale::FloatingPointShortest);
+        };
+        return tr("%1: %2 is outside the allowed range %3 to %4")
+            .arg(abbreviated(m_info.label, 200), shown(number), shown(m_info.min),
+                 shown(m_info.max));
+    }
+
+private:
+    VariableInfo m_info;
+};
+
+class PathEditor : public TextEditor
+{
+public:
+    PathEditor(const VariableInfo& info, const QString& name, QWidget* parent)
+        : TextEditor(name, parent)
+        , m_info(info)
+    {
+        auto* button = new QToolButton(this);
+        button->setObjectName(u"browseButton"_s);
+        button->setText(u"\u2026"_s);
+        button->setToolTip(isFolder() ? tr("Choose a folder") : tr("Choose a file"));
+        button->setAccessibleName(tr("Browse for %1").arg(name));
+        layout()->addWidget(button);
+        connect(button, &QToolButton::clicked, this, [this] { browse(); });
+    }
+
+private:
+    bool isFolder() const { return m_info.kind == VariableKind::Directory; }
+
+    void browse()
+    {
+        const QPointer<ValueEditor> self(this); // the dialog may outlive the row
+        // In a window's title "[*]" is a placeholder.
+        const QString caption = abbreviated(m_info.label, 200).replace("[*]"_L1, "[*][*]"_L1);
+        const QString path = isFolder()
+                                 ? QFileDialog::getExistingDirectory(window(), caption, stored(),
+                                                                     QFileDialog::ShowDirsOnly)
+                                 : QFileDialog::getOpenFileName(window(), caption, stored());
+        if (self && !path.isEmpty()) {
+            emit entered(path);
+        }
+    }
+
+    VariableInfo m_info;
+};
+
+} // namespace
+
+ValueEditor* createTextEditor(const VariableInfo& info, const QString& name, QWidget* parent)
+{
+    switch (info.kind) {
+    case VariableKind::Real:
+        return new RealEditor(info, name, parent);
+    case VariableKind::FilePath:
+    case VariableKind::Directory:
+        return new PathEditor(info, name, parent);
+    default:
+        return new TextEditor(name, parent);
+    }
+}
+
+} // namespace kse

@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: MIT
+#include "views/search/SearchIndex.h"
+
+#include "document/LowerCasePath.h"
+#include "document/ShortPath.h"
+#include "document/TextOrder.h"
+#include "document/TreeWalk.h"
+#include "document/XsdtDocument.h"
+#include "document/XsdtValueType.h"
+#include "schema/PrettyName.h"
+#include "schema/SettingsSchema.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QStringMatcher>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+/// One word to look for. The matchers are made once, not for every text.
+struct Term
+{
+    explicit Term(const QString& word)
+        : text(word)
+        , exact(word)
+        , anyCase(word, Qt::CaseInsensitive)
+    {
+    }
+
+    int count = 1; ///< How often the query holds it: it earns its points each time.
+    QString text;
+    QStringMatcher exact;
+    QStringMatcher anyCase;
+};
+
+struct Hit
+{
+    qsizetype place; ///< In the index.
+    int score;
+};
+
+/// Tells how well an entry matches a query.
+class Scorer
+{
+public:
+    explicit Scorer(const SearchQuery& query)
+        : m_query(query)
+    {
+        // A pasted text of thousands of words has few different ones.
+        QHash<QString, size_t> places;
+        for (const QString& word : query.terms) {
+            const auto known = places.constFind(word);
+            if (known != places.cend()) {
+                ++m_terms[*known].count;
+            } else {
+                places.insert(word, m_terms.size());
+                m_terms.emplace_back(word);
+            }
+        }
+    }
+
+    /// The sum over all terms; -1 if one of them doesn't match.
+    int score(const SearchIndexEntry& entry)
+    {
+        int sum = 0;
+        for (const Term& term : m_terms) {
+            const int points = termScore(entry, term);
+            if (points == 0) {
+                return -1;
+            }
+            sum += term.count * points;
+        }
+        return sum;
+    }
+
+private:
+    int termScore(const SearchIndexEntry& entry, const Term& term)
+    {
+        if (m_query.names && term.exact.indexIn(entry.haystack) >= 0) {
+            return nameScore(entry, term);
+        }
+        const XsdtNode& node = *entry.node;
+        const bool elsewhere =
+            (m_query.descriptions && term.exact.indexIn(entry.description) >= 0) ||
+            (m_query.values && node.typeCode != XsdtValueType::Block &&
+             term.anyCase.indexIn(node.value) >= 0);
+        return elsewhere ? 1 : 0;
+    }
+
+    int nameScore(const SearchIndexEntry& entry, const Term& term)
+    {
+        m_key.truncate(0);
+        appendLowerCase(m_key, entry.node->key);
+        if (m_key == term.text) {
+            return 10;
+        }
+        if (m_key.startsWith(term.text)) {
+            return 6;
+        }
+        if (term.exact.indexIn(m_key) >= 0) {
+            return 4;
+        }
+        return term.anyCase.indexIn(entry.label) >= 0 ? 3 : 2;
+    }
+
+    const SearchQuery& m_query;
+    std::vector<Term> m_terms;
+    QString m_key; ///< Kept for its memory.
+};
+
+/// Tells what is inside a deletion, and climbs from no group twice.
+class Deletions
+{
+public:
+    bool hold(const XsdtNode& node)
+    {
+        m_climbed.clear();
+        bool inside = node.markedForDeletion;
+        for (const XsdtNode* group = node.parent; group && !inside; group = group->parent) {
+            const auto known = m_groups.constFind(group);
+            if (known != m_groups.cend()) {
+                inside = *known;
+                break;
+            }
+            m_climbed.push_back(group);
+            inside = group->markedForDeletion;
+        }
+        for (const XsdtNode* group : m_climbed) {
+            m_groups.insert(group, inside);
+        }
+        return inside;
+    }
+
+private:
+    QHash<const XsdtNode*, bool> m_groups;
+    std::vector<const XsdtNode*> m_climbed; ///< Kept for its memory.
+};
+
+bool isWanted(XsdtNode* node, const SearchQuery& query, Deletions& deletions)
+{
+    if (query.restriction ? !query.restriction->contains(node)
+                          : !query.includeProtected && !node->isEditableType()) {
+        return false;
+    }
+    return !query.changedOnly || node->isModified() || deletions.hold(*node);
+}
+
+bool isAscii(const QString& text)
+{
+    // Without an early exit, so that the compiler takes many at once.
+    char16_t bits = 0;
+    for (const QChar unit : text) {
+        bits |= unit.unicode();
+    }
+    return bits < 0x80;
+}
+
+/// The places of `hits`, which are in file order, in the order of their paths.
+QList<qsizetype> orderByPath(const QList<SearchIndexEntry>& index, const std::vector<Hit>& hits)
+{
+    QList<QStringView> paths;
+    paths.reserve(static_cast<qsizetype>(hits.size()));
+    QStringList built; // keeps alive what the views point to
+    for (const Hit& hit : hits) {
+        const SearchIndexEntry& entry = index[hit.place];
+        // In ASCII, lower case is as good as the path itself, and tells where the label begins.
+        if (isAscii(entry.haystack)) {
+            paths.append(QStringView(entry.haystack).chopped(entry.label.size() + 1));
+        } else if (entry.node->depth > deepestWholePath) {
+            paths.append(entry.haystack);
+        } else {
+            built.append(entry.node->path());
+            paths.append(built.constLast());
+        }
+    }
+    return orderIgnoringCase(paths);
+}
+
+} // namespace
+
+QStringList searchTerms(const QString& text)
+{
+    static const QRegularExpression word(u"\"([^\"]+)\"|(\\S+)"_s);
+    QStringList terms;
+    for (const QRegularExpressionMatch& match : word.globalMatch(text)) {
+        const QString phrase = match.captured(1);
+        terms.append((phrase.isEmpty() ? match.captured(2) : phrase).toLower());
+    }
+    return terms;
+}
+
+QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const SettingsSchema& schema)
+{
+    QList<SearchIndexEntry> index;
+    LowerCasePath path(document.root);
+    walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
+        QStringView here = path.moveTo(node);
+        if (node.kind != XsdtNode::Kind::Value) {
+            return Walk::Into;
+        }
+        SearchIndexEntry entry{&node, {}, {}, {}};
+        if (node.depth > deepestWholePath) {
+            here = here.last(std::min(here.size(), shortPathLength));
+            entry.label = prettyName(node.key);
+        } else {
+            const VariableInfo info = schema.describe(node);
+            entry.label = info.label;
+            entry.description = info.description.toLower();
+        }
+        entry.haystack.reserve(here.size() + 1 + entry.label.size());
+        entry.haystack += here;
+        entry.haystack += u' ';
+        appendLowerCase(entry.haystack, entry.label);
+        index.append(std::move(entry));
+        return Walk::Over;
+    });
+    return index;
+}
+
+QList<qsizetype> search(const QList<SearchIndexEntry>& index, const SearchQuery& query)
+{
+    Scorer scorer(query);
+    Deletions deletions;
+    std::vector<Hit> hits;
+    for (qsizetype i = 0; i < index.size(); ++i) {
+        if (isWanted(index[i].node, query, deletions)) {
+            const int score = scorer.score(index[i]);
+            if (score >= 0) {
+                hits.push_back({i, score});
+            }
+        }
+    }
+
+    std::map<int, QList<qsizetype>, std::greater<>> placesByScore;
+    for (const qsizetype i : orderByPath(index, hits)) {
+        const Hit& hit = hits[static_cast<size_t>(i)];
+        placesByScore[hit.score].append(hit.place);
+    }
+    QList<qsizetype> places;
+    for (const auto& [score, equals] : placesByScore) {
+        places.append(equals);
+    }
+    return places;
+}
+
+} // namespace kse

@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+#include "views/search/SearchView.h"
+
+#include "document/XsdtNode.h"
+#include "views/rows/SettingRow.h"
+#include "views/rows/SettingRowSet.h"
+#include "widgets/PlainText.h"
+#include "widgets/WidgetColumn.h"
+#include "widgets/WrappedLabel.h"
+#include "widgets/WrappingRow.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype rowStep = 100;
+constexpr qsizetype bannerLimit = 2000;
+
+} // namespace
+
+SearchView::SearchView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent)
+    : QWidget(parent)
+    , m_schema(schema)
+    , m_limit(rowStep)
+    , m_rowSet(new SettingRowSet(model, schema, this))
+{
+    m_debounce.setSingleShot(true);
+    m_debounce.setInterval(200);
+    createBanner();
+    createQuery();
+    m_summaryLabel = new WrappedLabel({}, Qt::PlainText, this);
+    m_summaryLabel->setObjectName(u"summaryLabel"_s);
+    m_resultsArea = new WidgetColumn(0, this);
+    m_resultsArea->setAccessibleName(tr("Settings found"));
+    m_resultsArea->widget()->setObjectName(u"resultsContainer"_s);
+    layOut();
+    connectWidgets();
+}
+
+void SearchView::createBanner()
+{
+    m_banner = new QWidget(this);
+    m_banner->setObjectName(u"banner"_s);
+    m_bannerLabel = new WrappedLabel({}, Qt::PlainText, m_banner);
+    m_bannerLabel->setObjectName(u"bannerLabel"_s);
+    m_bannerLabel->setMargin(6);
+    m_bannerLabel->setAutoFillBackground(true);
+    QPalette palette; // sets this role alone; the others go on following the theme
+    palette.setColor(QPalette::All, QPalette::Window, QColor(80, 160, 255, 70));
+    m_bannerLabel->setPalette(palette);
+    auto* clearFilter = new QPushButton(tr("Clear filter"), m_banner);
+    clearFilter->setObjectName(u"clearFilterButton"_s);
+    connect(clearFilter, &QPushButton::clicked, this, &SearchView::clearRestriction);
+    auto* layout = new QHBoxLayout(m_banner);
+    layout->setContentsMargins({});
+    layout->addWidget(m_bannerLabel, 1);
+    layout->addWidget(clearFilter);
+    m_banner->hide();
+}
+
+void SearchView::createQuery()
+{
+    m_queryEdit = new QLineEdit(this);
+    m_queryEdit->setObjectName(u"queryEdit"_s);
+    m_queryEdit->setPlaceholderText(tr("Search all settings: names, values, descriptions  (every "
+                                       "word must match; \"quotes\" for a phrase)"));
+    m_queryEdit->setAccessibleName(tr("Search all settings"));
+    m_queryEdit->setClearButtonEnabled(true);
+    m_searchNames = createBox(tr("Names and paths"), u"searchNames"_s, true);
+    m_searchValues = createBox(tr("Values"), u"searchValues"_s, true);
+    m_searchDescriptions = createBox(tr("Descriptions"), u"searchDescriptions"_s, true);
+    m_changedOnly = createBox(tr("Changed only"), u"changedOnly"_s, false);
+    m_includeProtected = createBox(tr("Include protected values"), u"includeProtected"_s, false);
+    m_includeProtected->setToolTip(
+        tr("Time and Block values: shown for reference, never editable."));
+}
+
+QCheckBox* SearchView::createBox(const QString& text, const QString& name, bool checked)
+{
+    auto* box = new QCheckBox(text, this);
+    box->setObjectName(name);
+    box->setChecked(checked);
+    connect(box, &QCheckBox::toggled, this, &SearchView::onQueryChanged);
+    return box;
+}
+
+void SearchView::layOut()
+{
+    auto* boxes = new WrappingRow;
+    for (QCheckBox* box :
+         {m_searchNames, m_searchValues, m_searchDescriptions, m_changedOnly, m_includeProtected}) {
+        boxes->addWidget(box);
+    }
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->addWidget(m_banner);
+    layout->addWidget(m_queryEdit);
+    layout->addLayout(boxes);
+    layout->addWidget(m_summaryLabel);
+    layout->addWidget(m_resultsArea, 1);
+}
+
+void SearchView::connectWidgets()
+{
+    connect(m_queryEdit, &QLineEdit::textChanged, this, &SearchView::onQueryChanged);
+    connect(&m_debounce, &QTimer::timeout, this, &SearchView::populate);
+    connect(m_resultsArea, &WidgetColumn::moreRequested, this, &SearchView::onShowMore);
+    connect(m_rowSet, &SettingRowSet::message, this, &SearchView::message);
+    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &SearchView::deleteRequested);
+    connect(m_rowSet, &SettingRowSet::restoreRequested, this, &SearchView::restoreRequested);
+    connect(m_rowSet, &SettingRowSet::revealRequested, this, &SearchView::revealRequested);
+}
+
+void SearchView::setDocument(const XsdtDocument* document)
+{
+    clearRows();
+    m_results.clear();
+    m_index.clear();
+    m_indexBuilt = false;
+    dropRestriction();
+    m_document = document;
+    m_limit = rowStep;
+    if (document) {
+        populate();
+    } else {
+        m_summaryLabel->clear();
+    }
+}
+
+void SearchView::setReadOnly(bool readOnly)
+{
+    m_rowSet->setReadOnly(readOnly);
+}
+
+void SearchView::setQuery(const QString& text)
+{
+    m_queryEdit->setText(text);
+    populate();
+}
+
+void SearchView::searchEverywhere(const QString& text)
+{
+    dropRestriction();
+    for (QCheckBox* scope : {m_searchNames, m_searchValues, m_searchDescriptions}) {
+        scope->setChecked(true);
+    }
+    m_changedOnly->setChecked(false);
+    setQuery(text);
+}
+
+void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& bannerText)
+{
+    m_restriction = QSet<XsdtNode*>(nodes.begin(), nodes.end());
+    m_restricted = true;
+    m_bannerLabel->setText(withoutMiddle(bannerText, bannerLimit));
+    m_banner->show();
+    {
+        const QSignalBlocker query(m_queryEdit);
+        const QSignalBlocker changed(m_changedOnly);
+        const QSignalBlocker includeProtected(m_includeProtected);
+        m_queryEdit->clear();
+        m_changedOnly->setChecked(false);
+        m_includeProtected->setChecked(false);
+    }
+    m_queryEdit->setClearButtonEnabled(false); // it goes by the signal that was blocked
+    m_queryEdit->setClearButtonEnabled(true);
+    m_limit = rowStep;
+    populate();
+}
+
+void SearchView::clearRestriction()
+{
+    if (m_restricted) {
+        dropRestriction();
+        populate();
+    }
+}
+
+void SearchView::dropRestriction()
+{
+    m_restriction.clear();
+    m_restricted = false;
+    m_banner->hide();
+}
+
+void SearchView::focusQuery()
+{
+    m_queryEdit->setFocus();
+    m_queryEdit->selectAll();
+}
+
+void SearchView::onQueryChanged()
+{
+    m_limit = rowStep;
+    m_debounce.start();
+}
+
+void SearchView::onShowMore()
+{
+    m_limit += rowStep;
+    addRows();
+}
+
+void SearchView::populate()
+{
+    m_debounce.stop();
+    m_results.clear();
+    clearRows();
+    if (!m_document) {
+        return;
+    }
+    const SearchQuery wanted = query();
+    if (wanted.terms.isEmpty() && !wanted.changedOnly && !m_restricted) {
+        m_summaryLabel->setText(tr("Type to search the names, values and descriptions of every "
+                                   "setting in the file."));
+        return;
+    }
+    if (!m_indexBuilt) {
+        m_index = buildSearchIndex(*m_document, *m_schema);
+        m_indexBuilt = true;
+    }
+    m_results = search(m_index, wanted);
+    m_resultsArea->verticalScrollBar()->setValue(0); // the best come first
+    addRows();
+}
+
+SearchQuery SearchView::query() const
+{
+    SearchQuery query;
+    query.terms = searchTerms(m_queryEdit->text());
+    query.names = m_searchNames->isChecked();
+    query.values = m_searchValues->isChecked();
+    query.descriptions = m_searchDescriptions->isChecked();
+    query.changedOnly = m_changedOnly->isChecked();
+    query.includeProtected = m_includeProtected->isChecked();
+    query.restriction = m_restricted ? &m_restriction : nullptr;
+    return query;
+}
+
+void SearchView::clearRows()
+{
+    m_resultsArea->clear();
+    m_rowSet->clear();
+    m_resultsArea->setMoreText({});
+}
+
+/// Shows what of the results is within the limit and has no row yet.
+void SearchView::addRows()
+{
+    const qsizetype total = m_results.size();
+    const qsizetype shown = qMin(total, m_limit);
+    QList<QWidget*> rows;
+    for (qsizetype i = m_resultsArea->count(); i < shown; ++i) {
+        SettingRow* row = m_rowSet->add(m_index[m_results[i]].node, m_resultsArea->widget());
+        row->setShowPath(true);
+        rows.append(row);
+    }
+    m_resultsArea->append(rows);
+    m_resultsArea->setMoreText(shown < total ? tr("Show more results (%1 more)").arg(total - shown)
+                                             : QString());
+    if (total == 0) {
+        m_summaryLabel->setText(tr("No matching settings."));
+    } else if (shown < total) {
+        m_summaryLabel->setText(
+            tr("%1 results, showing the best %2. Refine the search or show more.")
+                .arg(total)
+                .arg(shown));
+    } else {
+        m_summaryLabel->setText(tr("%n result(s)", nullptr, static_cast<int>(total)));
+    }
+}
+
+} // namespace kse

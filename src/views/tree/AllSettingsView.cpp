@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#include "views/tree/AllSettingsView.h"
+
+#include "document/TreeWalk.h"
+#include "document/XsdtDocument.h"
+#include "schema/DeletePolicy.h"
+#include "views/model/SettingsFilterProxy.h"
+#include "views/model/SettingsModel.h"
+#include "views/model/TreePosition.h"
+#include "views/model/ValueDelegate.h"
+#include "views/rows/NodeContextMenu.h"
+#include "views/tree/SettingsTree.h"
+#include "widgets/PlainText.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+AllSettingsView::AllSettingsView(SettingsModel* model, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_proxy(new SettingsFilterProxy(this))
+{
+    m_proxy->setSourceModel(m_model);
+    createFilter();
+    createTree();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    auto* filterRow = new QHBoxLayout;
+    filterRow->addWidget(m_treeFilter, 1);
+    filterRow->addWidget(m_changedOnly);
+    layout->addLayout(filterRow);
+    layout->addWidget(m_tree, 1);
+}
+
+void AllSettingsView::createFilter()
+{
+    m_treeFilter = new QLineEdit(this);
+    m_treeFilter->setObjectName("treeFilter"_L1);
+    m_treeFilter->setAccessibleName(tr("Filter"));
+    m_treeFilter->setClearButtonEnabled(true);
+    m_treeFilter->setPlaceholderText(
+        tr("Filter this tree by name or value (Ctrl+F searches everything)"));
+    connect(m_treeFilter, &QLineEdit::textChanged, this, &AllSettingsView::applyFilter);
+    m_changedOnly = new QCheckBox(tr("Changed only"), this);
+    m_changedOnly->setObjectName("changedOnly"_L1);
+    connect(m_changedOnly, &QCheckBox::toggled, this, &AllSettingsView::applyChangedOnly);
+}
+
+void AllSettingsView::createTree()
+{
+    m_tree = new SettingsTree(this);
+    m_tree->setObjectName("tree"_L1);
+    m_tree->setAccessibleName(tr("All settings"));
+    m_tree->setModel(m_proxy);
+    auto* delegate = new ValueDelegate(m_tree);
+    m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, delegate);
+    connect(delegate, &ValueDelegate::editedRowHidden, this, [this](const QString& key) {
+        emit message(tr("%1 doesn't match the filter any more, so it isn't shown.").arg(key));
+    });
+    m_tree->setUniformRowHeights(true);
+    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
+    m_tree->setAlternatingRowColors(true);
+    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                            QAbstractItemView::EditKeyPressed);
+    m_tree->header()->setStretchLastSection(false);
+    m_tree->header()->setSectionResizeMode(SettingsModel::SettingColumn, QHeaderView::Interactive);
+    m_tree->header()->setSectionResizeMode(SettingsModel::ValueColumn, QHeaderView::Stretch);
+    m_tree->header()->setSectionResizeMode(SettingsModel::TypeColumn,
+                                           QHeaderView::ResizeToContents);
+    m_tree->header()->resizeSection(SettingsModel::SettingColumn, 380);
+    connect(m_tree, &QTreeView::customContextMenuRequested, this,
+            &AllSettingsView::showContextMenu);
+    auto* deleteKey = new QShortcut(QKeySequence::Delete, m_tree);
+    deleteKey->setContext(Qt::WidgetShortcut);
+    connect(deleteKey, &QShortcut::activated, this, &AllSettingsView::deleteSelected);
+}
+
+QModelIndex AllSettingsView::indexFor(const XsdtNode* node) const
+{
+    return m_proxy->mapFromSource(m_model->indexForNode(node));
+}
+
+XsdtNode* AllSettingsView::nodeFor(const QModelIndex& index) const
+{
+    return index.isValid() ? m_model->nodeForIndex(m_proxy->mapToSource(index)) : nullptr;
+}
+
+void AllSettingsView::reveal(const XsdtNode* node)
+{
+    if (!node) {
+        return;
+    }
+    m_treeFilter->clear();
+    m_changedOnly->setChecked(false);
+    QModelIndex index;
+    for (; node->parent && !index.isValid(); node = node->parent) {
+        index = indexFor(node);
+    }
+    if (!index.isValid()) {
+        return;
+    }
+    for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) {
+        m_tree->expand(above);
+    }
+    m_tree->setCurrentIndex(index);
+    m_tree->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    m_tree->setFocus(); // so that a key edits or deletes it
+}
+
+void AllSettingsView::expandAll()
+{
+    m_tree->expandAll();
+}
+
+void AllSettingsView::resetExpansion()
+{
+    m_tree->collapseAll();
+    expandPreferences();
+}
+
+void AllSettingsView::expandPreferences()
+{
+    if (!m_model->document()) {
+        return;
+    }
+    QModelIndex index = indexFor(m_model->document()->root.findByPath(u"Global/Preferences"));
+    for (; index.isValid(); index = index.parent()) {
+        m_tree->expand(index);
+    }
+}
+
+void AllSettingsView::revertAll()
+{
+    const TreePosition position(*m_tree, *m_proxy);
+    const bool isFiltering = !m_proxy->filterText().isEmpty() || m_proxy->isChangedOnly();
+    const QList<const XsdtNode*> expanded =
+        isFiltering ? QList<const XsdtNode*>() : expandedGroups();
+    m_model->revertAll();
+    for (const XsdtNode* group : expanded) {
+        m_tree->expand(indexFor(group));
+    }
+    if (isFiltering) {
+        m_tree->expandAll();
+    }
+    position.restore();
+}
+
+/// The groups that stand open, also those inside closed ones.
+QList<const XsdtNode*> AllSettingsView::expandedGroups() const
+{
+    QList<const XsdtNode*> groups;
+    walkTree(std::as_const(m_model->document()->root), [&](const XsdtNode& node) {
+        if (!node.children.empty() && m_tree->isExpanded(indexFor(&node))) {
+            groups.append(&node);
+        }
+        return Walk::Into;
+    });
+    return groups;
+}
+
+void AllSettingsView::applyFilter(const QString& text)
+{
+    const TreePosition position(*m_tree, *m_proxy);
+    m_proxy->setFilterText(text);
+    if (text.trimmed().isEmpty()) {
+        resetExpansion();
+    } else {
+        m_tree->expandAll();
+    }
+    position.restore();
+}
+
+void AllSettingsView::applyChangedOnly(bool changedOnly)
+{
+    const TreePosition position(*m_tree, *m_proxy);
+    m_proxy->setChangedOnly(changedOnly);
+    if (changedOnly) {
+        m_tree->expandAll();
+    }
+    position.restore();
+}
+
+void AllSettingsView::deleteSelected()
+{
+    const QModelIndex index = m_tree->currentIndex();
+    XsdtNode* node = nodeFor(index);
+    if (node && m_tree->selectionModel()->isSelected(index)) {
+        emit deleteRequested(node);
+    }
+}
+
+void AllSettingsView::showContextMenu(const QPoint& pos)
+{
+    XsdtNode* node = nodeFor(m_tree->indexAt(pos));
+    if (!node) {
+        return;
+    }
+    const DeleteDecision decision = m_model->deletionDecision(node);
+    QMenu menu(this);
+    menu.setToolTipsVisible(true);
+    QAction* revert = menu.addAction(tr("Revert this value"));
+    revert->setEnabled(node->isModified() && !m_model->isReadOnly());
+    QAction* copyPath = menu.addAction(tr("Copy setting path"));
+    QAction* copyValue = menu.addAction(tr("Copy value"));
+    copyValue->setEnabled(node->kind == XsdtNode::Kind::Value);
+    menu.addSeparator();
+    QAction* remove = nullptr;
+    QAction* undo = nullptr;
+    QAction* why = nullptr;
+    if (node->markedForDeletion) {
+        undo = menu.addAction(tr("Undo deletion"));
+    } else if (node->isInsideDeletion()) {
+        menu.addAction(tr("Inside an entry marked for deletion"))->setEnabled(false);
+    } else if (decision.level == DeleteLevel::Never) {
+        why = menu.addAction(tr("Why can't this be deleted?"));
+    } else {
+        remove = menu.addAction(decision.level == DeleteLevel::Warn ? tr("Delete this entry...")
+                                                                    : tr("Delete this entry"));
+        remove->setToolTip(asToolTip(decision.reason));
+        remove->setEnabled(!m_model->isReadOnly());
+    }
+
+    const quint64 generation = m_model->generation();
+    const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
+    if (!chosen || m_model->generation() != generation) {
+        return;
+    }
+    if (chosen == revert && !m_model->isReadOnly()) { // PixInsight may have started meanwhile
+        m_model->revertValue(node);
+    } else if (chosen == copyPath) {
+        QGuiApplication::clipboard()->setText(node->path());
+    } else if (chosen == copyValue) {
+        QGuiApplication::clipboard()->setText(node->value);
+    } else if (chosen == remove) {
+        emit deleteRequested(node);
+    } else if (chosen == undo) {
+        emit restoreRequested(node);
+    } else if (chosen == why) {
+        showCannotDelete(this, node->path(), decision.reason);
+    }
+}
+
+} // namespace kse

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+#include "widgets/CollapsibleSection.h"
+
+#include "widgets/PlainText.h"
+#include "widgets/TabOrder.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolButton>
+#include <QToolTip>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr qsizetype titleLimit = 200;
+
+} // namespace
+
+/// Red where it is told so, as rows are that are queued for deletion.
+class CollapsibleSection::TitleButton : public QToolButton
+{
+public:
+    using QToolButton::QToolButton;
+
+    bool isRed = false;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QToolButton::paintEvent(event);
+        if (isRed) {
+            QPainter(this).fillRect(rect(), QColor(230, 60, 60, 60));
+        }
+    }
+};
+
+CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWidget* parent)
+    : QWidget(parent)
+    , m_toggleButton(new TitleButton(this))
+    , m_body(new QWidget(this))
+    , m_bodyLayout(new QVBoxLayout(m_body))
+    , m_startExpanded(expanded)
+{
+    m_toggleButton->setObjectName(u"toggleButton"_s);
+    m_toggleButton->setCheckable(true);
+    m_toggleButton->setAutoRaise(true);
+    m_toggleButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_toggleButton->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_toggleButton->setMinimumWidth(1); // a long title must not widen the page
+    QFont font; // sets the weight alone; the size goes on following the application's
+    font.setWeight(QFont::Bold);
+    m_toggleButton->setFont(font);
+    m_toggleButton->installEventFilter(this);
+    setTitle(title);
+
+    m_body->setObjectName(u"body"_s);
+    m_bodyLayout->setContentsMargins(18, 0, 0, 0);
+    m_bodyLayout->setSpacing(0);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_toggleButton);
+    layout->addWidget(m_body);
+
+    connect(m_toggleButton, &QToolButton::toggled, this, &CollapsibleSection::setExpanded);
+    setExpanded(expanded);
+}
+
+void CollapsibleSection::setTitle(const QString& title)
+{
+    m_title = title;
+    updateCaption();
+}
+
+void CollapsibleSection::setChangeCount(qsizetype count)
+{
+    if (count != m_changeCount) {
+        m_changeCount = count;
+        updateCaption();
+    }
+}
+
+void CollapsibleSection::updateCaption()
+{
+    const QString title = asCaption(abbreviated(m_title, titleLimit));
+    m_toggleButton->setText(
+        m_changeCount > 0 ? tr("%1   ● %2").arg(title, QString::number(m_changeCount)) : title);
+}
+
+void CollapsibleSection::setDeletion(Deletion deletion)
+{
+    if (deletion == m_deletion) {
+        return;
+    }
+    m_deletion = deletion;
+    QFont font;
+    font.setWeight(QFont::Bold);
+    font.setStrikeOut(deletion == Deletion::Whole);
+    m_toggleButton->setFont(font);
+    m_toggleButton->setAccessibleDescription(deletionText());
+    m_toggleButton->isRed = deletion != Deletion::None;
+    m_toggleButton->update();
+}
+
+int CollapsibleSection::titleHeight() const
+{
+    return m_toggleButton->sizeHint().height();
+}
+
+QString CollapsibleSection::deletionText() const
+{
+    switch (m_deletion) {
+    case Deletion::None:
+        break;
+    case Deletion::Within:
+        return tr("Something in it is queued for deletion.");
+    case Deletion::Whole:
+        return tr("All of it is queued for deletion.");
+    }
+    return {};
+}
+
+void CollapsibleSection::setExpanded(bool expanded)
+{
+    m_toggleButton->setChecked(expanded);
+    m_toggleButton->setArrowType(expanded ? Qt::DownArrow : Qt::RightArrow);
+    if (expanded) {
+        if (const auto build = std::exchange(m_lazyBuilder, nullptr)) {
+            build();
+            continueTabOrder(m_toggleButton, {m_body});
+        }
+    }
+    m_body->setVisible(expanded);
+}
+
+void CollapsibleSection::setLazyBuilder(std::function<void()> builder)
+{
+    m_lazyBuilder = std::move(builder);
+}
+
+void CollapsibleSection::setContextMenuHandler(std::function<void(const QPoint&)> handler)
+{
+    m_toggleButton->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_toggleButton, &QWidget::customContextMenuRequested, this,
+            [this, handler = std::move(handler)](const QPoint& pos) {
+                handler(m_toggleButton->mapToGlobal(pos));
+            });
+}
+
+bool CollapsibleSection::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::eventFilter(watched, event);
+    }
+    QStringList lines;
+    if (m_toggleButton->sizeHint().width() > m_toggleButton->width()) { // the title is cut off
+        lines.append(m_title);
+    }
+    if (m_deletion != Deletion::None) {
+        lines.append(deletionText());
+    }
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), asToolTip(lines.join(u'\n')),
+                       m_toggleButton);
+    return true;
+}
+
+} // namespace kse

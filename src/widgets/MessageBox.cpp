@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "widgets/MessageBox.h"
+
+#include "widgets/PlainText.h"
+
+#include <QCoreApplication>
+#include <QTextEdit>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+PlainMessageBox::PlainMessageBox(Icon icon, const QString& title, const QString& text,
+                                 StandardButtons buttons, QWidget* parent)
+    : QMessageBox(icon, title, withoutMiddle(text, popupLimit), buttons,
+                  parent ? parent->window() : nullptr)
+{
+    setTextFormat(Qt::PlainText);
+}
+
+void PlainMessageBox::setPlainInformativeText(const QString& text)
+{
+    // Unlike the text, the informative text is taken for markup whatever the format says.
+    setInformativeText(asToolTip(text));
+}
+
+void PlainMessageBox::setReachableDetails(const QString& text)
+{
+    setDetailedText(text);
+    if (auto* details = findChild<QTextEdit*>()) {
+        details->setFocusPolicy(Qt::StrongFocus);
+        details->setTabChangesFocus(true);
+        details->setAccessibleName(QCoreApplication::translate("PlainText", "Details"));
+    }
+}
+
+void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,
+                 const QString& informativeText)
+{
+    PlainMessageBox box(icon, title, text, QMessageBox::Ok, parent);
+    box.setPlainInformativeText(informativeText);
+    box.exec();
+}
+
+QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title, const QString& text,
+                                        QMessageBox::StandardButtons buttons,
+                                        QMessageBox::StandardButton defaultButton)
+{
+    PlainMessageBox box(QMessageBox::Question, title, text, buttons, parent);
+    box.setDefaultButton(defaultButton);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+} // namespace kse

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMessageBox>
+#include <QString>
+
+namespace kse {
+
+/// A message box whose texts are shown letter for letter, without the middle of a long one. It
+/// belongs to `parent`'s window. The caller may add to it before `exec`.
+class PlainMessageBox : public QMessageBox
+{
+public:
+    PlainMessageBox(Icon icon, const QString& title, const QString& text,
+                    StandardButtons buttons = Ok, QWidget* parent = nullptr);
+
+    void setPlainInformativeText(const QString& text);
+
+    /// Like `setDetailedText`, but the keyboard reaches and scrolls the text.
+    void setReachableDetails(const QString& text);
+};
+
+/// Shows the box with "OK" and waits for it.
+void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,
+                 const QString& informativeText = {});
+
+/// Asks with a question mark and waits; the button pressed, or the escape button.
+[[nodiscard]] QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title,
+                                                      const QString& text,
+                                                      QMessageBox::StandardButtons buttons,
+                                                      QMessageBox::StandardButton defaultButton);
+
+} // namespace kse

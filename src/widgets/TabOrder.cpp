@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "widgets/TabOrder.h"
+
+#include <QVariant>
+#include <QWidget>
+
+namespace kse {
+
+namespace {
+
+constexpr char mayBeTabStop[] = "mayBeTabStop";
+
+} // namespace
+
+void setMayBeTabStop(QWidget& widget)
+{
+    widget.setProperty(mayBeTabStop, true);
+}
+
+QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
+{
+    QList<QWidget*> stops;
+    for (QWidget* widget : widgets) {
+        for (QWidget* inside : QList{widget} + widget->findChildren<QWidget*>()) {
+            const bool isStop =
+                (inside->focusPolicy() & Qt::TabFocus) || inside->property(mayBeTabStop).toBool();
+            const bool isHere = inside->window() == before->window(); // no list that drops down
+            if (isStop && isHere && !inside->focusProxy()) {
+                stops.append(inside);
+            }
+        }
+    }
+    // Backwards, since Qt looks at every widget between one that it moves and the stop before that.
+    for (auto stop = stops.crbegin(); stop != stops.crend(); ++stop) {
+        const Qt::FocusPolicy policy = (*stop)->focusPolicy();
+        (*stop)->setFocusPolicy(Qt::TabFocus); // else Qt refuses to move it
+        QWidget::setTabOrder(before, *stop);
+        (*stop)->setFocusPolicy(policy);
+    }
+    return stops.isEmpty() ? before : stops.constLast();
+}
+
+void setEnabledOrPass(QWidget& widget, bool enabled, QWidget& heir)
+{
+    if (!enabled && widget.window()->focusWidget() == &widget) {
+        heir.setFocus();
+    }
+    widget.setEnabled(enabled);
+}
+
+} // namespace kse
