@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Tells which tests catch which planted faults.
+#   scripts/plant-faults.sh BUILD_FOLDER FAULT.diff...
+# Each diff plants one fault in src/. The tests of its folder run first, then all others until one
+# fails. A line is printed for each: the fault, and the test that caught it, or SURVIVED. The tree
+# must be clean, and is clean again afterwards.
+set -euo pipefail
+build=$(realpath "$1")
+shift
+mapfile -t faults < <(realpath "$@")
+cd "$(dirname "$0")/.."
+git diff --quiet || { echo "Commit or stash your changes first." >&2; exit 1; }
+trap 'git checkout --quiet -- src' EXIT
+
+alone=()
+if [[ $EUID -eq 0 ]]; then # other builds on this machine start processes that tests would see
+    alone=(unshare --pid --fork --mount-proc)
+fi
+
+# firstFailure NAME_PATTERN...: the first test that fails, if any; its programs are built before.
+firstFailure() {
+    local selection=("$@") programs
+    mapfile -t programs < <(ctest --test-dir "$build" -N "${selection[@]}" |
+        sed -n 's|^ *Test *#.*/\(.*\)$|Test\1|p')
+    [[ ${#programs[@]} -gt 0 ]] || return 0
+    cmake --build "$build" --target "${programs[@]}" >"$build/fault.log" 2>&1 || {
+        echo "DOES NOT BUILD"
+        return 0
+    }
+    "${alone[@]}" ctest --test-dir "$build" --stop-on-failure --timeout 120 "${selection[@]}" \
+        >"$build/fault.log" 2>&1 || sed -n 's|^.*Test *#[0-9]*: *\([^ ]*\) .*\*\*\*.*$|\1|p' "$build/fault.log" | head -1
+}
+
+for fault in "${faults[@]}"; do
+    git apply "$fault"
+    folder=$(sed -n 's|^+++ b/src/\(.*\)/[^/]*$|\1|p' "$fault" | head -1)
+    catcher=$(firstFailure -R "^$folder/")
+    if [[ -z $catcher ]]; then
+        catcher=$(firstFailure -E "^$folder/")
+    fi
+    printf '%-60s %s\n' "$(basename "$fault" .diff)" "${catcher:-SURVIVED}"
+    git apply -R "$fault"
+done
