@@ -1,11 +1,16 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Tells which tests catch which planted faults.
-#   scripts/plant-faults.sh BUILD_FOLDER FAULT.diff...
-# Each diff plants one fault in src/. The tests of its folder run first, then all others until one
-# fails. A line is printed for each: the fault, and the test that caught it, or SURVIVED. The tree
-# must be clean, and is clean again afterwards.
+#   scripts/plant-faults.sh [--own] BUILD_FOLDER FAULT.diff...
+# Each diff plants one fault in src/. The tests of its folder run first, then, unless --own is given,
+# all others until one fails. A line is printed for each: the fault, and the test that caught it, or
+# SURVIVED. The tree must be clean, and is clean again afterwards.
 set -euo pipefail
+own=
+if [[ $1 == --own ]]; then
+    own=1
+    shift
+fi
 build=$(realpath "$1")
 shift
 mapfile -t faults < <(realpath "$@")
@@ -28,15 +33,20 @@ firstFailure() {
         echo "DOES NOT BUILD"
         return 0
     }
-    "${alone[@]}" ctest --test-dir "$build" --stop-on-failure --timeout 120 "${selection[@]}" \
-        >"$build/fault.log" 2>&1 || sed -n 's|^.*Test *#[0-9]*: *\([^ ]*\) .*\*\*\*.*$|\1|p' "$build/fault.log" | head -1
+    "${alone[@]}" ctest --test-dir "$build" -j2 --stop-on-failure "${selection[@]}" \
+        >"$build/fault.log" 2>&1 ||
+        sed -n '/\*\*\*Skipped/d; s|^.*Test *#[0-9]*: *\([^ ]*\) .*\*\*\*.*$|\1|p' \
+            "$build/fault.log" | head -1
 }
 
 for fault in "${faults[@]}"; do
-    git apply "$fault"
+    if ! git apply "$fault"; then
+        printf '%-60s %s\n' "$(basename "$fault" .diff)" "DOES NOT APPLY"
+        continue
+    fi
     folder=$(sed -n 's|^+++ b/src/\(.*\)/[^/]*$|\1|p' "$fault" | head -1)
     catcher=$(firstFailure -R "^$folder/")
-    if [[ -z $catcher ]]; then
+    if [[ -z $catcher && -z $own ]]; then
         catcher=$(firstFailure -E "^$folder/")
     fi
     printf '%-60s %s\n' "$(basename "$fault" .diff)" "${catcher:-SURVIVED}"
