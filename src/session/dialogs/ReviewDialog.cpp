@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "session/dialogs/ReviewDialog.h"
 
+#include "document/NamedNode.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "document/XsdtValueType.h"
@@ -315,32 +316,28 @@ void ReviewDialog::updateRunning()
     m_running->setVisible(m_model->isReadOnly());
 }
 
-bool ReviewDialog::passesFilter(const PendingNode& pending, const QString& filter)
+bool ReviewDialog::passesFilter(const NamedNode& pending, const QString& filter)
 {
     const auto holdsFilter = [&filter](const QString& text) {
         return text.contains(filter, Qt::CaseInsensitive);
     };
     const XsdtNode& node = *pending.node;
-    return filter.isEmpty() || holdsFilter(pending.path) ||
+    return filter.isEmpty() || holdsFilter(pending.name) ||
            (node.kind == XsdtNode::Kind::Value && node.typeCode != XsdtValueType::Block &&
             (holdsFilter(node.value) || holdsFilter(node.original)));
 }
 
-std::vector<ReviewDialog::PendingNode>
-ReviewDialog::filteredByPath(const QList<XsdtNode*>& nodes) const
+QList<NamedNode> ReviewDialog::filteredByPath(const QList<XsdtNode*>& nodes) const
 {
     const QString filter = m_filter->text().trimmed();
-    std::vector<PendingNode> result;
+    QList<NamedNode> result;
     for (XsdtNode* node : nodes) {
-        PendingNode pending{node->path(), node};
+        const NamedNode pending{node->path(), node};
         if (passesFilter(pending, filter)) {
-            result.push_back(std::move(pending));
+            result.append(pending);
         }
     }
-    std::stable_sort(result.begin(), result.end(), [](const PendingNode& a, const PendingNode& b) {
-        return a.path.compare(b.path, Qt::CaseInsensitive) < 0;
-    });
-    return result;
+    return sortedByName(result);
 }
 
 void ReviewDialog::addDeletions(const QList<XsdtNode*>& nodes)
@@ -348,9 +345,9 @@ void ReviewDialog::addDeletions(const QList<XsdtNode*>& nodes)
     QFont bold;
     bold.setBold(true); // and nothing else, so that the rest follows the tree's font
     QList<QTreeWidgetItem*> rows;
-    for (const PendingNode& pending : filteredByPath(nodes)) {
+    for (const NamedNode& pending : filteredByPath(nodes)) {
         const int values = static_cast<int>(pending.node->valueCount());
-        QTreeWidgetItem* row = makeRow({tr("Delete"), rowPath(pending.path),
+        QTreeWidgetItem* row = makeRow({tr("Delete"), rowPath(pending.name),
                                         tr("%n value(s)", nullptr, values), tr("(removed)")},
                                        DeletionRow, pending.node);
         row->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
@@ -364,9 +361,9 @@ void ReviewDialog::addDeletions(const QList<XsdtNode*>& nodes)
 void ReviewDialog::addEdits(const QList<XsdtNode*>& nodes)
 {
     QList<QTreeWidgetItem*> rows;
-    for (const PendingNode& pending : filteredByPath(nodes)) {
+    for (const NamedNode& pending : filteredByPath(nodes)) {
         const XsdtNode& node = *pending.node;
-        QTreeWidgetItem* row = makeRow({tr("Edit"), rowPath(pending.path),
+        QTreeWidgetItem* row = makeRow({tr("Edit"), rowPath(pending.name),
                                         rowValue(node, node.original), rowValue(node, node.value)},
                                        EditRow, pending.node);
         row->setToolTip(BeforeColumn, rowToolTip(node.original));

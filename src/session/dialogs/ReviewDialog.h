@@ -4,8 +4,6 @@
 #include <QDialog>
 #include <QList>
 
-#include <vector>
-
 class QCheckBox;
 class QLabel;
 class QLayout;
@@ -19,6 +17,7 @@ namespace kse {
 
 class SettingsModel;
 class SettingsSchema;
+struct NamedNode;
 struct XsdtDocument;
 struct XsdtNode;
 
@@ -52,12 +51,6 @@ private slots:
     void onModelReset();
 
 private:
-    struct PendingNode
-    {
-        QString path;
-        XsdtNode* node = nullptr;
-    };
-
     void createWidgets();
     void createTree();
     void createLayout();
@@ -65,8 +58,8 @@ private:
     void updateSummary(qsizetype removedValues);
     void updateHidden();
     void updateDetailHeight();
-    static bool passesFilter(const PendingNode& pending, const QString& filter);
-    std::vector<PendingNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
+    static bool passesFilter(const NamedNode& pending, const QString& filter);
+    QList<NamedNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
     void addDeletions(const QList<XsdtNode*>& nodes);
     void addEdits(const QList<XsdtNode*>& nodes);
 

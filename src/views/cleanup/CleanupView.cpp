@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/cleanup/CleanupView.h"
 
-#include "document/TextOrder.h"
+#include "document/NamedNode.h"
 #include "document/XsdtDocument.h"
 #include "schema/DeletePolicy.h"
 #include "views/cleanup/CleanupRow.h"
@@ -48,29 +48,6 @@ QString displayName(const XsdtNode& node)
     }
     return parts.join(u" › "_s);
 }
-
-/// Nodes with their names, in the order of these.
-struct NamedNodes
-{
-    QStringList names;
-    QList<XsdtNode*> nodes;
-
-    void append(const QString& name, XsdtNode* node)
-    {
-        names.append(name);
-        nodes.append(node);
-    }
-
-    template <typename Visitor>
-    void visitSorted(Visitor&& visit) const
-    {
-        const QList<qsizetype> order =
-            orderIgnoringCase(QList<QStringView>(names.begin(), names.end()));
-        for (const qsizetype place : order) {
-            visit(names[place], nodes[place]);
-        }
-    }
-};
 
 } // namespace
 
@@ -205,44 +182,40 @@ void CleanupView::addWholeGroup(const CleanupGroup& group)
 
 void CleanupView::addMatches(const CleanupGroup& group)
 {
-    NamedNodes matches;
+    QList<NamedNode> matches;
     for (const QString& pattern : group.paths) {
         const QList<XsdtNode*> nodes = DeletePolicy::matchPattern(*m_document, pattern);
         for (XsdtNode* node : nodes) {
             if (m_model->deletionDecision(node).level == DeleteLevel::Safe) {
-                matches.append(displayName(*node), node);
+                matches.append({displayName(*node), node});
             }
         }
     }
-    if (matches.nodes.isEmpty()) {
+    if (matches.isEmpty()) {
         return;
     }
     auto* parent = new CleanupParent(
-        *m_model, tr("%1 (%2)").arg(group.title, QString::number(matches.nodes.size())));
+        *m_model, tr("%1 (%2)").arg(group.title, QString::number(matches.size())));
     m_safeRoot->addChild(parent);
     m_rows.append(parent);
-    matches.visitSorted([&](const QString& name, XsdtNode* node) {
-        const CleanupEntry* entry = addEntry(parent, name, node, false);
-        parent->addNode(node, entry->values(), entry->size());
-    });
+    for (const NamedNode& match : sortedByName(matches)) {
+        const CleanupEntry* entry = addEntry(parent, match, false);
+        parent->addNode(match.node, entry->values(), entry->size());
+    }
     parent->setToolTip(CleanupRow::EntryColumn, asToolTip(group.description));
 }
 
 void CleanupView::addWarnEntries()
 {
-    NamedNodes candidates;
-    const QList<XsdtNode*> nodes = m_model->policy()->warnCandidates(*m_document);
-    for (XsdtNode* node : nodes) {
-        candidates.append(node->path(), node);
+    for (const NamedNode& node : sortedByPath(m_model->policy()->warnCandidates(*m_document))) {
+        addEntry(m_warnRoot, node, true);
     }
-    candidates.visitSorted(
-        [this](const QString& path, XsdtNode* node) { addEntry(m_warnRoot, path, node, true); });
 }
 
-CleanupEntry* CleanupView::addEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node,
-                                    bool isWarn)
+CleanupEntry* CleanupView::addEntry(QTreeWidgetItem* parent, const NamedNode& named, bool isWarn)
 {
-    auto* entry = new CleanupEntry(*m_model, name);
+    XsdtNode* node = named.node;
+    auto* entry = new CleanupEntry(*m_model, named.name);
     parent->addChild(entry);
     entry->isWarn = isWarn;
     entry->addNode(node, node->valueCount(), node->serializedSize());

@@ -15,6 +15,7 @@ class CleanupEntry;
 class CleanupRow;
 class SettingsModel;
 struct CleanupGroup;
+struct NamedNode;
 struct XsdtDocument;
 struct XsdtNode;
 
@@ -58,8 +59,7 @@ private:
     void addWholeGroup(const CleanupGroup& group);
     void addMatches(const CleanupGroup& group);
     void addWarnEntries();
-    CleanupEntry* addEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node,
-                           bool isWarn);
+    CleanupEntry* addEntry(QTreeWidgetItem* parent, const NamedNode& named, bool isWarn);
     QList<CleanupEntry*> tickedEntries() const;
     void untick(const QList<CleanupEntry*>& entries);
     bool confirmWarnings();

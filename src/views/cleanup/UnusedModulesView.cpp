@@ -2,6 +2,7 @@
 #include "views/cleanup/UnusedModulesView.h"
 
 #include "document/Leaves.h"
+#include "document/NamedNode.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "views/cleanup/FormatBytes.h"
@@ -23,7 +24,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -33,19 +33,6 @@ namespace {
 
 constexpr int rowLimit = 400; // of a card
 constexpr qsizetype textLimit = 1000;
-
-/// With their paths, in the order of these: ascending, whatever the case.
-std::vector<std::pair<QString, XsdtNode*>> sortedByPath(const QList<XsdtNode*>& nodes)
-{
-    std::vector<std::pair<QString, XsdtNode*>> sorted;
-    for (XsdtNode* node : nodes) {
-        sorted.emplace_back(node->path(), node);
-    }
-    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) {
-        return a.first.compare(b.first, Qt::CaseInsensitive) < 0;
-    });
-    return sorted;
-}
 
 qsizetype countMarked(const ModuleInfo& module)
 {
