@@ -52,21 +52,6 @@ QByteArray readResource(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The newest backup of `path` that could take its place; empty if none could.
-QString newestUsableBackup(const QString& path)
-{
-    const WaitCursor wait;
-    const QStringList backups = PixInsightEnv::backupsOf(path);
-    for (const QString& backup : backups) {
-        QByteArray bytes;
-        XsdtDocument document;
-        if (SettingsStore::readFile(backup, bytes) && document.parse(bytes)) {
-            return backup;
-        }
-    }
-    return {};
-}
-
 } // namespace
 
 MainWindow::MainWindow(Messages messages)
@@ -247,7 +232,11 @@ bool MainWindow::openFile(const QString& asked)
 void MainWindow::reportUnopened(const QString& path, const QString& error)
 {
     const QString title = tr("Cannot open file");
-    const QString backup = newestUsableBackup(path);
+    QString backup;
+    {
+        const WaitCursor wait;
+        backup = newestReadableBackup(path);
+    }
     const QString found =
         tr("The newest backup beside it that can be read is %1.").arg(QFileInfo(backup).fileName());
     const bool isGone = m_store.loaded && path == m_store.path && isMissing(path);

@@ -47,15 +47,12 @@ bool failChanged(QString* error)
 bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes,
            const QByteArray& hash, QString* error)
 {
-    QString reason;
-    if (!store.document.parse(bytes, &reason)) {
-        store.loaded = false;
-        return fail(error, u"%1 is not a valid PixInsight settings file: %2"_s.arg(path, reason));
+    store.loaded = parseSettings(store.document, bytes, path, error);
+    if (store.loaded) {
+        store.path = path;
+        store.loadedHash = hash;
     }
-    store.path = path;
-    store.loadedHash = hash;
-    store.loaded = true;
-    return true;
+    return store.loaded;
 }
 
 /// One replacement of the open file, with a backup of what it held.
@@ -91,7 +88,7 @@ struct Replacement
             backup = store.backupName(suffix); // somebody may have taken the other meanwhile
         }
         if (!isCopied || (hasBackup && !nameCopy(copy, backup, &reason))) {
-            const bool isNamed = !copy.autoRemove() || holdsFormer(backup);
+            const bool isNamed = !copy.autoRemove() || hasHash(backup, formerHash);
             remark = isNamed ? u"The disk did not confirm the backup %1: %2"_s.arg(
                                    QFileInfo(backup).fileName(), reason)
                              : u"Reason: %1"_s.arg(reason);
@@ -117,7 +114,7 @@ struct Replacement
     /// Whether the file still is what it was.
     bool isUntouched() const
     {
-        return formerHash.isEmpty() ? isMissing(store.path) : holdsFormer(store.path);
+        return formerHash.isEmpty() ? isMissing(store.path) : hasHash(store.path, formerHash);
     }
 
     /// What is left when the step, or what follows it, failed.
@@ -133,12 +130,6 @@ struct Replacement
     }
 
 private:
-    bool holdsFormer(const QString& path) const
-    {
-        QByteArray content;
-        return SettingsStore::readFile(path, content) && sha256(content) == formerHash;
-    }
-
     QString madeText() const
     {
         return u"The backup %1 had been made by then."_s.arg(QFileInfo(backup).fileName());
@@ -210,11 +201,7 @@ bool SettingsStore::load(const QString& newPath, QString* error)
 
 bool SettingsStore::isChangedOnDisk() const
 {
-    if (!loaded) {
-        return false;
-    }
-    QByteArray bytes;
-    return !readFile(path, bytes) || sha256(bytes) != loadedHash;
+    return loaded && !hasHash(path, loadedHash);
 }
 
 bool SettingsStore::isPixInsightClosed(QString* error)
@@ -331,6 +318,24 @@ QString SettingsStore::backupName(const QString& suffix) const
 bool SettingsStore::readFile(const QString& path, QByteArray& bytes, QString* error)
 {
     return readWhole(path, bytes, error);
+}
+
+bool parseSettings(XsdtDocument& document, const QByteArray& bytes, const QString& path,
+                   QString* error)
+{
+    QString reason;
+    return document.parse(bytes, &reason) ||
+           fail(error, u"%1 is not a valid PixInsight settings file: %2"_s.arg(path, reason));
+}
+
+QString newestReadableBackup(const QString& settingsPath)
+{
+    const QStringList backups = PixInsightEnv::backupsOf(settingsPath);
+    const auto newest = std::find_if(backups.begin(), backups.end(), [](const QString& backup) {
+        QByteArray bytes;
+        return readWhole(backup, bytes) && XsdtDocument().parse(bytes);
+    });
+    return newest == backups.end() ? QString() : *newest;
 }
 
 bool sameTree(const XsdtNode& edited, const XsdtNode& parsed, QString* differsAt)

@@ -59,6 +59,14 @@ struct SettingsStore
                                        QString* error = nullptr);
 };
 
+/// Parses `bytes`, the content of the file at `path`, into `document`. False with "%1 is not a valid
+/// PixInsight settings file: %2"; what `document` held before is gone either way.
+[[nodiscard]] bool parseSettings(XsdtDocument& document, const QByteArray& bytes,
+                                 const QString& path, QString* error = nullptr);
+
+/// The newest backup of `settingsPath` that can be read and parsed; empty if there is none.
+[[nodiscard]] QString newestReadableBackup(const QString& settingsPath);
+
 /// Whether `parsed` holds what `edited` without its marked nodes does: keys, kinds, types, values
 /// and order. On a difference `differsAt`, unless null, gets its path in `edited`.
 [[nodiscard]] bool sameTree(const XsdtNode& edited, const XsdtNode& parsed,

@@ -99,6 +99,12 @@ bool readWhole(const QString& path, QByteArray& bytes, QString* error)
     return true;
 }
 
+bool hasHash(const QString& path, const QByteArray& hash)
+{
+    QByteArray bytes;
+    return readWhole(path, bytes) && sha256(bytes) == hash;
+}
+
 bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& newerThan,
                   QTemporaryFile& copy, QString* error)
 {

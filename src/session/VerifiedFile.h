@@ -16,6 +16,9 @@ namespace kse {
 /// read %1: %2" for anything else and for a read error; `bytes` is left as it was then.
 [[nodiscard]] bool readWhole(const QString& path, QByteArray& bytes, QString* error = nullptr);
 
+/// Whether the file at `path` can be read and its content has the SHA-256 `hash`.
+[[nodiscard]] bool hasHash(const QString& path, const QByteArray& hash);
+
 /// Copies the file `from`, if it has the SHA-256 `hash`, to `copy`, a temporary file that is made
 /// beside it: through to the disk, and read back. The copy has the owner and mode of `from` where
 /// the system allows it, and a time later than `newerThan`, even if the clock was set back.

@@ -218,12 +218,11 @@ bool CompareView::compareWith(const QString& path, QString* error)
     if (isSameFile(path, m_thisPath)) {
         reason = tr("That is the file being edited.");
     } else if (SettingsStore::readFile(path, bytes, &reason)) {
-        if (m_other.parse(bytes, &reason)) {
+        if (parseSettings(m_other, bytes, path, &reason)) {
             m_otherPath = path;
             m_fileCombo->setFiles(m_thisPath, m_otherPath);
         } else {
             m_otherPath.clear();
-            reason = tr("%1 is not a valid PixInsight settings file: %2").arg(path, reason);
         }
     }
     refresh();
