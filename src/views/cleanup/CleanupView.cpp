@@ -7,7 +7,7 @@
 #include "views/cleanup/CleanupRow.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/model/SettingsModel.h"
-#include "widgets/MessageBox.h"
+#include "views/rows/ConfirmDeletion.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WrappingRow.h"
@@ -303,11 +303,11 @@ void CleanupView::untick(const QList<CleanupEntry*>& entries)
     refreshStatus();
 }
 
-bool CleanupView::confirmWarnings()
+/// Asks if saved settings are among `entries`. False also if these are gone when the box closes.
+bool CleanupView::confirmWarnings(const QList<CleanupEntry*>& entries)
 {
     QStringList names;
-    const QList<CleanupEntry*> ticked = tickedEntries();
-    for (const CleanupEntry* entry : ticked) {
+    for (const CleanupEntry* entry : entries) {
         if (entry->isWarn) {
             names.append(entry->text(CleanupRow::EntryColumn));
         }
@@ -315,27 +315,16 @@ bool CleanupView::confirmWarnings()
     if (names.isEmpty() || !m_confirmWarn) {
         return true;
     }
-    PlainMessageBox box(QMessageBox::Warning, tr("Delete saved settings?"),
-                        tr("This removes the saved configuration of %n tool(s) or script(s). They "
-                           "will start from their defaults.",
-                           nullptr, int(names.size())),
-                        QMessageBox::Yes | QMessageBox::Cancel, this);
-    box.setPlainInformativeText(
-        tr("Nothing is removed until you save, and you can undo it before then."));
-    box.setReachableDetails(names.join(u'\n'));
-    box.setDefaultButton(QMessageBox::Cancel);
-    return box.exec() == QMessageBox::Yes;
+    const QString text = tr("This removes the saved configuration of %n tool(s) or script(s). They "
+                            "will start from their defaults.",
+                            nullptr, static_cast<int>(names.size()));
+    return confirmDeletion(this, *m_model, tr("Delete saved settings?"), text, names);
 }
 
 void CleanupView::queueTicked()
 {
-    if (!confirmWarnings()) {
-        return;
-    }
-    // Only now: beneath the question the list may have been built anew, for another tree. Then
-    // nothing is ticked.
     const QList<CleanupEntry*> ticked = tickedEntries();
-    if (ticked.isEmpty()) {
+    if (ticked.isEmpty() || !confirmWarnings(ticked)) {
         return;
     }
     int queued = 0;

@@ -62,7 +62,7 @@ private:
     CleanupEntry* addEntry(QTreeWidgetItem* parent, const NamedNode& named, bool isWarn);
     QList<CleanupEntry*> tickedEntries() const;
     void untick(const QList<CleanupEntry*>& entries);
-    bool confirmWarnings();
+    bool confirmWarnings(const QList<CleanupEntry*>& entries);
 
     SettingsModel* m_model = nullptr;
     XsdtDocument* m_document = nullptr;

@@ -7,10 +7,10 @@
 #include "document/XsdtDocument.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/model/SettingsModel.h"
+#include "views/rows/ConfirmDeletion.h"
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
 #include "widgets/CollapsibleSection.h"
-#include "widgets/MessageBox.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WidgetColumn.h"
@@ -421,17 +421,10 @@ bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
     for (const Card& card : cards) {
         names.append(abbreviated(card.module.name, textLimit));
     }
-    PlainMessageBox box(QMessageBox::Warning, tr("Delete unused module data?"),
-                        tr("This removes the saved data of %n module(s) that are not in the "
-                           "module list.",
-                           nullptr, static_cast<int>(cards.size())),
-                        QMessageBox::Yes | QMessageBox::Cancel, this);
-    box.setPlainInformativeText(
-        tr("Nothing is removed until you save, and you can undo it before then."));
-    box.setReachableDetails(names.join(u'\n'));
-    box.setDefaultButton(QMessageBox::Cancel);
-    const quint64 generation = m_model->generation();
-    if (box.exec() != QMessageBox::Yes || m_model->generation() != generation) {
+    const QString text = tr("This removes the saved data of %n module(s) that are not in the "
+                            "module list.",
+                            nullptr, static_cast<int>(cards.size()));
+    if (!confirmDeletion(this, *m_model, tr("Delete unused module data?"), text, names)) {
         return false;
     }
     if (m_rows->isReadOnly()) { // started beneath the box

@@ -4,9 +4,9 @@
 #include "document/XsdtNode.h"
 #include "views/health/GroupLine.h"
 #include "views/model/SettingsModel.h"
+#include "views/rows/ConfirmDeletion.h"
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
-#include "widgets/MessageBox.h"
 #include "widgets/PlainText.h"
 #include "widgets/WidgetColumn.h"
 #include "widgets/WrappedLabel.h"
@@ -292,25 +292,15 @@ void HealthView::requestDeletion(XsdtNode* node)
         queued += isCopy ? 1 : 0;
         return isCopy && !sibling->markedForDeletion;
     });
-    if (isLast && queued > 0 && !confirmLast(*node)) {
-        return;
+    if (isLast && queued > 0) {
+        const QString text = tr("Every other copy of %1 is queued for deletion. If this one goes "
+                                "too, nothing is left of it.")
+                                 .arg(abbreviated(node->path(), pathLimit));
+        if (!confirmDeletion(this, *m_model, tr("Delete the last copy?"), text)) {
+            return;
+        }
     }
     emit deleteRequested(node);
-}
-
-/// False also if the tree is gone when the box closes.
-bool HealthView::confirmLast(const XsdtNode& node)
-{
-    PlainMessageBox box(QMessageBox::Warning, tr("Delete the last copy?"),
-                        tr("Every other copy of %1 is queued for deletion. If this one goes too, "
-                           "nothing is left of it.")
-                            .arg(abbreviated(node.path(), pathLimit)),
-                        QMessageBox::Yes | QMessageBox::Cancel, this);
-    box.setPlainInformativeText(
-        tr("Nothing is removed until you save, and you can undo it before then."));
-    box.setDefaultButton(QMessageBox::Cancel);
-    const quint64 generation = m_model->generation();
-    return box.exec() == QMessageBox::Yes && m_model->generation() == generation;
 }
 
 } // namespace kse

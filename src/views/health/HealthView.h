@@ -61,7 +61,6 @@ private:
     GroupLine* buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count, QWidget* card);
     void refreshGroupLines();
     void requestDeletion(XsdtNode* node);
-    bool confirmLast(const XsdtNode& node);
 
     SettingsModel* m_model = nullptr;
     const SettingsSchema* m_schema = nullptr;
