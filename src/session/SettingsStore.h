@@ -59,8 +59,8 @@ struct SettingsStore
                                        QString* error = nullptr);
 };
 
-/// Parses `bytes`, the content of the file at `path`, into `document`. False with "%1 is not a valid
-/// PixInsight settings file: %2"; what `document` held before is gone either way.
+/// Parses `bytes`, the content of the file at `path`, into `document`. False with "%1 is not a
+/// valid PixInsight settings file: %2"; what `document` held before is gone either way.
 [[nodiscard]] bool parseSettings(XsdtDocument& document, const QByteArray& bytes,
                                  const QString& path, QString* error = nullptr);
 

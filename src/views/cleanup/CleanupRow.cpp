@@ -29,11 +29,18 @@ CleanupRow::CleanupRow(const SettingsModel& model, const QString& name)
     setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
 }
 
-void CleanupRow::addNode(XsdtNode* node, qsizetype valueCount, qint64 serializedSize)
+void CleanupRow::addNode(XsdtNode* node)
 {
     m_nodes.append(node);
-    m_values += valueCount;
-    m_size += serializedSize;
+    m_values += node->valueCount();
+    m_size += node->serializedSize();
+}
+
+void CleanupRow::addNodesOf(const CleanupRow& row)
+{
+    m_nodes += row.m_nodes;
+    m_values += row.m_values;
+    m_size += row.m_size;
 }
 
 void CleanupRow::refresh()
@@ -44,7 +51,7 @@ void CleanupRow::refresh()
 
 QVariant CleanupRow::data(int column, int role) const
 {
-    if (!m_nodes.isEmpty()) { // else a title above all rows
+    if (!m_nodes.isEmpty()) { // a tier's title has none
         if (role == Qt::DisplayRole && column != EntryColumn) {
             return columnText(column);
         }
@@ -59,7 +66,7 @@ bool CleanupRow::isLook(int column, int role)
 {
     return role == Qt::BackgroundRole || role == Qt::ForegroundRole ||
            role == Qt::AccessibleDescriptionRole ||
-           (role == Qt::FontRole && column != StatusColumn); // the status itself holds
+           (role == Qt::FontRole && column != StatusColumn); // the status itself is not struck out
 }
 
 QString CleanupRow::columnText(int column) const
@@ -74,7 +81,7 @@ QString CleanupRow::columnText(int column) const
     }
 }
 
-/// What became of the nodes; nothing for a row that is there to be read alone.
+/// How many of the nodes are queued; empty for a row without a check box.
 QString CleanupRow::status() const
 {
     if (m_queued == 0 || !(flags() & Qt::ItemIsUserCheckable)) {

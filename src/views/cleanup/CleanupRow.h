@@ -9,8 +9,8 @@ namespace kse {
 class SettingsModel;
 struct XsdtNode;
 
-/// A row of the list of what can be removed. It stands for nodes, and once these are all queued
-/// for deletion it looks as they do in the tree of all settings. Parents stand for all beneath.
+/// A row of the cleanup list, which stands for nodes. Once these are all queued for deletion, it
+/// looks as they do in the tree of all settings. A parent stands for the nodes of all its rows.
 class CleanupRow : public QTreeWidgetItem
 {
 public:
@@ -19,16 +19,18 @@ public:
     /// The model stays the caller's; `name` loses its middle if it is long.
     CleanupRow(const SettingsModel& model, const QString& name);
 
-    /// One more, with what it holds now.
-    void addNode(XsdtNode* node, qsizetype valueCount, qint64 serializedSize);
-    const QList<XsdtNode*>& nodes() const { return m_nodes; }
-    qsizetype values() const { return m_values; }
-    qint64 size() const { return m_size; } ///< In bytes, when the list was built.
+    /// Adds `node`, with its number of values and its size as they are now.
+    void addNode(XsdtNode* node);
+    /// Adds the nodes of `row`.
+    void addNodesOf(const CleanupRow& row);
 
-    /// How many of the nodes go at the next save; as of the last `refresh`.
+    const QList<XsdtNode*>& nodes() const { return m_nodes; }
+    qint64 size() const { return m_size; } ///< In bytes, when the nodes were added.
+
+    /// How many of the nodes go at the next save, as of the last `refresh`.
     qsizetype queued() const { return m_queued; }
 
-    /// Brings looks and status up to date. Tells no view of it.
+    /// Brings look and status up to date, without telling the view.
     void refresh();
 
     QVariant data(int column, int role) const override;
@@ -45,8 +47,8 @@ private:
     qsizetype m_queued = 0;
 };
 
-/// A row whose box ticks all beneath it, and tells of that once: told row by row, the status of
-/// all rows would be looked up for each of them.
+/// A row whose check box ticks all rows below it, with a single change signal. With one signal a
+/// row, the status of all rows would be refreshed for each of them.
 class CleanupParent : public CleanupRow
 {
 public:
@@ -55,13 +57,13 @@ public:
     void setData(int column, int role, const QVariant& value) override;
 };
 
-/// A row with a box of its own, by which its nodes are deleted.
+/// A row that can be ticked for deletion.
 class CleanupEntry : public CleanupRow
 {
 public:
     CleanupEntry(const SettingsModel& model, const QString& name);
 
-    bool isWarn = false; ///< What it deletes is lost.
+    bool isWarn = false; ///< PixInsight can't recreate what it deletes.
 };
 
 } // namespace kse

@@ -4,6 +4,7 @@
 #include "document/NamedNode.h"
 #include "document/XsdtDocument.h"
 #include "schema/DeletePolicy.h"
+#include "views/cleanup/CleanupOffer.h"
 #include "views/cleanup/CleanupRow.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/model/SettingsModel.h"
@@ -37,38 +38,23 @@ void addNoteIfEmpty(QTreeWidgetItem* root, const QString& note)
     }
 }
 
-/// A short name for the entry that holds a window's position.
-QString displayName(const XsdtNode& node)
-{
-    QStringList parts = node.path().split(u'/', Qt::SkipEmptyParts);
-    parts.removeAll("ModuleData"_L1);
-    parts.removeAll("Interfaces"_L1);
-    if (!parts.isEmpty() && parts.last() == "Geometry"_L1) {
-        parts.removeLast();
-    }
-    return parts.join(u" › "_s);
-}
-
 } // namespace
 
 CleanupView::CleanupView(SettingsModel* model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
 {
-    createWidgets();
+    createTree();
+    createStatusRow();
     createLayout();
-    connect(m_undoButton, &QPushButton::clicked, this, &CleanupView::undoTicked);
-    connect(m_queueButton, &QPushButton::clicked, this, &CleanupView::queueTicked);
-    connect(m_tree, &QTreeWidget::itemChanged, this, &CleanupView::refreshStatus);
-    connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CleanupView::showRowMenu);
-    connect(m_model, &SettingsModel::edited, this, &CleanupView::refreshStatus);
+    connectWidgets();
     refreshStatus();
 }
 
-void CleanupView::createWidgets()
+void CleanupView::createTree()
 {
     m_tree = new QTreeWidget(this);
-    m_tree->setObjectName("tree"_L1);
+    m_tree->setObjectName(u"tree"_s);
     m_tree->setAccessibleName(tr("Entries that can be removed"));
     m_tree->setColumnCount(CleanupRow::ColumnCount);
     m_tree->setHeaderLabels({tr("Entry"), tr("Values"), tr("Size"), tr("Status")});
@@ -84,16 +70,19 @@ void CleanupView::createWidgets()
     for (const int column : {CleanupRow::ValuesColumn, CleanupRow::SizeColumn}) {
         m_tree->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     }
+}
 
+void CleanupView::createStatusRow()
+{
     m_statusLabel = new QLabel(this);
-    m_statusLabel->setObjectName("statusLabel"_L1);
+    m_statusLabel->setObjectName(u"statusLabel"_s);
     m_statusLabel->setTextFormat(Qt::PlainText);
     m_undoButton = new QPushButton(tr("Undo queued deletion"), this);
-    m_undoButton->setObjectName("undoButton"_L1);
+    m_undoButton->setObjectName(u"undoButton"_s);
     m_undoButton->setToolTip(
         tr("Tick a queued entry again to undo its deletion, or use its right-click menu."));
     m_queueButton = new QPushButton(tr("Queue for deletion"), this);
-    m_queueButton->setObjectName("queueButton"_L1);
+    m_queueButton->setObjectName(u"queueButton"_s);
 }
 
 void CleanupView::createLayout()
@@ -116,7 +105,16 @@ void CleanupView::createLayout()
     layout->addLayout(bottom);
 }
 
-void CleanupView::setDocument(XsdtDocument* document)
+void CleanupView::connectWidgets()
+{
+    connect(m_undoButton, &QPushButton::clicked, this, &CleanupView::onUndo);
+    connect(m_queueButton, &QPushButton::clicked, this, &CleanupView::queueTicked);
+    connect(m_tree, &QTreeWidget::itemChanged, this, &CleanupView::refreshStatus);
+    connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CleanupView::onContextMenu);
+    connect(m_model, &SettingsModel::edited, this, &CleanupView::refreshStatus);
+}
+
+void CleanupView::setDocument(const XsdtDocument* document)
 {
     const QSignalBlocker blocker(m_tree);
     m_entries.clear();
@@ -124,21 +122,23 @@ void CleanupView::setDocument(XsdtDocument* document)
     m_tree->clear();
     m_safeRoot = nullptr;
     m_warnRoot = nullptr;
-    m_document = document;
     const DeletePolicy* policy = m_model->policy();
-    if (!m_document || !policy) {
+    if (!document || !policy) {
         refreshStatus();
         return;
     }
-    // Filled before they come into the tree, which otherwise takes every row by itself.
+    // Filled before they join the tree, which would otherwise take in each row separately.
     m_safeRoot = new CleanupParent(*m_model, tr("Safe to clean - PixInsight recreates these"));
-    for (const CleanupGroup& group : policy->cleanupGroups()) {
-        group.each ? addMatches(group) : addWholeGroup(group);
+    const QList<CleanupOffer> offers = cleanupOffers(*document, *policy);
+    for (const CleanupOffer& offer : offers) {
+        offer.isEach ? addMatches(offer) : addWholeGroup(offer);
     }
     addNoteIfEmpty(m_safeRoot, tr("Nothing to clean in this file."));
     m_warnRoot = new CleanupParent(
         *m_model, tr("Saved tool and script settings - deleting loses your configuration"));
-    addWarnEntries();
+    for (const auto& [path, node] : sortedByPath(policy->warnCandidates(*document))) {
+        addNodeEntry(m_warnRoot, path, node)->isWarn = true;
+    }
     addNoteIfEmpty(m_warnRoot, tr("No tool settings found."));
     m_tree->addTopLevelItems({m_safeRoot, m_warnRoot});
     QFont bold;
@@ -151,75 +151,45 @@ void CleanupView::setDocument(XsdtDocument* document)
     refreshStatus();
 }
 
-void CleanupView::addWholeGroup(const CleanupGroup& group)
+void CleanupView::addWholeGroup(const CleanupOffer& offer)
 {
-    auto entry = std::make_unique<CleanupEntry>(*m_model, group.title);
-    QStringList found;
-    for (const QString& path : group.paths) {
-        XsdtNode* node = m_document->root.findByPath(path);
-        if (!node || m_model->deletionDecision(node).level != DeleteLevel::Safe) {
-            continue;
-        }
-        const qsizetype values = node->valueCount();
-        const qint64 size = node->serializedSize();
-        auto* detail = new CleanupRow(*m_model, node->path());
+    CleanupEntry* entry = addEntry(m_safeRoot, offer.title, offer.explanation);
+    for (const auto& [path, node] : offer.nodes) {
+        auto* detail = new CleanupRow(*m_model, path);
         detail->setFlags(Qt::ItemIsEnabled);
-        detail->addNode(node, values, size);
+        detail->addNode(node);
         entry->addChild(detail);
+        entry->addNodesOf(*detail);
         m_rows.append(detail);
-        entry->addNode(node, values, size);
-        found.append(path);
     }
-    if (found.isEmpty()) {
-        return;
-    }
-    entry->setToolTip(CleanupRow::EntryColumn,
-                      asToolTip(group.description + u'\n' + found.join(", "_L1)));
-    m_entries.append(entry.get());
-    m_rows.append(entry.get());
-    m_safeRoot->addChild(entry.release());
 }
 
-void CleanupView::addMatches(const CleanupGroup& group)
+void CleanupView::addMatches(const CleanupOffer& offer)
 {
-    QList<NamedNode> matches;
-    for (const QString& pattern : group.paths) {
-        const QList<XsdtNode*> nodes = DeletePolicy::matchPattern(*m_document, pattern);
-        for (XsdtNode* node : nodes) {
-            if (m_model->deletionDecision(node).level == DeleteLevel::Safe) {
-                matches.append({displayName(*node), node});
-            }
-        }
-    }
-    if (matches.isEmpty()) {
-        return;
-    }
     auto* parent = new CleanupParent(
-        *m_model, tr("%1 (%2)").arg(group.title, QString::number(matches.size())));
+        *m_model, tr("%1 (%2)").arg(offer.title, QString::number(offer.nodes.size())));
+    parent->setToolTip(CleanupRow::EntryColumn, asToolTip(offer.explanation));
     m_safeRoot->addChild(parent);
     m_rows.append(parent);
-    for (const NamedNode& match : sortedByName(matches)) {
-        const CleanupEntry* entry = addEntry(parent, match, false);
-        parent->addNode(match.node, entry->values(), entry->size());
-    }
-    parent->setToolTip(CleanupRow::EntryColumn, asToolTip(group.description));
-}
-
-void CleanupView::addWarnEntries()
-{
-    for (const NamedNode& node : sortedByPath(m_model->policy()->warnCandidates(*m_document))) {
-        addEntry(m_warnRoot, node, true);
+    for (const auto& [name, node] : offer.nodes) {
+        parent->addNodesOf(*addNodeEntry(parent, name, node));
     }
 }
 
-CleanupEntry* CleanupView::addEntry(QTreeWidgetItem* parent, const NamedNode& named, bool isWarn)
+CleanupEntry* CleanupView::addNodeEntry(QTreeWidgetItem* parent, const QString& name,
+                                        XsdtNode* node)
 {
-    XsdtNode* node = named.node;
-    auto* entry = new CleanupEntry(*m_model, named.name);
+    CleanupEntry* entry = addEntry(parent, name, m_model->deletionDecision(node).reason);
+    entry->addNode(node);
+    return entry;
+}
+
+CleanupEntry* CleanupView::addEntry(QTreeWidgetItem* parent, const QString& name,
+                                    const QString& explanation)
+{
+    auto* entry = new CleanupEntry(*m_model, name);
+    entry->setToolTip(CleanupRow::EntryColumn, asToolTip(explanation));
     parent->addChild(entry);
-    entry->isWarn = isWarn;
-    entry->addNode(node, node->valueCount(), node->serializedSize());
-    entry->setToolTip(CleanupRow::EntryColumn, asToolTip(m_model->deletionDecision(node).reason));
     m_entries.append(entry);
     m_rows.append(entry);
     return entry;
@@ -235,7 +205,7 @@ void CleanupView::setReadOnly(bool readOnly)
 
 void CleanupView::refreshStatus()
 {
-    // The view would look for each changed row by itself, in quadratic time.
+    // The view would look up each changed row separately, in quadratic time.
     const QSignalBlocker quiet(m_tree->model());
     for (CleanupRow* row : std::as_const(m_rows)) {
         row->refresh();
@@ -244,7 +214,7 @@ void CleanupView::refreshStatus()
                                              [](const CleanupEntry* e) { return e->queued() > 0; });
     for (QTreeWidgetItem* root : {m_safeRoot, m_warnRoot}) {
         if (root) {
-            root->setDisabled(m_readOnly); // and with it what lies beneath
+            root->setDisabled(m_readOnly); // and with it all rows below
         }
     }
     m_tree->resizeColumnToContents(CleanupRow::StatusColumn);
@@ -347,7 +317,7 @@ void CleanupView::queueTicked()
                                     : tr("Some entries were refused: %1").arg(refusals.first()));
 }
 
-void CleanupView::undoTicked()
+void CleanupView::onUndo()
 {
     const QList<CleanupEntry*> ticked = tickedEntries();
     QList<XsdtNode*> nodes;
@@ -376,13 +346,13 @@ bool CleanupView::undo(const QList<XsdtNode*>& nodes)
     return isAnyMarked;
 }
 
-void CleanupView::showRowMenu(const QPoint& pos)
+void CleanupView::onContextMenu(const QPoint& pos)
 {
     const auto* row = dynamic_cast<const CleanupRow*>(m_tree->itemAt(pos)); // null for a note
     if (!row || row->nodes().isEmpty()) {
         return;
     }
-    const QList<XsdtNode*> nodes = row->nodes(); // the row may die beneath the menu
+    const QList<XsdtNode*> nodes = row->nodes(); // the row may die while the menu is open
     const bool isMarked = std::any_of(nodes.cbegin(), nodes.cend(),
                                       [](const XsdtNode* n) { return n->markedForDeletion; });
     QMenu menu(window());

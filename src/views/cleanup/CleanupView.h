@@ -14,13 +14,12 @@ namespace kse {
 class CleanupEntry;
 class CleanupRow;
 class SettingsModel;
-struct CleanupGroup;
-struct NamedNode;
+struct CleanupOffer;
 struct XsdtDocument;
 struct XsdtNode;
 
-/// The page on which data is removed in bulk: what PixInsight recreates, and saved settings of
-/// tools and scripts, each with its size. What is ticked is queued for deletion through the model.
+/// The Cleanup page, for removing data in bulk: what PixInsight recreates, and saved settings of
+/// tools and scripts, each with its size. What is ticked is queued for deletion by the model.
 class CleanupView : public QWidget
 {
     Q_OBJECT
@@ -29,49 +28,53 @@ public:
     /// `model` isn't owned and must outlive the page; its policy says what is offered.
     explicit CleanupView(SettingsModel* model, QWidget* parent = nullptr);
 
-    /// Builds the list anew for `document`, or empties it for null. Sizes are those of now.
-    /// Pass null before the tree is replaced.
-    void setDocument(XsdtDocument* document);
+    /// Lists what `document` holds, or nothing for null. Sizes are not updated later. Keeps node
+    /// pointers: pass null before the tree is replaced.
+    void setDocument(const XsdtDocument* document);
 
     void setReadOnly(bool readOnly);
 
-    /// Whether deleting saved settings is asked about first. On at the start.
+    /// Whether to ask before saved settings are queued. On at the start.
     void setConfirmWarn(bool confirm) { m_confirmWarn = confirm; }
 
-    /// Ticks all there is; with `skipWarn` without the saved settings, which are then unticked.
+    /// Ticks every entry; with `skipWarn`, unticks the saved settings instead.
     void tickAll(bool skipWarn);
 
-    /// Queues what is ticked for deletion, after a question if saved settings are among it, and
-    /// unticks it.
+    /// Queues the ticked entries for deletion and unticks them. Asks first if saved settings are
+    /// among them; on any answer but yes all stays as it was.
     void queueTicked();
 
 signals:
-    /// What came of queueing, for the status line.
+    /// The outcome of queueing or undoing, for the status line.
     void message(const QString& text);
 
-private:
-    void createWidgets();
-    void createLayout();
-    void undoTicked();
-    bool undo(const QList<XsdtNode*>& nodes);
-    void showRowMenu(const QPoint& pos);
+private slots:
     void refreshStatus();
-    void addWholeGroup(const CleanupGroup& group);
-    void addMatches(const CleanupGroup& group);
-    void addWarnEntries();
-    CleanupEntry* addEntry(QTreeWidgetItem* parent, const NamedNode& named, bool isWarn);
+    void onUndo();
+    void onContextMenu(const QPoint& pos);
+
+private:
+    void createTree();
+    void createStatusRow();
+    void createLayout();
+    void connectWidgets();
+    void addWholeGroup(const CleanupOffer& offer);
+    void addMatches(const CleanupOffer& offer);
+    CleanupEntry* addNodeEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node);
+    CleanupEntry* addEntry(QTreeWidgetItem* parent, const QString& name,
+                           const QString& explanation);
     QList<CleanupEntry*> tickedEntries() const;
     void untick(const QList<CleanupEntry*>& entries);
     bool confirmWarnings(const QList<CleanupEntry*>& entries);
+    bool undo(const QList<XsdtNode*>& nodes);
 
     SettingsModel* m_model = nullptr;
-    XsdtDocument* m_document = nullptr;
     bool m_readOnly = false;
     bool m_confirmWarn = true;
     QTreeWidgetItem* m_safeRoot = nullptr; ///< Null while the tree is empty, as `m_warnRoot` is.
     QTreeWidgetItem* m_warnRoot = nullptr;
-    QList<CleanupEntry*> m_entries; ///< With boxes of their own, from top to bottom.
-    QList<CleanupRow*> m_rows;      ///< All that stand for nodes.
+    QList<CleanupEntry*> m_entries; ///< Those that can be ticked for deletion, from top to bottom.
+    QList<CleanupRow*> m_rows;      ///< Every row that stands for nodes.
     QTreeWidget* m_tree = nullptr;
     QLabel* m_statusLabel = nullptr;
     QPushButton* m_undoButton = nullptr;

@@ -5,7 +5,7 @@
 
 namespace kse {
 
-/// A size to be read: "1023 B", then "1.0 KiB", with one decimal and no larger unit.
+/// A size as text: "1023 B", then "1.0 KiB" with one decimal; there is no larger unit.
 [[nodiscard]] QString formatBytes(qint64 bytes);
 
 } // namespace kse
