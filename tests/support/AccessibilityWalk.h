@@ -1,23 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAbstractItemView>
-#include <QAccessible>
-#include <QAction>
-#include <QComboBox>
-#include <QGroupBox>
-#include <QHash>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPushButton>
-#include <QSet>
-#include <QTabBar>
 #include <QTest>
+#include <QtWidgets>
 
-#include <algorithm>
 #include <cmath>
 
 namespace kse {
@@ -70,8 +56,7 @@ inline bool isLaidOut(const QWidget& window)
 inline QStringList namelessControls(const QWidget& window)
 {
     QStringList faults;
-    const QList<QWidget*> widgets = shownWidgets(window);
-    for (QWidget* widget : widgets) {
+    for (QWidget* widget : shownWidgets(window)) {
         const auto* button = qobject_cast<QAbstractButton*>(widget);
         const bool isOwn = !widget->objectName().startsWith(QLatin1String("qt_"));
         if (!isTabStop(widget) && !(button && isOwn && !button->text().isEmpty())) {
@@ -109,18 +94,12 @@ inline QStringList sharedMnemonics(const QWidget& window)
         }
         taken.insert(key, text);
     };
-    const QList<QWidget*> widgets = shownWidgets(window);
-    for (const QWidget* widget : widgets) {
+    for (const QWidget* widget : shownWidgets(window)) {
+        const auto* label = qobject_cast<const QLabel*>(widget);
         if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
             claim(button->text());
-        } else if (const auto* label = qobject_cast<const QLabel*>(widget)) {
-            claim(label->buddy() ? label->text() : QString());
-        } else if (const auto* box = qobject_cast<const QGroupBox*>(widget)) {
-            claim(box->title());
-        } else if (const auto* tabs = qobject_cast<const QTabBar*>(widget)) {
-            for (int i = 0; i < tabs->count(); ++i) {
-                claim(tabs->tabText(i));
-            }
+        } else if (label && label->buddy()) {
+            claim(label->text());
         } else if (const auto* menus = qobject_cast<const QMenuBar*>(widget)) {
             for (const QAction* action : menus->actions()) {
                 claim(action->text());
@@ -136,27 +115,21 @@ inline QStringList sharedMnemonics(const QWidget& window)
     return faults;
 }
 
-/// Whether who reads `a` comes to `b` afterwards. The two stand in two children of the nearest
-/// widget that holds both, and of these, lines go from top to bottom and a line from left to
-/// right; what overlaps by half of the smaller's height is in one line. What holds a widget comes
-/// before it.
+/// Whether `b` is where who reads `a` comes afterwards: not above it, nor beside it to the left, in
+/// the nearest widget that holds both.
 inline bool isReadBefore(const QWidget* a, const QWidget* b)
 {
     if (a->isAncestorOf(b) || b->isAncestorOf(a)) {
         return a->isAncestorOf(b);
     }
-    const QWidget* holder = a->parentWidget();
-    while (!holder->isAncestorOf(b)) {
-        holder = holder->parentWidget();
+    while (!a->parentWidget()->isAncestorOf(b)) {
+        a = a->parentWidget();
     }
-    const auto childWith = [holder](const QWidget* widget) {
-        while (widget->parentWidget() != holder) {
-            widget = widget->parentWidget();
-        }
-        return widget->geometry();
-    };
-    const QRect first = childWith(a);
-    const QRect second = childWith(b);
+    while (b->parentWidget() != a->parentWidget()) {
+        b = b->parentWidget();
+    }
+    const QRect first = a->geometry();
+    const QRect second = b->geometry();
     const int overlap = qMin(first.bottom(), second.bottom()) - qMax(first.top(), second.top()) + 1;
     const bool inOneLine = 2 * overlap >= qMin(first.height(), second.height());
     return inOneLine ? first.left() < second.left() : first.top() < second.top();
@@ -200,8 +173,7 @@ inline QStringList faultsOfTabOrder(QWidget& window)
         }
     }
     faults += turns.size() > 1 ? turns : QStringList(); // one is from the last to the first
-    const QList<QWidget*> widgets = shownWidgets(window);
-    for (QWidget* widget : widgets) {
+    for (QWidget* widget : shownWidgets(window)) {
         const bool isText = widget->inherits("QTextEdit") || widget->inherits("QPlainTextEdit");
         if ((isTabStop(widget) || isText) && !forth.contains(widget)) {
             faults << QStringLiteral("Tab doesn't reach %1").arg(whereIs(widget));
@@ -214,28 +186,22 @@ inline QStringList faultsOfTabOrder(QWidget& window)
 inline QStringList toldByColourAlone(const QWidget& window)
 {
     QStringList faults;
-    const auto look = [&faults](const QModelIndex& index) {
-        const bool isColoured =
-            index.data(Qt::BackgroundRole).isValid() || index.data(Qt::ForegroundRole).isValid();
-        if (isColoured && !index.data(Qt::FontRole).isValid() &&
-            index.data(Qt::AccessibleDescriptionRole).toString().isEmpty()) {
-            faults << QStringLiteral("\"%1\" is told by its colour").arg(index.data().toString());
-        }
-    };
-    const QList<QAbstractItemView*> views = window.findChildren<QAbstractItemView*>();
-    for (const QAbstractItemView* view : views) {
+    for (const auto* view : window.findChildren<QAbstractItemView*>()) {
         if (!view->isVisibleTo(&window) || qobject_cast<const QHeaderView*>(view)) {
             continue;
         }
-        const QAbstractItemModel& model = *view->model();
-        QList<QModelIndex> groups{view->rootIndex()};
-        while (!groups.isEmpty()) {
-            const QModelIndex group = groups.takeLast();
-            for (int row = 0; row < model.rowCount(group); ++row) {
-                for (int column = 0; column < model.columnCount(group); ++column) {
-                    look(model.index(row, column, group));
+        const QModelIndexList rows =
+            view->model()->match(view->model()->index(0, 0), Qt::DisplayRole, QString(), -1,
+                                 Qt::MatchContains | Qt::MatchRecursive);
+        for (const QModelIndex& row : rows) {
+            for (int column = 0; column < view->model()->columnCount(row.parent()); ++column) {
+                const QModelIndex cell = row.siblingAtColumn(column);
+                const bool isColoured = cell.data(Qt::BackgroundRole).isValid() ||
+                                        cell.data(Qt::ForegroundRole).isValid();
+                if (isColoured && !cell.data(Qt::FontRole).isValid() &&
+                    cell.data(Qt::AccessibleDescriptionRole).toString().isEmpty()) {
+                    faults << cell.data().toString() + QStringLiteral(" is told by its colour");
                 }
-                groups << model.index(row, 0, group);
             }
         }
     }
@@ -279,8 +245,7 @@ inline QColor shownBackground(const QWidget* widget)
 inline QStringList faintTexts(const QWidget& window, const QStringList& quiet)
 {
     QStringList faults;
-    const QList<QWidget*> widgets = shownWidgets(window);
-    for (QWidget* widget : widgets) {
+    for (QWidget* widget : shownWidgets(window)) {
         const bool hasText = qobject_cast<QLabel*>(widget) || !qobject_cast<QFrame*>(widget);
         if (!widget->isEnabled() || !hasText) {
             continue;

@@ -33,8 +33,8 @@ public:
                 qFatal("the sample doesn't parse");
             }
         }
-        m_user.onOpened = [this](QWidget& dialog) {
-            onOpened(dialog);
+        m_user.onOpened = [this](QWidget&) {
+            onOpened();
         };
         m_user.onAnswer = [this](QWidget& dialog) {
             onAnswer(dialog);
@@ -56,13 +56,12 @@ public:
         start();
         for (int i = 0; i <= count; ++i) {
             if (i > 0) {
-                m_user.note(u"%1."_s.arg(i));
+                m_user.log << u"%1."_s.arg(i);
                 takeStep();
             }
             check();
             if (QTest::currentTestFailed() || !m_faults.isEmpty()) {
-                return u"after these steps:\n"_s + m_user.log().join(u'\n') + u'\n' +
-                       m_faults.join(u'\n');
+                return u"after these steps:\n"_s + (m_user.log + m_faults).join(u'\n');
             }
         }
         return {};
@@ -88,10 +87,6 @@ private:
         const auto mode = QAbstractItemModelTester::FailureReportingMode::QtTest;
         new QAbstractItemModelTester(model(), mode, m_window.get());
         new QAbstractItemModelTester(tree()->model(), mode, m_window.get());
-        connect(model(), &SettingsModel::edited, this, [this] {
-            m_searchIsOld = true;
-            m_checkIsOld = true;
-        });
         connect(model(), &SettingsModel::modelReset, this, [this] { noteLoaded(); });
         m_disk = folder();
     }
@@ -103,18 +98,20 @@ private:
         m_before = stateOfNodes();
         m_generation = model()->generation();
         m_versions = m_disk;
-        m_world = 0;
-        m_dialogs = 0;
-        m_parts = 0;
-        m_user.takeUsed();
-        QStringList words;
+        m_changes = m_dialogs = m_parts = 0;
+        m_prunes = false;
+        m_user.words.clear();
         for (const XsdtNode* node : nodesOf(model()->document())) {
-            words << node->key << node->value;
+            for (const QString& word : {node->key, node->value}) {
+                if (std::all_of(word.begin(), word.end(),
+                                [](QChar c) { return c >= u' ' && c <= u'~'; })) {
+                    m_user.words << word;
+                }
+            }
         }
-        m_user.setWords(words);
         do {
             takePart();
-        } while (m_user.oneIn(6)); // beneath an editor that is still open
+        } while (m_user.oneIn(6)); // under an editor that is still open
         rest();
     }
 
@@ -139,9 +136,7 @@ private:
         } else {
             m_user.act(kind < 31 ? *m_window : *tabs->currentWidget());
         }
-        if (!m_window->isVisible()) {
-            m_window->show();
-        }
+        m_window->show(); // if it was closed
     }
 
     /// Somebody else writes or removes the open file.
@@ -149,10 +144,7 @@ private:
     {
         const int kind = model()->document() ? m_user.below(12) : 2;
         const QByteArray bytes = kind == 0 ? QByteArray("nonsense") : newFile();
-        m_user.note(
-            kind == 1
-                ? u"the file goes"_s
-                : u"%1 becomes another, of %2 bytes"_s.arg(path().right(21)).arg(bytes.size()));
+        m_user.log << u"the file becomes another, of %1 bytes"_s.arg(kind == 1 ? 0 : bytes.size());
         if (kind == 1) {
             QFile::remove(path());
             m_disk.remove(path());
@@ -160,20 +152,16 @@ private:
             write(path(), bytes);
             m_disk[path()] = m_versions[path()] = bytes;
         }
-        ++m_world;
+        ++m_changes;
         if (m_user.oneIn(3)) {
             m_user.act(*m_window); // before the window knows
         }
         poll();
-        const auto choose = [this](const char* name) { // reads it anew
+        for (const char* name : {"fileCombo", "fileBox"}) { // read it again
             auto* box = find<QComboBox>(name);
-            emit box->activated(box->findData(path()));
-        };
-        if (find<QComboBox>("fileCombo")->currentData() == path()) {
-            choose("fileCombo");
-        }
-        if (!model()->document()) {
-            choose("fileBox");
+            if (box->currentData() == path() || (box->currentIndex() < 0 && !model()->document())) {
+                emit box->activated(box->findData(path()));
+            }
         }
     }
 
@@ -183,9 +171,9 @@ private:
             return; // most of the time it doesn't run
         }
         m_runs = !m_runs;
-        m_user.note(m_runs ? u"PixInsight starts"_s : u"PixInsight ends"_s);
+        m_user.log << (m_runs ? u"PixInsight starts"_s : u"PixInsight ends"_s);
         QVERIFY(m_runs ? m_pixInsight.start() : m_pixInsight.stop());
-        ++m_world;
+        ++m_changes;
         poll();
     }
 
@@ -194,7 +182,7 @@ private:
         XsdtDocument document;
         if (m_user.oneIn(3) || m_disk.isEmpty() || !document.parse(m_disk.value(path()))) {
             const XsdtDocument& sample = *m_samples[std::size_t(m_user.oneIn(2))];
-            return m_whole ? sample.serialize() : smallSettings(sample, m_user.random());
+            return m_whole ? sample.serialize() : smallSettings(sample, m_user.random);
         }
         for (XsdtNode* node : nodesOf(&document)) {
             node->markedForDeletion = m_user.oneIn(20);
@@ -206,7 +194,8 @@ private:
         return document.serialize();
     }
 
-    /// What is typed comes into the document, and what waits for its time happens.
+    /// What is typed comes into the document, and what waits for its time happens. The pages that
+    /// keep what they found before an edit find it again, or don't.
     void rest()
     {
         m_window->activateWindow();
@@ -214,52 +203,25 @@ private:
             editor->clearFocus();
         }
         settle();
-        const QSet<QString> used = m_user.takeUsed();
-        if (used.contains(u"searchView"_s)) {
-            QTest::qWait(230); // a search waits for the next letter
-            m_searchIsOld = false;
-        }
-        m_prunes = used.contains(u"kse::BackupsDialog"_s);
-        m_checkIsOld = m_checkIsOld && !(m_parts == 1 && used.contains(u"rerunButton"_s));
-        if (m_searchIsOld) { // what an edit makes match, or no longer, shows at the next letter
-            auto* edit = find<QLineEdit>("searchEdit");
-            const QString text = edit->text();
+        auto* edit = find<QLineEdit>("searchEdit");
+        if (const QString text = edit->text(); !text.isEmpty()) {
             edit->setText(text + u'x');
             edit->setText(text);
         }
-        if ((m_searchIsOld || m_checkIsOld) && m_user.oneIn(3)) {
+        m_asksAgain = m_user.oneIn(2);
+        if (m_asksAgain) {
             askAgain(*m_window);
-            m_searchIsOld = false;
-            m_checkIsOld = false;
         }
-        settle();
     }
 
-    /// Searches and checks anew in `window`, as the lived one would: till then both pages keep what
-    /// they found before an edit.
     void askAgain(MainWindow& window)
     {
-        const auto* banner = find<QWidget>("banner");
         auto* search = window.findChild<SearchView*>();
-        auto* tabs = window.findChild<QTabWidget*>(u"tabs"_s);
-        const int tab = tabs->currentIndex();
-        if (!banner->isHidden()) {
-            const QString text = banner->findChild<QLabel*>()->text(); // the name is quoted in it
-            const qsizetype start = text.indexOf(u'"') + 1;
-            const QString name =
-                text.mid(start, text.indexOf(QRegularExpression(u"\"[:;]"_s)) - start);
-            m_user.answerNext([name](QWidget& dialog) {
-                dialog.findChild<QLineEdit*>(u"nameEdit"_s)->setText(name);
-                dialog.findChild<QPushButton*>(u"searchButton"_s)->click();
-            });
-            window.findChild<QAction*>(u"actFindModule"_s)->trigger();
-            tabs->setCurrentIndex(tab);
-            WindowTwin::carryChoices(*find<QWidget>("searchView"), *search);
-        }
+        search->clearRestriction();
         auto* names = search->findChild<QCheckBox*>(u"searchNames"_s);
         names->click(); // a new question begins with the first hundred
         names->click();
-        search->setQuery(find<QLineEdit>("queryEdit")->text());
+        search->setQuery(search->findChild<QLineEdit*>(u"queryEdit"_s)->text());
         if (!find<QWidget>("healthView")->findChild<QLabel*>(u"summaryLabel"_s)->text().isEmpty()) {
             window.findChild<HealthView*>()->run();
         }
@@ -268,13 +230,13 @@ private:
 
     // --- dialogs ---
 
-    void onOpened(QWidget& dialog)
+    void onOpened()
     {
         ++m_dialogs;
-        if (m_world > 0 || m_runs || !m_user.oneIn(10)) {
+        if (m_changes > 0 || m_runs || !m_user.oneIn(10)) {
             return;
         }
-        m_user.note(u"  beneath %1:"_s.arg(QLatin1String(dialog.metaObject()->className())));
+        m_user.log << u"  meanwhile:"_s;
         toggleRunning();
         changeFile();
         if (m_user.oneIn(2)) {
@@ -284,12 +246,13 @@ private:
 
     void onAnswer(QWidget& dialog)
     {
-        m_kept = remaining(model()->document());
+        m_kept = linesOf(model()->document(), &XsdtNode::value);
         std::unique_ptr<QDialog> twin;
         if (qobject_cast<ReviewDialog*>(&dialog)) {
             twin = std::make_unique<ReviewDialog>(model(), model()->document());
         } else if (qobject_cast<BackupsDialog*>(&dialog)) {
             twin = std::make_unique<BackupsDialog>(path());
+            m_prunes = true;
         }
         if (twin) {
             WindowTwin::carryChoices(dialog, *twin);
@@ -316,25 +279,24 @@ private:
         return found;
     }
 
-    /// What of the document stays at a save.
-    static QStringList remaining(XsdtDocument* document)
+    /// The tree, but for what is marked: as it stays at a save, or as it was read.
+    static QStringList linesOf(XsdtDocument* document, QString XsdtNode::*text)
     {
         QStringList lines;
         for (const XsdtNode* node : nodesOf(document)) {
-            if (!node->isInsideDeletion()) {
-                lines.append(node->path() + u'|' + node->typeCode + u'|' + node->value);
+            if (text == &XsdtNode::original || !node->isInsideDeletion()) {
+                lines.append(node->path() + u'|' + node->typeCode + u'|' + node->*text);
             }
         }
         return lines;
     }
 
-    static QStringList originals(XsdtDocument* document)
+    bool isReadFrom(const std::optional<QByteArray>& bytes) const
     {
-        QStringList lines;
-        for (const XsdtNode* node : nodesOf(document)) {
-            lines.append(node->path() + u'|' + node->typeCode + u'|' + node->original);
-        }
-        return lines;
+        XsdtDocument document;
+        return bytes && document.parse(*bytes) &&
+               linesOf(&document, &XsdtNode::original) ==
+                   linesOf(model()->document(), &XsdtNode::original);
     }
 
     QList<std::pair<QString, bool>> stateOfNodes() const
@@ -352,14 +314,10 @@ private:
         if (std::exchange(m_builtGeneration, model()->generation()) != model()->generation()) {
             m_hasSizesOfEdits = model()->document() && pending() > 0;
         }
-        QStringList files = folder().keys();
-        files.append(path());
-        for (const QString& file : std::as_const(files)) {
-            const FileState now = FileState::of(file);
-            XsdtDocument document;
-            if (now.bytes && model()->document() && document.parse(*now.bytes) &&
-                (document.defaultLayout || !model()->document()->defaultLayout) &&
-                originals(&document) == originals(model()->document())) {
+        const QStringList files = folder().keys() << path();
+        for (const QString& file : files) {
+            if (const FileState now = FileState::of(file);
+                model()->document() && isReadFrom(now.bytes)) {
                 m_loaded = now;
             }
         }
@@ -368,9 +326,11 @@ private:
     void check()
     {
         checkFolder();
-        checkChanges();
+        if (model()->document()) {
+            checkChanges();
+        }
         noteLoaded();
-        m_faults += m_laws.faults(*m_window, !m_searchIsOld);
+        m_faults += m_laws.faults(*m_window, m_asksAgain);
         compareWithTwin();
     }
 
@@ -378,25 +338,25 @@ private:
     {
         const QMap<QString, QByteArray> found = folder();
         for (auto file = found.begin(); file != found.end(); ++file) {
+            const QString saved = file.key().section(u".bak-"_s, 0, 0);
             if (!m_disk.contains(file.key())) {
-                const QString saved = file.key().section(u".bak-"_s, 0, 0);
                 if (m_versions.value(saved, "?") != file.value() &&
                     m_disk.value(saved, "?") != file.value()) {
-                    m_faults.append(u"no backup: "_s + file.key());
+                    m_faults << u"no backup: "_s + file.key();
                 }
             } else if (m_disk.value(file.key()) != file.value()) {
                 XsdtDocument document;
-                const bool parses = document.parse(file.value());
-                if (file.key() != path() || !((parses && remaining(&document) == m_kept) ||
-                                              m_disk.key(file.value()).contains(u".bak-"_s))) {
-                    m_faults.append(u"wrong content: "_s + file.key());
+                const bool isSaved =
+                    document.parse(file.value()) && linesOf(&document, &XsdtNode::value) == m_kept;
+                const bool isRestored = m_disk.key(file.value()).contains(u".bak-"_s);
+                if (file.key() != path() || !(isSaved || isRestored)) {
+                    m_faults << u"wrong content: "_s + file.key();
                 }
-                m_searchIsOld = true; // nothing is changed any more
             }
         }
-        for (auto file = m_disk.begin(); file != m_disk.end(); ++file) {
-            if (!found.contains(file.key()) && !(m_prunes && file.key().contains(u".bak-"_s))) {
-                m_faults.append(u"gone: "_s + file.key());
+        for (const QString& file : m_disk.keys()) {
+            if (!found.contains(file) && !(m_prunes && file.contains(u".bak-"_s))) {
+                m_faults << u"gone: "_s + file;
             }
         }
         m_disk = found;
@@ -406,78 +366,62 @@ private:
     {
         const QList<XsdtNode*> nodes = nodesOf(model()->document());
         const bool sameTree = model()->generation() == m_generation;
-        if (sameTree && m_world == 0 && m_runs && nodes.size() == m_before.size()) {
-            for (qsizetype i = 0; i < nodes.size(); ++i) {
-                if ((nodes[i]->value != m_before[i].first &&
-                     nodes[i]->value != nodes[i]->original) ||
-                    (nodes[i]->markedForDeletion && !m_before[i].second)) {
-                    m_faults.append(u"changed while PixInsight runs: "_s + nodes[i]->path());
-                }
+        for (qsizetype i = 0; sameTree && m_changes == 0 && m_runs && i < m_before.size(); ++i) {
+            const auto& [value, marked] = m_before.value(i);
+            if ((nodes[i]->value != value && nodes[i]->isModified()) ||
+                (nodes[i]->markedForDeletion && !marked)) {
+                m_faults << u"changed while PixInsight runs: "_s + nodes[i]->path();
             }
         }
-        if (!sameTree && m_parts == 1 && m_world > 0 && m_dialogs > 0 && model()->document() &&
-            pending() > 0 && stateOfNodes() != m_before) { // else it couldn't be read anew
-            m_faults.append(u"changed by an answer to what was asked of another tree"_s);
+        if (!sameTree && m_parts == 1 && m_changes > 0 && m_dialogs > 0 && pending() > 0 &&
+            stateOfNodes() != m_before) { // else it couldn't be read again
+            m_faults << u"changed by an answer to what was asked of another tree"_s;
         }
-        if (model()->document() && pending() == 0 && m_loaded.bytes &&
-            model()->document()->defaultLayout &&
-            model()->document()->serialize() != *m_loaded.bytes) {
-            XsdtDocument disk;
-            if (!(disk.parse(contentOf(path())) &&
-                  originals(&disk) == originals(model()->document()))) {
-                m_faults.append(u"nothing is pending, yet the file would become another"_s);
-            }
+        if (pending() == 0 && m_loaded.bytes && model()->document()->defaultLayout &&
+            model()->document()->serialize() != *m_loaded.bytes && !isReadFrom(contentOf(path()))) {
+            m_faults << u"nothing is pending, yet the file would become another"_s;
         }
     }
 
     void compareWithTwin()
     {
-        const bool isClosed = !model()->document();
         const FileState nonsense{QByteArray("nonsense"), QDateTime::currentDateTime()};
-        const std::unique_ptr<MainWindow> twin =
-            WindowTwin::make(path(), isClosed ? nonsense : m_loaded, model()->document());
+        const std::unique_ptr<MainWindow> twin = WindowTwin::make(
+            path(), model()->document() ? m_loaded : nonsense, model()->document());
         // A filter opens what it finds, which a new file closes.
         const bool isFiltered = !find<QLineEdit>("treeFilter")->text().trimmed().isEmpty() ||
                                 find<QWidget>("advancedPage")->findChild<QCheckBox*>()->isChecked();
         WindowTwin::carryChoices(*m_window, *twin,
                                  model()->generation() != m_partGeneration && !isFiltered);
         QSet<QString> omitted{u"adBanner"_s};
-        if (m_searchIsOld) {
-            omitted << u"searchView"_s;
+        if (m_asksAgain) {
+            askAgain(*twin);
+        } else {
+            omitted << u"searchView"_s << u"healthView"_s;
         }
-        if (m_checkIsOld) {
-            omitted << u"healthView"_s;
-        }
-        askAgain(*twin);
         compare(WindowText::of(*m_window, omitted), WindowText::of(*twin, omitted));
     }
 
     /// Faults for the first few lines that differ.
     void compare(QStringList lived, QStringList fresh)
     {
+        QStringList open{u" \\(\\d+\\)"_s}; // of the last check, which the laws look at
         if (!model()->document() || m_loaded.bytes != FileState::of(path()).bytes) {
-            // A list of files shows each as it was when the list was made.
-            static const QRegularExpression facts(u"\\d+ KiB, [-0-9]+ [:0-9]+"_s);
-            lived.replaceInStrings(facts, u"..."_s);
-            fresh.replaceInStrings(facts, u"..."_s);
+            open << u"\\d+ KiB, [-0-9]+ [:0-9]+"_s; // as it was when the list of files was made
         }
         if (m_hasSizesOfEdits) { // those of a new window are without
-            static const QRegularExpression sizes(u"\\d+(\\.\\d)? K?i?B\\b"_s);
-            lived.replaceInStrings(sizes, u"..."_s);
-            fresh.replaceInStrings(sizes, u"..."_s);
+            open << u"\\d+(\\.\\d)? K?i?B\\b"_s;
         }
-        if (m_checkIsOld) {
-            static const QRegularExpression findings(u"Health check \\(\\d+\\)"_s);
-            lived.replaceInStrings(findings, u"Health check"_s);
-            fresh.replaceInStrings(findings, u"Health check"_s);
-        }
+        const QRegularExpression pattern(open.join(u'|'));
+        lived.replaceInStrings(pattern, QString());
+        fresh.replaceInStrings(pattern, QString());
         qsizetype line = 0;
         while (line < lived.size() && line < fresh.size() && lived[line] == fresh[line]) {
             ++line;
         }
         for (qsizetype i = line; i < line + 3 && (i < lived.size() || i < fresh.size()); ++i) {
-            m_faults.append(u"line %1:\n   %2\n   in a new window:\n   %3"_s.arg(i).arg(
-                lived.value(i, u"(no line)"_s), fresh.value(i, u"(no line)"_s)));
+            m_faults << u"line %1:\n   %2\n   in a new window:\n   %3"_s.arg(i).arg(
+                lived.value(i, u"(no line)"_s), fresh.value(i, u"(no line)"_s));
         }
     }
 
@@ -496,12 +440,11 @@ private:
     quint64 m_builtGeneration = 0;  ///< Of the tree that the pages were made for.
     bool m_hasSizesOfEdits = false; ///< Changes were pending by then: a reload that failed.
     int m_parts = 0;                ///< Of this step.
-    int m_world = 0;                ///< Changes outside the window in this step.
+    int m_changes = 0;              ///< Outside the window in this step.
     int m_dialogs = 0;              ///< That came in this step.
     bool m_runs = false;
-    bool m_searchIsOld = false; ///< Something was edited since the last search.
-    bool m_checkIsOld = false;  ///< Something was edited since the last check.
-    bool m_prunes = false;
+    bool m_asksAgain = true; ///< Search and check were made after the last step.
+    bool m_prunes = false;   ///< Backups were in a dialog that removes them.
     QStringList m_faults;
 };
 

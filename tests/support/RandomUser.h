@@ -2,35 +2,9 @@
 #pragma once
 
 #include "views/rows/SettingRow.h"
-#include "widgets/ColorButton.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QColorDialog>
-#include <QComboBox>
-#include <QContextMenuEvent>
-#include <QFileDialog>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMap>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPointer>
-#include <QPushButton>
-#include <QRandomGenerator>
-#include <QRegularExpression>
-#include <QSet>
-#include <QTabBar>
 #include <QTest>
-#include <QTimer>
-#include <QToolBar>
-#include <QTreeView>
-
-#include <functional>
-#include <utility>
+#include <QtWidgets>
 
 namespace kse {
 
@@ -41,42 +15,25 @@ using namespace Qt::StringLiterals;
 class RandomUser : public QObject
 {
 public:
+    std::function<void(QWidget&)> onOpened; ///< Called for each dialog, menu or box as it comes.
+    std::function<void(QWidget&)> onAnswer; ///< Called for each as it is about to be answered.
+    QStringList words;                      ///< What parts of are typed, beside the usual.
+    QStringList log;                        ///< What was done.
+    QRandomGenerator random;
+
     explicit RandomUser(quint32 seed)
-        : m_random(seed)
+        : random(seed)
     {
         lookSoon();
     }
 
-    /// Called for each dialog, menu or box as it comes up.
-    std::function<void(QWidget&)> onOpened;
-    /// Called for each as it is about to be answered.
-    std::function<void(QWidget&)> onAnswer;
-
-    QRandomGenerator& random() { return m_random; }
-    int below(qsizetype count) { return int(m_random.bounded(quint32(count))); }
+    int below(qsizetype count) { return int(random.bounded(quint32(count))); }
     bool oneIn(int count) { return below(count) == 0; }
     template <typename List>
     auto pick(const List& list)
     {
         return list[below(list.size())];
     }
-
-    /// What parts of are typed, beside the usual.
-    void setWords(const QStringList& words)
-    {
-        static const QRegularExpression noKey(u"[^ -~]"_s);
-        m_words = words;
-        m_words.removeIf([](const QString& word) { return word.contains(noKey); });
-    }
-
-    void note(const QString& step) { m_log.append(step); }
-    const QStringList& log() const { return m_log; }
-
-    /// Names of what was used since the last call, and of what holds it; not those in rows.
-    QSet<QString> takeUsed() { return std::exchange(m_used, {}); }
-
-    /// The next dialog is answered by this instead.
-    void answerNext(const std::function<void(QWidget&)>& answer) { m_script = answer; }
 
     /// Uses a widget in `place`: each kind of those in sight is as likely as any other.
     void act(QWidget& place)
@@ -105,19 +62,15 @@ public:
 
     void trigger(QAction& action)
     {
-        note(u"command \"%1\""_s.arg(action.text()));
-        m_used.insert(action.objectName());
+        log << u"command \"%1\""_s.arg(action.text());
         action.trigger();
     }
 
     void use(QWidget& widget)
     {
-        for (const QWidget* up = &widget; up && !isInRow(widget); up = up->parentWidget()) {
-            m_used.insert(up->objectName());
-        }
         const QString target = kindOf(widget) + u" \""_s + widget.accessibleName().left(60) + u'"';
         if (hasMenu(widget) && (oneIn(3) || qobject_cast<SettingRow*>(&widget))) {
-            note(u"menu of "_s + target);
+            log << u"menu of "_s + target;
             askForMenu(widget, QPoint(5, 5));
         } else if (auto* view = qobject_cast<QAbstractItemView*>(&widget)) {
             useView(*view, target);
@@ -125,35 +78,34 @@ public:
             typeInto(*edit, target);
         } else if (auto* spin = qobject_cast<QAbstractSpinBox*>(&widget)) {
             const QString typed = QString::number(below(60) - 10);
-            note(u"type %1 into %2"_s.arg(typed, target));
+            log << u"type %1 into %2"_s.arg(typed, target);
             spin->setFocus();
             spin->selectAll();
             QTest::keyClicks(spin, typed);
             QTest::keyClick(spin, Qt::Key_Return);
         } else if (auto* combo = qobject_cast<QComboBox*>(&widget)) {
             const int item = below(combo->count());
-            note(u"choose \"%1\" from %2"_s.arg(combo->itemText(item), target));
+            log << u"choose \"%1\" from %2"_s.arg(combo->itemText(item), target);
             combo->setFocus();
             combo->setCurrentIndex(item);
             emit combo->activated(item);
         } else if (auto* tabs = qobject_cast<QTabBar*>(&widget)) {
             const int tab = below(tabs->count());
-            note(u"show "_s + tabs->tabText(tab));
+            log << u"show "_s + tabs->tabText(tab);
             QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab).center());
         } else {
-            note(u"press "_s + target);
+            log << u"press "_s + target;
             QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(8, widget.height() / 2));
         }
     }
 
 private:
-    static bool isInRow(const QWidget& widget)
+    static bool isInRow(const QWidget* widget)
     {
-        const QWidget* up = &widget;
-        while (up && !qobject_cast<const SettingRow*>(up)) {
-            up = up->parentWidget();
+        while (widget && !qobject_cast<const SettingRow*>(widget)) {
+            widget = widget->parentWidget();
         }
-        return up;
+        return widget;
     }
 
     static bool hasMenu(const QWidget& widget)
@@ -165,16 +117,16 @@ private:
     static bool isTarget(const QWidget& widget)
     {
         const QWidget* parent = widget.parentWidget();
-        if (widget.objectName().startsWith("qt_"_L1) || qobject_cast<const QHeaderView*>(&widget) ||
+        const bool isPart =
+            widget.objectName().startsWith("qt_"_L1) || qobject_cast<const QHeaderView*>(&widget) ||
             qobject_cast<const QComboBox*>(parent) || qobject_cast<const QTabBar*>(parent) ||
-            qobject_cast<const QToolBar*>(parent) ||
-            qobject_cast<const QAbstractSpinBox*>(parent)) {
-            return hasMenu(widget) || qobject_cast<const QTabBar*>(&widget);
-        }
-        return hasMenu(widget) || qobject_cast<const QAbstractButton*>(&widget) ||
-               qobject_cast<const QLineEdit*>(&widget) || qobject_cast<const QComboBox*>(&widget) ||
-               qobject_cast<const QAbstractSpinBox*>(&widget) ||
-               qobject_cast<const QAbstractItemView*>(&widget);
+            qobject_cast<const QToolBar*>(parent) || qobject_cast<const QAbstractSpinBox*>(parent);
+        return hasMenu(widget) || qobject_cast<const QTabBar*>(&widget) ||
+               (!isPart && (qobject_cast<const QAbstractButton*>(&widget) ||
+                            qobject_cast<const QLineEdit*>(&widget) ||
+                            qobject_cast<const QComboBox*>(&widget) ||
+                            qobject_cast<const QAbstractSpinBox*>(&widget) ||
+                            qobject_cast<const QAbstractItemView*>(&widget)));
     }
 
     static QString kindOf(const QWidget& widget)
@@ -182,7 +134,7 @@ private:
         const auto* button = qobject_cast<const QAbstractButton*>(&widget);
         const QString name =
             widget.objectName().isEmpty() && button ? button->text() : widget.objectName();
-        return (isInRow(widget) ? u"row "_s : QString()) +
+        return (isInRow(&widget) ? u"row "_s : QString()) +
                QLatin1String(widget.metaObject()->className()) + u' ' + name;
     }
 
@@ -192,42 +144,37 @@ private:
         QApplication::sendEvent(&widget, &event);
     }
 
-    QString text()
+    QString value()
     {
-        static const QStringList texts{u"true"_s,       u"false"_s,      u"0"_s,        u"1"_s,
-                                       u"7"_s,          u"-3"_s,         u"007"_s,      u" 12 "_s,
-                                       u"1.5"_s,        u"1.50"_s,       u"1e400"_s,    u"1,5"_s,
-                                       u"4294967295"_s, u"2147483648"_s, QString(),     u"text"_s,
-                                       u"nan"_s,        u"<b>&%1"_s,     u"two words"_s};
+        static const QStringList texts{u"true"_s,  u"false"_s, u"0"_s,          u"7"_s,
+                                       u"-3"_s,    u"007"_s,   u" 12 "_s,       u"1.50"_s,
+                                       u"1e400"_s, u"1,5"_s,   u"4294967295"_s, u"2147483648"_s,
+                                       QString(),  u"nan"_s,   u"<b>&%1"_s,     u"two words"_s};
         return oneIn(12) ? QString(150 + below(200), u'z') : pick(texts);
     }
 
     /// Part of a key or value of the file, nothing, or anything.
     QString searchText()
     {
-        if (m_words.isEmpty() || oneIn(4)) {
-            return oneIn(2) ? QString() : text();
+        if (words.isEmpty() || oneIn(4)) {
+            return oneIn(2) ? QString() : value();
         }
-        const QString word = pick(m_words).left(20);
-        return oneIn(3) ? word : word.left(1 + below(6));
+        return pick(words).left(oneIn(3) ? 20 : 1 + below(6));
     }
 
     /// Now and then without Return.
     void typeInto(QLineEdit& edit, const QString& target)
     {
         const bool isValue =
-            isInRow(edit) || qobject_cast<QAbstractItemView*>(edit.parentWidget()->parentWidget());
-        const QString typed = oneIn(8) ? edit.text() : isValue ? text() : searchText();
+            isInRow(&edit) || qobject_cast<QAbstractItemView*>(edit.parentWidget()->parentWidget());
+        const QString typed = oneIn(8) ? edit.text() : isValue ? value() : searchText();
         const int end = below(8);
-        note(u"type \"%1\"%2 into %3"_s.arg(typed, end < 2 ? u" without Return"_s : QString(),
-                                            target));
+        log << u"type \"%1\"%2 into %3"_s.arg(typed, end < 2 ? u" without Return"_s : u""_s,
+                                              target);
         edit.setFocus();
         edit.selectAll();
-        if (typed.isEmpty()) {
-            QTest::keyClick(&edit, Qt::Key_Backspace);
-        } else {
-            QTest::keyClicks(&edit, typed);
-        }
+        QTest::keyClick(&edit, Qt::Key_Backspace);
+        QTest::keyClicks(&edit, typed);
         if (end >= 2) {
             QTest::keyClick(&edit, end == 2 ? Qt::Key_Escape : Qt::Key_Return);
         }
@@ -252,13 +199,13 @@ private:
         view.scrollTo(row);
         const QPoint place = view.visualRect(row).center();
         const int what = below(8);
-        note(u"%1 on \"%2\" of %3"_s.arg(QStringList{u"edit"_s, u"edit"_s, u"menu"_s, u"Space"_s,
-                                                     u"Delete"_s, u"click"_s, u"open or close"_s,
-                                                     u"double click"_s}[what],
-                                         row.data().toString(), target));
-        const Qt::KeyboardModifiers keys = oneIn(3) ? Qt::ControlModifier : Qt::NoModifier;
-        QTest::mouseClick(view.viewport(), Qt::LeftButton, what == 5 ? keys : Qt::NoModifier,
-                          place);
+        log << u"%1 on \"%2\" of %3"_s.arg(QStringList{u"edit"_s, u"edit"_s, u"menu"_s, u"Space"_s,
+                                                       u"Delete"_s, u"click"_s, u"open or close"_s,
+                                                       u"double click"_s}[what],
+                                           row.data().toString(), target);
+        const bool adds = what == 5 && oneIn(3);
+        QTest::mouseClick(view.viewport(), Qt::LeftButton,
+                          adds ? Qt::ControlModifier : Qt::NoModifier, place);
         if (what < 2) {
             editRow(view, row, target);
         } else if (what == 2) {
@@ -277,12 +224,12 @@ private:
         view.setCurrentIndex(row.siblingAtColumn(row.model()->columnCount(row.parent()) > 1));
         QTest::keyClick(&view, Qt::Key_F2);
         QWidget* editor = view.window()->focusWidget();
-        QWidget* popup = QApplication::activePopupWidget();
         if (auto* line = qobject_cast<QLineEdit*>(editor)) {
             typeInto(*line, target);
-        } else if (auto* combo = qobject_cast<QComboBox*>(editor)) {
-            QWidget* keyboard = popup ? popup->findChild<QAbstractItemView*>() : nullptr;
-            keyboard = keyboard ? keyboard : combo;
+        } else if (qobject_cast<QComboBox*>(editor)) {
+            const QWidget* popup = QApplication::activePopupWidget();
+            auto* list = popup ? popup->findChild<QAbstractItemView*>() : nullptr;
+            QWidget* keyboard = list ? list : editor;
             QTest::keyClick(keyboard, oneIn(2) ? Qt::Key_Down : Qt::Key_Up);
             QTest::keyClick(keyboard, Qt::Key_Return);
         }
@@ -299,22 +246,15 @@ private:
     {
         lookSoon(); // first: what opens beneath this has its own event loop
         QWidget* popup = QApplication::activePopupWidget();
-        QWidget* widget = popup ? popup : QApplication::activeModalWidget();
-        if (!widget || !widget->isVisible() || m_open.contains(widget)) {
+        const QPointer<QWidget> open = popup ? popup : QApplication::activeModalWidget();
+        if (!open || !open->isVisible() || m_open.contains(open)) {
             return;
         }
-        if (popup && !qobject_cast<QMenu*>(popup)) {
-            popup->close(); // a list beneath a text
-            return;
-        }
-        const QPointer<QWidget> open = widget;
         m_open.append(open);
-        if (const auto script = std::exchange(m_script, nullptr)) {
-            script(*widget);
-        } else {
-            onOpened(*widget);
+        if (!popup || qobject_cast<QMenu*>(popup)) { // not a list beneath a text
+            onOpened(*open);
             if (open && open->isVisible()) {
-                answer(*widget);
+                answer(*open);
             }
         }
         if (open && open->isVisible()) {
@@ -325,25 +265,23 @@ private:
 
     void answer(QWidget& widget)
     {
-        const QPointer<QWidget> open = &widget;
-        m_used.insert(QLatin1String(widget.metaObject()->className()));
         if (auto* menu = qobject_cast<QMenu*>(&widget)) {
             QList<QAction*> choices = menu->actions();
             choices.removeIf([](const QAction* action) { return action->isSeparator(); });
             QAction* choice = pick(choices);
-            note(u"  menu: "_s + choice->text());
+            log << u"  menu: "_s + choice->text();
             menu->setActiveAction(choice);
             QTest::keyClick(menu, choice->isEnabled() ? Qt::Key_Return : Qt::Key_Escape);
             return;
         }
+        const QPointer<QWidget> open = &widget;
         if (auto* files = qobject_cast<QFileDialog*>(&widget)) {
             const QFileInfoList found = QDir(files->directory()).entryInfoList(QDir::Files);
             if (!found.isEmpty() && oneIn(2)) {
                 files->selectFile(pick(found).filePath());
-                note(u"  select "_s + files->selectedFiles().join(u' '));
             }
         } else if (auto* colors = qobject_cast<QColorDialog*>(&widget)) {
-            colors->setCurrentColor(QColor::fromRgba(m_random.generate()));
+            colors->setCurrentColor(QColor::fromRgba(random.generate()));
         } else if (!qobject_cast<QMessageBox*>(&widget)) {
             for (int i = below(4); i > 0 && open && open->isVisible(); --i) {
                 onAnswer(widget);
@@ -363,24 +301,17 @@ private:
             return !button->isVisible() || !button->isEnabled() || button->window() != &dialog;
         });
         const auto* box = qobject_cast<QMessageBox*>(&dialog);
-        note(u"  %1 \"%2\" %3"_s.arg(QLatin1String(dialog.metaObject()->className()),
-                                     dialog.windowTitle(),
-                                     box ? box->text().left(80).simplified() : QString()));
         if (box && box->checkBox() && oneIn(3)) {
             box->checkBox()->click();
         }
         if (!buttons.isEmpty()) {
             QPushButton* button = pick(buttons);
-            note(u"  press "_s + button->text());
+            log << u"  %1 \"%2\": %3"_s.arg(QLatin1String(dialog.metaObject()->className()),
+                                            dialog.windowTitle(), button->text());
             button->click();
         }
     }
 
-    QRandomGenerator m_random;
-    QStringList m_words;
-    QStringList m_log;
-    QSet<QString> m_used;
-    std::function<void(QWidget&)> m_script;
     QList<QPointer<QWidget>> m_open; ///< Being answered, the innermost last.
 };
 

@@ -5,35 +5,27 @@
 #include "document/XsdtDocument.h"
 #include "support/RandomTree.h"
 
-#include <QRandomGenerator>
-
 #include <algorithm>
-#include <vector>
 
 namespace kse {
 
 /// Copies a random few of the children of `from` to `to`, and of theirs; now and then one twice.
-inline void copyRandomPart(const XsdtNode& from, XsdtNode& to, QRandomGenerator& random,
-                           std::size_t most)
+inline void copyRandomPart(const XsdtNode& from, XsdtNode& to, QRandomGenerator& random, int most)
 {
-    std::vector<std::size_t> rows(from.children.size());
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        rows[i] = i;
+    std::vector<const XsdtNode*> some;
+    for (const auto& child : from.children) {
+        some.insert(some.end(), random.bounded(25) == 0 ? 2 : 1, child.get());
     }
-    std::shuffle(rows.begin(), rows.end(), random);
-    rows.resize(std::min(rows.size(), most));
-    std::sort(rows.begin(), rows.end());
-    for (const std::size_t row : rows) {
-        const XsdtNode& child = *from.children[row];
-        const int copies = random.bounded(25) == 0 ? 2 : 1;
-        for (int i = 0; i < copies; ++i) {
-            auto node = std::make_unique<XsdtNode>();
-            node->kind = child.kind;
-            node->key = child.key;
-            node->typeCode = child.typeCode;
-            node->value = child.value;
-            copyRandomPart(child, *to.append(std::move(node)), random, to.parent ? 2 : 4);
-        }
+    while (some.size() > std::size_t(most)) {
+        some.erase(some.begin() + random.bounded(int(some.size())));
+    }
+    for (const XsdtNode* child : some) {
+        auto node = std::make_unique<XsdtNode>();
+        node->kind = child->kind;
+        node->key = child->key;
+        node->typeCode = child->typeCode;
+        node->value = child->value;
+        copyRandomPart(*child, *to.append(std::move(node)), random, to.parent ? 2 : 4);
     }
 }
 
@@ -45,10 +37,8 @@ inline QByteArray smallSettings(const XsdtDocument& sample, QRandomGenerator& ra
     document.head = sample.head;
     document.tail = sample.tail;
     copyRandomPart(sample.root, document.root, random, 12);
-    const QStringList keys = {QStringLiteral("Geometry"),   QStringLiteral("Interfaces"),
-                              QStringLiteral("a/b"),        QStringLiteral("&x <b>%1"),
-                              QStringLiteral("Ostrand"),    QStringLiteral("1"),
-                              QStringLiteral("line\nfeed"), QStringLiteral("true")};
+    const QStringList keys =
+        QStringLiteral("Geometry Interfaces a/b &x<b>%1 Ostrand 1 n\nl true").split(u' ');
     growRandomTree(document.root, random, keys, random.bounded(12));
     walkTree(document.root, [&](XsdtNode& node) {
         node.markedForDeletion = false;

@@ -7,17 +7,12 @@
 #include "session/PixInsightEnv.h"
 #include "views/model/SettingsModel.h"
 
-#include <QAction>
-#include <QDir>
-#include <QFile>
-#include <QSortFilterProxyModel>
-#include <QStatusBar>
-#include <QTest>
-#include <QTreeView>
-
-#include <memory>
+#include <QtTest>
+#include <QtWidgets>
 
 namespace kse {
+
+using namespace Qt::StringLiterals;
 
 inline QByteArray contentOf(const QString& path)
 {
@@ -29,6 +24,39 @@ inline void write(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+/// Calls `command`, and in each dialog or menu that it opens calls `meanwhile` and presses the next
+/// of `buttons`, or closes it. Gives the title of each with its texts.
+inline QStringList answer(
+    const QStringList& buttons, const std::function<void()>& command,
+    const std::function<void(QWidget&)>& meanwhile = [](QWidget&) {})
+{
+    QStringList asked;
+    QTimer timer;
+    timer.callOnTimeout([&] {
+        QWidget* popup = QApplication::activePopupWidget();
+        const QPointer<QWidget> open = popup ? popup : QApplication::activeModalWidget();
+        if (!open || !open->isVisible()) {
+            return;
+        }
+        const auto* box = qobject_cast<QMessageBox*>(open);
+        const QString text = box ? u": "_s + box->text() + u'|' + box->informativeText() : u""_s;
+        const QString button = buttons.value(asked.size());
+        asked << open->windowTitle() + text;
+        meanwhile(*open);
+        for (auto* pressed : open ? open->findChildren<QPushButton*>() : QList<QPushButton*>()) {
+            if (open && pressed->text().remove(u'&') == button) {
+                pressed->click();
+            }
+        }
+        if (open && open->isVisible()) {
+            open->close();
+        }
+    });
+    timer.start(10);
+    command();
+    return asked;
 }
 
 /// Drives the real window over copies of the sample files, with mouse and keyboard. Each test gets
@@ -45,16 +73,21 @@ protected:
     {
         return m_window->findChild<Widget*>(QLatin1String(name));
     }
-    QTreeView* tree() const
-    {
-        return find<QWidget>("advancedPage")->findChild<QTreeView*>(QStringLiteral("tree"));
-    }
+    QTreeView* tree() const { return find<QWidget>("advancedPage")->findChild<QTreeView*>(); }
     SettingsModel* model() const { return m_window->findChild<SettingsModel*>(); }
     QAction* action(const char* name) const { return find<QAction>(name); }
     XsdtNode* node(const QString& path) const { return model()->document()->root.findByPath(path); }
     qsizetype pending() const { return model()->document()->pendingCount(); }
     QString status() const { return m_window->statusBar()->currentMessage(); }
     void poll() const { QMetaObject::invokeMethod(m_window.get(), "pollEnvironment"); }
+
+    /// Brings the page to the front.
+    QWidget* page(const char* name) const
+    {
+        auto* page = find<QWidget>(name);
+        find<QTabWidget>("tabs")->setCurrentWidget(page);
+        return page;
+    }
 
     QModelIndex select(const QString& path, int column = SettingsModel::SettingColumn) const
     {
@@ -93,7 +126,6 @@ protected:
         QTest::keyClick(tree(), Qt::Key_Delete);
     }
 
-    /// Opens the window on the first sample, with the second beside it.
     void openWindow()
     {
         m_window = std::make_unique<MainWindow>();
@@ -101,7 +133,7 @@ protected:
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }
 
-    void prepareProgram()
+    static void prepareProgram()
     {
         if (!PixInsightEnv::runningProcessIds().isEmpty()) {
             QSKIP("A process named as PixInsight's runs on this computer");
@@ -109,17 +141,17 @@ protected:
         ThemeManager::instance().init(false);
     }
 
+    /// Opens the window on the first sample, with the second beside it.
     void openSample()
     {
         m_folder = PixInsightEnv::settingsFolders().constFirst();
         QDir(m_folder).removeRecursively();
         QVERIFY(QDir().mkpath(m_folder));
-        for (const QString& name :
-             {QStringLiteral("core-001-pxi.settings"), QStringLiteral("core-002-pxi.settings")}) {
-            QVERIFY(QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples/") + name,
-                                m_folder + u'/' + name));
+        for (const QString& name : {u"/core-001-pxi.settings"_s, u"/core-002-pxi.settings"_s}) {
+            QVERIFY(
+                QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples") + name, m_folder + name));
         }
-        m_file = m_folder + QStringLiteral("/core-001-pxi.settings");
+        m_file = m_folder + u"/core-001-pxi.settings"_s;
         openWindow();
     }
 };

@@ -1,27 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAbstractButton>
-#include <QAbstractItemView>
-#include <QAbstractSpinBox>
-#include <QAccessible>
-#include <QAction>
-#include <QComboBox>
-#include <QFocusFrame>
-#include <QFont>
-#include <QLabel>
-#include <QLayout>
-#include <QLineEdit>
-#include <QListView>
-#include <QMenuBar>
-#include <QScrollBar>
-#include <QSet>
-#include <QSplitter>
-#include <QStackedWidget>
-#include <QStatusBar>
-#include <QStringList>
-#include <QTabBar>
-#include <QTreeView>
+#include <QtWidgets>
 
 namespace kse {
 
@@ -31,19 +11,16 @@ using namespace Qt::StringLiterals;
 inline QList<QWidget*> partsOf(const QWidget& widget)
 {
     QList<QWidget*> parts;
-    QList<const QLayout*> layouts;
-    const std::function<void(const QLayout&)> append = [&](const QLayout& layout) {
-        for (int i = 0; i < layout.count(); ++i) {
-            if (QWidget* part = layout.itemAt(i)->widget()) {
+    const std::function<void(QLayout*)> append = [&](QLayout* layout) {
+        for (int i = 0; layout && i < layout->count(); ++i) {
+            if (QWidget* part = layout->itemAt(i)->widget()) {
                 parts.append(part);
-            } else if (const QLayout* inner = layout.itemAt(i)->layout()) {
-                append(*inner);
+            } else {
+                append(layout->itemAt(i)->layout());
             }
         }
     };
-    if (widget.layout()) {
-        append(*widget.layout());
-    }
+    append(widget.layout());
     const QSet<QWidget*> laidOut(parts.begin(), parts.end());
     for (QWidget* child : widget.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         if (!laidOut.contains(child) && !child->isWindow()) {
@@ -61,7 +38,8 @@ public:
     /// Leaves out what is called by one of `omitted`.
     static QStringList of(const QWidget& window, const QSet<QString>& omitted = {})
     {
-        WindowText text(omitted);
+        WindowText text;
+        text.m_omitted = omitted;
         text.addParts(window, {});
         for (const QAction* action : window.findChildren<QAction*>()) {
             if (!action->text().isEmpty()) {
@@ -77,17 +55,12 @@ public:
     /// `widget` by itself.
     static QStringList ofPart(QWidget& widget)
     {
-        WindowText text({});
+        WindowText text;
         text.addWidget(widget, {});
         return text.m_lines;
     }
 
 private:
-    explicit WindowText(const QSet<QString>& omitted)
-        : m_omitted(omitted)
-    {
-    }
-
     static QString state(std::initializer_list<std::pair<bool, const char*>> states)
     {
         QString text;
@@ -145,25 +118,29 @@ private:
     {
         QAccessibleInterface* found = QAccessible::queryAccessibleInterface(&widget);
         const QAccessible::State states = found->state();
-        QString line = QLatin1String(widget.metaObject()->className()) + u' ' +
-                       widget.objectName() + u" \""_s + found->text(QAccessible::Name) +
-                       u"\" = \""_s + found->text(QAccessible::Value) + u"\" ("_s +
-                       found->text(QAccessible::Description) + u") ["_s + widget.toolTip() + u']' +
-                       state({{states.disabled, "off"},
-                              {states.checked, "checked"},
-                              {states.readOnly, "readonly"},
-                              {widget.focusPolicy() & Qt::TabFocus, "tabstop"}}) +
-                       look(widget.font()) + u' ' + QString::number(widget.font().pointSizeF());
-        if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
-            line += u" text "_s + label->text();
-        } else if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
-            line += u" text "_s + button->text();
-        }
+        const auto* label = qobject_cast<const QLabel*>(&widget);
+        const auto* button = qobject_cast<const QAbstractButton*>(&widget);
         const QPalette& palette = widget.palette();
-        return line + u' ' + palette.color(QPalette::WindowText).name() +
-               (widget.autoFillBackground()
-                    ? u" on "_s + palette.color(QPalette::Window).name(QColor::HexArgb)
-                    : QString());
+        return QStringList{QLatin1String(widget.metaObject()->className()),
+                           widget.objectName(),
+                           found->text(QAccessible::Name),
+                           found->text(QAccessible::Value),
+                           found->text(QAccessible::Description),
+                           widget.toolTip(),
+                           label    ? label->text()
+                           : button ? button->text()
+                                    : QString(),
+                           state({{states.disabled, "off"},
+                                  {states.checked, "checked"},
+                                  {states.readOnly, "readonly"},
+                                  {widget.focusPolicy() & Qt::TabFocus, "tabstop"}}),
+                           look(widget.font()),
+                           QString::number(widget.font().pointSizeF()),
+                           palette.color(QPalette::WindowText).name(),
+                           widget.autoFillBackground()
+                               ? palette.color(QPalette::Window).name(QColor::HexArgb)
+                               : QString()}
+            .join(u" | "_s);
     }
 
     void addRows(const QAbstractItemView& view, const QModelIndex& parent, const QString& indent)
@@ -187,14 +164,14 @@ private:
 
     static QString cell(const QModelIndex& index)
     {
-        QString text = index.data().toString();
-        for (const int role : {Qt::AccessibleTextRole, Qt::AccessibleDescriptionRole,
-                               Qt::CheckStateRole, Qt::ToolTipRole}) {
-            if (role == Qt::ToolTipRole && index.column() > 0) {
-                break; // tells what is cut off, which is a matter of width
-            }
-            const QString more = index.data(role).toString();
-            text += more.isEmpty() ? QString() : u" ["_s + more + u']';
+        QList<int> roles{Qt::DisplayRole, Qt::AccessibleTextRole, Qt::AccessibleDescriptionRole,
+                         Qt::CheckStateRole};
+        if (index.column() == 0) { // elsewhere it tells what is cut off, a matter of width
+            roles.append(Qt::ToolTipRole);
+        }
+        QString text;
+        for (const int role : std::as_const(roles)) {
+            text += index.data(role).toString() + u' ';
         }
         if (const QVariant font = index.data(Qt::FontRole); font.isValid()) {
             text += look(font.value<QFont>());

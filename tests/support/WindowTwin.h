@@ -8,16 +8,6 @@
 #include "views/model/SettingsModel.h"
 #include "views/rows/SettingRow.h"
 
-#include <QCoreApplication>
-#include <QDateTime>
-#include <QFile>
-#include <QFileInfo>
-#include <QItemSelectionModel>
-#include <QTabWidget>
-#include <QTimer>
-#include <QTreeWidget>
-
-#include <memory>
 #include <optional>
 
 namespace kse {
@@ -80,22 +70,18 @@ public:
     /// selected or ticked, which a new file doesn't keep.
     static void carryChoices(const QWidget& from, QWidget& to, bool isLoaded = false)
     {
-        const QMap<QString, QWidget*> chosen = choosers(from);
         lookForFiles(from);
         lookForFiles(to);
-        const auto forEach = [&](const auto& set) {
+        const QMap<QString, QWidget*> chosen = choosers(from);
+        for (auto* set : {&setInput, &setToggle, &setView}) {
             const QMap<QString, QWidget*> wanting = choosers(to);
             for (auto it = wanting.begin(); it != wanting.end(); ++it) {
-                if (QWidget* like = chosen.value(it.key())) {
+                QWidget* like = chosen.value(it.key());
+                if (like && (set == &setInput || !isLoaded)) {
                     set(*like, *it.value());
                 }
             }
             settle();
-        };
-        forEach([](QWidget& like, QWidget& widget) { setInput(like, widget); });
-        if (!isLoaded) {
-            forEach([](QWidget& like, QWidget& widget) { setToggle(like, widget); });
-            forEach([](QWidget& like, QWidget& widget) { setView(like, widget); });
         }
     }
 
@@ -134,21 +120,20 @@ private:
     {
         const QList<XsdtNode*> nodes = nodesOf(from);
         const QList<XsdtNode*> twins = nodesOf(to.document());
-        const bool wasReadOnly = to.isReadOnly();
-        if (from && to.document()) { // which a save doesn't change
-            to.document()->defaultLayout = from->defaultLayout;
-            emit to.edited();
+        if (nodes.size() != twins.size() || !from) {
+            return; // which shows
         }
+        to.document()->defaultLayout = from->defaultLayout; // which a save doesn't change
+        emit to.edited();
+        const bool wasReadOnly = to.isReadOnly();
         to.setReadOnly(false);
         {
             const SettingsModel::Batch batch(to);
-            for (qsizetype i = 0; i < qMin(nodes.size(), twins.size()); ++i) {
+            for (qsizetype i = nodes.size() - 1; i >= 0; --i) { // a mark within a mark comes first
                 if (nodes[i]->isModified()) {
                     to.setValue(twins[i], nodes[i]->value);
                 }
-            }
-            for (qsizetype i = qMin(nodes.size(), twins.size()) - 1; i >= 0; --i) {
-                if (nodes[i]->markedForDeletion) { // a mark within a mark comes first
+                if (nodes[i]->markedForDeletion) {
                     (void)to.markForDeletion(twins[i]);
                 }
             }
@@ -161,32 +146,31 @@ private:
     {
         QMap<QString, QWidget*> found;
         QMap<QString, int> counts;
-        collect(window, {}, found, counts);
+        const std::function<void(const QWidget&, const QString&)> collect =
+            [&](const QWidget& widget, const QString& page) {
+                const bool isStack = qobject_cast<const QStackedWidget*>(&widget);
+                for (QWidget* part : partsOf(widget)) {
+                    if (qobject_cast<SettingRow*>(part)) {
+                        continue;
+                    }
+                    const QString key = page + u'/' + part->objectName();
+                    found.insert(u"%1#%2"_s.arg(key).arg(++counts[key], 4, 10, QChar(u'0')), part);
+                    if (!qobject_cast<QComboBox*>(part) &&
+                        !qobject_cast<QAbstractItemView*>(part)) {
+                        collect(*part, isStack && page.isEmpty() ? part->objectName() : page);
+                    }
+                }
+            };
+        collect(window, {});
         return found;
-    }
-
-    static void collect(const QWidget& widget, const QString& page, QMap<QString, QWidget*>& found,
-                        QMap<QString, int>& counts)
-    {
-        for (QWidget* part : partsOf(widget)) {
-            if (qobject_cast<SettingRow*>(part)) {
-                continue;
-            }
-            const QString key = page + u'/' + part->objectName();
-            found.insert(u"%1#%2"_s.arg(key).arg(++counts[key], 4, 10, QChar(u'0')), part);
-            if (!qobject_cast<QComboBox*>(part) && !qobject_cast<QAbstractItemView*>(part)) {
-                const bool isPage = qobject_cast<const QStackedWidget*>(&widget);
-                collect(*part, isPage && page.isEmpty() ? part->objectName() : page, found, counts);
-            }
-        }
     }
 
     static void setInput(QWidget& like, QWidget& widget)
     {
         if (auto* edit = qobject_cast<QLineEdit*>(&widget)) {
             edit->setText(static_cast<QLineEdit&>(like).text());
-        } else if (auto* box = qobject_cast<QCheckBox*>(&widget)) {
-            box->setChecked(static_cast<QCheckBox&>(like).isChecked());
+        } else if (qobject_cast<QCheckBox*>(&widget)) {
+            setToggle(like, widget);
         } else if (auto* tabs = qobject_cast<QTabBar*>(&widget)) {
             tabs->setCurrentIndex(static_cast<QTabBar&>(like).currentIndex());
         } else if (auto* combo = qobject_cast<QComboBox*>(&widget)) {
@@ -226,10 +210,11 @@ private:
             if (tree) {
                 tree->setExpanded(to, static_cast<const QTreeView&>(like).isExpanded(from));
             }
-            if (const QVariant ticked = from.data(Qt::CheckStateRole); ticked.isValid()) {
-                if (view.model()->rowCount(to) == 0 || !(to.flags() & Qt::ItemIsAutoTristate)) {
-                    view.model()->setData(to, ticked, Qt::CheckStateRole);
-                }
+            const QVariant ticked = from.data(Qt::CheckStateRole);
+            const bool follows =
+                view.model()->rowCount(to) > 0 && to.flags() & Qt::ItemIsAutoTristate;
+            if (ticked.isValid() && !follows) {
+                view.model()->setData(to, ticked, Qt::CheckStateRole);
             }
             if (like.selectionModel()->isSelected(from)) {
                 view.selectionModel()->select(to, QItemSelectionModel::Select |
