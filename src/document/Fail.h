@@ -5,7 +5,7 @@
 
 namespace kse {
 
-/// How a step ends that could not be done: `error`, unless null, gets `message`. Always false.
+/// Ends a step that failed: puts `message` into `error`, unless that is null, and returns false.
 inline bool fail(QString* error, const QString& message)
 {
     if (error) {

@@ -7,11 +7,11 @@ namespace kse {
 
 struct XsdtNode;
 
-/// The values at or beneath `node` in file order, marked ones included: a value gives itself.
+/// The values below `node` in file order, marked ones included. A value gives only itself.
 [[nodiscard]] QList<XsdtNode*> valuesOf(const XsdtNode& node);
 
-/// The same without those beneath `node` that are marked for deletion or lie in a marked group. A
-/// mark on `node` itself or above it isn't looked at.
+/// The same without values that are marked for deletion or lie in a marked group. Marks on `node`
+/// itself and above it are ignored.
 [[nodiscard]] QList<XsdtNode*> unmarkedValues(const XsdtNode& node);
 
 } // namespace kse

@@ -9,7 +9,7 @@ void appendLowerCase(QString& text, const QString& addition)
     text.resize(start + addition.size());
     QChar* const out = text.data() + start;
     const QChar* const in = addition.constData();
-    // Without an early exit, so that the compiler takes many units at once.
+    // No early exit, so that the compiler can vectorise the loop.
     char16_t bits = 0;
     for (qsizetype i = 0; i < addition.size(); ++i) {
         const char16_t unit = in[i].unicode();

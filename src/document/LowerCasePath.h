@@ -7,11 +7,11 @@
 
 namespace kse {
 
-/// The same as `text += addition.toLower()`, but needs no memory of its own for ASCII.
+/// The same as `text += addition.toLower()`, but without a temporary string if `addition` is ASCII.
 void appendLowerCase(QString& text, const QString& addition);
 
-/// The paths of a tree's nodes in lower case, one after another as a depth-first walk meets them.
-/// Each key is put in lower case once, not once for every value beneath it.
+/// Makes the lower-case paths of nodes during a depth-first walk. Each key is converted once, not
+/// once for every value below it.
 class LowerCasePath
 {
 public:
@@ -20,13 +20,13 @@ public:
     {
     }
 
-    /// Goes on to `node`, the next of the walk, which visits every group before its children.
-    /// The result is its path in lower case until the next call.
+    /// Moves on to `node`, the next node of the walk, and returns its path, which is valid until
+    /// the next call. The walk must visit every group before its children.
     const QString& moveTo(const XsdtNode& node);
 
 private:
     QString m_path;
-    OpenGroups<qsizetype> m_groups; ///< The length of each one's path.
+    OpenGroups<qsizetype> m_groups; ///< Holds the length of each group's path.
 };
 
 } // namespace kse

@@ -8,15 +8,15 @@
 
 namespace kse {
 
-/// What a depth-first walk remembers of each group that it is in, such as the group's path.
+/// What a depth-first walk remembers about each group that it is in, such as the group's path.
 template <typename Memory>
 class OpenGroups
 {
 public:
     OpenGroups(const XsdtNode& root, Memory memory) { enter(root, std::move(memory)); }
 
-    /// What was remembered of the parent of `node`, the next node of the walk. The parent was
-    /// entered before; the groups that the walk has left since then are forgotten.
+    /// What is remembered about the parent of `node`, the next node of the walk. The parent must
+    /// have been entered. Groups that the walk has left since then are forgotten.
     const Memory& ofParent(const XsdtNode& node)
     {
         while (m_groups.back().first != node.parent) {

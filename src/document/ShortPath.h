@@ -7,15 +7,15 @@
 
 namespace kse {
 
-/// Whole paths are kept of nodes down to this level only. With an entry at each level of a deep
-/// file, those of all of them together would be as large as the square of the file.
+/// Whole paths are kept for nodes down to this level only. In a deep file with a value at each
+/// level, all whole paths together would grow with the square of the file's size.
 inline constexpr quint16 deepestWholePath = 1000;
 
-/// How much is kept of other paths, in characters.
+/// How many characters are kept of the paths of deeper nodes.
 inline constexpr qsizetype shortPathLength = 1000;
 
-/// `node.path()` down to the deepest level of whole paths; beyond, U+2026 and the end of the path,
-/// made without looking at what lies before it.
+/// `node.path()` down to `deepestWholePath`. For deeper nodes U+2026 and the end of the path, made
+/// without reading the keys before it.
 [[nodiscard]] QString shortPath(const XsdtNode& node);
 
 } // namespace kse

@@ -12,11 +12,11 @@ struct Item
 {
     QStringView text;
     qsizetype place;
-    qsizetype shared; ///< How many units at its start are those of the item before it.
+    qsizetype shared; ///< How many units it shares at its start with the item before it.
 };
 
-/// What the unit at `i` counts for in a comparison without case. Like `QString::compare`, the
-/// second half of a surrogate pair stands for the whole character.
+/// The value of the unit at `i` in a comparison without case. As in `QString::compare`, the second
+/// half of a surrogate pair stands for the whole character.
 char32_t weight(QStringView text, qsizetype i)
 {
     const QChar unit = text[i];
@@ -29,7 +29,7 @@ char32_t weight(QStringView text, qsizetype i)
     return QChar::toCaseFolded(char32_t(unit.unicode()));
 }
 
-/// How many units the two share at their start, of which `known` are known already.
+/// How many units `a` and `b` share at their start. The first `known` of them are not compared.
 qsizetype sharedUnits(QStringView a, QStringView b, qsizetype known)
 {
     const qsizetype size = std::min(a.size(), b.size());
@@ -40,7 +40,7 @@ qsizetype sharedUnits(QStringView a, QStringView b, qsizetype known)
     return i;
 }
 
-/// Whether `a` comes before `b`, where they share exactly `shared` units.
+/// Whether `a` comes before `b`. They share exactly `shared` units.
 bool isBefore(QStringView a, QStringView b, qsizetype shared)
 {
     if (shared == a.size() || shared == b.size()) {
@@ -49,9 +49,10 @@ bool isBefore(QStringView a, QStringView b, qsizetype shared)
     return weight(a, shared) < weight(b, shared);
 }
 
-/// Merges the sorted left half, which stands in `left`, with the sorted right half, which stands at
-/// the end of `out`'s room. Of two candidates, the one that shares more with the item last put
-/// out comes first; only where both share the same are texts looked at, and from there on.
+/// Merges the sorted halves `left` and `right` into `out`. The right half lies at the end of the
+/// range that begins at `out`. Of two candidates, the one that shares more with the last item in
+/// `out` comes first. Only if both share the same number of units are their texts compared, from
+/// there on.
 void merge(Item* left, Item* leftEnd, Item* right, Item* rightEnd, Item* out)
 {
     while (left != leftEnd && right != rightEnd) {
@@ -66,7 +67,7 @@ void merge(Item* left, Item* leftEnd, Item* right, Item* rightEnd, Item* out)
     std::copy(left, leftEnd, out);
 }
 
-/// Sorts from `first` to before `last`. `room` is for half of them.
+/// Sorts from `first` to before `last`. `room` has space for half of them.
 // NOLINTNEXTLINE(misc-no-recursion): each step halves the texts.
 void sort(Item* first, Item* last, Item* room)
 {
@@ -79,7 +80,7 @@ void sort(Item* first, Item* last, Item* room)
     const QStringView lastOfLeft = (middle - 1)->text;
     middle->shared = sharedUnits(lastOfLeft, middle->text, 0);
     if (isBefore(middle->text, lastOfLeft, middle->shared)) {
-        middle->shared = 0; // nothing is put out yet
+        middle->shared = 0; // `out` is still empty
         merge(room, std::copy(first, middle, room), middle, last, first);
     }
 }

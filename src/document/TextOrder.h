@@ -6,8 +6,8 @@
 
 namespace kse {
 
-/// The places of `texts` in the order of `QString::compare` without case; equal texts keep theirs.
-/// Made for paths: what neighbours share at their start is compared only once.
+/// The indices of `texts`, sorted as `QString::compare` without case would sort them. The sort is
+/// stable. It is made for paths: the start that neighbours share is compared only once.
 [[nodiscard]] QList<qsizetype> orderIgnoringCase(const QList<QStringView>& texts);
 
 } // namespace kse

@@ -3,21 +3,25 @@
 
 #include "document/XsdtNode.h"
 
+#include <cstddef>
+#include <utility>
+
 namespace kse {
 
 /// Where a walk goes after a node.
 enum class Walk {
-    Into, ///< on to the node's children
-    Over, ///< past the node, leaving out what lies beneath it
-    Stop  ///< nowhere: the walk ends
+    Into, ///< To the node's children.
+    Over, ///< To the next node that isn't below this one.
+    Stop  ///< Nowhere: the walk ends.
 };
 
-/// Calls `visit` for every node beneath `root`, without `root` itself, depth first and in file
-/// order. `visit` takes a node (const if `root` is) and returns a `Walk`. It may change fields,
-/// and may add or remove nodes beneath the one it is given, but no others. Returns the node that
-/// stopped the walk, or null. Constant memory, whatever the depth.
-template <typename Node, typename Visitor>
-Node* walkTree(Node& root, Visitor&& visit)
+/// Calls `visit` for every node below `root`, depth first and in file order, but not for `root`
+/// itself. `visit` takes a node (const if `root` is) and returns a `Walk`. It may change fields,
+/// and may add or remove nodes below the one it is given, but no others. `leave` is called for
+/// each node that was gone into, after all nodes below it. Returns the node that stopped the walk,
+/// or null. Memory is constant, however deep the tree.
+template <typename Node, typename Visitor, typename Leaver>
+Node* walkTree(Node& root, Visitor&& visit, Leaver&& leave)
 {
     Node* node = &root;
     bool enter = true;
@@ -25,7 +29,10 @@ Node* walkTree(Node& root, Visitor&& visit)
         if (enter && !node->children.empty()) {
             node = node->children.front().get();
         } else {
-            // Climb to the nearest ancestor that has a next sibling below `root`.
+            if (enter && node != &root) {
+                leave(*node);
+            }
+            // Climb to the nearest ancestor below `root` that has a next sibling.
             while (node != &root) {
                 const auto& siblings = node->parent->children;
                 const auto next = static_cast<std::size_t>(node->rowInParent()) + 1;
@@ -34,6 +41,9 @@ Node* walkTree(Node& root, Visitor&& visit)
                     break;
                 }
                 node = node->parent;
+                if (node != &root) {
+                    leave(*node);
+                }
             }
             if (node == &root) {
                 return nullptr;
@@ -45,6 +55,13 @@ Node* walkTree(Node& root, Visitor&& visit)
         }
         enter = walk == Walk::Into;
     }
+}
+
+/// The same without `leave`.
+template <typename Node, typename Visitor>
+Node* walkTree(Node& root, Visitor&& visit)
+{
+    return walkTree(root, std::forward<Visitor>(visit), [](Node&) {});
 }
 
 } // namespace kse

@@ -38,13 +38,18 @@ bool XsdtDocument::parse(const QByteArray& bytes, QString* error)
         defaultLayout = false;
     };
     clear();
-    // The decoded text is a temporary, so that it and the layout check never share the memory.
+    // The decoded text is a temporary: it is freed before the layout check needs memory.
     if (!readXsdt(QString::fromUtf8(bytes), *this, error)) {
         clear();
         return false;
     }
     defaultLayout = hasCanonicalLayout(*this, bytes);
     return true;
+}
+
+QByteArray XsdtDocument::serialize() const
+{
+    return writeXsdt(*this);
 }
 
 QList<XsdtNode*> XsdtDocument::editedValues() const

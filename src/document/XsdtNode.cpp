@@ -3,6 +3,7 @@
 
 #include "document/TreeWalk.h"
 #include "document/XsdtValueType.h"
+#include "document/XsdtWriter.h"
 
 #include <QStringTokenizer>
 
@@ -22,12 +23,12 @@ namespace kse {
 
 namespace {
 
-/// Room for nodes, each of which is given out once. The page goes when its last node has gone:
-/// trees die whole, so that few pages outlive most of their nodes.
+/// A page of memory for nodes. Each place in it is used once, and the page is freed with its last
+/// node. Trees are destroyed as a whole, so few pages outlive most of their nodes.
 struct alignas(XsdtNode) NodePage
 {
 #ifdef KSE_ADDRESS_SANITIZER
-    static constexpr std::size_t alignment = 256; // one node a page, so that a late use is found
+    static constexpr std::size_t alignment = 256; // One node a page, to catch a use after free.
 #else
     static constexpr std::size_t alignment = 65536;
 #endif
@@ -86,7 +87,7 @@ void XsdtNode::operator delete(void* node) noexcept
 
 XsdtNode::~XsdtNode()
 {
-    // Takes leaves off one by one: the default destructor would call itself once a level.
+    // Remove leaves one by one: the default destructor would recurse once a level.
     XsdtNode* node = this;
     while (true) {
         if (node->children.empty()) {
@@ -114,7 +115,7 @@ XsdtNode* XsdtNode::append(std::unique_ptr<XsdtNode> child)
 
 QString XsdtNode::path() const
 {
-    // Empty keys count for nothing above the topmost key that isn't empty.
+    // Empty keys above the topmost key that isn't empty add nothing to the path.
     const XsdtNode* top = nullptr;
     qsizetype size = 0;
     qsizetype sizeFromTop = 0;
@@ -165,7 +166,7 @@ bool XsdtNode::isModified() const
 
 bool XsdtNode::isEditableType() const
 {
-    return kind == Kind::Value && QStringView(u"Fbfisu").contains(typeCode);
+    return kind == Kind::Value && isEditableCode(typeCode);
 }
 
 bool XsdtNode::isInsideDeletion() const
@@ -200,6 +201,11 @@ qsizetype XsdtNode::valueCount() const
         return Walk::Into;
     });
     return count;
+}
+
+qint64 XsdtNode::serializedSize() const
+{
+    return elementSize(*this);
 }
 
 } // namespace kse

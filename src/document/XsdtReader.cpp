@@ -1,98 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "document/XsdtReader.h"
 
+#include "document/Entities.h"
 #include "document/Fail.h"
+#include "document/StringPool.h"
 #include "document/XsdtDocument.h"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
 namespace kse {
 
 namespace {
-
-/// Gives equal keys, and equal short values, one shared string: a file repeats few of them many
-/// times. A cache rather than a set, so that it stays small whatever the file holds.
-class StringPool
-{
-public:
-    QString key(QStringView key) { return key.size() > longestKey ? key.toString() : string(key); }
-
-    /// What is longer than "false" and small numbers seldom comes twice.
-    QString value(QStringView value)
-    {
-        return value.size() > longestValue ? value.toString() : string(value);
-    }
-
-private:
-    QString string(QStringView text)
-    {
-        const quint64 hash = hashOf(text);
-        const auto slot = static_cast<std::size_t>(hash >> (64 - slotBits));
-        const auto mark = static_cast<quint16>(hash >> 16);
-        if (m_marks[slot] != mark) {
-            // Kept from the second time on, so that what comes once displaces nothing.
-            m_marks[slot] = mark;
-            return text.toString();
-        }
-        QString& kept = m_kept[slot];
-        if (!equal(kept, text)) {
-            kept = text.toString();
-        }
-        return kept;
-    }
-
-    static constexpr qsizetype longestKey = 32;
-    static constexpr qsizetype longestValue = 5;
-    static constexpr int slotBits = 11; ///< more would push the text out of the processor's cache
-
-    static quint64 fourAt(QStringView text, qsizetype index)
-    {
-        quint64 four = 0;
-        std::memcpy(&four, text.data() + index, sizeof four);
-        return four;
-    }
-
-    /// Looks at the first, middle and last characters, enough to tell most of them apart.
-    static quint64 hashOf(QStringView text)
-    {
-        constexpr quint64 multiplier = 0x9E3779B97F4A7C15;
-        const qsizetype size = text.size();
-        auto hash = static_cast<quint64>(size);
-        if (size < 4) {
-            for (const QChar c : text) {
-                hash = (hash << 16) | c.unicode();
-            }
-        } else {
-            hash = (hash ^ fourAt(text, 0)) * multiplier;
-            hash = (hash ^ (hash >> 32) ^ fourAt(text, size - 4)) * multiplier;
-            hash ^= (hash >> 32) ^ fourAt(text, size / 2 - 2);
-        }
-        return hash * multiplier;
-    }
-
-    /// Quicker than Qt's for strings as short as these.
-    static bool equal(QStringView a, QStringView b)
-    {
-        if (a.size() != b.size()) {
-            return false;
-        }
-        if (a.size() < 4) {
-            return std::equal(a.begin(), a.end(), b.begin());
-        }
-        quint64 difference = fourAt(a, a.size() - 4) ^ fourAt(b, b.size() - 4);
-        for (qsizetype i = 0; i + 4 < a.size(); i += 4) {
-            difference |= fourAt(a, i) ^ fourAt(b, i);
-        }
-        return difference == 0;
-    }
-
-    std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< of the texts that came last
-    std::array<QString, std::size_t(1) << slotBits> m_kept;
-};
 
 constexpr auto asciiNameCharacters = [] {
     std::array<bool, 128> table{};
@@ -124,81 +45,7 @@ const char16_t* spaceEnd(const char16_t* at)
     return at;
 }
 
-/// The code point of a numeric reference's digits; 0, which no reference may name, if they aren't
-/// all digits or the number is too large.
-char32_t codePoint(QStringView digits, int base)
-{
-    char32_t number = 0;
-    for (const QChar digit : digits) {
-        const char16_t c = digit.unicode();
-        char32_t worth = 16;
-        if (c >= u'0' && c <= u'9') {
-            worth = c - u'0';
-        } else if (c >= u'a' && c <= u'f') {
-            worth = c - u'a' + 10;
-        } else if (c >= u'A' && c <= u'F') {
-            worth = c - u'A' + 10;
-        }
-        number = number * char32_t(base) + worth;
-        if (worth >= char32_t(base) || number > QChar::LastValidCodePoint) {
-            return 0;
-        }
-    }
-    return number;
-}
-
-/// The code point that the reference `name`, without & and ;, stands for; 0 if for none.
-char32_t referredTo(QStringView name)
-{
-    static constexpr std::pair<QStringView, char32_t> named[] = {
-        {u"amp", U'&'}, {u"lt", U'<'}, {u"gt", U'>'}, {u"quot", U'"'}, {u"apos", U'\''}};
-    for (const auto& [entity, character] : named) {
-        if (name == entity) {
-            return character;
-        }
-    }
-    if (name.startsWith(u"#x")) {
-        return codePoint(name.mid(2), 16);
-    }
-    return name.startsWith(u'#') ? codePoint(name.mid(1), 10) : 0;
-}
-
-/// Decodes the references of `input`. False with the reason in `error` if one is wrong.
-bool decodeEntities(QStringView input, QString& output, QString& error)
-{
-    constexpr qsizetype longestReference = 12; // from & to ;
-    output.resize(input.size());               // no character is longer than its reference
-    QChar* to = output.data();
-    const QChar* const end = input.cend();
-    for (const QChar* at = input.cbegin(); at != end;) {
-        if (*at != u'&') {
-            *to++ = *at++;
-            continue;
-        }
-        const QStringView reach(at + 1, std::min<qsizetype>(end - at - 1, longestReference));
-        const qsizetype length = reach.indexOf(u';');
-        if (length < 0) {
-            error = u"malformed entity reference"_s;
-            return false;
-        }
-        const QStringView name = reach.left(length);
-        const char32_t character = referredTo(name);
-        if (character == 0) {
-            error = name.startsWith(u'#') ? u"invalid character reference"_s
-                                          : u"unknown entity &%1;"_s.arg(name);
-            return false;
-        }
-        // QString::fromUcs4 would take U+FEFF for a byte order mark and drop it.
-        for (const char16_t unit : QChar::fromUcs4(character)) {
-            *to++ = unit;
-        }
-        at += length + 2;
-    }
-    output.truncate(to - output.constData());
-    return true;
-}
-
-/// The decoded text of an attribute: a part of the file's text, or of `buffer` where references
+/// The decoded text of an attribute. `text` lies in the file's text, or in `buffer` if references
 /// had to be decoded.
 struct Attribute
 {
@@ -207,7 +54,8 @@ struct Attribute
     QString buffer;
 };
 
-/// One tag for all: to make and destroy its strings anew for each costs more than to read it.
+/// The tag that was read last. One object serves all tags: creating and destroying its strings
+/// for each would take longer than reading it.
 struct Tag
 {
     QStringView name;
@@ -225,6 +73,7 @@ struct Tag
     }
 };
 
+/// Reads the content of the root and fills the tree with it.
 class Reader
 {
 public:
@@ -251,7 +100,7 @@ private:
     bool failAt(const char16_t* position, const QString& message);
 
     const char16_t* m_begin;
-    const char16_t* m_end; ///< holds a NUL, which ends white space, names and tags
+    const char16_t* m_end; ///< Points to a NUL, which ends white space, names and tags.
     const char16_t* m_pos;
     QString* m_error;
     Tag m_tag;
@@ -327,7 +176,7 @@ bool Reader::readAttribute(const char16_t*& at)
 bool Reader::readTag()
 {
     m_tag.clear();
-    const char16_t* at = spaceEnd(m_pos); // a local, which the compiler keeps in a register
+    const char16_t* at = spaceEnd(m_pos); // the compiler keeps a local in a register
     if (*at != u'<') {
         return failAt(at, u"expected '<'"_s);
     }
@@ -364,7 +213,7 @@ bool Reader::readTag()
     }
 }
 
-/// Reads the text form's value and end tag into the tag's `v`.
+/// Reads the element text of a value into the tag's `v`, and its end tag.
 bool Reader::readText()
 {
     static constexpr QStringView endTag = u"</v>";
@@ -408,7 +257,7 @@ bool Reader::readValue(XsdtNode& group)
     return true;
 }
 
-/// Spares most groups the small steps of a vector's growth; what is too much goes at their end.
+/// Room that a group starts with, so that its vector seldom grows. The rest is freed at its end.
 constexpr std::size_t usualGroupSize = 16;
 
 /// Reads one value, or the start of a group, which then becomes `group`.
@@ -480,7 +329,7 @@ bool readXsdt(const QString& text, XsdtDocument& document, QString* error)
         return fail(error, u"The <xsdt> element is empty or malformed."_s);
     }
     document.head = text.left(end + 1);
-    const auto reader = std::make_unique<Reader>(text, end + 1, error); // large, for the stack
+    const auto reader = std::make_unique<Reader>(text, end + 1, error); // too large for the stack
     if (!reader->readContent(document.root)) {
         return false;
     }

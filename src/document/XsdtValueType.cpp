@@ -14,8 +14,8 @@ namespace kse {
 
 namespace {
 
-/// Reads numbers as C does. "1,000" is no number: to somebody who types a decimal comma it would
-/// silently be a thousand times too large.
+/// The locale of C without group separators: somebody who types "1,000" with a decimal comma must
+/// not get a thousand.
 const QLocale& numberLocale()
 {
     static const QLocale locale = [] {
@@ -37,23 +37,15 @@ bool normaliseBoolean(const QString& text, QString& normalised)
     return true;
 }
 
-bool normaliseInteger(const QString& text, QString& normalised)
+/// Takes whole numbers in the range of `Number`. "-0" isn't a number of an unsigned type.
+template <typename Number>
+bool normaliseWhole(const QString& text, QString& normalised)
 {
+    using Limits = std::numeric_limits<Number>;
     bool ok = false;
     const qlonglong number = numberLocale().toLongLong(text, &ok);
-    if (!ok || number < std::numeric_limits<qint32>::min() ||
-        number > std::numeric_limits<qint32>::max()) {
-        return false;
-    }
-    normalised = QString::number(number);
-    return true;
-}
-
-bool normaliseUnsigned(const QString& text, QString& normalised)
-{
-    bool ok = false;
-    const qulonglong number = numberLocale().toULongLong(text, &ok);
-    if (!ok || text.startsWith(u'-') || number > std::numeric_limits<quint32>::max()) {
+    if (!ok || number < Limits::min() || number > Limits::max() ||
+        (!Limits::is_signed && text.startsWith(u'-'))) {
         return false;
     }
     normalised = QString::number(number);
@@ -73,7 +65,7 @@ bool normaliseReal(const QString& text, QString& normalised)
 
 bool normaliseRealSingle(const QString& text, QString& normalised)
 {
-    // The largest single is stored with nine digits, which round it up: that text must be accepted.
+    // The largest single, rounded up to nine digits: that is how it is stored, so it must pass.
     constexpr double largestStored = 3.40282347e+38;
     bool ok = false;
     const double number = numberLocale().toDouble(text, &ok);
@@ -86,7 +78,7 @@ bool normaliseRealSingle(const QString& text, QString& normalised)
     QString shortest;
     for (int precision = 1; precision <= std::numeric_limits<float>::max_digits10; ++precision) {
         shortest = QString::number(double(single), 'g', precision);
-        // Qt 6.8 reads a text above the largest single as that one; it would be refused here.
+        // Qt 6.8 reads texts above the largest single as that number, but they would be refused.
         if (shortest.toFloat() == single && std::abs(shortest.toDouble()) <= largestStored) {
             break;
         }
@@ -105,15 +97,15 @@ struct TypeRow
 {
     QChar code;
     const char* name;
-    bool (*normalise)(const QString& text, QString& normalised); ///< null: can't be edited
+    bool (*normalise)(const QString& text, QString& normalised); ///< Null if it can't be edited.
     const char* refusal;
 };
 
 constexpr TypeRow types[] = {
     {XsdtValueType::Boolean, "Boolean", normaliseBoolean, "Expected true or false."},
-    {XsdtValueType::Integer, "Integer", normaliseInteger,
+    {XsdtValueType::Integer, "Integer", normaliseWhole<qint32>,
      "Expected an integer between -2147483648 and 2147483647."},
-    {XsdtValueType::Unsigned, "Unsigned", normaliseUnsigned,
+    {XsdtValueType::Unsigned, "Unsigned", normaliseWhole<quint32>,
      "Expected an integer between 0 and 4294967295."},
     {XsdtValueType::Real, "Real", normaliseReal, "Expected a real number."},
     {XsdtValueType::RealSingle, "Real (single)", normaliseRealSingle,
@@ -135,6 +127,12 @@ const TypeRow* rowOf(QChar code)
 
 } // namespace
 
+bool isEditableCode(QChar code)
+{
+    const TypeRow* row = rowOf(code);
+    return row && row->normalise;
+}
+
 QString typeName(QChar code)
 {
     const TypeRow* row = rowOf(code);
@@ -143,14 +141,13 @@ QString typeName(QChar code)
 
 bool validateValue(QChar code, const QString& input, QString& normalised, QString* error)
 {
-    const TypeRow* row = rowOf(code);
-    const bool editable = row && row->normalise;
-    const bool isString = code == XsdtValueType::String;
-    if (editable && row->normalise(isString ? input : input.trimmed(), normalised)) {
-        return true;
+    if (!isEditableCode(code)) {
+        return fail(error, u"This value type is protected and cannot be edited."_s);
     }
-    return fail(error, editable ? QString::fromLatin1(row->refusal)
-                                : u"This value type is protected and cannot be edited."_s);
+    const TypeRow* row = rowOf(code);
+    const bool isString = code == XsdtValueType::String;
+    return row->normalise(isString ? input : input.trimmed(), normalised) ||
+           fail(error, QString::fromLatin1(row->refusal));
 }
 
 } // namespace kse

@@ -6,8 +6,8 @@
 
 namespace kse {
 
-/// The `t` attribute of a value: one case-sensitive character. A file may hold others; they are
-/// kept as found and can't be edited, like `Time` and `Block`.
+/// The codes of the `t` attribute of a value: one case-sensitive character each. A file may hold
+/// others. Those are kept as found and can't be edited, and neither can `Time` and `Block`.
 namespace XsdtValueType {
 inline constexpr QChar Boolean(u'b');
 inline constexpr QChar Integer(u'i');  ///< signed 32-bit decimal
@@ -19,11 +19,14 @@ inline constexpr QChar Time(u't');
 inline constexpr QChar Block(u'B'); ///< encoded data
 } // namespace XsdtValueType
 
-/// What users call the type; "Unknown (%1)" for a code of none.
+/// Whether values of type `code` can be edited: the six types from `Boolean` to `String`.
+[[nodiscard]] bool isEditableCode(QChar code);
+
+/// The type's name for the user; "Unknown (%1)" for a code of no known type.
 [[nodiscard]] QString typeName(QChar code);
 
-/// Checks text that a user entered for a value of type `code`. True with the text to store in
-/// `normalised`; false with the reason in `error`, unless null, and `normalised` left as it was.
+/// Checks text that a user entered for a value of type `code`. On success `normalised` gets the
+/// text to store. On failure it is left as it was, and `error`, unless null, gets the reason.
 /// Numbers are read as in C, whatever the user's locale, and without group separators.
 [[nodiscard]] bool validateValue(QChar code, const QString& input, QString& normalised,
                                  QString* error = nullptr);

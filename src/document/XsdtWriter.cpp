@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "document/XsdtWriter.h"
 
+#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 
 #include <algorithm>
@@ -10,10 +11,10 @@ namespace kse {
 
 namespace {
 
-// A sink takes the bytes of the text in order: ASCII code units as they stand in a string, or
-// ready bytes. Once it no longer `wants` any, the writer may stop.
+// A sink takes the bytes of the text in order: as the ASCII code units of a string, or as bytes.
+// Once it no longer `wants` any, the writer may stop.
 
-/// Appends to a byte array. Its size is right only when the sink is gone.
+/// Appends to a byte array, whose size is right only after the sink has been destroyed.
 class AppendSink
 {
 public:
@@ -64,7 +65,7 @@ private:
     qsizetype m_used = 0;
 };
 
-/// Compares with bytes that are there already.
+/// Compares with the bytes that are expected.
 class CompareSink
 {
 public:
@@ -110,6 +111,7 @@ private:
     bool m_equal = true;
 };
 
+/// Counts the bytes.
 struct CountSink
 {
     qint64 count = 0;
@@ -125,7 +127,7 @@ void literal(Sink& sink, const char (&text)[Size])
     sink.bytes(text, static_cast<qsizetype>(Size - 1));
 }
 
-/// The reference that the writer puts for `c`; null if `c` goes out as it is.
+/// The reference that is written for `c`; null if `c` is written as it is.
 constexpr const char* referenceFor(char16_t c)
 {
     switch (c) {
@@ -144,6 +146,7 @@ constexpr const char* referenceFor(char16_t c)
     }
 }
 
+/// Gives `text` to the sink in UTF-8, with references if `escape` is set.
 template <typename Sink>
 void encode(Sink& sink, QStringView text, bool escape)
 {
@@ -170,7 +173,7 @@ void encode(Sink& sink, QStringView text, bool escape)
     }
 }
 
-/// The element of a value, or the start tag of a group.
+/// Writes the whole element of a value, or the start tag of a group.
 template <typename Sink>
 void writeStart(const XsdtNode& node, Sink& sink)
 {
@@ -211,45 +214,37 @@ void writeEnd(const XsdtNode& node, Sink& sink)
 }
 
 template <typename Sink>
-void writeElement(const XsdtNode& top, Sink& sink, bool skipMarked)
+void writeContent(const XsdtNode& group, Sink& sink, bool skipMarked)
 {
-    const XsdtNode* node = &top;
-    while (sink.wants()) {
-        if (!skipMarked || !node->markedForDeletion) {
-            writeStart(*node, sink);
-            if (!node->children.empty()) {
-                node = node->children.front().get();
-                continue;
-            }
-            writeEnd(*node, sink);
+    const auto start = [&sink, skipMarked](const XsdtNode& node) {
+        if (!sink.wants()) {
+            return Walk::Stop;
         }
-        // Climb to the nearest ancestor that has a next sibling beneath `top`.
-        while (true) {
-            if (node == &top) {
-                return;
-            }
-            const auto& siblings = node->parent->children;
-            const auto next = static_cast<std::size_t>(node->rowInParent()) + 1;
-            if (next < siblings.size()) {
-                node = siblings[next].get();
-                break;
-            }
-            node = node->parent;
-            writeEnd(*node, sink);
+        if (skipMarked && node.markedForDeletion) {
+            return Walk::Over;
         }
-    }
+        writeStart(node, sink);
+        return Walk::Into;
+    };
+    walkTree(group, start, [&sink](const XsdtNode& node) { writeEnd(node, sink); });
 }
 
 template <typename Sink>
-void writeDocument(const XsdtDocument& document, Sink& sink)
+void writeElement(const XsdtNode& node, Sink& sink, bool skipMarked)
+{
+    if (skipMarked && node.markedForDeletion) {
+        return;
+    }
+    writeStart(node, sink);
+    writeContent(node, sink, skipMarked);
+    writeEnd(node, sink);
+}
+
+template <typename Sink>
+void writeFile(const XsdtDocument& document, Sink& sink)
 {
     encode(sink, document.head, false);
-    for (const auto& child : document.root.children) {
-        writeElement(*child, sink, true);
-        if (!sink.wants()) {
-            return;
-        }
-    }
+    writeContent(document.root, sink, true);
     literal(sink, "</xsdt>");
     encode(sink, document.tail, false);
 }
@@ -276,28 +271,28 @@ QString escapeText(const QString& text)
     return escaped;
 }
 
-bool hasCanonicalLayout(const XsdtDocument& document, const QByteArray& bytes)
-{
-    CompareSink sink(bytes);
-    writeDocument(document, sink);
-    return sink.isEqual();
-}
-
-qint64 XsdtNode::serializedSize() const
-{
-    CountSink sink;
-    writeElement(*this, sink, false);
-    return sink.count;
-}
-
-QByteArray XsdtDocument::serialize() const
+QByteArray writeXsdt(const XsdtDocument& document)
 {
     QByteArray bytes;
     {
         AppendSink sink(bytes);
-        writeDocument(*this, sink);
+        writeFile(document, sink);
     }
     return bytes;
+}
+
+bool hasCanonicalLayout(const XsdtDocument& document, const QByteArray& bytes)
+{
+    CompareSink sink(bytes);
+    writeFile(document, sink);
+    return sink.isEqual();
+}
+
+qint64 elementSize(const XsdtNode& node)
+{
+    CountSink sink;
+    writeElement(node, sink, false);
+    return sink.count;
 }
 
 } // namespace kse
