@@ -15,22 +15,22 @@ namespace kse {
 struct XsdtDocument;
 struct XsdtNode;
 
-/// How freely an entry may be deleted, in increasing freedom.
+/// How freely an entry may be deleted, from least to most.
 enum class DeleteLevel {
     Never = 0, ///< not offered; the user may ask why
     Warn = 1,  ///< offered, after a confirmation
     Safe = 2   ///< offered without any warning
 };
 
-/// One rule of the policy: what it covers and what it says.
+/// One rule of the policy: a pattern of paths, and what it says about them.
 struct DeleteRule : PathPattern
 {
     using PathPattern::PathPattern;
 
-    bool groupsOnly = false; ///< For a value the rule doesn't exist.
+    bool groupsOnly = false; ///< The rule doesn't apply to values.
     DeleteLevel level = DeleteLevel::Never;
-    QString reason;      ///< Empty: the policy's default reason is shown.
-    int specificity = 0; ///< Segments that are not `*`.
+    QString reason;      ///< If empty, the policy's default reason is shown.
+    int specificity = 0; ///< Number of segments that are not `*`.
 };
 
 /// The policy's answer for one node, with the sentence for the user.
@@ -46,38 +46,38 @@ struct CleanupGroup
     QString title;
     QString description;
     QStringList paths; ///< Patterns for `DeletePolicy::matchPattern`.
-    bool each = false; ///< Every match is offered by itself instead of the group as a whole.
+    bool each = false; ///< Every match is offered separately, not the group as a whole.
 };
 
-/// Says which entries of a settings file may be deleted, edited and copied, and in what words.
-/// The rules are data, from `overlay.json`; what no rule allows is never deleted. Nothing is
-/// cached by node, and nothing changes after `load`.
+/// The rules on which entries of a settings file may be deleted, edited and copied, with the
+/// sentences for the user. The rules are data, from `overlay.json`. An entry without a rule is
+/// never deleted. Nothing is cached by node, and nothing changes after `load`.
 class DeletePolicy
 {
 public:
-    /// Takes the rules and lists from the bytes of `overlay.json`. No bytes are no rules, and
-    /// succeed. On failure there are no rules, lists or groups left, so that every node is
-    /// `Never`, and `error`, unless null, gets the reason.
+    /// Takes the rules and lists from the bytes of `overlay.json`. Empty bytes give no rules, and
+    /// succeed. On failure there are no rules, lists or groups, so that every node is `Never`, and
+    /// `error`, unless null, gets the reason.
     [[nodiscard]] bool load(const QByteArray& overlayJson, QString* error = nullptr);
 
-    /// What may be done with `node`; never for null and for a root. The rule with the most
-    /// segments that are not `*` decides, whatever its level. Among equals a rule that ends in
-    /// `**` yields to one that doesn't; then the later in the file wins.
+    /// Whether `node` may be deleted: `Never` for null and for a root. The rule with the highest
+    /// specificity decides, whichever level it has. Among equals a rule that doesn't end in `**`
+    /// comes before one that does, then the later one in the file wins.
     [[nodiscard]] DeleteDecision decide(const XsdtNode* node) const;
 
-    /// Whether a comparison leaves `node` out unless asked: what may be deleted safely, and what
-    /// differs between any two files. False for null and for a root.
+    /// Whether a comparison hides `node` unless asked to show it: entries that may be deleted
+    /// safely, and those that differ between any two files. False for null and for a root.
     [[nodiscard]] bool isCompareNoise(const XsdtNode* node) const;
 
-    /// Whether `node` is of its own file and must not be copied to another. True for null.
+    /// Whether `node` belongs to its own file and must not be copied to another. True for null.
     [[nodiscard]] bool isCompareNoCopy(const XsdtNode* node) const;
 
     /// Whether `node` must not be edited. True for null.
     [[nodiscard]] bool isEditLocked(const XsdtNode* node) const;
 
     /// The nodes whose keys, from below the root, match `pattern` segment by segment, in file
-    /// order, marked and duplicate ones included. Here `**` is a plain segment, and no segment
-    /// matches a key that holds a slash.
+    /// order, marked and duplicate ones included. `**` has no special meaning here, and no plain
+    /// segment matches a key that holds a slash.
     [[nodiscard]] static QList<XsdtNode*> matchPattern(const XsdtDocument& document,
                                                        QStringView pattern);
 

@@ -21,7 +21,7 @@ bool isGroup(const XsdtNode& node)
     return node.kind == XsdtNode::Kind::Group;
 }
 
-/// The first child of `parent` with that key, if it is a group; `parent` may be null.
+/// The first child of `parent` with that key if it is a group, else null. `parent` may be null.
 XsdtNode* groupAt(const XsdtNode* parent, QStringView key)
 {
     XsdtNode* child = parent ? parent->childByKey(key) : nullptr;
@@ -41,7 +41,7 @@ QHash<QString, QList<XsdtNode*>> groupsByKey(const XsdtNode* parent)
     return groups;
 }
 
-/// For each key what `groupAt` gives, so null where a value comes first.
+/// The result of `groupAt` for each key: null if the first child with that key is a value.
 QHash<QString, XsdtNode*> firstGroups(const XsdtNode* parent)
 {
     QHash<QString, XsdtNode*> groups;
@@ -72,8 +72,8 @@ QHash<QString, XsdtNode*> registryOf(const XsdtDocument& document)
     return registry;
 }
 
-/// The places where a document holds data of modules, by key. Made for one call, so that asking
-/// for many modules of a wide file doesn't scan each place once a module.
+/// The places in a document with data of modules, indexed by key. It lives for one call. Without it
+/// each place would be scanned once for every module.
 class ModulePlaces
 {
 public:
@@ -121,7 +121,7 @@ ModuleInfo ModulePlaces::info(const QString& name) const
     info.name = name;
     info.registryNode = registry.value(name);
     info.registered = info.registryNode != nullptr;
-    QStringList processes{name}; // a process often bears its module's name
+    QStringList processes{name}; // a process often has its module's name
     const auto scan = [&](const QList<XsdtNode*>& groups) {
         for (const XsdtNode* group : groups) {
             if (const XsdtNode* interfaces = groupAt(group, u"Interfaces")) {
@@ -148,7 +148,7 @@ ModuleInfo ModulePlaces::info(const QString& name) const
     return info;
 }
 
-/// Each name once; names that differ only in case always come in the same order.
+/// Sorts without case and removes duplicates. Names that differ only in case have a fixed order.
 QStringList sortedOnce(QStringList names)
 {
     names.removeDuplicates();
@@ -184,7 +184,7 @@ bool ModuleCatalog::isKnownTopLevel(const QString& key)
 
 QString ModuleCatalog::moduleNameFromPath(const QString& path)
 {
-    // By hand: an expression that may begin anywhere takes quadratic time on a long value.
+    // No regular expression: one that may begin anywhere takes quadratic time on a long value.
     QStringView name = path;
     if (name.endsWith(u'\n')) {
         name.chop(1);

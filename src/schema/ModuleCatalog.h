@@ -10,52 +10,53 @@ namespace kse {
 struct XsdtDocument;
 struct XsdtNode;
 
-/// Where a settings file holds data of one module. The nodes are the document's and die with its
-/// tree.
+/// The places in a settings file with data of one module. The nodes belong to the document and are
+/// invalid once its tree is replaced.
 struct ModuleInfo
 {
     QString name;
-    bool registered = false;          ///< The registry holds exactly this name.
-    XsdtNode* registryNode = nullptr; ///< Its entry there, or null.
-    QList<XsdtNode*> nodes;           ///< Whole groups, never the registry entry; see `moduleInfo`.
+    bool registered = false;          ///< The registry has exactly this name.
+    XsdtNode* registryNode = nullptr; ///< Its entry in the registry, or null.
+    QList<XsdtNode*> nodes;           ///< Its groups, without the registry entry; see `moduleInfo`.
 };
 
-/// Which modules a settings file knows and what it records about each. Nothing is kept between
-/// calls and nothing is changed. Names are case-sensitive, their order isn't.
+/// The modules that a settings file knows, and its data about each. Nothing is kept between calls
+/// and nothing is changed. Names are case-sensitive, but sorted without case.
 namespace ModuleCatalog {
 
-/// Whether a top-level `key` is PixInsight's own and thus no module's group.
+/// Whether the top-level `key` belongs to PixInsight itself and isn't a module's group.
 [[nodiscard]] bool isKnownTopLevel(const QString& key);
 
-/// `Foo` of a path that ends in `Foo-pxm.dll`, `.so` or `.dylib`; empty for any other text.
+/// "Foo" for a path that ends in "Foo-pxm.dll", "Foo-pxm.so" or "Foo-pxm.dylib"; empty for any
+/// other text.
 [[nodiscard]] QString moduleNameFromPath(const QString& path);
 
-/// Names in the registry `Modules`, sorted, each once.
+/// The names in the registry `Modules`, sorted and without duplicates.
 [[nodiscard]] QStringList registeredModules(const XsdtDocument& document);
 
-/// Names of the groups in `ModuleData` and `ModuleDataAccess` (but "0") and of the top-level groups
-/// that aren't PixInsight's own; sorted, each once.
+/// The names of the groups in `ModuleData` and `ModuleDataAccess`, except "0", and of the top-level
+/// groups that don't belong to PixInsight itself. Sorted and without duplicates.
 [[nodiscard]] QStringList modulesWithData(const XsdtDocument& document);
 
-/// All that is recorded about `name`: its groups in `ModuleData`, in `ModuleDataAccess` and at the
-/// top level, then for each of its processes the window options and the usage counters.
+/// The data of the module `name`: its groups in `ModuleData`, in `ModuleDataAccess` and at the top
+/// level, then for each of its processes the window options and the usage counters.
 [[nodiscard]] ModuleInfo moduleInfo(const XsdtDocument& document, const QString& name);
 
-/// The modules with data and without a registry entry, sorted by name.
+/// The modules that have data but no registry entry, sorted by name.
 [[nodiscard]] QList<ModuleInfo> unusedModules(const XsdtDocument& document);
 
-/// The modules named `text` but for case and surrounding blanks; if there are none, those whose
-/// name contains it. `exact`, unless null, tells which. An empty text finds nothing.
+/// The modules named `text`, ignoring case and surrounding blanks. If there are none, those whose
+/// name contains it. `exact`, unless null, says which of the two. An empty text finds nothing.
 [[nodiscard]] QList<ModuleInfo> searchModules(const XsdtDocument& document, const QString& text,
                                               bool* exact = nullptr);
 
-/// The registry entry, if any, and every value at or below `info.nodes`, in that order.
+/// The registry entry, if any, then every value in `info.nodes`.
 [[nodiscard]] QList<XsdtNode*> moduleLeaves(const ModuleInfo& info);
 
 /// Number of values in `moduleLeaves`.
 [[nodiscard]] qsizetype moduleValueCount(const ModuleInfo& info);
 
-/// Bytes that `info.nodes` take in the file, without the registry entry.
+/// Number of bytes of `info.nodes` in the file. The registry entry isn't counted.
 [[nodiscard]] qint64 moduleDataSize(const ModuleInfo& info);
 
 } // namespace ModuleCatalog

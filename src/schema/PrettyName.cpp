@@ -7,7 +7,7 @@ namespace kse {
 
 namespace {
 
-/// Whether the upper-case character at `i`, above 0, begins a word.
+/// Whether the upper-case character at `i`, which is above 0, begins a word.
 bool beginsWord(const QString& key, qsizetype i)
 {
     const QChar previous = key[i - 1];
@@ -17,7 +17,7 @@ bool beginsWord(const QString& key, qsizetype i)
     if (!previous.isUpper() || i + 1 == key.size() || !key[i + 1].isLower()) {
         return false;
     }
-    // The s of a plural acronym ("URLs") makes no word of the acronym's last letter.
+    // In a plural acronym ("URLs") the s doesn't make the last letter begin a word.
     const bool plural = key[i + 1] == u's' && (i + 2 == key.size() || key[i + 2].isUpper());
     return !plural;
 }

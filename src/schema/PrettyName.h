@@ -5,8 +5,8 @@
 
 namespace kse {
 
-/// A label made from a camel-case key: "MaxModuleThreadPriority" gives "Max module thread
-/// priority". Acronyms stay as they are.
+/// Makes a label from a camel-case key: "MaxModuleThreadPriority" gives "Max module thread
+/// priority". Acronyms keep their upper case.
 [[nodiscard]] QString prettyName(const QString& key);
 
 } // namespace kse

@@ -38,8 +38,8 @@ VariableKind kindOfType(QChar typeCode)
     return VariableKind::Text;
 }
 
-/// The kind of a node by its type, narrowed by the end of its key. Digits at the very end don't
-/// count: "Color2" is one of several colours.
+/// The kind of a node by its type, refined by the end of its key. Digits at the very end are
+/// ignored: "Color2" is one of several colours.
 VariableKind kindOf(const XsdtNode& node)
 {
     QStringView base = node.key;
@@ -63,7 +63,7 @@ VariableKind kindOf(const XsdtNode& node)
     return kind;
 }
 
-/// The description without sentences that send the reader to documentation elsewhere.
+/// The description without sentences that refer to other documentation.
 QString withoutReferences(QString description)
 {
     static const QRegularExpression reference(
@@ -71,7 +71,8 @@ QString withoutReferences(QString description)
     return description.remove(reference).trimmed();
 }
 
-/// `number` without its fraction. A conversion beyond the range of the type would be undefined.
+/// `number` without its fraction, limited to the range of the type, as a conversion of larger
+/// numbers would be undefined.
 qint64 truncated(double number)
 {
     constexpr double limit = 9223372036854775808.0; // 2^63
@@ -150,7 +151,7 @@ void SettingsSchema::describeDocumented(const QString& id, VariableInfo& info) c
         u"\\[\\s*(-?\\d+(?:\\.\\d+)?)\\s*,\\s*(-?\\d+(?:\\.\\d+)?)\\s*\\]"_s);
     const QRegularExpressionMatch match = range.match(info.description);
     if (match.hasMatch()) {
-        // More digits than a double can hold read as infinite, which is no bound.
+        // A number with too many digits for a double is read as infinite, which isn't a bound.
         const auto bound = [&match](int group) {
             return std::clamp(match.capturedView(group).toDouble(), -largest, largest);
         };

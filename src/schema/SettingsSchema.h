@@ -15,8 +15,8 @@ namespace kse {
 struct XsdtDocument;
 struct XsdtNode;
 
-/// What edits a setting. The order counts: `Integer` to `Real` are the numbers, `FilePath` and
-/// `Directory` the paths.
+/// The kind of a setting, which decides its editor. The order matters: `Integer` to `Real` are the
+/// numbers, `FilePath` and `Directory` the paths.
 enum class VariableKind {
     Boolean = 0,
     Choice = 1, ///< an integer with named values
@@ -45,17 +45,17 @@ struct VariableInfo
     bool readOnly = false;   ///< PixInsight documents it as read-only or write-only.
     bool documented = false; ///< PixInsight documents it at all.
     bool hasRange = false;
-    double min = 0; ///< Both ends are allowed; an open end is the largest finite double.
+    double min = 0; ///< Both ends are included. An open end is the largest finite double.
     double max = 0;
-    QList<VariableChoice> choices; ///< Not empty in a `Choice`, empty in all else.
+    QList<VariableChoice> choices; ///< Empty unless `kind` is `Choice`.
 };
 
-/// One page of preferences: the groups it shows, by their full paths.
+/// One page of preferences: the full paths of the groups that it shows.
 struct PageSpec
 {
     QString title;
     QStringList paths;
-    QList<XsdtNode*> nodes; ///< Of a document's page, what is at these paths.
+    QList<XsdtNode*> nodes; ///< The nodes at these paths, in a page made for a document.
 };
 
 /// One row of `globals.json`.
@@ -65,17 +65,17 @@ struct GlobalVariableRecord
     bool readOnly = false;
 };
 
-/// What the program knows about settings beyond what their file says: labels, descriptions,
-/// kinds, ranges, choices and pages. Nothing changes after `load`.
+/// What the program knows about settings in addition to their file: labels, descriptions, kinds,
+/// ranges, choices and pages. Nothing changes after `load`.
 ///
 /// A variable's id is its node's path without a leading "Global/" and then without a leading
-/// "Preferences/". The two tables go by id; pages and hidden paths are full paths.
+/// "Preferences/". The two tables use ids; pages and hidden paths are full paths.
 class SettingsSchema
 {
 public:
-    /// Takes the tables from the bytes of `globals.json` and `overlay.json`. No bytes are an
+    /// Takes the tables from the bytes of `globals.json` and `overlay.json`. Empty bytes give an
     /// empty table, and succeed. On failure the schema is empty and `error`, unless null, gets
-    /// the reason; an empty schema still describes a node by its key and type.
+    /// the reason. An empty schema still describes a node by its key and type.
     [[nodiscard]] bool load(const QByteArray& globalsJson, const QByteArray& overlayJson,
                             QString* error = nullptr);
 
@@ -83,11 +83,11 @@ public:
 
     [[nodiscard]] static QString variableId(const XsdtNode& node);
 
-    /// Whether the preferences leave `node` out. Says nothing about what lies beneath it.
+    /// Whether the preferences don't show `node`. Nodes below it are asked about separately.
     [[nodiscard]] bool isHidden(const XsdtNode& node) const;
 
-    /// The pages with those of their paths that `document` holds, without pages that have none,
-    /// then one page for each group of `Global/Preferences` that no page shows.
+    /// The pages with those of their paths that `document` has. Pages without any are left out.
+    /// Then comes one page for each group of `Global/Preferences` that isn't on another page.
     [[nodiscard]] QList<PageSpec> decoratedPages(const XsdtDocument& document) const;
 
 private:
