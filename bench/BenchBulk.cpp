@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "GeneratedDocument.h"
+#include "BenchSupport.h"
 #include "document/Leaves.h"
-#include "document/TreeWalk.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
 #include "views/cleanup/CleanupView.h"
@@ -25,21 +24,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray table(const char* name)
-{
-    QFile file(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// Every page of the window on one document, compared with a copy of it.
+/// All pages of the window on one document, which is compared with a copy of it.
 struct Pages
 {
-    explicit Pages(benchmark::State& state)
+    explicit Pages(const benchmark::State& state)
     {
-        if (!schema.load(table("globals.json"), table("overlay.json")) ||
-            !policy.load(table("overlay.json"))) {
-            state.SkipWithError("the tables can't be read");
-        }
+        const QByteArray overlay = sourceFile("resources/schema/overlay.json");
+        require(schema.load(sourceFile("resources/schema/globals.json"), overlay) &&
+                policy.load(overlay));
         generateDocument(state, document);
         model.setPolicy(&policy);
         model.setDocument(&document);
@@ -56,13 +48,9 @@ struct Pages
         compare.setDocument(&document, QString());
         const QString other = folder.filePath(u"other.settings"_s);
         QFile file(other);
-        if (!file.open(QIODevice::WriteOnly) || file.write(document.serialize()) < 0) {
-            state.SkipWithError("the copy can't be written");
-        }
+        require(file.open(QIODevice::WriteOnly) && file.write(document.serialize()) > 0);
         file.close();
-        if (!compare.compareWith(other)) {
-            state.SkipWithError("the copy can't be compared");
-        }
+        require(compare.compareWith(other));
         for (XsdtNode* node : valuesOf(document.root)) {
             if (node->typeCode == u's') {
                 texts.append(node);
@@ -99,7 +87,7 @@ void plainWalk(benchmark::State& state)
     });
 }
 
-/// Without what the event loop does later: painting, and the page that compares anew.
+/// Without the work that the event loop does later: painting, and the new comparison.
 void oneEdit(benchmark::State& state)
 {
     Pages pages(state);
@@ -124,7 +112,7 @@ void manyEdits(benchmark::State& state)
     state.counters["edits"] = double(count);
 }
 
-/// Marks up to 10,000 entries and takes the marks back.
+/// Marks up to 10,000 entries and undoes the marks.
 void manyMarks(benchmark::State& state)
 {
     Pages pages(state);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "GeneratedDocument.h"
+#include "BenchSupport.h"
 #include "document/Leaves.h"
 #include "support/PlainWays.h"
 #include "views/compare/CompareEngine.h"
@@ -10,7 +10,7 @@ namespace {
 
 using Compare = QList<CompareEntry> (*)(const XsdtDocument&, const XsdtDocument&);
 
-/// Two files in which one value of a hundred has another text and one another key.
+/// Compares two files in which one value in a hundred has another text and one has another key.
 void measureCompare(benchmark::State& state, Compare compare)
 {
     XsdtDocument here;

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsGenerator.h"
-#include "document/XsdtDocument.h"
+#include "BenchSupport.h"
 #include "document/XsdtReader.h"
 #include "document/XsdtWriter.h"
 
 #include <QXmlStreamReader>
-#include <benchmark/benchmark.h>
 #ifdef KSE_HAVE_PUGIXML
 #include <pugixml.hpp>
 #endif
@@ -22,11 +20,6 @@ namespace {
 
 using Shape = GenerateOptions::Shape;
 
-QByteArray fileFor(const benchmark::State& state, Shape shape = Shape::Values)
-{
-    return generateSettings({shape, static_cast<qsizetype>(state.range(0))});
-}
-
 void report(benchmark::State& state, const QByteArray& file)
 {
     using benchmark::Counter;
@@ -36,7 +29,7 @@ void report(benchmark::State& state, const QByteArray& file)
     state.counters["file B/value"] = static_cast<double>(file.size()) / values;
 }
 
-/// Bytes on the heap just now; 0 where the system doesn't tell.
+/// Bytes on the heap at the moment; 0 if the system can't tell.
 double heapBytes()
 {
 #ifdef __GLIBC__
@@ -47,13 +40,13 @@ double heapBytes()
 #endif
 }
 
-/// Makes the allocator join small freed pieces, which else the next large request pays for.
+/// Makes the allocator join small freed pieces, for which the next large request would pay.
 void settleHeap()
 {
     benchmark::DoNotOptimize(QByteArray(1'000'000, Qt::Uninitialized).data());
 }
 
-/// Times `Read` on a new tree each, without its destruction, and reports what the tree occupies.
+/// Times `read` on a new tree each time, without destroying it, and reports the tree's size.
 template <typename Tree, typename Read>
 void measureRead(benchmark::State& state, const QByteArray& file, Read&& read)
 {
@@ -63,9 +56,7 @@ void measureRead(benchmark::State& state, const QByteArray& file, Read&& read)
         const double before = heapBytes();
         std::optional<Tree> tree(std::in_place);
         state.ResumeTiming();
-        if (!read(*tree)) {
-            state.SkipWithError("the file doesn't parse");
-        }
+        require(read(*tree));
         state.PauseTiming();
         treeBytes = heapBytes() - before;
         tree.reset();
@@ -76,76 +67,67 @@ void measureRead(benchmark::State& state, const QByteArray& file, Read&& read)
     state.counters["tree B/value"] = treeBytes / static_cast<double>(state.range(0));
 }
 
-void readTree(benchmark::State& state)
+void measureReadTree(benchmark::State& state, const QByteArray& file)
 {
-    const QByteArray file = fileFor(state);
     measureRead<XsdtDocument>(state, file, [&](XsdtDocument& document) {
         return readXsdt(QString::fromUtf8(file), document, nullptr);
     });
+}
+
+void readTree(benchmark::State& state)
+{
+    measureReadTree(state, generateFile(state));
 }
 
 void readWide(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state, Shape::Wide);
-    measureRead<XsdtDocument>(state, file, [&](XsdtDocument& document) {
-        return readXsdt(QString::fromUtf8(file), document, nullptr);
-    });
+    measureReadTree(state, generateFile(state, Shape::Wide));
 }
 
 void parseWithLayoutCheck(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state);
+    const QByteArray file = generateFile(state);
     measureRead<XsdtDocument>(state, file, [&](XsdtDocument& document) {
         return document.parse(file) && document.defaultLayout;
     });
 }
 
-void measureWrite(benchmark::State& state, const QByteArray& file)
+/// Times `work` on the parsed file.
+template <typename Work>
+void measureParsed(benchmark::State& state, const QByteArray& file, Work&& work)
 {
     XsdtDocument document;
-    if (!document.parse(file)) {
-        state.SkipWithError("the file doesn't parse");
-    }
+    require(document.parse(file));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(document.serialize());
+        benchmark::DoNotOptimize(work(document));
     }
     report(state, file);
 }
 
 void write(benchmark::State& state)
 {
-    measureWrite(state, fileFor(state));
+    measureParsed(state, generateFile(state),
+                  [](const XsdtDocument& document) { return document.serialize(); });
 }
 
 void writeWide(benchmark::State& state)
 {
-    measureWrite(state, fileFor(state, Shape::Wide));
+    measureParsed(state, generateFile(state, Shape::Wide),
+                  [](const XsdtDocument& document) { return document.serialize(); });
 }
 
 void layoutCheck(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state);
-    XsdtDocument document;
-    if (!document.parse(file)) {
-        state.SkipWithError("the file doesn't parse");
-    }
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(hasCanonicalLayout(document, file));
-    }
-    report(state, file);
+    const QByteArray file = generateFile(state);
+    measureParsed(state, file, [&file](const XsdtDocument& document) {
+        return hasCanonicalLayout(document, file);
+    });
 }
 
 void walkPendingCount(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state);
-    XsdtDocument document;
-    if (!document.parse(file)) {
-        state.SkipWithError("the file doesn't parse");
-    }
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(document.pendingCount());
-    }
-    report(state, file);
+    measureParsed(state, generateFile(state),
+                  [](const XsdtDocument& document) { return document.pendingCount(); });
 }
 
 void measureDestroy(benchmark::State& state, const QByteArray& file)
@@ -153,9 +135,7 @@ void measureDestroy(benchmark::State& state, const QByteArray& file)
     for (auto _ : state) {
         state.PauseTiming();
         std::optional<XsdtDocument> document(std::in_place);
-        if (!document->parse(file)) {
-            state.SkipWithError("the file doesn't parse");
-        }
+        require(document->parse(file));
         state.ResumeTiming();
         document.reset();
         settleHeap();
@@ -165,24 +145,24 @@ void measureDestroy(benchmark::State& state, const QByteArray& file)
 
 void destroy(benchmark::State& state)
 {
-    measureDestroy(state, fileFor(state));
+    measureDestroy(state, generateFile(state));
 }
 
 void destroyWide(benchmark::State& state)
 {
-    measureDestroy(state, fileFor(state, Shape::Wide));
+    measureDestroy(state, generateFile(state, Shape::Wide));
 }
 
 void readAndWrite(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state);
+    const QByteArray file = generateFile(state);
     measureRead<XsdtDocument>(state, file, [&](XsdtDocument& document) {
         return readXsdt(QString::fromUtf8(file), document, nullptr) &&
                document.serialize().size() == file.size();
     });
 }
 
-/// Fills the same nodes as our reader does.
+/// Fills the same nodes as our reader.
 bool readByQt(const QByteArray& file, XsdtDocument& document)
 {
     QXmlStreamReader xml(file);
@@ -219,7 +199,7 @@ bool readByQt(const QByteArray& file, XsdtDocument& document)
 
 void readQXmlStreamReader(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state);
+    const QByteArray file = generateFile(state);
     measureRead<XsdtDocument>(state, file,
                               [&](XsdtDocument& document) { return readByQt(file, document); });
 }
@@ -232,7 +212,7 @@ pugi::xml_parse_result loadPugixml(const QByteArray& file, pugi::xml_document& d
 
 void readPugixml(benchmark::State& state)
 {
-    const QByteArray file = fileFor(state);
+    const QByteArray file = generateFile(state);
     measureRead<pugi::xml_document>(state, file, [&](pugi::xml_document& document) {
         return bool(loadPugixml(file, document));
     });
@@ -248,7 +228,7 @@ void readAndWritePugixml(benchmark::State& state)
             bytes.append(static_cast<const char*>(data), static_cast<qsizetype>(size));
         }
     };
-    const QByteArray file = fileFor(state);
+    const QByteArray file = generateFile(state);
     measureRead<pugi::xml_document>(state, file, [&](pugi::xml_document& document) {
         Writer writer;
         const bool loaded = bool(loadPugixml(file, document));
@@ -284,8 +264,8 @@ BENCHMARK(destroyWide)->Apply(sizes);
 int main(int argc, char** argv)
 {
 #ifdef __GLIBC__
-    // Keep freed memory, for all alike: the kernel takes longer to hand out clean pages than any
-    // of these takes to fill them.
+    // Keep freed memory in all benchmarks: the kernel takes longer to provide clean pages than any
+    // of them takes to fill the pages.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
 #endif

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsGenerator.h"
-#include "document/TreeWalk.h"
-#include "document/XsdtDocument.h"
+#include "BenchSupport.h"
 #include "schema/SettingsSchema.h"
 #include "views/health/HealthChecker.h"
-
-#include <QFile>
-#include <benchmark/benchmark.h>
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -15,37 +10,24 @@ namespace {
 
 enum Place { Settings, ModuleData };
 
-/// A file with all its values below the settings that are checked one by one, or below the data of
-/// modules.
+/// A file whose values are all settings, which are checked one by one, or all data of modules.
 struct CheckedFile
 {
     explicit CheckedFile(const benchmark::State& state)
     {
-        QByteArray bytes = generateSettings({GenerateOptions::Shape::Values, state.range(0)});
+        QByteArray bytes = generateFile(state);
         if (state.range(1) == Settings) {
             bytes.replace("\"ModuleData\"", "\"Global\"");
         }
-        const auto table = [](const char* name) {
-            QFile file(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
-            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        };
-        if (!document.parse(bytes) || !schema.load(table("globals.json"), table("overlay.json"))) {
-            qFatal("the file or the tables don't parse");
-        }
+        require(document.parse(bytes) && schema.load(sourceFile("resources/schema/globals.json"),
+                                                     sourceFile("resources/schema/overlay.json")));
     }
 
     XsdtDocument document;
     SettingsSchema schema;
 };
 
-void report(benchmark::State& state)
-{
-    using benchmark::Counter;
-    state.counters["ns/value"] = Counter(static_cast<double>(state.range(0)) * 1e-9,
-                                         Counter::kIsIterationInvariantRate | Counter::kInvert);
-}
-
-/// The least that a check of every setting takes.
+/// The minimum for a check of every setting.
 void describeOnly(benchmark::State& state)
 {
     const CheckedFile file(state);
@@ -57,7 +39,7 @@ void describeOnly(benchmark::State& state)
             return Walk::Into;
         });
     }
-    report(state);
+    reportTimePerValue(state);
 }
 
 void healthCheck(benchmark::State& state)
@@ -66,11 +48,8 @@ void healthCheck(benchmark::State& state)
     HealthEnv env = HealthEnv::system();
     env.exists = [](const QString&) {
         return true;
-    }; // the disk isn't what is measured
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(HealthChecker::run(file.document, file.schema, env));
-    }
-    report(state);
+    }; // The disk isn't measured.
+    measure(state, [&] { return HealthChecker::run(file.document, file.schema, env); });
 }
 
 void sizes(benchmark::internal::Benchmark* bench)

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsGenerator.h"
-#include "document/TreeWalk.h"
-#include "document/XsdtValueType.h"
+#include "BenchSupport.h"
 #include "session/SettingsStore.h"
 
 #include <QCoreApplication>
@@ -17,21 +15,14 @@
 #include <cstdio>
 #include <optional>
 
-// Linux alone: what the kernel says a process occupies. Prints tables in Markdown.
+// Measures the resident memory of processes, for which it needs Linux. Prints Markdown tables.
 
 using namespace kse;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-void require(bool done)
-{
-    if (!done) {
-        qFatal("A step failed, so its memory means nothing.");
-    }
-}
-
-/// A figure of /proc/self/status, in bytes.
+/// An entry of /proc/self/status, in bytes.
 double statusOf(QByteArrayView name)
 {
     QFile file(u"/proc/self/status"_s);
@@ -46,11 +37,11 @@ double statusOf(QByteArrayView name)
 
 struct Memory
 {
-    double atRest = 0; ///< In use after the work, when the allocator has given back what it can.
-    double peak = 0;   ///< At most in use.
+    double atRest = 0; ///< In use after the work, once the allocator has freed what it can.
+    double peak = 0;   ///< The most in use at any time.
 };
 
-/// What `work` adds to a process of its own. What it returns is kept until all is measured.
+/// The memory that `work` adds to a separate process. Its result is kept until that is measured.
 template <typename Work>
 Memory measure(Work&& work)
 {
@@ -90,10 +81,7 @@ void measureTree(const QString& path, qsizetype values)
     const Memory opened = measure([&] { return open(path); });
     const Memory saved = measure([&] {
         auto store = open(path);
-        XsdtNode* const node = walkTree(store->document.root, [](const XsdtNode& candidate) {
-            return candidate.typeCode == XsdtValueType::Integer ? Walk::Stop : Walk::Into;
-        });
-        node->value += u'1';
+        firstInteger(store->document).value += u'1';
         QString backup;
         require(store->save(nullptr, &backup) && QFile::remove(backup));
         return store;
@@ -107,7 +95,7 @@ void measureTree(const QString& path, qsizetype values)
                 bytes(saved.peak), saved.peak / peer.atRest);
 }
 
-/// How many texts there are, how many of them repeat another, and how many strings hold them all.
+/// Counts texts, different texts, and the strings that hold them.
 class Sharing
 {
 public:
@@ -166,7 +154,7 @@ int main(int argc, char** argv)
                     file.write(generateSettings({GenerateOptions::Shape::Values, values})) > 0);
         }
         malloc_trim(0);
-        std::fflush(stdout); // before the process is doubled
+        std::fflush(stdout); // before the fork, or both processes would print it
         measureTree(path, values);
     }
     for (const GenerateOptions& options :

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "document/XsdtDocument.h"
+#include "BenchSupport.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
 #include "views/health/HealthView.h"
@@ -7,29 +7,28 @@
 #include "views/search/SearchView.h"
 
 #include <QtWidgets>
-#include <benchmark/benchmark.h>
 
 using namespace kse;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Lays out and paints everything that has changed in `page`, as the user gets to see it.
+/// Lays out and paints everything that has changed in `page`.
 void paint(QWidget& page)
 {
     QCoreApplication::processEvents();
     benchmark::DoNotOptimize(page.grab());
 }
 
-/// Outside the measured time: what was let go of dies.
-void bury(benchmark::State& state)
+/// Destroys what was deleted later, outside the measured time.
+void deleteDeferred(benchmark::State& state)
 {
     state.PauseTiming();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     state.ResumeTiming();
 }
 
-/// The least that a row needs: a name, an editor and a button, in colours of their own.
+/// The minimum of a row: a name, an editor and a button, with their own colours.
 QWidget* makePlainRow(int number, QWidget* parent)
 {
     auto* row = new QWidget(parent);
@@ -67,23 +66,15 @@ void plainRows(benchmark::State& state)
     }
 }
 
-QByteArray contentOf(const char* path)
-{
-    QFile file(QStringLiteral(KSE_SOURCE_DIR) + QLatin1String(path));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// A file with the tables that describe it.
 struct OpenFile
 {
     explicit OpenFile(const QByteArray& bytes)
     {
-        const QByteArray overlay = contentOf("/resources/schema/overlay.json");
-        if (!document.parse(bytes) ||
-            !schema.load(contentOf("/resources/schema/globals.json"), overlay) ||
-            !policy.load(overlay)) {
-            qFatal("the file or the tables don't parse");
-        }
+        const QByteArray overlay = sourceFile("resources/schema/overlay.json");
+        require(document.parse(bytes) &&
+                schema.load(sourceFile("resources/schema/globals.json"), overlay) &&
+                policy.load(overlay));
         model.setPolicy(&policy);
         model.setDocument(&document);
     }
@@ -94,10 +85,10 @@ struct OpenFile
     SettingsModel model;
 };
 
-/// The best hundred of all settings of the sample that hold an "e".
+/// Shows the best hundred of the sample's settings that contain an "e".
 void searchPage(benchmark::State& state)
 {
-    OpenFile file(contentOf("/examples/core-001-pxi.settings"));
+    OpenFile file(sourceFile("examples/core-001-pxi.settings"));
     SearchView view(&file.model, &file.schema);
     view.setDocument(&file.document);
     view.resize(1200, 820);
@@ -108,11 +99,11 @@ void searchPage(benchmark::State& state)
         state.PauseTiming();
         view.setQuery({});
         state.ResumeTiming();
-        bury(state);
+        deleteDeferred(state);
     }
 }
 
-/// A check with one finding for each two settings.
+/// Checks a file with one finding for every two settings.
 void healthPage(benchmark::State& state)
 {
     QByteArray content;
@@ -128,7 +119,7 @@ void healthPage(benchmark::State& state)
     for (auto _ : state) {
         view.run();
         paint(view);
-        bury(state);
+        deleteDeferred(state);
     }
 }
 

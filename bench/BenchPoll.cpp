@@ -1,42 +1,23 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsGenerator.h"
+#include "BenchSupport.h"
+#include "SettingsHome.h"
 #include "app/MainWindow.h"
 #include "app/ThemeManager.h"
-#include "session/PixInsightEnv.h"
 #include "session/VerifiedFile.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <benchmark/benchmark.h>
 
 using namespace kse;
-using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Puts a file of `state.range(0)` values where the window looks for one, and returns its path.
-QString placeFile(const benchmark::State& state)
-{
-    const QString folder = PixInsightEnv::settingsFolders().value(0);
-    QFile file(folder + u"/core-001-pxi.settings"_s);
-    if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
-        file.write(generateSettings({GenerateOptions::Shape::Values, state.range(0)})) < 0) {
-        qFatal("the file can't be written");
-    }
-    return file.fileName();
-}
-
-/// The least that a poll can cost, without its look at the processes.
+/// The minimum cost of a poll, without its process scan.
 void readAndHash(benchmark::State& state)
 {
-    const QString path = placeFile(state);
+    const QString path = placeSettings(generateFile(state));
     for (auto _ : state) {
         QByteArray bytes;
-        if (!readWhole(path, bytes)) {
-            state.SkipWithError("the file can't be read");
-        }
+        require(readWhole(path, bytes));
         benchmark::DoNotOptimize(sha256(bytes));
     }
 }
@@ -48,11 +29,11 @@ void processScan(benchmark::State& state)
     }
 }
 
-/// What the window does every three seconds, nothing having changed. No other event is processed
-/// meanwhile, or its own timer would poll too.
+/// The window's poll every three seconds when nothing has changed. No events are processed in
+/// between, or the window's own timer would poll as well.
 void poll(benchmark::State& state)
 {
-    placeFile(state);
+    placeSettings(generateFile(state));
     MainWindow window;
     window.show();
     QCoreApplication::processEvents();
@@ -75,9 +56,7 @@ BENCHMARK(poll)->Apply(sizes);
 int main(int argc, char** argv)
 {
     const QTemporaryDir home;
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"}) {
-        qputenv(name, home.path().toLocal8Bit());
-    }
+    useAsHome(home);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     ThemeManager::instance().init(false);

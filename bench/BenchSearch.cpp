@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "GeneratedDocument.h"
+#include "BenchSupport.h"
 #include "document/LowerCasePath.h"
-#include "document/TreeWalk.h"
 #include "schema/SettingsSchema.h"
 #include "views/search/SearchIndex.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <random>
@@ -14,28 +11,21 @@ using namespace kse;
 
 namespace {
 
-QByteArray builtInTable(const char* name)
-{
-    QFile file(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// A document with its index, and a query that leaves no value out.
+/// A document with its index, and a query that finds every value.
 struct Searched
 {
-    explicit Searched(benchmark::State& state)
+    explicit Searched(const benchmark::State& state)
     {
         generateDocument(state, document);
-        if (!schema.load(builtInTable("globals.json"), builtInTable("overlay.json"))) {
-            state.SkipWithError("the tables don't load");
-        }
+        require(schema.load(sourceFile("resources/schema/globals.json"),
+                            sourceFile("resources/schema/overlay.json")));
         index = buildSearchIndex(document, schema);
         query.includeProtected = true;
     }
 
-    /// The children of every group in any order, and read again, so that neighbours in the file
-    /// are neighbours in memory.
-    void shuffle(benchmark::State& state)
+    /// Puts the children of every group in random order, and reads the file again, so that
+    /// neighbours in the file are neighbours in memory.
+    void shuffle()
     {
         std::mt19937 random(1);
         const auto shuffleChildren = [&](XsdtNode& group) {
@@ -44,9 +34,7 @@ struct Searched
         };
         shuffleChildren(document.root);
         walkTree(document.root, shuffleChildren);
-        if (!document.parse(document.serialize())) {
-            state.SkipWithError("the file doesn't parse");
-        }
+        require(document.parse(document.serialize()));
         index = buildSearchIndex(document, schema);
     }
 
@@ -127,18 +115,18 @@ void scan(benchmark::State& state)
     });
 }
 
-/// Without terms every value is found, so that the time is that of putting them in order.
+/// Without terms every value is found, and the time goes into sorting them.
 void order(benchmark::State& state)
 {
     const Searched searched(state);
     measure(state, [&] { return search(searched.index, searched.query); });
 }
 
-/// The same in a file whose groups have their children in any order.
+/// The same in a file whose groups have their children in random order.
 void orderShuffled(benchmark::State& state)
 {
     Searched searched(state);
-    searched.shuffle(state);
+    searched.shuffle();
     measure(state, [&] { return search(searched.index, searched.query); });
 }
 

@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "SettingsGenerator.h"
+#include "SettingsHome.h"
 #include "app/MainWindow.h"
 #include "app/ThemeManager.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
-#include "session/PixInsightEnv.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QEvent>
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
@@ -20,8 +17,8 @@
 #include <ctime>
 #include <memory>
 
-// Starts itself again and again, as the program and as an empty window, and prints tables in
-// Markdown. Linux alone.
+// Starts itself many times, as the program and as an empty window, and prints Markdown tables. It
+// needs Linux.
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -37,7 +34,7 @@ double now()
 /// When each step ended, in milliseconds.
 struct Steps
 {
-    double started = 0; ///< By the one who started the process.
+    double started = 0; ///< Taken by the process that started this one.
     double main = now();
     double application = 0;
     double window = 0;
@@ -51,7 +48,7 @@ public:
 
     bool notify(QObject* receiver, QEvent* event) override
     {
-        // Asked before: an event may be the receiver's last.
+        // Checked first, because the event may delete the receiver.
         const auto* widget = qobject_cast<QWidget*>(receiver);
         m_sawPaint |= event->type() == QEvent::Paint && widget && widget->isWindow();
         ++m_depth;
@@ -65,7 +62,7 @@ public:
     }
 
     double painted = 0;
-    double used = 0; ///< Of the processor until then, in milliseconds.
+    double used = 0; ///< Processor time until then, in milliseconds.
 
 private:
     int m_depth = 0;
@@ -91,7 +88,7 @@ double loadTables()
     return now() - start;
 }
 
-/// A figure of /proc/self/smaps_rollup, in KiB.
+/// An entry of /proc/self/smaps_rollup, in KiB.
 double occupied(QByteArrayView name)
 {
     const QList<QByteArray> lines = resource(u"/proc/self/smaps_rollup"_s).split('\n');
@@ -140,7 +137,7 @@ using Figures = QList<double>;
 Figures start(const QString& mode)
 {
     QProcess process;
-    process.setStandardErrorFile(QProcess::nullDevice()); // remarks of the platform
+    process.setStandardErrorFile(QProcess::nullDevice()); // warnings of the platform
     process.start(QCoreApplication::applicationFilePath(), {mode, QString::number(now(), 'f', 3)});
     if (!process.waitForFinished() || process.exitCode() != 0) {
         qFatal("the started process failed");
@@ -168,17 +165,6 @@ Figures medians(const QList<Figures>& runs)
     return result;
 }
 
-/// Puts the sample where the program looks for its file.
-void placeSample()
-{
-    const QString folder = PixInsightEnv::settingsFolders().value(0);
-    QFile file(folder + u"/core-001-pxi.settings"_s);
-    if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
-        file.write(generateSettings({})) < 0) {
-        qFatal("the sample can't be written");
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -188,17 +174,15 @@ int main(int argc, char** argv)
     }
     const QCoreApplication application(argc, argv);
     const QTemporaryDir home;
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"}) {
-        qputenv(name, home.path().toLocal8Bit());
-    }
+    useAsHome(home);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    placeSample();
+    placeSettings(generateSettings({}));
     constexpr int runs = 15;
     QList<Figures> programs;
     QList<Figures> empties;
-    start(u"program"_s); // the first brings the files into memory
+    start(u"program"_s); // the first start brings the files into memory
     for (int i = 0; i < runs; ++i) {
         programs.append(start(u"program"_s));
         empties.append(start(u"empty"_s));

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsGenerator.h"
-#include "document/TreeWalk.h"
-#include "document/XsdtDocument.h"
+#include "BenchSupport.h"
 #include "schema/DeletePolicy.h"
 #include "views/model/SettingsFilterProxy.h"
 #include "views/model/SettingsModel.h"
@@ -9,7 +7,6 @@
 
 #include <QApplication>
 #include <QTreeView>
-#include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <vector>
@@ -32,18 +29,16 @@ struct Tree
     explicit Tree(const benchmark::State& state)
     {
         const auto shape = state.range(1) ? Shape::Wide : Shape::Values;
-        if (!document.parse(generateSettings({shape, qsizetype(state.range(0))}))) {
-            qFatal("the file doesn't parse");
-        }
+        require(document.parse(generateFile(state, shape)));
         proxy.setSourceModel(&model);
         view.setModel(&proxy);
         view.setUniformRowHeights(true);
         view.resize(1000, 700);
         view.show();
-        showAnew();
+        setDocumentAgain();
     }
 
-    void showAnew()
+    void setDocumentAgain()
     {
         model.setDocument(&document);
         view.expandAll();
@@ -91,16 +86,16 @@ struct Tree
     QTreeView view;
 };
 
-/// What the other figures are measured against.
+/// The base of the other figures.
 void setDocumentAndExpandAll(benchmark::State& state)
 {
     Tree tree(state);
     for (auto _ : state) {
-        tree.showAnew();
+        tree.setDocumentAgain();
     }
 }
 
-/// One change of the filter; `texts` is gone through in turn, so it narrows and widens.
+/// One change of the filter. It takes `texts` in turn, so that it finds fewer rows and more again.
 void changeFilter(benchmark::State& state, const QStringList& texts)
 {
     Tree tree(state);
@@ -181,21 +176,17 @@ void flipManyInABatch(benchmark::State& state)
     }
 }
 
-/// The mark and its undo, with all that is beneath.
+/// Marks a group with all that it contains, and undoes that.
 void deleteAndUndoGroup(benchmark::State& state)
 {
     Tree tree(state);
     DeletePolicy policy;
-    if (!policy.load(
-            R"({"policy": {"delete": [{"path": "**", "level": "safe", "reason": "Free."}]}})")) {
-        qFatal("the policy doesn't load");
-    }
+    require(policy.load(
+        R"({"policy": {"delete": [{"path": "**", "level": "safe", "reason": "Free."}]}})"));
     tree.model.setPolicy(&policy);
     for (auto _ : state) {
         XsdtNode* group = tree.document.root.children.back().get();
-        if (!tree.model.markForDeletion(group)) {
-            state.SkipWithError("not deleted");
-        }
+        require(tree.model.markForDeletion(group));
         settle();
         tree.model.undoDeletion(group);
         settle();
