@@ -10,6 +10,9 @@
 #include <QLabel>
 #include <QLayout>
 
+#include <type_traits>
+#include <utility>
+
 namespace kse {
 
 /// A page of class `View` over a document, with the built-in tables and not shown yet.
@@ -17,8 +20,11 @@ template <typename View>
 struct SettingsPage
 {
     explicit SettingsPage(const QByteArray& content)
-        : document(documentFrom(content))
-        , view(&model, &schema)
+        : SettingsPage(documentFrom(content))
+    {
+    }
+    explicit SettingsPage(std::unique_ptr<XsdtDocument> shown)
+        : document(std::move(shown))
     {
         const QByteArray overlay = builtInTable("overlay.json");
         if (!schema.load(builtInTable("globals.json"), overlay) || !policy.load(overlay)) {
@@ -56,7 +62,17 @@ struct SettingsPage
     SettingsSchema schema;
     DeletePolicy policy;
     SettingsModel model;
-    View view;
+    View view = create(model, schema);
+
+private:
+    static View create(SettingsModel& model, [[maybe_unused]] const SettingsSchema& schema)
+    {
+        if constexpr (std::is_constructible_v<View, SettingsModel*, const SettingsSchema*>) {
+            return View(&model, &schema);
+        } else {
+            return View(&model);
+        }
+    }
 };
 
 /// `count` strings, "Key0" and up, each `copies` times.

@@ -105,12 +105,10 @@ void TestSettingsModel::cutsLongTexts()
 {
     XsdtNode node;
     node.typeCode = u's';
-    QCOMPARE(displayValue(node, QString(200, u'\n'), 200), QString(200, QChar(0x23CE)));
-    QCOMPARE(displayValue(node, QString(199, u'x') + u"\U0001F600"_s, 200),
-             QString(199, u'x') + u'\u2026');
+    QCOMPARE(displayValue(node, QString(199, u'\n') + u"\U0001F600"_s, 200),
+             QString(199, QChar(0x23CE)) + u'\u2026');
     Fixture f("<i k='" + QByteArray(1'000'000, 'k') + "'/>");
-    QCOMPARE(f.model.index(0, 0).data().toString(),
-             QString(1000, u'k') + u"\u2026 (999000 more characters)"_s);
+    QVERIFY(f.model.index(0, 0).data().toString().endsWith(u"k\u2026 (999000 more characters)"));
     QVERIFY(f.model.index(0, 0).data(Qt::ToolTipRole).toString().size() < 1100);
 }
 
@@ -122,17 +120,22 @@ void TestSettingsModel::marksAndRestores()
         QString reason;
         return f.model.markForDeletion(node, &reason) ? u"marked"_s : reason;
     };
-    QCOMPARE(mark(&f.document->root), u"Nothing to delete."_s);
     QCOMPARE(mark(f.node(u"Top"_s)), u"Needed."_s);
     f.model.setReadOnly(true);
-    QCOMPARE(mark(f.node(u"Old"_s)), u"PixInsight is running; nothing can be changed."_s);
+    QVERIFY(mark(f.node(u"Old"_s)).startsWith(u"PixInsight is running"));
     f.model.setReadOnly(false);
+    const QModelIndex old = f.model.indexForNode(f.node(u"Old"_s));
+    QVERIFY(old.data(Qt::ToolTipRole).toString().endsWith(u"\nCan be deleted: Left behind."));
+    QVERIFY(!f.edit(f.node(u"Alpha/Count"_s), u" 7 "_s)); // the same number
     QCOMPARE(mark(f.node(u"Old"_s)), u"marked"_s);
+    QVERIFY(!f.edit(f.node(u"Old/%1<b>"_s), u"x"_s));
     QCOMPARE(mark(f.node(u"Old/Empty"_s)), u"marked"_s); // it is inside already
     f.model.undoDeletion(f.node(u"Old/Empty"_s));
     QCOMPARE(f.document->pendingCount(), 1);
     f.model.setReadOnly(true);
+    const QSignalSpy changed(&f.model, &SettingsModel::dataChanged);
     f.model.undoDeletion(f.node(u"Old"_s));
+    QCOMPARE(changed.count(), 2); // what is in it looks different, too
     QCOMPARE(f.document->pendingCount(), 0);
     QCOMPARE(edited.count(), 2);
 }
@@ -159,13 +162,9 @@ void TestSettingsModel::tellsOfManyChangesOnce()
     {
         const SettingsModel::Batch nothing(f.model);
     }
-    const quint64 generation = f.model.generation();
     f.model.revertAll();
     QCOMPARE(told, u"ldddere"_s);
     QCOMPARE(f.document->pendingCount(), 0);
-    QCOMPARE(f.model.generation(), generation);
-    f.model.setDocument(f.document.get());
-    QCOMPARE(f.model.generation(), generation + 1);
 }
 
 /// Whatever is changed under a filter, in whatever order, the proxy shows what the plain
@@ -186,13 +185,15 @@ void TestSettingsModel::filterFollowsChanges()
         nodes.append(&node);
         return Walk::Into;
     });
-    const QStringList texts{u"  "_s, u" B/DEEP "_s, u"zz"_s, u"p/1"_s, u"Y"_s, u"none"_s};
+    const QStringList texts{u"  "_s, u" B/DEEP "_s, u"c/"_s, u"zz"_s, u"p/1"_s, u"Y"_s, u"none"_s};
+    QString filter;
     QRandomGenerator random(4711);
     for (int step = 0; step < 1500; ++step) {
         XsdtNode* node = nodes.at(random.bounded(nodes.size()));
         const int action = random.bounded(10);
         if (action == 0) {
-            f.proxy.setFilterText(texts.at(random.bounded(texts.size())));
+            filter = texts.at(random.bounded(texts.size()));
+            f.proxy.setFilterText(filter);
         } else if (action == 1) {
             f.proxy.setChangedOnly(random.bounded(3) > 0);
         } else if (action == 2) {
@@ -214,7 +215,7 @@ void TestSettingsModel::filterFollowsChanges()
             f.model.revertAll();
         }
         QCOMPARE(shownKeys(f.proxy),
-                 expectedKeys(f.document->root, f.proxy.filterText(), f.proxy.isChangedOnly()));
+                 expectedKeys(f.document->root, filter.trimmed(), f.proxy.isChangedOnly()));
     }
 }
 

@@ -74,14 +74,11 @@ void TestValueDelegate::writesWhatWasTypedAndNothingElse_data()
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("typed"); // in front of the text
     QTest::addColumn<QString>("stored");
-    const QString tooMany(1'000'001, u'y');
     const QString lines = u"one\r\ntwo\u2028three\tfour"_s;
-    const QString many = QString(40'000, u'y');
+    const QString tooMany(1'000'001, u'y');
     QTest::newRow("lines") << 's' << lines << u"a"_s << u"a"_s + lines;
-    QTest::newRow("long text") << 's' << many << u"a"_s << u"a"_s + many;
+    QTest::newRow("long text") << 's' << tooMany.left(40'000) << u""_s << tooMany.left(40'000);
     QTest::newRow("too long to edit") << 's' << tooMany << u"a"_s << tooMany;
-    QTest::newRow("untouched lines") << 's' << lines << u""_s << lines;
-    QTest::newRow("untouched long text") << 's' << many << u""_s << many;
     QTest::newRow("untouched number in another form") << 'i' << u" 007"_s << u""_s << u" 007"_s;
     QTest::newRow("refused") << 'i' << u"7"_s << u"x"_s << u"7"_s;
 }

@@ -44,7 +44,6 @@ private slots:
     void givesUpWhenDocumentIsReplacedUnderDialog();
     void readsNoNodeOfAReplacedDocument();
     void namesItsPartsAndMatches();
-    void followsThemeAndTextSize();
     void offersMenu();
 
 private:
@@ -106,17 +105,14 @@ void TestSettingRow::writesWhatIsTypedAndNothingElse_data()
     const VariableInfo small = infoOf(K::Integer, 1, 10);
     row("integer", infoOf(K::Integer), u"i7"_s, u"7"_s, u"-12"_s, u"-12"_s);
     row("zero over no integer", infoOf(K::Integer), u"imany"_s, u"0"_s, u"00"_s, u"0"_s);
-    row("zero over no unsigned", infoOf(K::Unsigned), u"uinf"_s, u"0"_s, u"0"_s, u"0"_s);
-    row("half a number", infoOf(K::Integer), u"imany"_s, u"0"_s, u"-"_s, u"many"_s);
     row("below its range", small, u"i0"_s, u"0"_s, {}, u"0"_s);
     row("no integer", small, u"imany"_s, u"0"_s, {}, u"many"_s);
     row("unsigned", infoOf(K::Unsigned), u"u7"_s, u"7"_s, u"4294967295"_s, u"4294967295"_s);
     row("above its range", infoOf(K::Unsigned), u"u99999999999"_s, u"99999999999"_s, {},
         u"99999999999"_s);
-    row("no unsigned", infoOf(K::Unsigned), u"uinf"_s, u"0"_s, {}, u"inf"_s);
     row("real", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1"_s, u"1"_s);
-    row("real out of range", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1.5"_s,
-        u"A & B: 1.5 is outside the allowed range 0 to 1"_s);
+    row("real too small", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"-0.1"_s,
+        u"A & B: -0.1 is outside the allowed range 0 to 1"_s);
     row("real just out of range", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1.0000001"_s,
         u"A & B: 1.0000001 is outside the allowed range 0 to 1"_s);
     row("other form", infoOf(K::Real), u"F 1e0"_s, u" 1e0"_s, {}, u" 1e0"_s);
@@ -171,6 +167,11 @@ void TestSettingRow::keepsAValueWithoutAName()
     QCOMPARE(m_node->value, u"2"_s);
     QTest::mouseClick(part<QToolButton>("revertButton"), Qt::LeftButton);
     QCOMPARE(combo->currentText(), u"Other (7)"_s);
+    m_model->setReadOnly(true); // the poll tells the page of it later
+    QSignalSpy rejected(m_row, &SettingRow::rejected);
+    QTest::keyClick(combo, Qt::Key_Up);
+    m_model->setReadOnly(false);
+    QCOMPARE(m_node->value + QString::number(rejected.count()), u"71"_s);
     QCOMPARE(combo->count(), 3);
     m_node->value = u"<seven>"_s;
     m_row->refresh();
@@ -195,6 +196,9 @@ void TestSettingRow::tellsWhyItIsLocked()
     m_node->parent->markedForDeletion = true;
     QCOMPARE(toolTip('s', false), QString());
     QVERIFY(part<QLabel>("nameLabel")->font().strikeOut());
+    m_node->value = u"edited"_s;
+    m_row->refresh();
+    QVERIFY(!part<QToolButton>("revertButton")->isEnabled());
     m_node->key = u"Locked"_s;
     QCOMPARE(toolTip('s', false),
              u"Module registry and version records are locked against editing."_s);
@@ -289,49 +293,15 @@ void TestSettingRow::namesItsPartsAndMatches()
 {
     m_node->key = u"<b>Key"_s;
     makeRow('s', u"value"_s, infoOf(VariableKind::Directory));
-    for (const auto& [name, text] : {std::pair("lineEdit", u"A & B"_s),
-                                     {"revertButton", u"Revert A & B"_s},
-                                     {"browseButton", u"Browse for A & B"_s}}) {
-        auto* accessible = QAccessible::queryAccessibleInterface(part<QWidget>(name));
-        QCOMPARE(accessible->text(QAccessible::Name), text);
-    }
+    QCOMPARE(part<QWidget>("lineEdit")->accessibleName(), u"A & B"_s);
+    QCOMPARE(part<QWidget>("revertButton")->accessibleName(), u"Revert A & B"_s);
     QVERIFY(m_row->toolTip().contains(u"Group/Sub/&lt;b&gt;Key\n(not documented"_s));
-    auto* path = part<QLabel>("pathLabel");
-    QVERIFY(path->isHidden());
     m_row->setShowPath(true);
-    QVERIFY(!path->isHidden());
-    QCOMPARE(path->text(), u"Group \u203A Sub"_s);
+    QCOMPARE(part<QLabel>("pathLabel")->text(), u"Group \u203A Sub"_s);
     QVERIFY(m_row->matches(u"a & b"_s) && m_row->matches(u">key"_s) && m_row->matches(u"Val"_s));
     QVERIFY(!m_row->matches(u"Group"_s));
     m_node->typeCode = u't';
     QVERIFY(!m_row->matches(u"Val"_s));
-}
-
-void TestSettingRow::followsThemeAndTextSize()
-{
-    const QFont oldFont = QApplication::font();
-    makeRow('s', u"value"_s, infoOf(VariableKind::Text));
-    QFont font = oldFont;
-    font.setPointSizeF(20);
-    QApplication::setFont(font);
-    QPalette palette;
-    palette.setColor(QPalette::Window, QColor(40, 40, 40));
-    palette.setColor(QPalette::WindowText, QColor(203, 200, 200));
-    QApplication::setPalette(palette);
-    QCoreApplication::processEvents(); // both go round as events
-    auto* path = part<QLabel>("pathLabel");
-    auto* description = part<QLabel>("descriptionLabel");
-    auto* name = part<QLabel>("nameLabel");
-    QCOMPARE(name->font().pointSizeF(), 20.0);
-    auto* edit = part<QLineEdit>("lineEdit");
-    QTRY_COMPARE(edit->height(), edit->sizeHint().height());
-    const int nameLine = name->mapTo(m_row, QPoint()).y() + name->fontMetrics().height() / 2;
-    QVERIFY(qAbs(nameLine - edit->mapTo(m_row, edit->rect().center()).y()) <= 1);
-    QCOMPARE(path->font().pointSizeF(), 18.0);
-    QCOMPARE(path->palette().color(QPalette::Disabled, QPalette::WindowText),
-             QColor(121, 120, 120));
-    QCOMPARE(description->palette().color(QPalette::WindowText), QColor(162, 160, 160));
-    QApplication::setFont(oldFont);
 }
 
 void TestSettingRow::offersMenu()
