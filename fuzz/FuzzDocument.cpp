@@ -1,60 +1,55 @@
 // SPDX-License-Identifier: MIT
 // An input is a settings file, then, after a byte FF, what is done to its tree.
 #include "FuzzInput.h"
-#include "PlainDocument.h"
+#include "document/Leaves.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
+
+#include <QRegularExpression>
 
 #include <algorithm>
 
 #include <fuzzer/FuzzedDataProvider.h>
 
 using namespace kse;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-using Nodes = std::vector<XsdtNode*>;
-
-/// Returns the nodes in file order, as the rows of `plain` are.
-Nodes requireSameTree(XsdtDocument& document, const PlainDocument& plain)
+QList<XsdtNode*> nodesOf(XsdtDocument& document)
 {
-    require(document.head == plain.head && document.tail == plain.tail, "head and tail");
-    Nodes nodes;
+    QList<XsdtNode*> nodes;
     walkTree(document.root, [&](XsdtNode& node) {
-        require(nodes.size() < plain.rows.size(), "no node too many");
-        const PlainRow& row = plain.rows[nodes.size()];
-        require(node.kind == (row.isValue ? XsdtNode::Kind::Value : XsdtNode::Kind::Group), "kind");
-        require(node.key == row.key, "key");
-        require(node.typeCode == row.type, "type");
-        require(node.value == row.value && node.original == row.original, "value");
-        require(node.textForm == row.textForm && node.selfClosing == row.selfClosing, "form");
-        require(node.markedForDeletion == row.marked, "mark");
-        require(node.parent ==
-                    (row.parent < 0 ? &document.root : nodes[static_cast<std::size_t>(row.parent)]),
-                "parent");
-        nodes.push_back(&node);
+        require(node.parent->children.at(static_cast<std::size_t>(node.rowInParent())).get() ==
+                    &node,
+                "row in parent");
+        nodes.append(&node);
         return Walk::Into;
     });
-    require(nodes.size() == plain.rows.size(), "no node too few");
     return nodes;
 }
 
-bool areNodes(const QList<XsdtNode*>& found, const std::vector<std::size_t>& places,
-              const Nodes& nodes)
+/// An error lies within the text, and what follows it doesn't count.
+void requireError(const QByteArray& bytes, const QString& error)
 {
-    return std::equal(
-        found.begin(), found.end(), places.begin(), places.end(),
-        [&](const XsdtNode* node, std::size_t place) { return node == nodes[place]; });
-}
-
-void requirePending(const XsdtDocument& document, const PlainDocument& plain, const Nodes& nodes)
-{
-    const auto edited = plain.editedValues();
-    const auto deleted = plain.deletions();
-    require(areNodes(document.editedValues(), edited, nodes), "edited values");
-    require(areNodes(document.deletions(), deleted, nodes), "deletions");
-    require(document.pendingCount() == static_cast<qsizetype>(edited.size() + deleted.size()),
-            "pending count");
+    static const QRegularExpression form(u" \\(line (\\d+), column (\\d+)\\)$"_s);
+    const QRegularExpressionMatch match = form.match(error);
+    const QString text = QString::fromUtf8(bytes);
+    if (!match.hasMatch() || text.startsWith(QChar::ByteOrderMark)) {
+        return;
+    }
+    qsizetype start = 0;
+    for (int line = 1; line < match.captured(1).toInt(); ++line) {
+        start = text.indexOf(u'\n', start) + 1;
+        require(start > 0, "the error's line");
+    }
+    const qsizetype column = match.captured(2).toInt();
+    const qsizetype end = text.indexOf(u'\n', start);
+    require(column >= 1 && column <= (end < 0 ? text.size() : end) - start + 1, "its column");
+    QString shorter;
+    require(!XsdtDocument().parse(text.left(start + column).toUtf8(), &shorter), "cut text");
+    require(shorter == error || shorter == u"unterminated <v> element"_s + match.captured(),
+            "the error of the text up to it");
 }
 
 /// UTF-8 has no form for half a surrogate pair. The first character keeps a leading U+FEFF from
@@ -64,116 +59,74 @@ QString asWritten(const QString& text)
     return QString::fromUtf8((u'|' + text).toUtf8()).mid(1);
 }
 
-/// What a save would write is the tree without what is marked, and reads back as that.
-void requireSaved(const XsdtDocument& document, const PlainDocument& plain)
+/// What a save would write reads back as the tree without what is marked.
+void requireSaved(XsdtDocument& document)
 {
     const QByteArray bytes = document.serialize();
-    require(bytes == plain.bytes(), "serialised bytes");
-    PlainDocument saved = plain;
-    saved.commitEdits();
-    for (PlainRow& row : saved.rows) {
-        row.key = asWritten(row.key);
-        row.type = row.isValue ? asWritten(row.type).at(0) : QChar();
-        row.value = row.original = asWritten(row.value);
-    }
-    const bool startsWithMark = saved.head.startsWith(QChar::ByteOrderMark);
-    saved.head.remove(0, startsWithMark ? 1 : 0);
     XsdtDocument again;
     require(again.parse(bytes), "what was serialised parses");
-    requireSameTree(again, saved);
-    require(again.defaultLayout == !startsWithMark, "what was serialised has the default layout");
-}
-
-XsdtNode* plainFind(const PlainDocument& plain, const Nodes& nodes, XsdtNode& root,
-                    const QString& path)
-{
-    int place = -1;
-    for (const QString& key : path.split(u'/', Qt::SkipEmptyParts)) {
-        const auto isIt = [&](const PlainRow& row) {
-            return row.parent == place && row.key == key;
-        };
-        const auto found = std::find_if(plain.rows.begin(), plain.rows.end(), isIt);
-        if (found == plain.rows.end()) {
-            return nullptr;
+    require(again.defaultLayout != document.head.startsWith(QChar::ByteOrderMark), "layout");
+    const QList<XsdtNode*> read = nodesOf(again);
+    qsizetype place = 0;
+    for (const XsdtNode* node : nodesOf(document)) {
+        if (!node->isInsideDeletion()) {
+            require(place < read.size(), "no node too few");
+            const XsdtNode& twin = *read[place++];
+            require(twin.kind == node->kind && twin.textForm == node->textForm, "kind and form");
+            require(twin.key == asWritten(node->key), "key");
+            require(twin.typeCode.isNull() || twin.typeCode == asWritten(node->typeCode)[0],
+                    "type");
+            require(twin.value == asWritten(node->value) && twin.original == twin.value, "value");
         }
-        place = static_cast<int>(found - plain.rows.begin());
     }
-    return place < 0 ? &root : nodes[static_cast<std::size_t>(place)];
+    require(place == read.size(), "no node too many");
 }
 
-void requireQuestions(XsdtDocument& document, const PlainDocument& plain, const Nodes& nodes)
+void requirePending(XsdtDocument& document, const QList<XsdtNode*>& nodes)
 {
-    std::vector<QString> paths;
-    qint64 size = 0;
-    qsizetype values = 0;
-    const std::vector<bool> covered = plain.covered();
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        const PlainRow& row = plain.rows[i];
-        const XsdtNode& node = *nodes[i];
-        const QString parent =
-            row.parent < 0 ? QString() : paths[static_cast<std::size_t>(row.parent)];
-        paths.push_back(parent.isEmpty() ? row.key : parent + u'/' + row.key);
-        require(node.path() == paths.back(), "path");
-        require(document.root.findByPath(paths.back()) ==
-                    plainFind(plain, nodes, document.root, paths.back()),
-                "found by path");
-        require(node.isInsideDeletion() == covered[i], "inside a deletion");
-        require(node.parent->children[static_cast<std::size_t>(node.rowInParent())].get() == &node,
-                "row in parent");
-        size += row.parent < 0 ? node.serializedSize() : 0;
-        values += row.isValue ? 1 : 0;
+    QList<XsdtNode*> edited;
+    QList<XsdtNode*> deleted;
+    for (XsdtNode* node : nodes) {
+        if (node->markedForDeletion && !node->parent->isInsideDeletion()) {
+            deleted.append(node);
+        } else if (node->isModified() && !node->isInsideDeletion()) {
+            edited.append(node);
+        }
     }
-    require(document.root.valueCount() == values, "value count");
-    PlainDocument unmarked = plain;
-    for (PlainRow& row : unmarked.rows) {
-        row.marked = false;
-    }
-    const qsizetype around =
-        (plain.head + plain.tail).toUtf8().size() + QByteArrayLiteral("</xsdt>").size();
-    require(size + around == unmarked.bytes().size(), "serialised size");
+    require(document.editedValues() == edited, "edited values");
+    require(document.deletions() == deleted, "deletions");
+    require(document.pendingCount() == edited.size() + deleted.size(), "pending count");
+    require(document.root.valueCount() == valuesOf(document.root).size(), "values");
 }
 
-enum class Command { Edit, EditUnit, Undo, Mark, Unmark, RevertAll, Commit, Save, kMaxValue };
-
-void change(Command command, FuzzedDataProvider& provider, XsdtNode& node, PlainRow& row)
+void change(XsdtDocument& document, FuzzedDataProvider& provider)
 {
-    if (command == Command::Mark || command == Command::Unmark) {
-        node.markedForDeletion = row.marked = command == Command::Mark;
-    } else if (row.isValue && command == Command::Edit) {
-        node.value = row.value = QString::fromStdString(provider.ConsumeRandomLengthString(64));
-    } else if (row.isValue && command == Command::EditUnit) {
-        node.value = row.value += QChar(provider.ConsumeIntegral<quint16>());
-    } else if (row.isValue && command == Command::Undo) {
-        node.value = row.value = row.original;
-    }
-}
-
-void runCommands(FuzzedDataProvider& provider, XsdtDocument& document, PlainDocument& plain,
-                 Nodes nodes)
-{
-    auto rest = std::min<std::size_t>(100, 200000 / (nodes.size() + 1));
-    for (; rest > 0 && provider.remaining_bytes() > 0; --rest) {
-        const auto command = provider.ConsumeEnum<Command>();
-        if (command == Command::RevertAll) {
+    const QByteArray before = document.serialize();
+    QList<XsdtNode*> nodes = nodesOf(document);
+    for (int i = 0; i < 50 && !nodes.isEmpty() && provider.remaining_bytes() > 0; ++i) {
+        XsdtNode& node = *nodes[provider.ConsumeIntegralInRange<qsizetype>(0, nodes.size() - 1)];
+        if (provider.ConsumeBool() || node.kind == XsdtNode::Kind::Group) {
+            node.markedForDeletion = provider.ConsumeBool();
+        } else {
+            node.value = QString::fromStdString(provider.ConsumeRandomLengthString(64)) +
+                         QChar(provider.ConsumeIntegral<quint16>());
+        }
+        if (provider.ConsumeIntegralInRange(0, 9) == 9) {
             document.revertAll();
-            plain.revertAll();
-            requireSameTree(document, plain);
-        } else if (command == Command::Commit) {
-            document.commitEdits();
-            plain.commitEdits();
-            nodes = requireSameTree(document, plain);
-        } else if (command == Command::Save) {
-            requireSaved(document, plain);
-        } else if (!nodes.empty()) {
-            const auto place = provider.ConsumeIntegralInRange<std::size_t>(0, nodes.size() - 1);
-            change(command, provider, *nodes[place], plain.rows[place]);
+            require(document.serialize() == before, "reverted");
         }
-        requirePending(document, plain, nodes);
     }
-    if (nodes.size() <= 100) {
-        requireQuestions(document, plain, nodes);
+    requirePending(document, nodes);
+    requireSaved(document);
+    const QByteArray saved = document.serialize();
+    document.commitEdits();
+    require(document.serialize() == saved && document.pendingCount() == 0, "committed");
+    requireSaved(document);
+    qint64 size = (document.head + document.tail).toUtf8().size() + 7;
+    for (const auto& child : document.root.children) {
+        size += child->serializedSize();
     }
-    requireSaved(document, plain);
+    require(size == saved.size(), "serialised size");
 }
 
 } // namespace
@@ -182,23 +135,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const QByteArrayList input = parts(data, size, 2);
     XsdtDocument document;
-    PlainDocument plain;
     QString error;
-    QString plainError;
-    const bool parsed = document.parse(input[0], &error);
-    require(parsed == plain.read(input[0], plainError), "parses or not");
-    require(error == plainError, "message");
-    if (!parsed) {
-        require(!document.parse(input[0]) && document.root.children.empty() &&
-                    !document.defaultLayout,
-                "nothing is left of what doesn't parse");
+    if (!document.parse(input[0], &error)) {
+        require(document.root.children.empty() && document.head.isEmpty(), "nothing is left");
+        requireError(input[0], error);
         return 0;
     }
-    const Nodes nodes = requireSameTree(document, plain);
-    require(document.defaultLayout == (plain.bytes() == input[0]), "default layout");
-    requireSaved(document, plain);
-    FuzzedDataProvider provider(reinterpret_cast<const std::uint8_t*>(input[1].constData()),
-                                static_cast<std::size_t>(input[1].size()));
-    runCommands(provider, document, plain, nodes);
+    require(document.defaultLayout == (document.serialize() == input[0]), "default layout");
+    requireSaved(document);
+    if (nodesOf(document).size() < 2000) { // each looks at those above it
+        FuzzedDataProvider provider(reinterpret_cast<const std::uint8_t*>(input[1].constData()),
+                                    static_cast<std::size_t>(input[1].size()));
+        change(document, provider);
+    }
     return 0;
 }

@@ -4,17 +4,11 @@
 #include "FuzzInput.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
+#include "document/XsdtValueType.h"
 #include "schema/DeletePolicy.h"
-#include "schema/PrettyName.h"
 #include "schema/SettingsSchema.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
-#include <algorithm>
 #include <cmath>
-#include <tuple>
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -29,245 +23,67 @@ constexpr char sample[] =
     R"(<i k="Geometry"/></i></i></i></i><i k=""><v k="" t="b" v="true"/></i><v k="**" t="B" v=""/>)"
     R"(<i k="*"><v k="X" t="f" v="1"/></i><i k="Global"><v k="X" t="t" v="1"/></i></xsdt>)";
 
-/// The nodes in file order; of a large document only the first.
-QList<XsdtNode*> someNodes(XsdtDocument& document)
-{
-    QList<XsdtNode*> nodes;
-    walkTree(document.root, [&](XsdtNode& node) {
-        nodes.append(&node);
-        return nodes.size() < 100 ? Walk::Into : Walk::Stop;
-    });
-    return nodes;
-}
-
-/// False if the bytes are neither blank nor an object.
-bool plainObject(const QByteArray& bytes, QJsonObject& object)
-{
-    const QJsonDocument document = QJsonDocument::fromJson(bytes.trimmed());
-    object = document.object();
-    return document.isObject() || bytes.trimmed().isEmpty();
-}
-
-struct PlainPattern
-{
-    explicit PlainPattern(const QString& text)
-        : segments(text.split(u'/', Qt::SkipEmptyParts))
-        , isEmpty(segments.isEmpty())
-        , deep(segments.endsWith(u"**"_s))
-    {
-        segments.resize(segments.size() - (deep ? 1 : 0));
-    }
-
-    bool matches(const XsdtNode& node) const
-    {
-        const QStringList path = node.path().split(u'/', Qt::SkipEmptyParts);
-        if (isEmpty || (deep ? path.size() <= segments.size() : path.size() != segments.size())) {
-            return false;
-        }
-        for (qsizetype i = 0; i < segments.size(); ++i) {
-            if (segments[i] != u'*' && segments[i] != path[i]) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    QStringList segments;
-    bool isEmpty;
-    bool deep;
-};
-
-bool matchesAny(const QJsonValue& patterns, const XsdtNode& node)
-{
-    const QJsonArray list = patterns.toArray();
-    return std::any_of(list.begin(), list.end(), [&](const QJsonValue& text) {
-        return PlainPattern(text.toString()).matches(node);
-    });
-}
-
-bool isKnownLevel(const QJsonValue& rule)
-{
-    return QStringList{u"never"_s, u"warn"_s, u"safe"_s}.contains(rule["level"_L1].toString());
-}
-
-/// Of all rules that match, the one with the highest rank.
-DeleteDecision plainDecide(const QJsonObject& overlay, const XsdtNode& node)
-{
-    const QJsonValue policy = overlay["policy"_L1];
-    DeleteDecision decision;
-    decision.reason =
-        policy["defaultReason"_L1].isUndefined()
-            ? u"This entry is not on the list of entries known to be safe to remove."_s
-            : policy["defaultReason"_L1].toString();
-    std::tuple<qsizetype, bool> best{-1, false};
-    QJsonValue winner;
-    for (const QJsonValue& rule : policy["delete"_L1].toArray()) {
-        const PlainPattern pattern(rule["path"_L1].toString());
-        const bool applies = node.kind == XsdtNode::Kind::Group || !rule["groupsOnly"_L1].toBool();
-        const std::tuple rank{pattern.segments.size() - pattern.segments.count(u"*"_s),
-                              !pattern.deep};
-        if (applies && rank >= best && pattern.matches(node)) {
-            best = rank;
-            winner = rule;
-        }
-    }
-    const QString level = winner["level"_L1].toString();
-    decision.level = level == u"safe"_s   ? DeleteLevel::Safe
-                     : level == u"warn"_s ? DeleteLevel::Warn
-                                          : DeleteLevel::Never;
-    const QString reason = winner["reason"_L1].toString();
-    decision.reason = reason.isEmpty() ? decision.reason : reason;
-    return decision;
-}
-
-/// Whether the keys above and of `node` are what the pattern asks for, one by one.
-bool plainMatchesKeys(const QString& pattern, const XsdtNode* node)
-{
-    QStringList segments = pattern.split(u'/', Qt::SkipEmptyParts);
-    if (segments.isEmpty()) {
-        return false;
-    }
-    for (; node->parent && !segments.isEmpty(); node = node->parent) {
-        const QString segment = segments.takeLast();
-        if (segment != u'*' && segment != node->key) {
-            return false;
-        }
-    }
-    return !node->parent && segments.isEmpty();
-}
-
-void requirePolicy(const DeletePolicy& policy, const QJsonObject& overlay, XsdtDocument& document)
-{
-    const QList<XsdtNode*> nodes = someNodes(document);
-    for (const XsdtNode* node : nodes) {
-        const DeleteDecision expected = plainDecide(overlay, *node);
-        const DeleteDecision decision = policy.decide(node);
-        require(decision.level == expected.level && decision.reason == expected.reason, "decision");
-        require(policy.isCompareNoise(node) == (expected.level == DeleteLevel::Safe ||
-                                                matchesAny(overlay["compareNoise"_L1], *node)),
-                "noise");
-        require(policy.isCompareNoCopy(node) == matchesAny(overlay["compareNoCopy"_L1], *node),
-                "not to be copied");
-        require(policy.isEditLocked(node) == matchesAny(overlay["editLocked"_L1], *node), "locked");
-    }
-    for (const CleanupGroup& group : policy.cleanupGroups()) {
-        require(!group.title.isEmpty() && !group.paths.isEmpty(), "no empty cleanup group");
-        for (const QString& pattern : group.paths.mid(0, 20)) {
-            const QList<XsdtNode*> matches = DeletePolicy::matchPattern(document, pattern);
-            for (XsdtNode* node : nodes) {
-                require(matches.contains(node) == plainMatchesKeys(pattern, node), "pattern");
-            }
-        }
-    }
-    for (const XsdtNode* node : policy.warnCandidates(document)) {
-        require(policy.decide(node).level == DeleteLevel::Warn, "candidates are of level warn");
-    }
-}
-
-void requireDescribed(const SettingsSchema& schema, const QJsonObject& globals,
-                      const QJsonObject& overlay, const XsdtNode& node)
+void requireDescribed(const SettingsSchema& schema, const XsdtNode& node)
 {
     const VariableInfo info = schema.describe(node);
-    const QString id = SettingsSchema::variableId(node);
-    const QJsonObject rows = globals["variables"_L1].toObject();
-    const QJsonObject row = rows[id].toObject();
-    const QJsonObject refinement = overlay["variables"_L1].toObject()[id].toObject();
-    require(info.documented == rows.contains(id), "documented");
-    require(info.readOnly == row["readOnly"_L1].toBool(), "read only");
-    require(info.label == (refinement.contains("label"_L1) ? refinement["label"_L1].toString()
-                                                           : prettyName(node.key)),
-            "label");
-    require(refinement.contains("description"_L1)
-                ? info.description == refinement["description"_L1].toString()
-                : row["description"_L1].toString().size() >= info.description.size(),
-            "description");
     require(std::isfinite(info.min) && std::isfinite(info.max), "the range is of numbers");
-    const bool isNumber =
-        node.kind == XsdtNode::Kind::Value && QStringView(u"iufF").contains(node.typeCode);
-    const bool bounded = refinement.contains("min"_L1) || refinement.contains("max"_L1);
-    require(info.hasRange ? isNumber || bounded : info.min == 0 && info.max == 0, "range");
-    require(!refinement.contains("min"_L1) || info.min == refinement["min"_L1].toDouble(), "min");
-    require(!refinement.contains("max"_L1) || info.max == refinement["max"_L1].toDouble(), "max");
-    const bool isChoice = info.kind == VariableKind::Choice;
-    require(isChoice == !info.choices.isEmpty(), "a choice has choices");
-    const QJsonArray choices = refinement["choices"_L1].toArray();
-    require(!isChoice || info.choices.size() == choices.size(), "all choices");
-    require(isChoice || choices.isEmpty() || info.kind != VariableKind::Integer, "no choice lost");
+    require(info.hasRange || (info.min == 0 && info.max == 0), "no range");
+    require(info.documented || !info.readOnly, "read-only by its documentation");
+    require((info.kind == VariableKind::Choice) == !info.choices.isEmpty(), "choices");
+    require(info.choices.isEmpty() || node.typeCode == XsdtValueType::Integer ||
+                node.typeCode == XsdtValueType::Unsigned,
+            "choices are whole numbers");
 }
 
-void requirePages(const SettingsSchema& schema, const QJsonObject& overlay,
-                  const XsdtDocument& document)
+void requirePages(const SettingsSchema& schema, const XsdtDocument& document)
 {
-    QList<std::tuple<QString, QStringList, QList<XsdtNode*>>> expected;
-    QStringList claimed;
-    for (const QJsonValue& page : overlay["pages"_L1].toArray()) {
-        QStringList paths;
-        QList<XsdtNode*> nodes;
-        for (const QJsonValue& path : page["paths"_L1].toArray()) {
-            if (XsdtNode* node = document.root.findByPath(path.toString())) {
-                paths.append(path.toString());
-                nodes.append(node);
-            }
+    QList<XsdtNode*> shown;
+    for (const PageSpec& page : schema.decoratedPages(document)) {
+        require(!page.nodes.isEmpty() && page.nodes.size() == page.paths.size(), "no empty page");
+        for (qsizetype i = 0; i < page.nodes.size(); ++i) {
+            require(document.root.findByPath(page.paths[i]) == page.nodes[i] ||
+                        page.nodes[i]->path() == page.paths[i],
+                    "what is at the path");
         }
-        const QString title = page["title"_L1].toString();
-        if (!paths.isEmpty() && !title.isEmpty()) {
-            expected.append({title, paths, nodes});
-            claimed += paths;
-        }
+        shown += page.nodes;
     }
     const XsdtNode* preferences = document.root.findByPath(u"Global/Preferences");
     for (std::size_t i = 0; preferences && i < preferences->children.size(); ++i) {
         XsdtNode* child = preferences->children[i].get();
-        if (child->kind == XsdtNode::Kind::Group && child->key != u"ProcessInterface"_s &&
-            !claimed.contains(child->path())) {
-            expected.append({prettyName(child->key), {child->path()}, {child}});
-        }
-    }
-    const QList<PageSpec> pages = schema.decoratedPages(document);
-    require(pages.size() == expected.size(), "pages");
-    for (qsizetype i = 0; i < pages.size(); ++i) {
-        require(std::tuple(pages[i].title, pages[i].paths, pages[i].nodes) == expected[i], "page");
+        require(shown.contains(child) || child->kind == XsdtNode::Kind::Value ||
+                    child->key == u"ProcessInterface"_s || child->key.contains(u'/') ||
+                    preferences->childByKey(child->key) != child || child->key.isEmpty(),
+                "each group has a page");
     }
 }
 
-void requireLoaded(const QByteArray& globalsJson, const QByteArray& overlayJson,
-                   XsdtDocument& document)
+void requirePolicy(const DeletePolicy& policy, XsdtDocument& document, bool isLoaded)
 {
-    QJsonObject globals;
-    QJsonObject overlay;
-    const bool globalsAreGood = plainObject(globalsJson, globals);
-    const bool overlayIsGood = plainObject(overlayJson, overlay);
-    QString error;
-    SettingsSchema schema;
-    const bool schemaIsLoaded = schema.load(globalsJson, overlayJson, &error);
-    require(schemaIsLoaded == (globalsAreGood && overlayIsGood), "schema loads or not");
-    require(schemaIsLoaded
-                ? error.isEmpty()
-                : error.startsWith(globalsAreGood ? u"overlay.json: "_s : u"globals.json: "_s),
-            "message of the schema");
-    globals = schemaIsLoaded ? globals : QJsonObject();
-    const QJsonObject known = schemaIsLoaded ? overlay : QJsonObject();
-    for (const XsdtNode* node : someNodes(document)) {
-        requireDescribed(schema, globals, known, *node);
-        require(schema.isHidden(*node) == known["hide"_L1].toArray().contains(node->path()),
-                "hidden");
+    walkTree(document.root, [&](const XsdtNode& node) {
+        const DeleteDecision decision = policy.decide(&node);
+        require(isLoaded || decision.level == DeleteLevel::Never, "nothing of bad rules");
+        require(decision.level != DeleteLevel::Safe || policy.isCompareNoise(&node), "noise");
+        PathPattern own(node.path());
+        const PathSegments path = pathSegments(node);
+        if (!path.isEmpty() && !own.deep) {
+            require(own.matches(path), "a path matches itself");
+            own.deep = true;
+            require(!own.matches(path), "a deep pattern matches only beneath");
+        }
+        return Walk::Into;
+    });
+    for (const CleanupGroup& group : policy.cleanupGroups()) {
+        require(isLoaded && !group.title.isEmpty() && !group.paths.isEmpty(), "cleanup group");
+        for (const QString& pattern : group.paths.mid(0, 20)) {
+            const qsizetype depth = pattern.split(u'/', Qt::SkipEmptyParts).size();
+            for (const XsdtNode* node : DeletePolicy::matchPattern(document, pattern)) {
+                require(node->depth == depth, "matches are as deep as the pattern");
+            }
+        }
     }
-    requirePages(schema, known, document);
-
-    const QJsonArray rules = overlay["policy"_L1]["delete"_L1].toArray();
-    const bool levelsAreGood = std::all_of(rules.begin(), rules.end(), isKnownLevel);
-    error.clear();
-    DeletePolicy policy;
-    const bool policyIsLoaded = policy.load(overlayJson, &error);
-    require(policyIsLoaded == (overlayIsGood && levelsAreGood), "policy loads or not");
-    require(policyIsLoaded ? error.isEmpty() : error.startsWith(u"overlay.json: "_s),
-            "message of the policy");
-    if (policyIsLoaded) {
-        requirePolicy(policy, overlay, document);
-        return;
+    for (const XsdtNode* node : policy.warnCandidates(document)) {
+        require(policy.decide(node).level == DeleteLevel::Warn && node->depth <= 3, "candidates");
     }
-    require(policy.cleanupGroups().isEmpty() && policy.warnCandidates(document).isEmpty(),
-            "nothing of rules that don't load");
 }
 
 } // namespace
@@ -276,9 +92,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const QByteArrayList input = parts(data, size, 3);
     XsdtDocument document;
-    if (!document.parse(input[2]) && !document.parse(sample)) {
-        std::abort();
-    }
-    requireLoaded(input[0], input[1], document);
+    require(document.parse(input[2]) || document.parse(sample), "the sample parses");
+    QString error;
+    SettingsSchema schema;
+    const bool schemaIsLoaded = schema.load(input[0], input[1], &error);
+    require(error.isEmpty() == schemaIsLoaded, "message of the schema");
+    walkTree(document.root, [&](const XsdtNode& node) {
+        requireDescribed(schema, node);
+        require(schemaIsLoaded || !schema.isHidden(node), "hidden");
+        return Walk::Into;
+    });
+    requirePages(schema, document);
+    error.clear();
+    DeletePolicy policy;
+    const bool policyIsLoaded = policy.load(input[1], &error);
+    require(error.isEmpty() == policyIsLoaded, "message of the policy");
+    requirePolicy(policy, document, policyIsLoaded);
     return 0;
 }

