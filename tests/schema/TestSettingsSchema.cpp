@@ -63,6 +63,7 @@ private slots:
         addTextRows(
             {R"({} > u > Key|3 documented -5..2.5|In [ -5, 2.5 ], not [7,8].)",
              R"({"max":3,"description":"See [7,8] "} > i > Key|2 documented -5..3|See [7,8] )",
+             R"({"max":3,"description":""} > s > Key|5 documented -1.79769e+308..3|)",
              R"({"min":"1","label":1,"description":[]} > s > |5 documented 0..1.79769e+308|)",
              R"({"choices":[[9223372036854775808,"a"],[-1e300,"b"],[-1.9,"c"],7],)"
              R"("label":"%1","description":""} > i > %1|1 documented -5..2.5 )"

@@ -2,22 +2,15 @@
 #pragma once
 
 #include <QByteArray>
-#include <QDir>
-#include <QFile>
 #include <QHash>
 #include <QHostAddress>
 #include <QList>
 #include <QObject>
 #include <QPointer>
-#include <QProcess>
-#include <QSslConfiguration>
-#include <QSslKey>
-#include <QSslServer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
 
-#include <memory>
 #include <utility>
 
 namespace kse {
@@ -35,29 +28,21 @@ public:
         bool isHeld = false;     ///< Until `releaseHeld`.
     };
 
-    /// Speaks TLS if `sockets` does.
-    explicit LoopbackServer(std::unique_ptr<QTcpServer> sockets = std::make_unique<QTcpServer>())
-        : m_sockets(std::move(sockets))
+    LoopbackServer()
     {
-        connect(m_sockets.get(), &QTcpServer::pendingConnectionAvailable, this, [this] {
-            while (QTcpSocket* socket = m_sockets->nextPendingConnection()) {
+        connect(&m_sockets, &QTcpServer::pendingConnectionAvailable, this, [this] {
+            while (QTcpSocket* socket = m_sockets.nextPendingConnection()) {
                 connect(socket, &QTcpSocket::readyRead, this, [this, socket] { serve(socket); });
                 connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
                 serve(socket); // what came before the connection was taken
             }
         });
-        m_sockets->listen(QHostAddress::LocalHost);
+        m_sockets.listen(QHostAddress::LocalHost);
     }
 
     QUrl url(const QString& path = {}) const
     {
-        QUrl url;
-        url.setScheme(qobject_cast<QSslServer*>(m_sockets.get()) ? QStringLiteral("https")
-                                                                 : QStringLiteral("http"));
-        url.setHost(m_sockets->serverAddress().toString());
-        url.setPort(m_sockets->serverPort());
-        url.setPath(path);
-        return url;
+        return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_sockets.serverPort()).arg(path));
     }
 
     void releaseHeld()
@@ -70,7 +55,7 @@ public:
     }
 
     /// From here on nobody is there.
-    void close() { m_sockets->close(); }
+    void close() { m_sockets.close(); }
 
     QHash<QByteArray, Answer> answers; ///< By path; any other path is not found.
     QList<QByteArray> requests;        ///< The whole heads, in the order they came.
@@ -100,33 +85,8 @@ private:
         socket->disconnectFromHost();
     }
 
-    std::unique_ptr<QTcpServer> m_sockets;
+    QTcpServer m_sockets;
     QList<std::pair<QPointer<QTcpSocket>, Answer>> m_held;
 };
-
-/// Sockets that speak TLS, with a certificate of their own in `folder` that this process trusts
-/// from here on. Null if there is no openssl to make it.
-inline std::unique_ptr<QTcpServer> trustedTlsSockets(const QString& folder)
-{
-    QFile key(QDir(folder).filePath(QStringLiteral("key.pem")));
-    const QString certificate = QDir(folder).filePath(QStringLiteral("certificate.pem"));
-    QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  QStringLiteral("req -x509 -newkey rsa:2048 -nodes -subj /CN=loopback "
-                                 "-addext subjectAltName=IP:127.0.0.1 -keyout")
-                          .split(u' ')
-                      << key.fileName() << QStringLiteral("-out") << certificate);
-    if (!openssl.waitForFinished() || openssl.exitCode() != 0 || !key.open(QIODevice::ReadOnly)) {
-        return nullptr;
-    }
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.addCaCertificates(certificate);
-    QSslConfiguration::setDefaultConfiguration(tls);
-    tls.setLocalCertificateChain(QSslCertificate::fromPath(certificate));
-    tls.setPrivateKey(QSslKey(&key, QSsl::Rsa));
-    auto sockets = std::make_unique<QSslServer>();
-    sockets->setSslConfiguration(tls);
-    return sockets;
-}
 
 } // namespace kse
