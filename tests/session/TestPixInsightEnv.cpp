@@ -9,8 +9,10 @@
 #include <QStandardPaths>
 #include <QStorageInfo>
 
-#ifdef Q_OS_UNIX
+#if defined(Q_OS_UNIX)
 #include <unistd.h>
+#elif defined(Q_OS_WIN)
+#include "views/health/HealthChecker.h"
 #endif
 
 using namespace kse;
@@ -46,7 +48,7 @@ private slots:
             QVERIFY(process.stop());
         }
         FakePixInsight other(u"PixInsight2"_s);
-        QVERIFY(other.startUnseen());
+        QVERIFY(other.start());
         QCOMPARE(PixInsightEnv::runningProcessIds(), before);
     }
 
@@ -79,8 +81,8 @@ private slots:
         if (folders.size() == 1) {
             paths.sort();
         }
-        for (const QString& path : paths) {
-            touch(path);
+        for (int i = 0; i < paths.size(); ++i) {
+            touch(paths[i], 9 - i); // the first is the oldest
         }
         touch(paths[0] + u".bak-1"_s);
         QVERIFY(QDir(folders.first()).mkdir(u"core-000-pxi.settings"_s));
@@ -191,6 +193,24 @@ private slots:
         QSKIP("Every drive has its own Recycle Bin here, or none.");
 #endif
     }
+
+#ifdef Q_OS_WIN
+    void goesWhereTheVariablesLead()
+    {
+        for (const auto& [name, value] :
+             {std::pair(L"APPDATA", L"C:\\Users\\J\u00fcrgen\\AppData\\Roaming"),
+              std::pair(L"ProgramFiles", L"D:\\\u041f\u0440\u043e"),
+              std::pair(L"ProgramW6432", L""), std::pair(L"ProgramFiles(x86)", L"E:\\x86")}) {
+            QCOMPARE(_wputenv_s(name, value), 0);
+        }
+        QCOMPARE(PixInsightEnv::settingsFoldersText(),
+                 u"C:\\Users\\J\u00fcrgen\\AppData\\Roaming\\Pleiades"_s);
+        QCOMPARE(HealthEnv::system().installFolders,
+                 (QStringList{u"D:/\u041f\u0440\u043e/PixInsight"_s, u"E:/x86/PixInsight"_s,
+                              u"C:/Program Files/PixInsight"_s}));
+        QVERIFY(HealthEnv::system().isWindows);
+    }
+#endif
 };
 
 KSE_GUILESS_TEST_MAIN(TestPixInsightEnv)

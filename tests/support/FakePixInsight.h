@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "session/PixInsightEnv.h"
-
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QThread>
 
 namespace kse {
 
 /// A real process whose executable is named as PixInsight's, for as long as it is started. The
-/// scan for it covers the whole computer: tests that use this are RUN_SERIAL.
+/// scan for it covers all processes that the test sees: tests that use this are RUN_SERIAL.
 class FakePixInsight
 {
 public:
@@ -35,29 +30,18 @@ public:
     FakePixInsight(const FakePixInsight&) = delete;
     FakePixInsight& operator=(const FakePixInsight&) = delete;
 
-    /// Starts it and waits until `runningProcessIds` tells of it.
+    /// Starts it and waits until it runs.
     [[nodiscard]] bool start()
-    {
-        return startUnseen() && waitUntilSeen(processId(), true);
-    }
-
-    /// Starts it and waits until it runs, whether or not `runningProcessIds` knows its name.
-    [[nodiscard]] bool startUnseen()
     {
         m_process.start(m_program, QStringList());
         return m_copied && m_process.waitForReadyRead();
     }
 
-    /// Ends it and waits until `runningProcessIds` no longer tells of it. True also if it isn't
-    /// running.
+    /// Ends it and waits until it is gone. True also if it isn't running.
     [[nodiscard]] bool stop()
     {
-        if (m_process.state() == QProcess::NotRunning) {
-            return true;
-        }
-        const quint64 id = processId();
         m_process.closeWriteChannel();
-        return m_process.waitForFinished() && waitUntilSeen(id, false);
+        return m_process.state() == QProcess::NotRunning || m_process.waitForFinished();
     }
 
     /// Path of the executable.
@@ -73,19 +57,6 @@ public:
     }
 
 private:
-    static bool waitUntilSeen(quint64 id, bool wanted)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (PixInsightEnv::runningProcessIds().contains(id) != wanted) {
-            if (timer.hasExpired(5000)) {
-                return false;
-            }
-            QThread::msleep(5);
-        }
-        return true;
-    }
-
     QTemporaryDir m_dir;
     QString m_program;
     bool m_copied = false;

@@ -1,30 +1,27 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/SaveOnce.h"
 #include "support/StoreFixture.h"
 
+#include <QCoreApplication>
 #include <QProcess>
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <climits>
 #include <csignal>
-#include <utility>
+#include <cstdio>
 
 #include <sys/stat.h>
 
 namespace kse {
 
-/// One save or restore by a process of its own in which a call for a file goes wrong. Linux only.
-/// What can go wrong stands in FaultyCalls.cpp.
-class FaultTrial
+/// One save or restore by a process of its own, the test program called with "--once", in which a
+/// call for a file goes wrong. Linux only. What can go wrong stands in FaultyCalls.cpp.
+struct FaultTrial
 {
-public:
-    enum class Outcome {
-        Closed, ///< The file could not be loaded.
-        Failed,
-        Done,
-        Died
-    };
+    enum class Outcome { Closed, Failed, Done, Died }; ///< Closed: it couldn't be loaded.
+
     /// A call for a file below the folder, as it was logged.
     struct Call
     {
@@ -34,128 +31,112 @@ public:
         QString path;
     };
 
-    /// What is to be done, and where the file lies: behind a link or not, and on a file system
-    /// that has files without a name, and hard links, or not.
-    FaultTrial(bool restore, bool link, bool named)
-        : m_restore(restore)
-        , m_link(link)
-        , m_named(named)
+    /// The place is "plain", "linked" for a file behind a symbolic link, or "named" for a file
+    /// system that has neither files without a name nor hard links.
+    FaultTrial(bool isRestore, const QString& place)
+        : restore(isRestore)
+        , linked(place == u"linked")
+        , named(place == u"named")
     {
-        const QString folder = QFileInfo(m_dir.path()).canonicalFilePath();
-        m_folder = folder + QStringLiteral("/work");
-        m_log = folder + QStringLiteral("/log");
-        path = m_folder + QStringLiteral("/core-001-pxi.settings");
-        target = link ? m_folder + QStringLiteral("/real/file") : path;
-        older = path + QStringLiteral(".bak-20200101-000000");
-        const int size = link ? 10 : 20'000; // what Qt collects before it writes, or not
-        oldBytes = withValue("1", size);
-        newBytes = withValue(restore ? "7" : "2", size);
-        olderBytes = withValue("7", size);
+        const QByteArray content(linked ? 10 : 20'000, 'x'); // what Qt collects first, or not
+        const auto withValue = [&content](const QByteArray& value) {
+            return fileBytes(R"(<i k="A"><v k="x" t="i" v=")" + value + R"("/><v k="s" t="s">)" +
+                             content + "</v></i>");
+        };
+        oldBytes = withValue("1");
+        newBytes = withValue(restore ? "7" : "2");
+        olderBytes = withValue("7");
     }
-    ~FaultTrial() { finish(); }
+    ~FaultTrial() { (void)finish(); }
     FaultTrial(const FaultTrial&) = delete;
     FaultTrial& operator=(const FaultTrial&) = delete;
 
-    /// Makes the folder anew and runs in it with the `at`-th call going wrong, or all from there.
-    void run(const QString& mode, int at, bool lasting, const QString& victim)
+    /// Makes the folder and runs in it with the `at`-th call going wrong, or all from there.
+    void run(const QString& fault, int at, bool lasting)
     {
+        (void)finish();
+        QDir(folder).removeRecursively();
+        QFile::remove(log);
+        StoreFixture::require(QDir().mkpath(QFileInfo(target()).path()), folder);
+        StoreFixture::write(target(), oldBytes);
+        StoreFixture::write(older, olderBytes);
+        StoreFixture::require(!linked || QFile::link(target(), path), path);
+        m_olderStamp = statusOf(older).st_mtim.tv_nsec;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        const auto set = [&environment](const char* name, const QString& value) {
-            environment.insert(QString::fromLatin1(name), value);
-        };
-        set("LD_PRELOAD", QStringLiteral(KSE_FAULTY_CALLS));
-        set("ASAN_OPTIONS", QStringLiteral("verify_asan_link_order=0"));
-        set("KSE_FAULT_FOLDER", m_folder);
-        set("KSE_FAULT_LOG", m_log);
-        set("KSE_FAULT_MODE", mode);
-        set("KSE_FAULT_AT", QString::number(at));
-        set("KSE_FAULT_VICTIM", victim);
-        if (lasting) {
-            set("KSE_FAULT_LASTING", QStringLiteral("1"));
-        }
-        if (m_named) {
-            set("KSE_FAULT_NAMED", QStringLiteral("1"));
-        }
-        finish();
-        makeFolder();
-        QFile::remove(m_log);
+        environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(KSE_FAULTY_CALLS));
+        environment.insert(QStringLiteral("ASAN_OPTIONS"),
+                           QStringLiteral("verify_asan_link_order=0"));
+        environment.insert(QStringLiteral("KSE_FAULT_FOLDER"), folder);
+        environment.insert(QStringLiteral("KSE_FAULT_LOG"), log);
+        environment.insert(QStringLiteral("KSE_FAULT"), fault);
+        environment.insert(QStringLiteral("KSE_FAULT_AT"), QString::number(at));
+        environment.insert(QStringLiteral("KSE_FAULT_LASTING"), QString(lasting ? 1 : 0, u'1'));
+        environment.insert(QStringLiteral("KSE_FAULT_NAMED"), QString(named ? 1 : 0, u'1'));
         start(environment);
         readLog();
     }
 
-    /// Lets it try again without a fault, in a new process if it has died. False if that fails.
+    /// Has it try again without a fault, by a new process if the other has died. False if that
+    /// fails.
     bool tryAgain()
     {
         if (outcome == Outcome::Died) {
             start(QProcessEnvironment::systemEnvironment());
-            if (outcome != Outcome::Done) {
-                return false;
-            }
         }
-        finish();
-        error = QString::fromUtf8(m_process.readAll());
-        return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
+        return finish() && m_process.exitCode() == 0;
     }
 
-    /// The content of the file; none if it is gone.
-    QByteArray content() const { return contentOf(path); }
+    /// The file itself.
+    QString target() const { return linked ? folder + QStringLiteral("/real/file") : path; }
 
-    static QByteArray contentOf(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
-    /// Whether the older backup is as it was made.
     bool olderUntouched() const
     {
-        return contentOf(older) == olderBytes && stampOf(older) == m_olderStamp;
+        return contentOf(older) == olderBytes && statusOf(older).st_mtim.tv_nsec == m_olderStamp;
     }
 
-    /// The backups that were made, without one that somebody else did.
-    QStringList newBackups() const
+    /// Files that are neither the settings file nor a backup that was there before.
+    QStringList newFiles() const
     {
         QStringList paths;
-        for (const QString& found : allFiles()) {
-            static const QRegularExpression form(
-                QStringLiteral(R"(\.bak-\d{8}-\d{6}(-before-restore)?(-\d+)?$)"));
-            if (found != older && contentOf(found) != "claimed" && form.match(found).hasMatch()) {
-                paths.append(found);
+        for (const QString& place : {folder, folder + QStringLiteral("/real")}) {
+            const QFileInfoList found =
+                QDir(place).entryInfoList(QDir::Files | QDir::Hidden | QDir::System);
+            for (const QFileInfo& file : found) {
+                paths.append(file.filePath());
             }
         }
-        return paths;
-    }
-
-    /// Files that are neither the settings file nor a backup.
-    QStringList leftOvers() const
-    {
-        QStringList paths = allFiles();
-        for (const QString& known : QStringList{path, target, older, claimed} + newBackups()) {
+        for (const QString& known : {path, target(), older, claimed}) {
             paths.removeAll(known);
         }
         return paths;
     }
 
-    /// What the log says was done with backup, file and folders, in that order; the folder behind
-    /// a link is the real one. What is repeated counts once.
+    QStringList newBackups() const
+    {
+        static const QRegularExpression form(
+            QStringLiteral(R"(\.bak-\d{8}-\d{6}(-before-restore)?(-\d+)?$)"));
+        return newFiles().filter(form);
+    }
+
+    /// What the log says was done with backup, file and folders, in that order. The folder of a
+    /// linked file is the real one. What is repeated counts once.
     QString steps() const
     {
-        QMap<quint64, QString> names{
-            {stampOf(folderOf(target)).first, QStringLiteral(" real folder")}};
-        names[stampOf(folderOf(path)).first] = QStringLiteral(" folder");
-        names[stampOf(target).first] = QStringLiteral(" file");
         const QString made = newBackups().value(0);
-        names[stampOf(made).first] = QStringLiteral(" backup");
+        QMap<quint64, QString> names{{statusOf(QFileInfo(target()).path()).st_ino, {}},
+                                     {statusOf(made).st_ino, QStringLiteral(" backup")}};
+        names[statusOf(folder + QStringLiteral("/real")).st_ino] = QStringLiteral(" real folder");
+        names[statusOf(folder).st_ino] = QStringLiteral(" folder");
+        names[statusOf(target()).st_ino] = QStringLiteral(" file");
         QStringList steps{QString()};
         for (const Call& call : calls) {
-            const bool named = call.path == target || call.path == made;
-            const bool counts =
-                call.name == "read" || (named ? call.name == "name" || call.name == "rename"
-                                              : call.name == "write" || call.name == "flush");
+            const bool gains = call.path == target() || call.path == made; // its name
+            const bool counts = call.name == "read" || call.name == (gains ? "name" : "write") ||
+                                call.name == (gains ? "rename" : "flush");
             const QString step = QString::fromLatin1(call.name) + names.value(call.file);
             // Qt flushes the file once more before it renames it.
             const bool again = (steps.size() == 1 && call.name == "read") || steps.last() == step ||
-                               (step == QStringLiteral("flush file") && steps.contains(step));
+                               (step == u"flush file" && steps.contains(step));
             if (call.worked && names.contains(call.file) && counts && !again) {
                 steps.append(step);
             }
@@ -163,26 +144,33 @@ public:
         return steps.mid(1).join(QStringLiteral(", "));
     }
 
-    /// Which call, from 1, was the last of that name, or the last before the file was replaced; 0
-    /// if none was.
-    int last(const QByteArray& name, bool beforeReplacement = false) const
+    /// Which call, from 1, was the last of that name before the `end`-th; 0 if none was.
+    int last(const QByteArray& name, int end = INT_MAX) const
     {
         int place = 0;
-        for (int i = 0; i < calls.size(); ++i) {
-            const bool replaces =
-                (calls[i].name == "rename" || calls[i].name == "name") && calls[i].path == target;
-            if (beforeReplacement && replaces) {
-                break;
-            }
+        for (int i = 0; i < std::min(end - 1, int(calls.size())); ++i) {
             place = calls[i].name == name ? i + 1 : place;
         }
         return place;
     }
 
-    QString path;    ///< As it is opened.
-    QString target;  ///< The file itself.
-    QString claimed; ///< What somebody else has put under the name of a backup, if so.
-    QString older;   ///< A backup that was there before; what is restored.
+    /// Which call, from 1, put another file in the place of the old one; behind all if none did.
+    int replacement() const
+    {
+        const auto isIt = [this](const Call& call) {
+            return call.worked && call.name == "rename" && call.path == target();
+        };
+        return int(std::find_if(calls.begin(), calls.end(), isIt) - calls.begin()) + 1;
+    }
+
+    const bool restore;
+    const bool linked;
+    const bool named;
+    QTemporaryDir dir;
+    QString folder = QFileInfo(dir.path()).canonicalFilePath() + QStringLiteral("/work");
+    QString log = folder + QStringLiteral(".log");
+    QString path = folder + QStringLiteral("/core-001-pxi.settings"); ///< As it is opened.
+    QString older = path + QStringLiteral(".bak-20200101-000000");    ///< Is what is restored.
     QByteArray oldBytes;
     QByteArray newBytes;
     QByteArray olderBytes;
@@ -193,93 +181,48 @@ public:
     QString remark;
     bool kept = false; ///< Whether tree, pending changes and hash are as they were.
     QList<Call> calls;
+    QString claimed; ///< What somebody else has put under the name of a backup, if so.
 
 private:
-    static QByteArray withValue(const QByteArray& value, int size)
-    {
-        return fileBytes(R"(<i k="A"><v k="x" t="i" v=")" + value + R"("/><v k="s" t="s">)" +
-                         QByteArray(size, 'x') + "</v></i>");
-    }
-
-    static QString folderOf(const QString& path) { return QFileInfo(path).path(); }
-
-    /// Number and time of a file, which tell whether it has been replaced or written.
-    static std::pair<quint64, qint64> stampOf(const QString& path)
+    static struct stat statusOf(const QString& path)
     {
         struct stat status = {};
-        return stat(QFile::encodeName(path).constData(), &status) == 0
-                   ? std::pair(quint64(status.st_ino), qint64(status.st_mtim.tv_nsec))
-                   : std::pair(quint64(0), qint64(0));
+        (void)stat(QFile::encodeName(path).constData(), &status);
+        return status;
     }
 
-    QStringList allFiles() const
-    {
-        QStringList paths;
-        for (const QString& folder : QStringList{folderOf(path), folderOf(target)}) {
-            const QFileInfoList files =
-                QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::System);
-            for (const QFileInfo& file : files) {
-                paths.append(file.filePath());
-            }
-        }
-        paths.removeDuplicates();
-        return paths;
-    }
-
-    void makeFolder()
-    {
-        QDir(m_folder).removeRecursively();
-        StoreFixture::require(QDir().mkpath(folderOf(target)), m_folder);
-        StoreFixture::write(target, oldBytes);
-        StoreFixture::write(older, olderBytes);
-        StoreFixture::require(!m_link || QFile::link(target, path), path);
-        m_olderStamp = stampOf(older);
-    }
-
-    void finish()
+    bool finish()
     {
         m_process.closeWriteChannel();
-        StoreFixture::require(m_process.state() == QProcess::NotRunning ||
-                                  m_process.waitForFinished(),
-                              m_process.program());
+        return m_process.state() == QProcess::NotRunning || m_process.waitForFinished();
     }
 
     void start(const QProcessEnvironment& environment)
     {
         m_process.setProcessEnvironment(environment);
-        QStringList arguments{QStringLiteral("save"), path};
-        if (m_restore) {
-            arguments = QStringList{QStringLiteral("restore"), path, older};
-        }
-        m_process.start(QStringLiteral(KSE_SAVE_ONCE), arguments);
+        m_process.start(QCoreApplication::applicationFilePath(),
+                        QStringList{QStringLiteral("--once"), path} +
+                            (restore ? QStringList(older) : QStringList()));
         QByteArray output;
-        while (!output.endsWith("end=\n") && m_process.waitForReadyRead()) {
+        while (output.count('\n') < 5 && m_process.waitForReadyRead()) {
             output += m_process.readAll();
         }
-        QMap<QString, QString> told;
-        for (const QString& line : QString::fromUtf8(output).split(u'\n')) {
-            told[line.section(u'=', 0, 0)] = line.section(u'=', 1);
-        }
-        const QStringList outcomes{QStringLiteral("closed"), QStringLiteral("failed"),
-                                   QStringLiteral("done")};
-        const auto index = outcomes.indexOf(told.value(QStringLiteral("outcome")));
-        outcome = index < 0 ? Outcome::Died : static_cast<Outcome>(index);
-        error = told.value(QStringLiteral("error"));
-        backup = told.value(QStringLiteral("backup"));
-        remark = told.value(QStringLiteral("remark"));
-        kept = told.value(QStringLiteral("kept")) == u"yes";
-        if (outcome == Outcome::Died) {
-            finish();
-            StoreFixture::require(m_process.exitCode() == SIGKILL,
-                                  QString::fromUtf8(m_process.readAllStandardError()));
-        }
+        const QStringList told = QString::fromUtf8(output).split(u'\n');
+        outcome = told.size() > 5 ? Outcome(told[0].toInt()) : Outcome::Died;
+        kept = told.value(1) == u"1";
+        error = told.value(2);
+        backup = told.value(3);
+        remark = told.value(4);
+        StoreFixture::require(outcome != Outcome::Died ||
+                                  (finish() && m_process.exitCode() == SIGKILL),
+                              QString::fromUtf8(m_process.readAllStandardError()));
     }
 
     void readLog()
     {
         calls.clear();
         claimed.clear();
-        for (const QByteArray& line : StoreFixture::read(m_log).split('\n')) {
+        for (const QByteArray& line : contentOf(log).split('\n')) {
             const QList<QByteArray> words = line.split(' ');
             const QString file = QFile::decodeName(words.mid(3).join(' '));
             if (words[0] == "claim") {
@@ -290,14 +233,44 @@ private:
         }
     }
 
-    QTemporaryDir m_dir;
-    QString m_folder;
-    QString m_log;
-    bool m_restore;
-    bool m_link;
-    bool m_named;
-    std::pair<quint64, qint64> m_olderStamp;
+    qint64 m_olderStamp = 0;
     QProcess m_process;
 };
+
+/// What the process of a trial does: saves the file at `path`, or restores `source` unless that is
+/// empty, tells what came of it, and tries once more, if need be, when its input ends.
+inline int saveOnce(const QString& path, const QString& source)
+{
+    SettingsStore store;
+    QString told[3];
+    auto& [error, backup, remark] = told;
+    const auto open = [&] {
+        XsdtNode* const node = store.load(path, &error)
+                                   ? store.document.root.findByPath(QStringLiteral("A/x"))
+                                   : nullptr;
+        if (node) {
+            node->value = QStringLiteral("2");
+        }
+        return node != nullptr;
+    };
+    const auto run = [&] {
+        return source.isEmpty() ? store.save(&error, &backup, &remark)
+                                : store.restoreBackup(source, &error, &remark);
+    };
+    using Outcome = FaultTrial::Outcome;
+    const bool opened = open();
+    const QString before = stateOf(store);
+    const Outcome outcome = !opened ? Outcome::Closed : run() ? Outcome::Done : Outcome::Failed;
+    qputenv("KSE_FAULT_OVER", "1");
+    std::printf("%d\n%d\n", int(outcome), int(stateOf(store) == before));
+    for (const QString& text : told) {
+        std::printf("%s\n", qPrintable(text));
+    }
+    std::fflush(stdout);
+    (void)std::getchar();
+    // As a user would: what can't be saved for a changed file is loaded and edited again.
+    const bool ready = opened && !store.isChangedOnDisk();
+    return outcome == Outcome::Done || ((ready || open()) && run()) ? 0 : 1;
+}
 
 } // namespace kse

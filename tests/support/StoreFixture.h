@@ -22,6 +22,13 @@ inline QString stateOf(const SettingsStore& store)
              QString::number(store.document.pendingCount()), treeText(store.document.root));
 }
 
+/// The content of the file at `path`; none if it can't be read.
+inline QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// A settings file alone in a folder of its own, and the store that has it open. A step of the
 /// fixture that fails ends the test program.
 struct StoreFixture
@@ -35,10 +42,8 @@ struct StoreFixture
     {
         const bool read = policy.load("{\"policy\": {\"defaultReason\": \"Stays.\", \"delete\": "
                                       "[{\"path\": \"Free/**\", \"level\": \"safe\"}]}}");
-        require(read, path);
+        require(read && write(path, bytes) && store.load(path), path);
         store.policy = &policy;
-        write(path, bytes);
-        require(store.load(path), path);
     }
 
     static QByteArray defaultBytes()
@@ -56,13 +61,6 @@ struct StoreFixture
         return true;
     }
 
-    static QByteArray read(const QString& path)
-    {
-        QFile file(path);
-        require(file.open(QIODevice::ReadOnly), path);
-        return file.readAll();
-    }
-
     bool edit(const char* nodePath, const QString& value)
     {
         node(nodePath).value = value;
@@ -78,34 +76,16 @@ struct StoreFixture
         return *found;
     }
 
-    /// Makes `links` in the folder, each relative and to the one before it, the first to `file`.
-    /// Gives the last of them, or `file`.
-    QString linkTo(QString file, const QStringList& links) const
-    {
-        for (const QString& link : links) {
-            const QFileInfo made(dir.filePath(link));
-            const QDir folder = made.absoluteDir();
-            require(folder.mkpath(QStringLiteral(".")) &&
-                        QFile::link(folder.relativeFilePath(file), made.filePath()),
-                    link);
-            file = made.filePath();
-        }
-        return file;
-    }
-
     /// Name and content of every file in the folder.
     QMap<QString, QByteArray> files() const
     {
         QMap<QString, QByteArray> contents;
-        const QDir folder(dir.path());
-        const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+        const QStringList names = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
         for (const QString& name : names) {
-            contents.insert(name, read(folder.filePath(name)));
+            contents.insert(name, contentOf(dir.filePath(name)));
         }
         return contents;
     }
-
-    QString state() const { return stateOf(store); }
 
     static void require(bool done, const QString& what)
     {
