@@ -101,7 +101,7 @@ private slots:
     {
         constexpr int levels = 1'000'000;
         const QByteArray content = QByteArray("<i k=\"g\">").repeated(levels) +
-                                   "<v k=\"v\" t=\"s\" v=\"1\"/>" +
+                                   "<v k=\"vw\" t=\"s\" v=\"1\"/>" +
                                    QByteArray("</i>").repeated(levels);
         const auto document = documentFrom(content);
         QVERIFY(document->defaultLayout && document->serialize() == fileBytes(content));
