@@ -377,8 +377,7 @@ void MainWindow::showRejection(const QString& reason)
 
 void MainWindow::showStatus(const QString& text, int milliseconds)
 {
-    // A status bar is one line: more characters than any screen holds only cost time.
-    const QString shown = withoutMiddle(text, 1000);
+    const QString shown = withoutMiddle(text, lineLimit);
     m_said = shown;
     statusBar()->showMessage(shown, milliseconds);
     announce(shown);

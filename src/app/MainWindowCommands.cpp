@@ -5,9 +5,11 @@
 #include "app/OpenEditor.h"
 #include "app/UserGuide.h"
 #include "views/model/SettingsModel.h"
+#include "views/model/TreeGuard.h"
 #include "views/tree/AllSettingsView.h"
 #include "widgets/MessageBox.h"
 #include "widgets/PixelRatio.h"
+#include "widgets/PlainText.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -308,12 +310,12 @@ void MainWindow::onRevertAll()
     if (pending == 0) {
         return;
     }
-    const quint64 generation = m_model->generation();
+    const TreeGuard guard(m_model);
     const bool confirmed =
         askQuestion(this, tr("Revert all changes"),
                     tr("Discard all %n unsaved change(s)?", nullptr, int(pending)),
                     QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
-    if (confirmed && m_model->generation() == generation) {
+    if (confirmed && guard.isSameTree()) {
         m_advancedPage->revertAll();
     }
 }
@@ -331,7 +333,7 @@ QString MainWindow::recordedVersion() const
     const auto valueOf = [this](const QString& key) {
         const XsdtNode* node = m_store.document.root.childByKey(key);
         const bool isValue = node && node->kind == XsdtNode::Kind::Value;
-        return isValue ? displayValue(*node, node->value, 200) : QString(); // one short line
+        return isValue ? displayValue(*node, node->value, shortLimit) : QString();
     };
     const QString version = valueOf(u"PixInsight"_s);
     const QString last = valueOf(u"LastVersion"_s);

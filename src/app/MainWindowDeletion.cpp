@@ -2,7 +2,8 @@
 #include "app/MainWindow.h"
 
 #include "views/model/SettingsModel.h"
-#include "views/rows/NodeContextMenu.h"
+#include "views/model/TreeGuard.h"
+#include "views/rows/DeletionEntry.h"
 #include "widgets/MessageBox.h"
 #include "widgets/PlainText.h"
 
@@ -15,13 +16,13 @@ void MainWindow::deleteNode(XsdtNode* node)
     if (node->markedForDeletion) {
         return;
     }
-    const QString path = withoutMiddle(node->path(), 500); // what follows it must stay in sight
+    const QString path = withoutMiddle(node->path(), sentenceLimit);
     if (const XsdtNode* group = node->parent; group && group->isInsideDeletion()) {
         while (!group->markedForDeletion) {
             group = group->parent;
         }
         showStatus(tr("%1 is already queued for deletion with %2.")
-                       .arg(path, withoutMiddle(group->path(), 500)),
+                       .arg(path, withoutMiddle(group->path(), sentenceLimit)),
                    8000);
         return;
     }
@@ -32,9 +33,8 @@ void MainWindow::deleteNode(XsdtNode* node)
         return;
     }
     if (decision.level == DeleteLevel::Warn && !m_dontAskDelete) {
-        const quint64 generation = m_model->generation();
-        if (!confirmDeletion(path, values, decision.reason) ||
-            m_model->generation() != generation) {
+        const TreeGuard guard(m_model);
+        if (!confirmDeletion(path, values, decision.reason) || !guard.isSameTree()) {
             return;
         }
     }

@@ -31,7 +31,9 @@ void MainWindow::pollEnvironment()
         openFile(m_store.path);
     }
     m_model->setReadOnly(m_running);
-    setPagesReadOnly();
+    if (m_running != wasRunning) {
+        setPagesReadOnly();
+    }
     // An unchanged list is left alone, so that an open drop-down isn't disturbed.
     if (PixInsightEnv::findSettingsFiles() != m_knownFiles) {
         rebuildFileBox();

@@ -8,6 +8,7 @@
 #include "session/dialogs/BackupsDialog.h"
 #include "session/dialogs/ReviewDialog.h"
 #include "views/model/SettingsModel.h"
+#include "views/model/TreeGuard.h"
 #include "widgets/MessageBox.h"
 
 #include <QCloseEvent>
@@ -33,9 +34,9 @@ bool MainWindow::onSave()
         report(QMessageBox::Critical, tr("Save failed"), error);
         return false;
     }
-    const quint64 generation = m_model->generation();
+    const TreeGuard guard(m_model);
     const int answer = ReviewDialog(m_model, &m_store.document, this, &m_schema).exec();
-    if (answer != QDialog::Accepted || m_model->generation() != generation) {
+    if (answer != QDialog::Accepted || !guard.isSameTree()) {
         return false;
     }
     if (pendingCount() == 0) {

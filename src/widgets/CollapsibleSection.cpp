@@ -16,12 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace kse {
 
-namespace {
-
-constexpr qsizetype titleLimit = 200;
-
-} // namespace
-
 /// Red where it is told so, as rows are that are queued for deletion.
 class CollapsibleSection::TitleButton : public QToolButton
 {
@@ -88,7 +82,7 @@ void CollapsibleSection::setChangeCount(qsizetype count)
 
 void CollapsibleSection::updateCaption()
 {
-    const QString title = asCaption(abbreviated(m_title, titleLimit));
+    const QString title = asCaption(abbreviated(m_title, shortLimit));
     m_toggleButton->setText(
         m_changeCount > 0 ? tr("%1   ● %2").arg(title, QString::number(m_changeCount)) : title);
 }

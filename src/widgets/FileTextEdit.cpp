@@ -13,10 +13,9 @@ namespace kse {
 void showFileText(QLineEdit& edit, const QString& text)
 {
     constexpr int editableLength = 1'000'000;
-    constexpr int shownLength = 1000;
 
     const bool isTooLong = text.size() > editableLength;
-    const QString shown = isTooLong ? firstCharacters(text, shownLength) : text;
+    const QString shown = isTooLong ? firstCharacters(text, lineLimit) : text;
     if (edit.text() != shown) {                             // each of these lays the text out anew
         edit.setMaxLength(std::numeric_limits<int>::max()); // by default it cuts what it is given
         edit.setText(shown);

@@ -8,8 +8,21 @@ namespace kse {
 // Keys, values and paths come from a file and are data wherever they are shown. Labels of ours use
 // Qt::PlainText; where Qt decides by itself whether a text is markup, one of these goes between.
 
-/// Characters of a text in a tool tip or a message box; more would not fit any screen.
+// Qt lays out a million characters for seconds, however few of them fit. So a text from a file is
+// cut to one of these lengths, in characters, wherever it is shown.
+
+/// A tool tip, message box or banner: more would not fit any screen.
 inline constexpr qsizetype popupLimit = 2000;
+/// A path, key, label or title with a line to itself.
+inline constexpr qsizetype lineLimit = 1000;
+/// A path in a message, where what follows it must stay in sight.
+inline constexpr qsizetype sentenceLimit = 500;
+/// A key, label or value in a cell, a caption or a sentence.
+inline constexpr qsizetype shortLimit = 200;
+/// The title of a page or card, or an entry of a list to choose from.
+inline constexpr qsizetype titleLimit = 100;
+/// A stored value in a hint beside its editor.
+inline constexpr qsizetype hintLimit = 80;
 
 /// The first `length` characters of `text`, one fewer where that would split a surrogate pair.
 [[nodiscard]] QString firstCharacters(const QString& text, qsizetype length);

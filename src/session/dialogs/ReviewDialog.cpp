@@ -35,7 +35,6 @@ namespace {
 enum Column { ChangeColumn, SettingColumn, BeforeColumn, AfterColumn };
 
 constexpr qsizetype valueLimit = 120;
-constexpr qsizetype pathLimit = 1000;
 constexpr qsizetype toolTipLimit = 500;
 constexpr qsizetype detailLimit = 100'000;  // each text; Qt lays out a longer line too slowly
 constexpr qsizetype wordWrapLimit = 10'000; // and needs quadratic time to look for its words
@@ -54,7 +53,7 @@ int kindOf(const QTreeWidgetItem* row)
 // A path in one line, short enough to be laid out at every repaint.
 QString rowPath(const QString& path)
 {
-    return withoutMiddle(path, pathLimit).replace(u'\n', QChar(0x23CE));
+    return withoutMiddle(path, lineLimit).replace(u'\n', QChar(0x23CE));
 }
 
 QString rowValue(const XsdtNode& node, const QString& text)
@@ -113,7 +112,7 @@ ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, Q
     , m_model(model)
     , m_document(document)
     , m_schema(schema)
-    , m_generation(model->generation())
+    , m_guard(model)
 {
     setWindowTitle(tr("Review changes"));
     createWidgets();
@@ -476,7 +475,7 @@ void ReviewDialog::onRevert()
 
 void ReviewDialog::onModelReset()
 {
-    if (m_model->generation() == m_generation) {
+    if (m_guard.isSameTree()) {
         populate();
         return;
     }

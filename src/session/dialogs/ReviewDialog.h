@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "views/model/TreeGuard.h"
+
 #include <QDialog>
 #include <QList>
 
@@ -15,7 +17,6 @@ class QTreeWidgetItem;
 
 namespace kse {
 
-class SettingsModel;
 class SettingsSchema;
 struct NamedNode;
 struct XsdtDocument;
@@ -66,7 +67,7 @@ private:
     SettingsModel* m_model = nullptr;
     const XsdtDocument* m_document = nullptr;
     const SettingsSchema* m_schema = nullptr;
-    quint64 m_generation = 0; ///< Of the model when the rows' nodes were alive.
+    TreeGuard m_guard; ///< For the nodes of the rows.
     qsizetype m_editCount = 0;
     qsizetype m_deletionCount = 0;
 

@@ -14,17 +14,10 @@
 
 namespace kse {
 
-namespace {
-
-// Qt lays out a million characters for seconds, however narrow the column.
-constexpr qsizetype nameLimit = 1000;
-
-} // namespace
-
 CleanupRow::CleanupRow(const SettingsModel& model, const QString& name)
     : m_model(model)
 {
-    setText(EntryColumn, withoutMiddle(name, nameLimit));
+    setText(EntryColumn, withoutMiddle(name, lineLimit));
     setTextAlignment(ValuesColumn, Qt::AlignRight | Qt::AlignVCenter);
     setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
 }

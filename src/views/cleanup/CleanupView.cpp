@@ -8,6 +8,7 @@
 #include "views/cleanup/CleanupRow.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/model/SettingsModel.h"
+#include "views/model/TreeGuard.h"
 #include "views/rows/ConfirmDeletion.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
@@ -197,10 +198,8 @@ CleanupEntry* CleanupView::addEntry(QTreeWidgetItem* parent, const QString& name
 
 void CleanupView::setReadOnly(bool readOnly)
 {
-    if (readOnly != m_readOnly) { // the poll calls this every few seconds
-        m_readOnly = readOnly;
-        refreshStatus();
-    }
+    m_readOnly = readOnly;
+    refreshStatus();
 }
 
 void CleanupView::refreshStatus()
@@ -360,9 +359,9 @@ void CleanupView::onContextMenu(const QPoint& pos)
         menu.addAction(row->queued() > 0 && !isMarked ? tr("Inside a group marked for deletion")
                                                       : tr("Undo deletion"));
     action->setEnabled(isMarked && !m_readOnly);
-    const quint64 generation = m_model->generation();
+    const TreeGuard guard(m_model);
     const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
-    if (chosen == action && m_model->generation() == generation && !m_readOnly) {
+    if (chosen == action && guard.isSameTree() && !m_readOnly) {
         undo(nodes);
     }
 }

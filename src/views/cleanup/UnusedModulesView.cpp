@@ -32,7 +32,6 @@ namespace kse {
 namespace {
 
 constexpr int rowLimit = 400; // of a card
-constexpr qsizetype textLimit = 1000;
 
 qsizetype countMarked(const ModuleInfo& module)
 {
@@ -179,7 +178,7 @@ QWidget* UnusedModulesView::addCard(const ModuleInfo& module)
     tick->section = section;
     const Card card{module, tick, section};
     card.tick->setObjectName(u"tick"_s);
-    card.tick->setAccessibleName(abbreviated(module.name, textLimit));
+    card.tick->setAccessibleName(abbreviated(module.name, lineLimit));
     card.tick->setToolTip(tr("Tick to include in the bulk actions below."));
     connect(card.tick, &QCheckBox::toggled, this, &UnusedModulesView::updateSummary);
     const qsizetype index = m_cards.size();
@@ -203,7 +202,7 @@ void UnusedModulesView::buildCard(const Card& card)
         total += values.size();
         addNote(card,
                 tr("%1  (%n value(s))", nullptr, static_cast<int>(values.size()))
-                    .arg(withoutMiddle(path, textLimit)),
+                    .arg(withoutMiddle(path, lineLimit)),
                 node);
         for (XsdtNode* value : values) {
             if (shown == rowLimit) {
@@ -251,10 +250,8 @@ void UnusedModulesView::addNote(const Card& card, const QString& text, XsdtNode*
 
 void UnusedModulesView::setReadOnly(bool readOnly)
 {
-    if (readOnly != m_rows->isReadOnly()) { // the poll calls this every few seconds
-        m_rows->setReadOnly(readOnly);
-        updateSummary();
-    }
+    m_rows->setReadOnly(readOnly);
+    updateSummary();
 }
 
 QStringList UnusedModulesView::moduleNames() const
@@ -313,7 +310,7 @@ void UnusedModulesView::updateSummary()
 void UnusedModulesView::updateCard(const Card& card, const Content& content, qsizetype marked)
 {
     QString title = tr("%1  -  %n value(s), %2", nullptr, static_cast<int>(content.values))
-                        .arg(abbreviated(card.module.name, 100), formatBytes(content.bytes));
+                        .arg(abbreviated(card.module.name, titleLimit), formatBytes(content.bytes));
     const bool isWhole = marked == card.module.nodes.size();
     if (marked > 0) {
         title += isWhole ? tr("   [queued for deletion]") : tr("   [partly queued for deletion]");
@@ -410,7 +407,7 @@ void UnusedModulesView::queueTicked()
     } else {
         emit message(tr("Queued %1 entries; %2 protected entries were left alone (%3).")
                          .arg(QString::number(queued), QString::number(refused.size()),
-                              abbreviated(refused.join(", "_L1), textLimit)));
+                              abbreviated(refused.join(", "_L1), lineLimit)));
     }
 }
 
@@ -419,7 +416,7 @@ bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
 {
     QStringList names;
     for (const Card& card : cards) {
-        names.append(abbreviated(card.module.name, textLimit));
+        names.append(abbreviated(card.module.name, lineLimit));
     }
     const QString text = tr("This removes the saved data of %n module(s) that are not in the "
                             "module list.",
@@ -428,7 +425,7 @@ bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
         return false;
     }
     if (m_rows->isReadOnly()) { // started beneath the box
-        emit message(tr("PixInsight is running; nothing can be changed."));
+        emit message(SettingsModel::readOnlyReason());
         return false;
     }
     return true;

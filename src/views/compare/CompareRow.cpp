@@ -17,10 +17,8 @@ namespace kse {
 
 namespace {
 
-constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
 constexpr qsizetype valueLimit = 90;
 constexpr qsizetype toolTipValueLimit = 300;
-constexpr qsizetype cutValueLimit = 1000;
 
 QString shownValue(const XsdtNode* node)
 {
@@ -93,7 +91,7 @@ QString CompareRow::shownText(int column) const
 {
     switch (column) {
     case SettingColumn:
-        return withoutMiddle(groupedPath(m_entry.path).name, nameLimit);
+        return withoutMiddle(groupedPath(m_entry.path).name, lineLimit);
     case ThisColumn:
         return shownValue(m_entry.thisNode);
     case OtherColumn:
@@ -122,7 +120,7 @@ QVariant CompareRow::wholeText(int column) const
 
 QString CompareRow::toolTipText() const
 {
-    QString text = withoutMiddle(m_entry.path, nameLimit);
+    QString text = withoutMiddle(m_entry.path, lineLimit);
     if (m_entry.thisNode) {
         text += CompareView::tr("\nThis file: %1")
                     .arg(firstCharacters(m_entry.thisNode->value, toolTipValueLimit));
@@ -150,7 +148,7 @@ QString CompareRow::cutValue(int column) const
     }
     return asMarkup(node->typeCode == XsdtValueType::Block
                         ? shown
-                        : abbreviated(node->value, cutValueLimit)); // wraps as markup only
+                        : abbreviated(node->value, lineLimit)); // wraps as markup only
 }
 
 /// As a line of its own, why the other file's value can't be copied; empty if it can.

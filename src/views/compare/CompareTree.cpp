@@ -19,13 +19,12 @@ namespace kse {
 
 namespace {
 
-constexpr int maximumExpanded = 400;  // rows; beyond, the groups are closed at first
-constexpr qsizetype nameLimit = 1000; // Qt lays out a million characters for seconds
+constexpr int maximumExpanded = 400; // rows; beyond, the groups are closed at first
 
 /// A row that isn't an entry, known by -1 where these have their number.
 QTreeWidgetItem* makeTopLevelRow(const QString& text)
 {
-    auto* row = new QTreeWidgetItem({withoutMiddle(text, nameLimit)});
+    auto* row = new QTreeWidgetItem({withoutMiddle(text, lineLimit)});
     row->setData(CompareRow::SettingColumn, Qt::UserRole, -1);
     return row;
 }

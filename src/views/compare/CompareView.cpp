@@ -196,10 +196,8 @@ void CompareView::setDocument(XsdtDocument* document, const QString& path)
 
 void CompareView::setReadOnly(bool readOnly)
 {
-    if (readOnly != m_readOnly) { // the poll calls this every few seconds
-        m_readOnly = readOnly;
-        updateButtons();
-    }
+    m_readOnly = readOnly;
+    updateButtons();
 }
 
 void CompareView::changeEvent(QEvent* event)

@@ -21,7 +21,6 @@ namespace kse {
 
 namespace {
 
-constexpr qsizetype pathLimit = 1000;
 constexpr qsizetype previewLimit = 8; // values
 constexpr qsizetype previewLength = 60;
 
@@ -65,7 +64,7 @@ GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype numbe
     m_isProtected = decision.level == DeleteLevel::Never;
     m_reason = m_isProtected ? tr("Protected: %1").arg(decision.reason) : decision.reason;
     m_name = tr("%1 (%2 of %3)")
-                 .arg(withoutMiddle(node->path(), pathLimit), QString::number(number),
+                 .arg(withoutMiddle(node->path(), lineLimit), QString::number(number),
                       QString::number(count));
     createWidgets();
     reserveNumber();
@@ -73,7 +72,7 @@ GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype numbe
 
 void GroupLine::createWidgets()
 {
-    const QString path = asMarkup(withoutMiddle(m_node->path(), pathLimit));
+    const QString path = asMarkup(withoutMiddle(m_node->path(), lineLimit));
     const QString values = tr("%n value(s)", nullptr, static_cast<int>(m_node->valueCount()));
     m_label = new WrappedLabel(u"<b>%1</b>  (%2)"_s.arg(path, values.toHtmlEscaped()), Qt::RichText,
                                this);

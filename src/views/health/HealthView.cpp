@@ -27,8 +27,6 @@ namespace {
 
 constexpr qsizetype cardStep = 200; // that many at once aren't felt as a wait
 constexpr qsizetype nodeLimit = 12;
-constexpr qsizetype titleLimit = 1000;
-constexpr qsizetype pathLimit = 500; // what follows it must stay in sight
 constexpr qsizetype detailLimit = 10'000;
 
 QColor severityColor(Severity severity)
@@ -46,7 +44,7 @@ QColor severityColor(Severity severity)
 
 QString asHtml(const QString& text)
 {
-    return asMarkup(withoutMiddle(text, titleLimit));
+    return asMarkup(withoutMiddle(text, lineLimit));
 }
 
 QLabel* createLabel(const QString& text, Qt::TextFormat format, const QString& name,
@@ -132,10 +130,8 @@ void HealthView::setDocument(const XsdtDocument* document)
 
 void HealthView::setReadOnly(bool readOnly)
 {
-    if (readOnly != m_rowSet->isReadOnly()) { // the poll calls this every few seconds
-        m_rowSet->setReadOnly(readOnly);
-        refreshGroupLines();
-    }
+    m_rowSet->setReadOnly(readOnly);
+    refreshGroupLines();
 }
 
 void HealthView::run()
@@ -295,7 +291,7 @@ void HealthView::requestDeletion(XsdtNode* node)
     if (isLast && queued > 0) {
         const QString text = tr("Every other copy of %1 is queued for deletion. If this one goes "
                                 "too, nothing is left of it.")
-                                 .arg(abbreviated(node->path(), pathLimit));
+                                 .arg(abbreviated(node->path(), sentenceLimit));
         if (!confirmDeletion(this, *m_model, tr("Delete the last copy?"), text)) {
             return;
         }

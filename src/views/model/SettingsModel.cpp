@@ -20,10 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Qt lays out a million characters for seconds, however narrow the column.
-constexpr qsizetype keyLimit = 1000;
-constexpr qsizetype valueLimit = 200;
-
 int toInt(qsizetype count)
 {
     return static_cast<int>(qMin<qsizetype>(count, std::numeric_limits<int>::max()));
@@ -49,9 +45,9 @@ QVariant displayText(const XsdtNode& node, int column)
 {
     switch (column) {
     case SettingsModel::SettingColumn:
-        return abbreviated(node.key, keyLimit);
+        return abbreviated(node.key, lineLimit);
     case SettingsModel::ValueColumn:
-        return node.kind == XsdtNode::Kind::Value ? displayValue(node, node.value, valueLimit)
+        return node.kind == XsdtNode::Kind::Value ? displayValue(node, node.value, shortLimit)
                                                   : QVariant();
     case SettingsModel::TypeColumn:
         return typeText(node);
@@ -76,7 +72,7 @@ QString stateText(const XsdtNode& node)
     }
     if (node.isModified()) {
         text += SettingsModel::tr("\nOriginal value: %1")
-                    .arg(firstCharacters(node.original, valueLimit));
+                    .arg(firstCharacters(node.original, shortLimit));
     }
     if (node.markedForDeletion) {
         text += SettingsModel::tr("\nMarked for deletion (%n value(s)); removed when you save.",
@@ -89,7 +85,7 @@ QString stateText(const XsdtNode& node)
 
 QString toolTipText(const XsdtNode& node, const DeleteDecision& decision)
 {
-    QString text = withoutMiddle(node.path(), keyLimit);
+    QString text = withoutMiddle(node.path(), lineLimit);
     if (node.kind == XsdtNode::Kind::Value && !isProtected(node)) {
         text += u'\n' + typeName(node.typeCode);
     }
@@ -191,6 +187,11 @@ DeleteDecision SettingsModel::deletionDecision(const XsdtNode* node) const
     return m_policy ? m_policy->decide(node) : DeleteDecision();
 }
 
+QString SettingsModel::readOnlyReason()
+{
+    return tr("PixInsight is running; nothing can be changed.");
+}
+
 bool SettingsModel::isLocked(const XsdtNode* node) const
 {
     return m_policy && m_policy->isEditLocked(node);
@@ -208,7 +209,7 @@ bool SettingsModel::markForDeletion(XsdtNode* node, QString* reason)
         return refuse(tr("Nothing to delete."));
     }
     if (m_readOnly) {
-        return refuse(tr("PixInsight is running; nothing can be changed."));
+        return refuse(readOnlyReason());
     }
     if (node->isInsideDeletion()) {
         return true;
@@ -335,13 +336,13 @@ bool SettingsModel::setValue(XsdtNode* node, const QString& input)
     if (isLocked(node)) {
         emit editRejected(tr("%1 is part of the module registry or version records and is locked "
                              "against editing.")
-                              .arg(abbreviated(node->key, valueLimit)));
+                              .arg(abbreviated(node->key, shortLimit)));
         return false;
     }
     QString text;
     QString error;
     if (!validateValue(node->typeCode, input, text, &error)) {
-        emit editRejected(tr("%1: %2").arg(abbreviated(node->key, valueLimit), error));
+        emit editRejected(tr("%1: %2").arg(abbreviated(node->key, shortLimit), error));
         return false;
     }
     if (text == node->value) {

@@ -56,8 +56,10 @@ public:
     void setReadOnly(bool readOnly);
     bool isReadOnly() const { return m_readOnly; }
 
-    /// Rises with every `setDocument`. Whoever holds a node across a dialog or menu compares it
-    /// afterwards: a different number means that the node is gone.
+    /// Why a change is refused while read-only, for the user.
+    static QString readOnlyReason();
+
+    /// Rises with every `setDocument`, for `TreeGuard`.
     quint64 generation() const { return m_generation; }
 
     /// Invalid for the root, null and what lies deeper than the model shows.

@@ -99,7 +99,7 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
         editor = QStyledItemDelegate::createEditor(parent, option, index);
     }
     if (editor && node) {
-        editor->setAccessibleName(abbreviated(node->key, 200));
+        editor->setAccessibleName(abbreviated(node->key, shortLimit));
     }
     return editor;
 }
@@ -134,7 +134,7 @@ void ValueDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
         QStyledItemDelegate::setModelData(editor, model, index);
     }
     if (!row.isValid()) {
-        emit editedRowHidden(abbreviated(node->key, 200));
+        emit editedRowHidden(abbreviated(node->key, shortLimit));
     }
 }
 

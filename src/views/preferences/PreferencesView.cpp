@@ -36,7 +36,6 @@ constexpr int maximumNesting = 16; // of sections in one another
 // for the other pages.
 constexpr int maximumRows = 5000;
 constexpr int maximumPageRows = 2000;
-constexpr qsizetype titleLimit = 100;
 
 /// Room around a title that is the row's own: what lies between rows can't be clicked.
 class PageDelegate : public QStyledItemDelegate
@@ -298,9 +297,7 @@ QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidge
 
 void PreferencesView::setReadOnly(bool readOnly)
 {
-    if (readOnly != m_rows->isReadOnly()) {
-        m_rows->setReadOnly(readOnly);
-    }
+    m_rows->setReadOnly(readOnly);
 }
 
 bool PreferencesView::selectPage(int index)

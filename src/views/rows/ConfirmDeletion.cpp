@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/rows/ConfirmDeletion.h"
 
-#include "views/model/SettingsModel.h"
+#include "views/model/TreeGuard.h"
 #include "widgets/MessageBox.h"
 
 #include <QCoreApplication>
@@ -19,8 +19,8 @@ bool confirmDeletion(QWidget* parent, const SettingsModel& model, const QString&
         box.setReachableDetails(names.join(u'\n'));
     }
     box.setDefaultButton(QMessageBox::Cancel);
-    const quint64 generation = model.generation();
-    return box.exec() == QMessageBox::Yes && model.generation() == generation;
+    const TreeGuard guard(&model);
+    return box.exec() == QMessageBox::Yes && guard.isSameTree();
 }
 
 } // namespace kse

@@ -2,10 +2,9 @@
 #include "views/rows/NodeContextMenu.h"
 
 #include "document/XsdtNode.h"
-#include "schema/DeletePolicy.h"
 #include "views/model/SettingsModel.h"
-#include "widgets/MessageBox.h"
-#include "widgets/PlainText.h"
+#include "views/model/TreeGuard.h"
+#include "views/rows/DeletionEntry.h"
 
 #include <QCoreApplication>
 #include <QMenu>
@@ -20,46 +19,13 @@ struct NodeContextMenu
     Q_DECLARE_TR_FUNCTIONS(NodeContextMenu)
 };
 
-struct Entries
+DeletionEntry::Words deletionWords(const XsdtNode& node)
 {
-    QAction* revert = nullptr;
-    QAction* undo = nullptr;
-    QAction* why = nullptr;
-    QAction* remove = nullptr;
-    QAction* reveal = nullptr;
-};
-
-void addDeletionEntry(QMenu& menu, Entries& entries, const XsdtNode& node,
-                      const DeleteDecision& decision, bool readOnly)
-{
-    if (node.markedForDeletion) {
-        entries.undo = menu.addAction(NodeContextMenu::tr("Undo deletion"));
-        return;
-    }
-    if (node.isInsideDeletion()) {
-        menu.addAction(NodeContextMenu::tr("Inside a group marked for deletion"))
-            ->setEnabled(false);
-        return;
-    }
-    if (decision.level == DeleteLevel::Never) {
-        entries.why = menu.addAction(NodeContextMenu::tr("Why can't this be deleted?"));
-        return;
-    }
     const QString noun = node.kind == XsdtNode::Kind::Value ? NodeContextMenu::tr("setting")
                                                             : NodeContextMenu::tr("group");
-    const QString text = decision.level == DeleteLevel::Warn
-                             ? NodeContextMenu::tr("Delete this %1...")
-                             : NodeContextMenu::tr("Delete this %1");
-    entries.remove = menu.addAction(text.arg(noun));
-    entries.remove->setToolTip(asToolTip(decision.reason));
-    entries.remove->setEnabled(!readOnly);
-}
-
-void call(const std::function<void(XsdtNode*)>& function, XsdtNode* node)
-{
-    if (function) {
-        function(node);
-    }
+    return {NodeContextMenu::tr("Inside a group marked for deletion"),
+            NodeContextMenu::tr("Delete this %1").arg(noun),
+            NodeContextMenu::tr("Delete this %1...").arg(noun)};
 }
 
 } // namespace
@@ -67,46 +33,36 @@ void call(const std::function<void(XsdtNode*)>& function, XsdtNode* node)
 void showNodeContextMenu(QWidget* parent, SettingsModel* model, XsdtNode* node,
                          const QPoint& globalPos, bool readOnly, const NodeMenuCallbacks& callbacks)
 {
-    QWidget* window = parent->window(); // `parent` may die beneath the menu
+    QWidget* window = parent->window(); // `parent` may die while the menu is open
     QMenu menu(window);
     menu.setToolTipsVisible(true);
-    Entries entries;
+    QAction* revert = nullptr;
     if (node->kind == XsdtNode::Kind::Value) {
-        entries.revert = menu.addAction(NodeContextMenu::tr("Revert this value"));
-        entries.revert->setEnabled(node->isModified() && !readOnly && !node->isInsideDeletion());
+        revert = menu.addAction(NodeContextMenu::tr("Revert this value"));
+        revert->setEnabled(node->isModified() && !readOnly && !node->isInsideDeletion());
         menu.addSeparator();
     }
-    const DeleteDecision decision = model->deletionDecision(node);
-    addDeletionEntry(menu, entries, *node, decision, readOnly);
+    const DeletionEntry deletion(menu, *model, node, readOnly, deletionWords(*node));
+    const QAction* reveal = nullptr;
     if (callbacks.reveal) {
         menu.addSeparator();
-        entries.reveal = menu.addAction(NodeContextMenu::tr("Show in All settings"));
+        reveal = menu.addAction(NodeContextMenu::tr("Show in All settings"));
     }
 
-    const quint64 generation = model->generation();
+    const TreeGuard guard(model);
     const QAction* chosen = menu.exec(globalPos);
-    if (!chosen || model->generation() != generation) {
+    if (!chosen || !guard.isSameTree()) {
         return;
     }
-    if (chosen == entries.revert) {
-        if (!model->isReadOnly()) { // PixInsight may have started beneath the menu
+    if (chosen == revert) {
+        if (!model->isReadOnly()) { // PixInsight may have started meanwhile
             model->revertValue(node);
         }
-    } else if (chosen == entries.undo) {
-        call(callbacks.undoDeletion, node);
-    } else if (chosen == entries.why) {
-        showCannotDelete(window, node->path(), decision.reason);
-    } else if (chosen == entries.remove) {
-        call(callbacks.deleteNode, node);
-    } else if (chosen == entries.reveal) {
-        call(callbacks.reveal, node);
+    } else if (deletion.is(chosen)) {
+        deletion.carryOut(window, callbacks.deleteNode, callbacks.undoDeletion);
+    } else if (chosen == reveal) {
+        callbacks.reveal(node);
     }
-}
-
-void showCannotDelete(QWidget* parent, const QString& path, const QString& reason)
-{
-    showMessage(parent, QMessageBox::Information, NodeContextMenu::tr("Cannot delete"),
-                NodeContextMenu::tr("%1\n\n%2").arg(withoutMiddle(path, 500), reason));
 }
 
 } // namespace kse

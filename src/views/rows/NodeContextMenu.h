@@ -4,7 +4,6 @@
 #include <functional>
 
 class QPoint;
-class QString;
 class QWidget;
 
 namespace kse {
@@ -13,7 +12,7 @@ class SettingsModel;
 struct XsdtNode;
 
 /// What the menu of a row asks of the page that shows it. An entry without a function does
-/// nothing; without `reveal` there is no such entry.
+/// nothing; without `reveal` the menu lacks that entry.
 struct NodeMenuCallbacks
 {
     std::function<void(XsdtNode*)> deleteNode; ///< Asks the user where that is called for.
@@ -26,8 +25,5 @@ struct NodeMenuCallbacks
 void showNodeContextMenu(QWidget* parent, SettingsModel* model, XsdtNode* node,
                          const QPoint& globalPos, bool readOnly,
                          const NodeMenuCallbacks& callbacks);
-
-/// Tells why the entry at `path` stays, in a box of `parent`'s window.
-void showCannotDelete(QWidget* parent, const QString& path, const QString& reason);
 
 } // namespace kse

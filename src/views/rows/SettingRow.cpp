@@ -23,8 +23,6 @@ namespace kse {
 
 namespace {
 
-constexpr qsizetype labelLimit = 1000;
-
 QLabel* createLabel(const QString& text, const QString& name, QWidget* parent)
 {
     auto* label = new WrappedLabel(text, Qt::PlainText, parent);
@@ -56,7 +54,7 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
     , m_node(node)
     , m_info(info)
     , m_model(model)
-    , m_generation(model->generation())
+    , m_guard(model)
     , m_protectedType(!node->isEditableType())
 {
     m_info.label = shownName(info.label, node->key);
@@ -64,8 +62,8 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
     createEditor();
     createRevertButton();
     layOut();
-    setAccessibleName(abbreviated(m_info.label, labelLimit));
-    setToolTip(asToolTip(withoutMiddle(node->path(), labelLimit) +
+    setAccessibleName(abbreviated(m_info.label, lineLimit));
+    setToolTip(asToolTip(withoutMiddle(node->path(), lineLimit) +
                          (info.documented ? QString() : tr("\n(not documented by PixInsight)"))));
     setMayBeTabStop(*this); // while no control in it can be used
     updateFonts();
@@ -75,7 +73,7 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
 
 void SettingRow::createLabels()
 {
-    const QString name = asCaption(abbreviated(m_info.label, labelLimit)); // it has a buddy
+    const QString name = asCaption(abbreviated(m_info.label, lineLimit)); // it has a buddy
     m_nameLabel = createLabel(name, u"nameLabel"_s, this);
     m_nameLabel->setAlignment(Qt::AlignLeading | Qt::AlignTop);
     m_pathLabel = createLabel({}, u"pathLabel"_s, this);
@@ -86,7 +84,7 @@ void SettingRow::createLabels()
 
 void SettingRow::createEditor()
 {
-    m_editor = ValueEditor::create(m_info, abbreviated(m_info.label, labelLimit), this);
+    m_editor = ValueEditor::create(m_info, abbreviated(m_info.label, lineLimit), this);
     m_editor->setObjectName(u"editorHost"_s);
     m_editor->setMinimumWidth(240);
     m_editor->setMaximumWidth(460);
@@ -102,7 +100,7 @@ void SettingRow::createRevertButton()
     m_revertButton->setObjectName(u"revertButton"_s);
     m_revertButton->setText(u"\u21BA"_s);
     m_revertButton->setAutoRaise(true);
-    m_revertButton->setAccessibleName(tr("Revert %1").arg(abbreviated(m_info.label, labelLimit)));
+    m_revertButton->setAccessibleName(tr("Revert %1").arg(abbreviated(m_info.label, lineLimit)));
     connect(m_revertButton, &QToolButton::clicked, this, &SettingRow::revert);
 }
 
@@ -131,7 +129,7 @@ void SettingRow::setShowPath(bool showPath)
 {
     QStringList groups = m_node->path().split(u'/');
     groups.removeLast();
-    m_pathLabel->setText(withoutMiddle(groups.join(u" \u203A "_s), labelLimit));
+    m_pathLabel->setText(withoutMiddle(groups.join(u" \u203A "_s), lineLimit));
     m_pathLabel->setVisible(showPath && !m_pathLabel->text().isEmpty());
     refreshDescription(m_node->isModified());
 }
@@ -146,20 +144,14 @@ bool SettingRow::matches(const QString& text) const
            (m_node->typeCode == XsdtValueType::String && holds(m_node->value));
 }
 
-/// The row's dialog, its signals and its deferred deletion may outlast the node.
-bool SettingRow::isOutdated() const
-{
-    return m_model->generation() != m_generation;
-}
-
 void SettingRow::commit(const QString& text)
 {
-    if (isOutdated()) {
+    if (!m_guard.isSameTree()) {
         return;
     }
     const QPointer<SettingRow> self(this); // a page may drop the row on a change
     if (m_model->isReadOnly()) {           // PixInsight started beneath a dialog of the row
-        emit rejected(tr("PixInsight is running; nothing can be changed."));
+        emit rejected(SettingsModel::readOnlyReason());
     } else if (const QString fault = m_editor->faultOf(text); !fault.isEmpty()) {
         emit rejected(fault);
     } else {
@@ -172,7 +164,7 @@ void SettingRow::commit(const QString& text)
 
 void SettingRow::revert()
 {
-    if (isOutdated()) {
+    if (!m_guard.isSameTree()) {
         return;
     }
     const QPointer<SettingRow> self(this);
@@ -187,7 +179,7 @@ void SettingRow::revert()
 
 void SettingRow::refresh()
 {
-    if (isOutdated()) {
+    if (!m_guard.isSameTree()) {
         return;
     }
     m_editor->setValue(*m_node);
@@ -211,10 +203,9 @@ void SettingRow::refreshRevertButton(bool isChanged)
 {
     m_revertButton->setEnabled(isChanged && !m_rowReadOnly && !m_node->isInsideDeletion());
     m_revertButton->setToolTip(
-        isChanged
-            ? asToolTip(
-                  tr("Revert to the value on disk: %1").arg(firstCharacters(m_node->original, 80)))
-            : tr("Unchanged"));
+        isChanged ? asToolTip(tr("Revert to the value on disk: %1")
+                                  .arg(firstCharacters(m_node->original, hintLimit)))
+                  : tr("Unchanged"));
 }
 
 void SettingRow::refreshEditor()
@@ -247,13 +238,13 @@ void SettingRow::refreshDescription(bool isChanged)
     QStringList parts;
     const QString unspoken = m_editor->unspokenText();
     if (!m_editor->isEnabled() || !unspoken.isEmpty()) { // otherwise the editor itself tells
-        parts << displayValue(*m_node, unspoken.isEmpty() ? m_node->value : unspoken, 200);
+        parts << displayValue(*m_node, unspoken.isEmpty() ? m_node->value : unspoken, shortLimit);
     }
     if (m_editor->isEnabled()) {
         parts << m_editor->storedTextHint();
     }
     if (isChanged) {
-        parts << tr("Changed; on disk: %1").arg(firstCharacters(m_node->original, 80));
+        parts << tr("Changed; on disk: %1").arg(firstCharacters(m_node->original, hintLimit));
     }
     if (m_node->isInsideDeletion()) {
         parts << tr("Marked for deletion");

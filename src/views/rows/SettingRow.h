@@ -2,6 +2,7 @@
 #pragma once
 
 #include "schema/SettingsSchema.h"
+#include "views/model/TreeGuard.h"
 
 #include <QWidget>
 
@@ -11,7 +12,6 @@ class QVBoxLayout;
 
 namespace kse {
 
-class SettingsModel;
 class ValueEditor;
 struct XsdtNode;
 
@@ -60,7 +60,6 @@ private:
     void createRevertButton();
     void layOut();
 
-    bool isOutdated() const;
     void commit(const QString& text);
     void revert();
 
@@ -73,7 +72,7 @@ private:
     XsdtNode* m_node = nullptr;
     VariableInfo m_info; ///< Its label is never blank.
     SettingsModel* m_model = nullptr;
-    quint64 m_generation = 0; ///< The model's, when the row was made.
+    TreeGuard m_guard; ///< The row's dialog and its deferred deletion may outlast the node.
     bool m_rowReadOnly = false;
     bool m_protectedType = false; ///< The node's type can't be edited.
 

@@ -47,8 +47,7 @@ void SettingRowSet::clear()
 
 void SettingRowSet::setReadOnly(bool readOnly)
 {
-    // The poll calls this every few seconds: a refresh would take what is being typed.
-    if (readOnly == m_readOnly) {
+    if (readOnly == m_readOnly) { // a refresh would take what is being typed
         return;
     }
     m_readOnly = readOnly;

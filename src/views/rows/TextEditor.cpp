@@ -78,7 +78,7 @@ public:
             return QString::number(value, 'g', QLocale::FloatingPointShortest);
         };
         return tr("%1: %2 is outside the allowed range %3 to %4")
-            .arg(abbreviated(m_info.label, 200), shown(number), shown(m_info.min),
+            .arg(abbreviated(m_info.label, shortLimit), shown(number), shown(m_info.min),
                  shown(m_info.max));
     }
 
@@ -109,7 +109,8 @@ private:
     {
         const QPointer<ValueEditor> self(this); // the dialog may outlive the row
         // In a window's title "[*]" is a placeholder.
-        const QString caption = abbreviated(m_info.label, 200).replace("[*]"_L1, "[*][*]"_L1);
+        const QString caption =
+            abbreviated(m_info.label, shortLimit).replace("[*]"_L1, "[*][*]"_L1);
         const QString path = isFolder()
                                  ? QFileDialog::getExistingDirectory(window(), caption, stored(),
                                                                      QFileDialog::ShowDirsOnly)

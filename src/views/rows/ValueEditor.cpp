@@ -74,7 +74,7 @@ protected:
         int item = m_box->findData(number);
         if (item < 0) {
             item = m_box->count();
-            m_box->addItem(tr("Other (%1)").arg(abbreviated(node.value, 100)), number);
+            m_box->addItem(tr("Other (%1)").arg(abbreviated(node.value, titleLimit)), number);
             m_box->setItemData(item, 1, markerRole);
         }
         m_box->setCurrentIndex(item);
@@ -160,8 +160,9 @@ void ValueEditor::setValue(const XsdtNode& node)
 {
     const QSignalBlocker blocker(m_control);
     m_control->setToolTip({});
-    m_storedTextHint =
-        showValue(node) ? QString() : tr("Stored text: %1").arg(firstCharacters(node.value, 80));
+    m_storedTextHint = showValue(node)
+                           ? QString()
+                           : tr("Stored text: %1").arg(firstCharacters(node.value, hintLimit));
 }
 
 bool ValueEditor::eventFilter(QObject* watched, QEvent* event)

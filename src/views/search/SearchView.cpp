@@ -24,7 +24,6 @@ namespace kse {
 namespace {
 
 constexpr qsizetype rowStep = 100;
-constexpr qsizetype bannerLimit = 2000;
 
 } // namespace
 
@@ -162,7 +161,7 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
 {
     m_restriction = QSet<XsdtNode*>(nodes.begin(), nodes.end());
     m_restricted = true;
-    m_bannerLabel->setText(withoutMiddle(bannerText, bannerLimit));
+    m_bannerLabel->setText(withoutMiddle(bannerText, popupLimit));
     m_banner->show();
     {
         const QSignalBlocker query(m_queryEdit);

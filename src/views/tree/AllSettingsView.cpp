@@ -3,14 +3,13 @@
 
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
-#include "schema/DeletePolicy.h"
 #include "views/model/SettingsFilterProxy.h"
 #include "views/model/SettingsModel.h"
+#include "views/model/TreeGuard.h"
 #include "views/model/TreePosition.h"
 #include "views/model/ValueDelegate.h"
-#include "views/rows/NodeContextMenu.h"
+#include "views/rows/DeletionEntry.h"
 #include "views/tree/SettingsTree.h"
-#include "widgets/PlainText.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -208,7 +207,6 @@ void AllSettingsView::showContextMenu(const QPoint& pos)
     if (!node) {
         return;
     }
-    const DeleteDecision decision = m_model->deletionDecision(node);
     QMenu menu(this);
     menu.setToolTipsVisible(true);
     QAction* revert = menu.addAction(tr("Revert this value"));
@@ -217,25 +215,13 @@ void AllSettingsView::showContextMenu(const QPoint& pos)
     QAction* copyValue = menu.addAction(tr("Copy value"));
     copyValue->setEnabled(node->kind == XsdtNode::Kind::Value);
     menu.addSeparator();
-    QAction* remove = nullptr;
-    QAction* undo = nullptr;
-    QAction* why = nullptr;
-    if (node->markedForDeletion) {
-        undo = menu.addAction(tr("Undo deletion"));
-    } else if (node->isInsideDeletion()) {
-        menu.addAction(tr("Inside an entry marked for deletion"))->setEnabled(false);
-    } else if (decision.level == DeleteLevel::Never) {
-        why = menu.addAction(tr("Why can't this be deleted?"));
-    } else {
-        remove = menu.addAction(decision.level == DeleteLevel::Warn ? tr("Delete this entry...")
-                                                                    : tr("Delete this entry"));
-        remove->setToolTip(asToolTip(decision.reason));
-        remove->setEnabled(!m_model->isReadOnly());
-    }
+    const DeletionEntry deletion(menu, *m_model, node, m_model->isReadOnly(),
+                                 {tr("Inside an entry marked for deletion"),
+                                  tr("Delete this entry"), tr("Delete this entry...")});
 
-    const quint64 generation = m_model->generation();
+    const TreeGuard guard(m_model);
     const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
-    if (!chosen || m_model->generation() != generation) {
+    if (!chosen || !guard.isSameTree()) {
         return;
     }
     if (chosen == revert && !m_model->isReadOnly()) { // PixInsight may have started meanwhile
@@ -244,12 +230,10 @@ void AllSettingsView::showContextMenu(const QPoint& pos)
         QGuiApplication::clipboard()->setText(node->path());
     } else if (chosen == copyValue) {
         QGuiApplication::clipboard()->setText(node->value);
-    } else if (chosen == remove) {
-        emit deleteRequested(node);
-    } else if (chosen == undo) {
-        emit restoreRequested(node);
-    } else if (chosen == why) {
-        showCannotDelete(this, node->path(), decision.reason);
+    } else if (deletion.is(chosen)) {
+        deletion.carryOut(
+            this, [this](XsdtNode* target) { emit deleteRequested(target); },
+            [this](XsdtNode* target) { emit restoreRequested(target); });
     }
 }
 
