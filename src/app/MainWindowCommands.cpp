@@ -4,6 +4,7 @@
 #include "app/AboutDialog.h"
 #include "app/OpenEditor.h"
 #include "app/UserGuide.h"
+#include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "views/model/TreeGuard.h"
 #include "views/tree/AllSettingsView.h"

@@ -5,9 +5,11 @@
 
 namespace kse {
 
-WrappedLabel::WrappedLabel(const QString& text, Qt::TextFormat format, QWidget* parent)
+WrappedLabel::WrappedLabel(const QString& text, Qt::TextFormat format, const QString& objectName,
+                           QWidget* parent)
     : QLabel(parent)
 {
+    setObjectName(objectName);
     setTextFormat(format);
     setText(text);
     setWordWrap(true);

@@ -11,7 +11,8 @@ namespace kse {
 class WrappedLabel : public QLabel
 {
 public:
-    explicit WrappedLabel(const QString& text, Qt::TextFormat format, QWidget* parent = nullptr);
+    WrappedLabel(const QString& text, Qt::TextFormat format, const QString& objectName,
+                 QWidget* parent = nullptr);
 
     int heightForWidth(int width) const override;
 

@@ -82,8 +82,8 @@ void BackupsDialog::createWidgets()
     m_list->setAlternatingRowColors(true);
     m_list->setMinimumHeight(220);
     const QString folder = QDir::toNativeSeparators(folderOf(m_settingsPath));
-    m_folder = new WrappedLabel(tr("Folder: %1").arg(folder), Qt::PlainText, this);
-    m_folder->setObjectName(QStringLiteral("folder"));
+    m_folder = new WrappedLabel(tr("Folder: %1").arg(folder), Qt::PlainText,
+                                QStringLiteral("folder"), this);
     m_folder->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_openFolder = new QPushButton(tr("Open folder"), this);
     m_openFolder->setObjectName(QStringLiteral("openFolder"));

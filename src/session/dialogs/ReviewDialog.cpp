@@ -7,6 +7,7 @@
 #include "document/XsdtValueType.h"
 #include "schema/SettingsSchema.h"
 #include "session/dialogs/ChangeRemark.h"
+#include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "widgets/CopyKey.h"
 #include "widgets/PlainText.h"
@@ -130,8 +131,7 @@ void ReviewDialog::createWidgets()
 {
     m_running = new WrappedLabel(tr("<b>PixInsight is running.</b> It would overwrite the file, so "
                                     "nothing can be saved. Close PixInsight first."),
-                                 Qt::RichText, this);
-    m_running->setObjectName(QStringLiteral("running"));
+                                 Qt::RichText, QStringLiteral("running"), this);
     m_running->setMargin(8);
     m_running->setAutoFillBackground(true);
     QPalette amber = m_running->palette();
@@ -157,10 +157,8 @@ void ReviewDialog::createWidgets()
     m_detail->setReadOnly(true);
     m_detail->setPlaceholderText(tr("Select a change to see its full text."));
     m_detail->setAccessibleName(tr("Full text of the selected change"));
-    m_remark = new WrappedLabel(QString(), Qt::PlainText, this);
-    m_remark->setObjectName(QStringLiteral("remark"));
-    m_hidden = new WrappedLabel(QString(), Qt::PlainText, this);
-    m_hidden->setObjectName(QStringLiteral("hidden"));
+    m_remark = new WrappedLabel({}, Qt::PlainText, QStringLiteral("remark"), this);
+    m_hidden = new WrappedLabel({}, Qt::PlainText, QStringLiteral("hidden"), this);
     m_revert = new QPushButton(tr("Revert selected"), this);
     m_revert->setObjectName(QStringLiteral("revert"));
     m_revert->setToolTip(tr("Take the selected changes back: edits return to their saved value, "

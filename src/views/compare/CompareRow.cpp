@@ -5,7 +5,7 @@
 #include "document/XsdtValueType.h"
 #include "views/compare/CompareEngine.h"
 #include "views/compare/CompareView.h"
-#include "views/model/SettingsModel.h"
+#include "views/model/NodeLooks.h"
 #include "widgets/PlainText.h"
 
 #include <QApplication>

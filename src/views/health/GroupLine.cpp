@@ -3,6 +3,7 @@
 
 #include "document/TreeWalk.h"
 #include "schema/DeletePolicy.h"
+#include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
@@ -75,8 +76,7 @@ void GroupLine::createWidgets()
     const QString path = asMarkup(withoutMiddle(m_node->path(), lineLimit));
     const QString values = tr("%n value(s)", nullptr, static_cast<int>(m_node->valueCount()));
     m_label = new WrappedLabel(u"<b>%1</b>  (%2)"_s.arg(path, values.toHtmlEscaped()), Qt::RichText,
-                               this);
-    m_label->setObjectName(u"groupLabel"_s);
+                               u"groupLabel"_s, this);
     m_revealButton = new QPushButton(tr("Show in All settings"), this);
     m_revealButton->setObjectName(u"revealButton"_s);
     m_revealButton->setAccessibleName(tr("Show %1 in All settings").arg(m_name));

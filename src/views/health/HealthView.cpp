@@ -47,14 +47,6 @@ QString asHtml(const QString& text)
     return asMarkup(withoutMiddle(text, lineLimit));
 }
 
-QLabel* createLabel(const QString& text, Qt::TextFormat format, const QString& name,
-                    QWidget* parent)
-{
-    auto* label = new WrappedLabel(text, format, parent);
-    label->setObjectName(name);
-    return label;
-}
-
 QFrame* createStripe(Severity severity, QWidget* parent)
 {
     auto* stripe = new QFrame(parent);
@@ -81,13 +73,13 @@ HealthView::HealthView(SettingsModel* model, const SettingsSchema* schema, QWidg
 
 void HealthView::createWidgets()
 {
-    QLabel* purpose = createLabel(
+    QLabel* purpose = new WrappedLabel(
         tr("Looks through the file for things that are probably wrong: folders and files that do "
            "not exist here, numbers outside their documented range, keys that appear twice, "
            "modules whose file is missing. Nothing is changed by the check; fix a setting right "
            "in the list."),
         Qt::PlainText, u"purposeLabel"_s, this);
-    m_summaryLabel = createLabel({}, Qt::PlainText, u"summaryLabel"_s, this);
+    m_summaryLabel = new WrappedLabel({}, Qt::PlainText, u"summaryLabel"_s, this);
     m_rerunButton = new QPushButton(tr("Run the check again"), this);
     m_rerunButton->setObjectName(u"rerunButton"_s);
     m_cards = new WidgetColumn(10, this);
@@ -231,10 +223,10 @@ QWidget* HealthView::buildCard(const Finding& finding)
 void HealthView::addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card)
 {
     const QString severity = HealthChecker::severityName(finding.severity).toHtmlEscaped();
-    layout->addWidget(createLabel(u"<b>%1:</b> %2"_s.arg(severity, asHtml(finding.title)),
-                                  Qt::RichText, u"titleLabel"_s, card));
-    layout->addWidget(createLabel(withoutMiddle(finding.detail, detailLimit), Qt::PlainText,
-                                  u"detailLabel"_s, card));
+    layout->addWidget(new WrappedLabel(u"<b>%1:</b> %2"_s.arg(severity, asHtml(finding.title)),
+                                       Qt::RichText, u"titleLabel"_s, card));
+    layout->addWidget(new WrappedLabel(withoutMiddle(finding.detail, detailLimit), Qt::PlainText,
+                                       u"detailLabel"_s, card));
 }
 
 void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card)
@@ -251,8 +243,8 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
         layout->addWidget(row);
     }
     if (count > nodeLimit) {
-        layout->addWidget(createLabel(tr("...and %1 more.").arg(count - nodeLimit), Qt::PlainText,
-                                      u"moreLabel"_s, card));
+        layout->addWidget(new WrappedLabel(tr("...and %1 more.").arg(count - nodeLimit),
+                                           Qt::PlainText, u"moreLabel"_s, card));
     }
 }
 

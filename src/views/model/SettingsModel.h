@@ -4,7 +4,6 @@
 #include "document/XsdtNode.h"
 
 #include <QAbstractItemModel>
-#include <QString>
 
 namespace kse {
 
@@ -124,9 +123,5 @@ private:
     int m_batchDepth = 0;
     bool m_batchChanged = false;
 };
-
-/// How a value's text shows in a list: line feeds as U+23CE, encoded blocks as their length, and
-/// no more than `limit` characters, with U+2026 for the rest.
-[[nodiscard]] QString displayValue(const XsdtNode& node, const QString& text, qsizetype limit);
 
 } // namespace kse

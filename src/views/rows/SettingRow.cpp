@@ -3,6 +3,7 @@
 
 #include "document/XsdtNode.h"
 #include "document/XsdtValueType.h"
+#include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "views/rows/ValueEditor.h"
 #include "widgets/PlainText.h"
@@ -22,13 +23,6 @@ using namespace Qt::StringLiterals;
 namespace kse {
 
 namespace {
-
-QLabel* createLabel(const QString& text, const QString& name, QWidget* parent)
-{
-    auto* label = new WrappedLabel(text, Qt::PlainText, parent);
-    label->setObjectName(name);
-    return label;
-}
 
 /// `parts` quarters of `a` and the rest of `b`.
 QColor mixed(const QColor& a, const QColor& b, int parts)
@@ -74,11 +68,12 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
 void SettingRow::createLabels()
 {
     const QString name = asCaption(abbreviated(m_info.label, lineLimit)); // it has a buddy
-    m_nameLabel = createLabel(name, u"nameLabel"_s, this);
+    m_nameLabel = new WrappedLabel(name, Qt::PlainText, u"nameLabel"_s, this);
     m_nameLabel->setAlignment(Qt::AlignLeading | Qt::AlignTop);
-    m_pathLabel = createLabel({}, u"pathLabel"_s, this);
+    m_pathLabel = new WrappedLabel({}, Qt::PlainText, u"pathLabel"_s, this);
     m_pathLabel->hide();
-    m_descriptionLabel = createLabel(m_info.description, u"descriptionLabel"_s, this);
+    m_descriptionLabel =
+        new WrappedLabel(m_info.description, Qt::PlainText, u"descriptionLabel"_s, this);
     m_descriptionLabel->setVisible(!m_info.description.isEmpty());
 }
 

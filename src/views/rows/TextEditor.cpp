@@ -3,7 +3,7 @@
 
 #include "document/XsdtNode.h"
 #include "schema/SettingsSchema.h"
-#include "views/model/SettingsModel.h"
+#include "views/model/NodeLooks.h"
 #include "views/rows/ValueEditor.h"
 #include "widgets/FileTextEdit.h"
 #include "widgets/PlainText.h"

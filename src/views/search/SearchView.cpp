@@ -37,8 +37,7 @@ SearchView::SearchView(SettingsModel* model, const SettingsSchema* schema, QWidg
     m_debounce.setInterval(200);
     createBanner();
     createQuery();
-    m_summaryLabel = new WrappedLabel({}, Qt::PlainText, this);
-    m_summaryLabel->setObjectName(u"summaryLabel"_s);
+    m_summaryLabel = new WrappedLabel({}, Qt::PlainText, u"summaryLabel"_s, this);
     m_resultsArea = new WidgetColumn(0, this);
     m_resultsArea->setAccessibleName(tr("Settings found"));
     m_resultsArea->widget()->setObjectName(u"resultsContainer"_s);
@@ -50,8 +49,7 @@ void SearchView::createBanner()
 {
     m_banner = new QWidget(this);
     m_banner->setObjectName(u"banner"_s);
-    m_bannerLabel = new WrappedLabel({}, Qt::PlainText, m_banner);
-    m_bannerLabel->setObjectName(u"bannerLabel"_s);
+    m_bannerLabel = new WrappedLabel({}, Qt::PlainText, u"bannerLabel"_s, m_banner);
     m_bannerLabel->setMargin(6);
     m_bannerLabel->setAutoFillBackground(true);
     QPalette palette; // sets this role alone; the others go on following the theme

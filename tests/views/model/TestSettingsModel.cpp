@@ -6,6 +6,7 @@
 #include "schema/DeletePolicy.h"
 #include "support/DocumentText.h"
 #include "support/TestMain.h"
+#include "views/model/NodeLooks.h"
 #include "views/model/SettingsFilterProxy.h"
 #include "views/model/TreePosition.h"
 
