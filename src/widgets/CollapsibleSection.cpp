@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace kse {
 
-/// Red where it is told so, as rows are that are queued for deletion.
+/// The title, in red like a row that is queued for deletion if `isRed`.
 class CollapsibleSection::TitleButton : public QToolButton
 {
 public:
@@ -47,7 +47,7 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
     m_toggleButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_toggleButton->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_toggleButton->setMinimumWidth(1); // a long title must not widen the page
-    QFont font; // sets the weight alone; the size goes on following the application's
+    QFont font;                         // sets only the weight; the size follows the application's
     font.setWeight(QFont::Bold);
     m_toggleButton->setFont(font);
     m_toggleButton->installEventFilter(this);

@@ -10,7 +10,7 @@ class QVBoxLayout;
 
 namespace kse {
 
-/// A titled part of a page that opens and closes, one step further in than what holds it.
+/// A titled section of a page that can be collapsed. Its content is indented.
 class CollapsibleSection : public QWidget
 {
     Q_OBJECT
@@ -21,26 +21,27 @@ public:
     /// `title` may come from the file: it is shown letter for letter.
     void setTitle(const QString& title);
 
-    /// How many changes there are within: unless 0, the title tells.
+    /// Number of changes inside. The title shows it unless it is 0.
     void setChangeCount(qsizetype count);
 
-    /// Whether something within, or all of it, is queued for deletion, by the title's looks.
     enum class Deletion { None, Within, Whole };
+
+    /// Shows in the title whether a part or all of the content is queued for deletion.
     void setDeletion(Deletion deletion);
 
-    /// For what stands beside the title.
+    /// In pixels, for widgets beside the title.
     int titleHeight() const;
 
-    /// Where the content goes; its parent widget is the one to make content for.
+    /// The layout for the content. The layout's parent widget is the parent for the content.
     QVBoxLayout* bodyLayout() const { return m_bodyLayout; }
 
     bool startExpanded() const { return m_startExpanded; }
     void setExpanded(bool expanded);
 
-    /// Runs once, when the section first opens, to fill it.
+    /// Runs `builder` once, when the section is first expanded, to fill it.
     void setLazyBuilder(std::function<void()> builder);
 
-    /// Called with a global position when the title is asked for its menu.
+    /// Calls `handler` with the global position when the user asks for the title's context menu.
     void setContextMenuHandler(std::function<void(const QPoint&)> handler);
 
 protected:

@@ -6,13 +6,15 @@
 #include <QPixmap>
 #include <QPointer>
 
+using namespace Qt::StringLiterals;
+
 namespace kse {
 
 namespace {
 
 constexpr QSize swatchSize(36, 16);
 
-/// A checkerboard beneath the colour shows how transparent it is.
+/// A checkerboard behind the colour shows how transparent it is.
 QPixmap swatch(const QColor& color, qreal devicePixelRatio)
 {
     constexpr QColor darkGrey(200, 200, 200);
@@ -39,7 +41,7 @@ ColorButton::ColorButton(QWidget* parent)
     setMinimumWidth(150);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setArgb(0);
-    connect(this, &QPushButton::clicked, this, &ColorButton::pickColor);
+    connect(this, &QPushButton::clicked, this, &ColorButton::onClicked);
 }
 
 void ColorButton::setArgb(quint32 argb)
@@ -51,10 +53,10 @@ void ColorButton::setArgb(quint32 argb)
     }
     setIcon(icon);
     setIconSize(swatchSize);
-    setText(QStringLiteral("#%1").arg(QString::number(argb, 16).toUpper().rightJustified(8, u'0')));
+    setText(u"#%1"_s.arg(QString::number(argb, 16).toUpper().rightJustified(8, u'0')));
 }
 
-void ColorButton::pickColor()
+void ColorButton::onClicked()
 {
     const QPointer<ColorButton> self(this);
     const QColor color = QColorDialog::getColor(QColor::fromRgba(m_argb), window(),

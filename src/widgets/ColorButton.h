@@ -5,7 +5,7 @@
 
 namespace kse {
 
-/// Shows a colour, with its transparency, and has the user pick another.
+/// A button that shows a colour with its transparency and lets the user pick another.
 class ColorButton : public QPushButton
 {
     Q_OBJECT
@@ -20,9 +20,10 @@ signals:
     /// The user chose a colour; the button still shows the old one.
     void colorPicked(quint32 argb);
 
-private:
-    void pickColor();
+private slots:
+    void onClicked();
 
+private:
     quint32 m_argb = 0;
 };
 

@@ -10,8 +10,8 @@ class QModelIndex;
 
 namespace kse {
 
-/// Has the keys for Copy, pressed in `view`, copy `wholeText` of the current cell, where a view of
-/// Qt copies what the cell shows, which may be shortened. An invalid text copies nothing.
+/// Makes the Copy shortcut in `view` copy `wholeText` of the current cell. Qt's views copy the text
+/// that the cell shows, which may be shortened. An invalid text copies nothing.
 void copyWholeTexts(QAbstractItemView* view,
                     std::function<QVariant(const QModelIndex& index)> wholeText);
 

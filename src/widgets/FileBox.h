@@ -5,8 +5,8 @@
 
 namespace kse {
 
-/// A list of files to open. Only a choice in its open list counts: keys that would step through the
-/// closed one, and open each file on the way, open the list.
+/// A combo box of files to open. The user chooses in the open list only: keys that would step
+/// through the closed box, and open each file on the way, open the list.
 class FileBox : public QComboBox
 {
     Q_OBJECT

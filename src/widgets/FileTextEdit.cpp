@@ -16,7 +16,7 @@ void showFileText(QLineEdit& edit, const QString& text)
 
     const bool isTooLong = text.size() > editableLength;
     const QString shown = isTooLong ? firstCharacters(text, lineLimit) : text;
-    if (edit.text() != shown) {                             // each of these lays the text out anew
+    if (edit.text() != shown) {                             // each of these lays out the text again
         edit.setMaxLength(std::numeric_limits<int>::max()); // by default it cuts what it is given
         edit.setText(shown);
     }

@@ -6,9 +6,9 @@ class QString;
 
 namespace kse {
 
-/// Puts `text`, of a value in a file, in `edit` without a change: `edit.text()` is `text` until
-/// the user edits it. Of more than a million characters only the first 1,000 are shown, not to
-/// be edited, and a tool tip says why.
+/// Shows `text`, a value from a file, in `edit` unchanged: `edit.text()` is `text` until the user
+/// edits it. A text of more than a million characters can't be edited: only its first `lineLimit`
+/// characters are shown, and a tool tip says why.
 void showFileText(QLineEdit& edit, const QString& text);
 
 } // namespace kse

@@ -20,7 +20,7 @@ PlainMessageBox::PlainMessageBox(Icon icon, const QString& title, const QString&
 
 void PlainMessageBox::setPlainInformativeText(const QString& text)
 {
-    // Unlike the text, the informative text is taken for markup whatever the format says.
+    // Qt ignores the text format for the informative text and guesses.
     setInformativeText(asToolTip(text));
 }
 

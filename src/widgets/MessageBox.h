@@ -6,7 +6,7 @@
 
 namespace kse {
 
-/// A message box whose texts are shown letter for letter, without the middle of a long one. It
+/// A message box that shows its texts letter for letter, and a long one without its middle. It
 /// belongs to `parent`'s window. The caller may add to it before `exec`.
 class PlainMessageBox : public QMessageBox
 {
@@ -20,11 +20,12 @@ public:
     void setReachableDetails(const QString& text);
 };
 
-/// Shows the box with "OK" and waits for it.
+/// Shows a message with "OK" and waits for it.
 void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,
                  const QString& informativeText = {});
 
-/// Asks with a question mark and waits; the button pressed, or the escape button.
+/// Asks a question and waits. Returns the button pressed; for a box that was closed, the escape
+/// button.
 [[nodiscard]] QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title,
                                                       const QString& text,
                                                       QMessageBox::StandardButtons buttons,

@@ -5,7 +5,7 @@
 
 namespace kse {
 
-/// Whether `event` tells a widget that its screen may have another device pixel ratio.
+/// Whether `event` tells a widget that its device pixel ratio may have changed.
 inline bool changesPixelRatio(const QEvent& event)
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)

@@ -5,8 +5,9 @@
 
 namespace kse {
 
-// Keys, values and paths come from a file and are data wherever they are shown. Labels of ours use
-// Qt::PlainText; where Qt decides by itself whether a text is markup, one of these goes between.
+// Keys, values and paths come from a file. They are shown letter for letter, never as markup. Our
+// labels use Qt::PlainText; where Qt guesses whether a text is markup, one of these functions
+// helps.
 
 // Qt lays out a million characters for seconds, however few of them fit. So a text from a file is
 // cut to one of these lengths, in characters, wherever it is shown.
@@ -27,25 +28,25 @@ inline constexpr qsizetype hintLimit = 80;
 /// The first `length` characters of `text`, one fewer where that would split a surrogate pair.
 [[nodiscard]] QString firstCharacters(const QString& text, qsizetype length);
 
-/// `text` itself up to `limit` characters; else its first `limit` and how many more there are.
-/// For texts so long that Qt can't lay them out in a time that isn't felt.
+/// `text`, or its first `limit` characters and the number of the others.
 [[nodiscard]] QString abbreviated(const QString& text, qsizetype limit);
 
-/// `text` itself up to `limit` characters; else as many of its start and end with U+2026 between
-/// them. For sentences that hold a path and end in what was or wasn't done.
+/// `text` up to `limit` characters. Of a longer one, `limit / 2` characters from the start and from
+/// the end, with U+2026 between them, so that the end of a path or sentence isn't lost.
 [[nodiscard]] QString withoutMiddle(const QString& text, qsizetype limit);
 
-/// `text` as markup that shows it letter for letter, runs of blanks and line feeds among it.
+/// `text` as markup that shows it letter for letter, with its runs of blanks and its line feeds.
 [[nodiscard]] QString asMarkup(const QString& text);
 
-/// `text` for a tool tip, or anything else that takes what looks like markup for markup: shown
-/// letter for letter, abbreviated to `popupLimit`. Other text comes back unchanged.
+/// `text` for a tool tip, or for any other place where Qt guesses whether it is markup. It is
+/// abbreviated to `popupLimit`, and turned into markup only if it looks like markup.
 [[nodiscard]] QString asToolTip(const QString& text);
 
-/// `name`, made from `key`, for a title or a label; something to see and to hear where it is blank.
+/// A title or label that is never blank: `name`, which was made from `key`; else `key`; else
+/// "(no name)".
 [[nodiscard]] QString shownName(const QString& name, const QString& key);
 
-/// `text` for a menu entry, button or tab: an ampersand is no mnemonic.
+/// `text` for a menu entry, button or tab, where an ampersand must not become a mnemonic.
 [[nodiscard]] QString asCaption(const QString& text);
 
 } // namespace kse

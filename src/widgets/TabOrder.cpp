@@ -24,7 +24,7 @@ QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
         for (QWidget* inside : QList{widget} + widget->findChildren<QWidget*>()) {
             const bool isStop =
                 (inside->focusPolicy() & Qt::TabFocus) || inside->property(mayBeTabStop).toBool();
-            const bool isHere = inside->window() == before->window(); // no list that drops down
+            const bool isHere = inside->window() == before->window(); // not in a drop-down list
             if (isStop && isHere && !inside->focusProxy()) {
                 stops.append(inside);
             }

@@ -9,8 +9,8 @@ namespace kse {
 
 namespace {
 
-/// Offers `wheel`, which was turned over `widget`, to what holds it. Qt would by itself, but goes
-/// no further with a copy than to its receiver.
+/// Sends `wheel`, which was turned over `widget`, to its ancestors until one accepts it. Qt does so
+/// for real events, but not for a copy.
 void handOn(const QWidget& widget, const QWheelEvent& wheel)
 {
     for (QWidget* above = widget.parentWidget(); above; above = above->parentWidget()) {

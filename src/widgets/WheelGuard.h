@@ -7,15 +7,15 @@ class QWidget;
 
 namespace kse {
 
-/// Keeps a turn of the mouse wheel from changing a widget that doesn't have the focus: what holds
-/// the widget scrolls instead.
+/// Keeps the mouse wheel from changing a widget that doesn't have the focus. The wheel scrolls the
+/// area around the widget instead.
 class WheelGuard : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Guards `widget`, which then takes the focus by Tab and click but not by wheel, for as
-    /// long as it lives.
+    /// Guards `widget` for its whole life. From then on it takes the focus by Tab and click, but
+    /// not by the wheel.
     static void install(QWidget* widget);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

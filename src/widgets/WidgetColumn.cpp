@@ -37,7 +37,8 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
 void WidgetColumn::append(const QList<QWidget*>& widgets)
 {
     for (QWidget* widget : widgets) {
-        widget->resize(viewport()->width(), widget->height()); // is laid out when it is shown
+        widget->resize(viewport()->width(),
+                       widget->height()); // saves a second layout when it is shown
         m_layout->insertWidget(m_layout->count() - 2, widget);
     }
     m_items += widgets;
@@ -73,7 +74,7 @@ void WidgetColumn::focusInEvent(QFocusEvent* event)
 {
     QScrollArea::focusInEvent(event);
     if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
-        m_focusFrame->setWidget(this); // without a frame of its own, nothing else tells
+        m_focusFrame->setWidget(this); // nothing else shows the focus
     }
 }
 

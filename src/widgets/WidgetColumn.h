@@ -10,8 +10,8 @@ class QVBoxLayout;
 
 namespace kse {
 
-/// A scrolled column of rows or cards that come and go, with a button beneath for those not shown
-/// yet. Tab goes through it from top to bottom, whenever its widgets were made.
+/// A scrolled column of rows or cards, with a button at its end to show more of them. Tab goes
+/// through it from top to bottom, no matter when the widgets were created.
 class WidgetColumn : public QScrollArea
 {
     Q_OBJECT
@@ -19,16 +19,16 @@ class WidgetColumn : public QScrollArea
 public:
     explicit WidgetColumn(int spacing, QWidget* parent = nullptr);
 
-    /// Takes `widgets`, made as children of `QScrollArea::widget`, as the last of the column.
+    /// Adds `widgets`, which are children of `QScrollArea::widget`, at the end of the column.
     void append(const QList<QWidget*>& widgets);
 
     /// Number of widgets in the column.
     qsizetype count() const { return m_items.size(); }
 
-    /// Lets go of all of them. They die later, since one may be handling an event right now.
+    /// Removes all widgets. They are deleted later, since one may be handling an event now.
     void clear();
 
-    /// What the button says; empty hides it.
+    /// The text of the button. An empty one hides it.
     void setMoreText(const QString& text);
 
 signals:
@@ -42,7 +42,7 @@ protected:
 private:
     QVBoxLayout* m_layout = nullptr;
     QPushButton* m_showMoreButton = nullptr;
-    QWidget* m_lastTabStop = nullptr; ///< Of the column without the button.
+    QWidget* m_lastTabStop = nullptr; ///< Before the button.
     QFocusFrame* m_focusFrame = nullptr;
     QList<QWidget*> m_items;
 };

@@ -32,7 +32,7 @@ void WrappedLabel::changeEvent(QEvent* event)
     QLabel::changeEvent(event);
     m_height = -1; // another style has other margins
     if (event->type() == QEvent::FontChange) {
-        setIndent(indent()); // has an empty label forget its size, which it keeps with a new font
+        setIndent(indent()); // else an empty label keeps the size that it had with the old font
     }
 }
 

@@ -6,8 +6,8 @@
 
 namespace kse {
 
-/// A label that wraps its text at words and never widens what holds it. It remembers its height:
-/// layouts ask for it ten times and more before a row is shown, and each time Qt lays out the text.
+/// A label with word wrap that never widens its parent. It caches its height: layouts ask for it
+/// ten times and more before a row is shown, and Qt lays out the text each time.
 class WrappedLabel : public QLabel
 {
 public:
@@ -20,7 +20,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    // The height, and what it is the height of.
+    // The cached height, and what it was computed for.
     mutable int m_height = -1;
     mutable int m_width = -1;
     mutable QString m_text;

@@ -113,7 +113,7 @@ QList<WrappingRow::Line> WrappingRow::linesFor(int width) const
 
 void WrappingRow::placeLine(const Line& line, const QRect& rect) const
 {
-    int left = std::max(0, rect.width() - line.width); // over, for the first item that expands
+    int left = std::max(0, rect.width() - line.width); // left over, for the first item that expands
     const bool fills = std::any_of(line.items.begin(), line.items.end(),
                                    [](const QLayoutItem* item) { return expands(*item); });
     int x = rect.x();
@@ -131,7 +131,7 @@ void WrappingRow::placeLine(const Line& line, const QRect& rect) const
     }
 }
 
-/// As much as the other layouts leave.
+/// The style's spacing, as in other layouts.
 int WrappingRow::gap(Qt::Orientation orientation) const
 {
     const QWidget* widget = parentWidget();

@@ -6,12 +6,12 @@
 
 namespace kse {
 
-/// A row of widgets that goes on beneath where it is too narrow for all of them. One that expands
-/// in width takes what its line leaves over, and makes do with its minimum. There are no margins.
+/// A row of widgets that wraps into more lines if it is too narrow. A widget that expands in width
+/// takes the rest of its line, and needs only its minimum width. There are no margins.
 class WrappingRow : public QLayout
 {
 public:
-    /// Lines that nothing fills begin at the leading side, or end at the trailing one.
+    /// `alignment` is leading or trailing, for lines without a widget that expands.
     explicit WrappingRow(Qt::Alignment alignment = Qt::AlignLeading);
     ~WrappingRow() override;
 
@@ -27,7 +27,7 @@ public:
     void setGeometry(const QRect& rect) override;
 
 private:
-    /// Consecutive items that stand beside each other.
+    /// The items of one line, from left to right or as the layout direction says.
     struct Line
     {
         QList<QLayoutItem*> items;

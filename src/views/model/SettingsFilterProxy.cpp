@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsFilterProxy.h"
 
+#include "document/OpenGroups.h"
 #include "document/TreeWalk.h"
 #include "views/model/SettingsModel.h"
 
@@ -8,15 +9,6 @@
 #include <vector>
 
 namespace kse {
-
-namespace {
-
-XsdtNode* nodeOf(const QModelIndex& index)
-{
-    return index.data(SettingsModel::NodeRole).value<XsdtNode*>();
-}
-
-} // namespace
 
 SettingsFilterProxy::SettingsFilterProxy(QObject* parent)
     : QSortFilterProxyModel(parent)
@@ -49,7 +41,7 @@ void SettingsFilterProxy::setSourceModel(QAbstractItemModel* model)
     }
     m_isStale = true;
     if (model) {
-        // Before the base class connects itself: it must find `m_accepted` up to date.
+        // Before the base class connects: `m_accepted` must be up to date in its slots.
         const auto markStale = [this] {
             m_isStale = true;
         };
@@ -57,10 +49,10 @@ void SettingsFilterProxy::setSourceModel(QAbstractItemModel* model)
         connect(model, &QAbstractItemModel::layoutChanged, this, markStale);
         connect(model, &QAbstractItemModel::dataChanged, this,
                 [this](const QModelIndex& first, const QModelIndex& last) {
-                    // Rows that change together do so in looks only: what is pending changes
-                    // row by row, or together with the layout.
+                    // Several rows at once change only in looks: pending changes come row by row,
+                    // or with a change of layout.
                     if (first.row() == last.row() && isFiltering() && !m_isStale) {
-                        updateAccepted(*nodeOf(first));
+                        updateAccepted(*SettingsModel::nodeOf(first));
                     }
                 });
     }
@@ -70,7 +62,7 @@ void SettingsFilterProxy::setSourceModel(QAbstractItemModel* model)
 Qt::ItemFlags SettingsFilterProxy::flags(const QModelIndex& index) const
 {
     Qt::ItemFlags flags = QSortFilterProxyModel::flags(index);
-    const XsdtNode* node = nodeOf(index);
+    const XsdtNode* node = SettingsModel::nodeOf(index);
     if (node && node->kind == XsdtNode::Kind::Value) {
         // Otherwise a view that expands everything remembers each value as expanded.
         flags |= Qt::ItemNeverHasChildren;
@@ -80,7 +72,7 @@ Qt::ItemFlags SettingsFilterProxy::flags(const QModelIndex& index) const
 
 bool SettingsFilterProxy::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
-    const XsdtNode* node = nodeOf(sourceModel()->index(sourceRow, 0, sourceParent));
+    const XsdtNode* node = SettingsModel::nodeOf(sourceModel()->index(sourceRow, 0, sourceParent));
     if (!node || !isFiltering()) {
         return true;
     }
@@ -106,26 +98,22 @@ bool SettingsFilterProxy::passes(const XsdtNode& node, bool pathMatches) const
 
 void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
 {
-    struct Level
+    struct Group
     {
-        const XsdtNode* group;
         qsizetype pathLength;
         bool pathMatches;
     };
-    std::vector<Level> levels{{&root, 0, m_filterText.isEmpty()}};
+    OpenGroups<Group> groups(root, {0, m_filterText.isEmpty()});
     QString path;
     m_accepted.clear();
     walkTree(root, [&](const XsdtNode& node) {
-        while (levels.back().group != node.parent) {
-            levels.pop_back();
-        }
-        const auto [group, pathLength, groupMatches] = levels.back();
+        const auto [pathLength, groupMatches] = groups.ofParent(node);
         path.truncate(pathLength);
         if (!path.isEmpty()) {
             path += u'/';
         }
         path += node.key;
-        // What the group's path lacks can only be found where the new part takes part in it.
+        // The group's path doesn't match, so a match has to include a part of the key.
         const qsizetype from = qMax<qsizetype>(0, pathLength + 1 - m_filterText.size());
         const bool pathMatches =
             groupMatches || QStringView(path).mid(from).contains(m_filterText, Qt::CaseInsensitive);
@@ -134,10 +122,10 @@ void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
                  up = up->parent) {
             }
         }
-        if (node.children.empty() || levels.size() == SettingsModel::maximumDepth) {
+        if (node.children.empty() || node.depth == SettingsModel::maximumDepth) {
             return Walk::Over;
         }
-        levels.push_back({&node, path.size(), pathMatches});
+        groups.enter(node, {path.size(), pathMatches});
         return Walk::Into;
     });
 }
@@ -177,8 +165,8 @@ void SettingsFilterProxy::updateAccepted(const XsdtNode& changed)
         isAncestorNew = accepted && node != &changed;
     }
     if (isAncestorNew) {
-        // What the base class remembers of groups out of sight it doesn't keep up to date: it
-        // would show the ancestor without what it is shown for.
+        // The base class doesn't update what it remembers of hidden groups: it would show the
+        // ancestor without the row that it is shown for.
         invalidate();
     }
 }
@@ -186,8 +174,8 @@ void SettingsFilterProxy::updateAccepted(const XsdtNode& changed)
 void SettingsFilterProxy::refilter()
 {
     m_isStale = true;
-    // Not invalidateFilter(): it takes rows out and puts them in one run at a time, in quadratic
-    // time under a view that shows them.
+    // Not invalidateFilter(): it removes and inserts rows run by run, which takes quadratic time
+    // under a view.
     invalidate();
 }
 

@@ -10,11 +10,11 @@ namespace kse {
 
 struct XsdtNode;
 
-/// Narrows the settings tree to the rows whose path or value holds a text, to changed rows, or
-/// both. The ancestors of an accepted row stay; its children are shown only by their own test.
+/// Filters the settings tree for rows whose path or value contains a text, for changed rows, or
+/// for both. The ancestors of an accepted row are shown too, its children only if they pass.
 ///
-/// A change of the filter is one change of layout: views keep what is expanded, current and
-/// selected as far as it stays in sight, but not their scroll position; see `TreePosition`.
+/// A change of the filter is one change of layout. Views keep their expanded, current and selected
+/// rows as far as these stay visible, but not their scroll position; see `TreePosition`.
 class SettingsFilterProxy : public QSortFilterProxyModel
 {
     Q_OBJECT
@@ -22,11 +22,11 @@ class SettingsFilterProxy : public QSortFilterProxyModel
 public:
     explicit SettingsFilterProxy(QObject* parent = nullptr);
 
-    /// Trimmed; an empty one accepts everything. Case doesn't matter.
+    /// `text` is trimmed, and found in any case. An empty text accepts everything.
     void setFilterText(const QString& text);
     QString filterText() const { return m_filterText; }
 
-    /// Only modified values and what is itself marked for deletion.
+    /// Accept only modified values and nodes that are marked for deletion themselves.
     void setChangedOnly(bool changedOnly);
     bool isChangedOnly() const { return m_changedOnly; }
 
@@ -34,8 +34,8 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 protected:
-    /// Also true for the ancestors of what passes the test: so the base class, which looks
-    /// through everything beneath a refused row, does so only where nothing is shown.
+    /// Also true for the ancestors of rows that pass: the base class looks through everything
+    /// below a refused row, so it must not refuse one that has to be shown.
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
 
 private:
@@ -49,9 +49,10 @@ private:
 
     QString m_filterText;
     bool m_changedOnly = false;
-    /// Of each group, the rows that pass or hold what passes; a group without any may lack.
+    /// For each group, which rows pass or contain one that passes. A group without any may be
+    /// missing.
     mutable std::unordered_map<const XsdtNode*, std::vector<bool>> m_accepted;
-    mutable bool m_isStale = true; ///< `m_accepted` is to be collected anew.
+    mutable bool m_isStale = true; ///< `m_accepted` must be collected again.
 };
 
 } // namespace kse

@@ -63,6 +63,11 @@ XsdtNode* SettingsModel::nodeForIndex(const QModelIndex& index) const
     return m_document ? &m_document->root : nullptr;
 }
 
+XsdtNode* SettingsModel::nodeOf(const QModelIndex& index)
+{
+    return index.data(NodeRole).value<XsdtNode*>();
+}
+
 DeleteDecision SettingsModel::deletionDecision(const XsdtNode* node) const
 {
     return m_policy ? m_policy->decide(node) : DeleteDecision();
@@ -136,8 +141,8 @@ void SettingsModel::refreshAll()
     if (!m_document) {
         return;
     }
-    // Much may come in sight or go out of it under a filter. A new layout has proxies and views
-    // read everything once, where they would take `dataChanged` row by row, in quadratic time.
+    // Under a filter many rows may appear or disappear. After a new layout, proxies and views read
+    // everything once; `dataChanged` they handle row by row, in quadratic time.
     emit layoutAboutToBeChanged();
     emit layoutChanged();
     notifyBelow(m_document->root);
@@ -292,8 +297,8 @@ void SettingsModel::notifySubtree(const XsdtNode& node)
 
 void SettingsModel::notifyBelow(const XsdtNode& node)
 {
-    // Without `NodeRole`, by which the proxy filters: otherwise it would judge all ancestors of a
-    // group anew for each group.
+    // Without `NodeRole`, by which the proxy filters: otherwise it would test all ancestors of a
+    // group again for each group.
     static const QList<int> roles{Qt::DisplayRole, Qt::EditRole,       Qt::ToolTipRole,
                                   Qt::FontRole,    Qt::BackgroundRole, Qt::ForegroundRole};
     const auto notifyChildren = [this](const XsdtNode& above) {

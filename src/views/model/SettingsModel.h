@@ -12,10 +12,10 @@ struct DeleteDecision;
 struct XsdtDocument;
 
 /// The tree of a document for Qt's views, and the only writer of its nodes: every view edits,
-/// reverts and marks for deletion through it. It keeps no list of changes; the nodes do.
+/// reverts and marks for deletion through it. Changes are kept on the nodes, not in a list.
 ///
-/// Qt's views and proxies recurse, so the model ends at 1,000 levels; what lies deeper stays in
-/// the document and is saved with it.
+/// Qt's views and proxies recurse, so the model ends at 1,000 levels. Deeper nodes stay in the
+/// document and are saved with it.
 class SettingsModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -25,9 +25,8 @@ public:
     enum Role { NodeRole = Qt::UserRole + 1 }; ///< The `XsdtNode*` of the row.
     static constexpr quint32 maximumDepth = 1000;
 
-    /// While one lives, changes reach the views all at once when the outermost ends: one
-    /// `refreshAll` and one `edited`, however many nodes changed. For commands that change many
-    /// nodes. Nothing is emitted if nothing changed.
+    /// Collects changes for commands that change many nodes. When the outermost batch ends, the
+    /// views get one `refreshAll` and one `edited` for all of them, or nothing if nothing changed.
     class Batch
     {
     public:
@@ -42,12 +41,12 @@ public:
 
     explicit SettingsModel(QObject* parent = nullptr);
 
-    /// Shows `document`, or nothing for null. It stays the caller's; pass null before its tree is
-    /// replaced.
+    /// Shows `document`, or nothing for null. The caller keeps it, and passes null before its tree
+    /// is replaced.
     void setDocument(XsdtDocument* document);
     XsdtDocument* document() const { return m_document; }
 
-    /// Not owned. With null nothing can be deleted and nothing is locked.
+    /// Not owned. With null, nothing can be deleted and nothing is locked.
     void setPolicy(const DeletePolicy* policy) { m_policy = policy; }
     const DeletePolicy* policy() const { return m_policy; }
 
@@ -61,37 +60,40 @@ public:
     /// Rises with every `setDocument`, for `TreeGuard`.
     quint64 generation() const { return m_generation; }
 
-    /// Invalid for the root, null and what lies deeper than the model shows.
+    /// Invalid for the root, for null and for nodes deeper than the model shows.
     QModelIndex indexForNode(const XsdtNode* node, int column = SettingColumn) const;
 
     /// The document's root for an invalid index; null without a document.
     XsdtNode* nodeForIndex(const QModelIndex& index) const;
 
+    /// The node of an index of any view, through its proxies; null for an invalid index.
+    static XsdtNode* nodeOf(const QModelIndex& index);
+
     [[nodiscard]] DeleteDecision deletionDecision(const XsdtNode* node) const;
 
-    /// Whether the node's value is locked against editing, as module registry or version record.
+    /// Whether the node is part of the module registry or a version record, which can't be edited.
     [[nodiscard]] bool isLocked(const XsdtNode* node) const;
 
-    /// Writes `input` to `node`, a value that can be edited now, as `setData` does: the one way for
-    /// nodes deeper than the model shows. False if nothing changed; what is turned down goes out
-    /// by `editRejected`.
+    /// Writes `input` to the value `node`, like `setData` but also for nodes deeper than the model
+    /// shows. False if nothing changed. Emits `editRejected` if `input` or the node is refused;
+    /// nothing if the node can't be edited now.
     bool setValue(XsdtNode* node, const QString& input);
 
-    /// Queues `node` for deletion; Warn needs no less than Safe here, since the caller has asked.
-    /// True also if it was inside a deletion already. On refusal `reason`, unless null, gets the
-    /// sentence for the user and nothing has changed.
+    /// Queues `node` for deletion. Doesn't ask: at level Warn the caller has done so. True also if
+    /// the node is inside a deletion already. On refusal nothing changes, and `reason`, unless
+    /// null, gets the sentence for the user.
     [[nodiscard]] bool markForDeletion(XsdtNode* node, QString* reason = nullptr);
 
-    /// Takes back the mark of `node` itself, also while read-only; nothing if it has none.
+    /// Removes the mark of `node` itself, also while read-only. Does nothing without one.
     void undoDeletion(XsdtNode* node);
 
-    /// Takes back the edit of `node`; nothing if it is unchanged.
+    /// Takes back the edit of `node`. Does nothing without one.
     void revertValue(XsdtNode* node);
 
-    /// Takes back everything that is pending. Resets the model.
+    /// Takes back all pending changes. Resets the model.
     void revertAll();
 
-    /// Has every view read every row anew, without a reset: one `layoutChanged`, then one
+    /// Makes the views read all rows again without a reset: one `layoutChanged`, then one
     /// `dataChanged` for each group.
     void refreshAll();
 
@@ -106,9 +108,9 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 signals:
-    /// Some node changed its pending state.
+    /// The pending changes have changed.
     void edited();
-    /// A value was turned down; `reason` is ready for the status line.
+    /// A value was refused. `reason` is a sentence for the status bar.
     void editRejected(const QString& reason);
 
 private:

@@ -9,20 +9,11 @@
 
 namespace kse {
 
-namespace {
-
-const XsdtNode* nodeOf(const QModelIndex& index)
-{
-    return index.data(SettingsModel::NodeRole).value<XsdtNode*>();
-}
-
-} // namespace
-
 TreePosition::TreePosition(QTreeView& tree, const QAbstractProxyModel& proxy)
     : m_tree(tree)
     , m_proxy(proxy)
-    , m_top(nodeOf(tree.indexAt({0, 0})))
-    , m_current(nodeOf(tree.currentIndex()))
+    , m_top(SettingsModel::nodeOf(tree.indexAt({0, 0})))
+    , m_current(SettingsModel::nodeOf(tree.currentIndex()))
     , m_currentColumn(tree.currentIndex().column())
     , m_isSelected(tree.selectionModel()->isSelected(tree.currentIndex()))
 {
@@ -37,7 +28,7 @@ void TreePosition::restore() const
     if (const QModelIndex current = shown(m_current, m_currentColumn);
         current.isValid() && current != m_tree.currentIndex()) {
         const bool autoScroll = m_tree.hasAutoScroll();
-        m_tree.setAutoScroll(false); // it would open the groups above
+        m_tree.setAutoScroll(false); // it would expand the groups above
         m_tree.selectionModel()->setCurrentIndex(
             current, m_isSelected ? QItemSelectionModel::SelectCurrent | QItemSelectionModel::Rows
                                   : QItemSelectionModel::NoUpdate);

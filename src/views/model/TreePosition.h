@@ -8,9 +8,9 @@ namespace kse {
 
 struct XsdtNode;
 
-/// Keeps the current cell and the scroll position of a view over a proxy while the proxy's filter
-/// changes, or while the model is reset without a change of its nodes. Make one before that, and
-/// call `restore` when filter and expansion are as they shall be:
+/// Keeps the current cell and the scroll position of a view on a proxy during a change of the
+/// proxy's filter, or a reset of the model that keeps its nodes. Make one before the change, and
+/// call `restore` when filter and expansion are done:
 ///
 ///     const TreePosition position(*m_tree, *m_proxy);
 ///     m_proxy->setFilterText(text);
@@ -19,12 +19,11 @@ struct XsdtNode;
 class TreePosition
 {
 public:
-    /// `proxy`, which `tree` shows, is one of a `SettingsModel`.
+    /// `tree` shows `proxy`, whose source is a `SettingsModel`.
     TreePosition(QTreeView& tree, const QAbstractProxyModel& proxy);
 
-    /// Makes the cell that was current so again, if it is in sight. Scrolls the row that was on top
-    /// back there or, where it is out of sight, the nearest of its ancestors that isn't. Expands
-    /// nothing.
+    /// Makes the former current cell current again if it is still shown. Scrolls the former top row
+    /// to the top or, if it isn't shown, its nearest ancestor that is. Expands nothing.
     void restore() const;
 
 private:

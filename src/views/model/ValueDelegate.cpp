@@ -21,8 +21,8 @@ namespace kse {
 
 namespace {
 
-/// The two values of a Boolean in a list that opens by itself. While it is open it takes the keys,
-/// and those that end an edit are handed on to the box, where the delegate looks for them.
+/// A combo box with the two values of a Boolean, which opens by itself. The open list gets the
+/// keys, so it passes those that end an edit on to the box, where the delegate expects them.
 class BooleanEditor : public QComboBox
 {
 public:
@@ -31,7 +31,7 @@ public:
     {
         addItems({u"true"_s, u"false"_s});
         view()->installEventFilter(this);
-        QTimer::singleShot(0, this, [this] { openList(); }); // once it has its place and its text
+        QTimer::singleShot(0, this, [this] { openList(); }); // when it has its place and its text
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
@@ -47,10 +47,10 @@ public:
             return QComboBox::eventFilter(watched, event);
         }
         if (isOverride) {
-            event->accept(); // the list would close at this already
+            event->accept(); // else the list closes at once
             return true;
         }
-        // Beneath a text of neither kind no row is selected until the user goes to one.
+        // If the text is neither value, no row is selected until the user goes to one.
         if (const QModelIndex row = view()->currentIndex();
             takes && view()->selectionModel()->isSelected(row)) {
             setCurrentIndex(row.row());
@@ -72,7 +72,7 @@ private:
         if (!isVisible()) { // closed already, perhaps with the whole document
             return;
         }
-        // As by a press, so that the end of the click that opened the editor chooses nothing.
+        // By a press, so that the release of the click that opened the editor chooses nothing.
         const QPointF pos = mapFromGlobal(QPointF(QCursor::pos()));
         QMouseEvent press(QEvent::MouseButtonPress, pos, mapToGlobal(pos), Qt::LeftButton,
                           Qt::LeftButton, Qt::NoModifier);
@@ -85,7 +85,7 @@ private:
 QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                      const QModelIndex& index) const
 {
-    const auto* node = index.data(SettingsModel::NodeRole).value<XsdtNode*>();
+    const auto* node = SettingsModel::nodeOf(index);
     QWidget* editor = nullptr;
     if (node && node->typeCode == XsdtValueType::Boolean) {
         auto* combo = new BooleanEditor(parent);
@@ -108,7 +108,7 @@ void ValueDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
 {
     const QString text = index.data(Qt::EditRole).toString();
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
-        combo->setCurrentIndex(combo->findText(text)); // of another text, none
+        combo->setCurrentIndex(combo->findText(text)); // -1 for any other text
     } else if (auto* line = qobject_cast<QLineEdit*>(editor)) {
         showFileText(*line, text);
     } else {
@@ -120,13 +120,13 @@ void ValueDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
                                  const QModelIndex& index) const
 {
     const QPersistentModelIndex row(index);
-    const auto* node = index.data(SettingsModel::NodeRole).value<XsdtNode*>();
+    const auto* node = SettingsModel::nodeOf(index);
     if (const auto* combo = qobject_cast<QComboBox*>(editor)) {
         if (combo->currentIndex() >= 0) {
             model->setData(index, combo->currentText(), Qt::EditRole);
         }
     } else if (const auto* line = qobject_cast<QLineEdit*>(editor)) {
-        // An unchanged text isn't given to the model, which might normalise it.
+        // The model might normalise even an unchanged text.
         if (!line->isReadOnly() && line->text() != index.data(Qt::EditRole).toString()) {
             model->setData(index, line->text(), Qt::EditRole);
         }

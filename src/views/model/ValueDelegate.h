@@ -5,8 +5,8 @@
 
 namespace kse {
 
-/// Edits the value column of the settings tree in place: a list of two for a Boolean, open from
-/// the start, a line for all else. What the user didn't change is never written.
+/// Edits the value column of the settings tree in place: with a combo box for a Boolean, which
+/// opens by itself, and a line edit for all other types. Only what the user changed is written.
 class ValueDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
                       const QModelIndex& index) const override;
 
 signals:
-    /// An edit has taken the row of `key` out of what a filter shows.
+    /// After an edit the row of `key` doesn't match the filter any more.
     void editedRowHidden(const QString& key) const;
 };
 

@@ -32,12 +32,12 @@ namespace kse {
 namespace {
 
 constexpr int maximumNesting = 16; // of sections in one another
-// Many times what there is to prefer; Qt lays out no more in time. One swollen group leaves room
-// for the other pages.
+// Many times the number of real preferences; Qt lays out no more in time. The limit of a page keeps
+// one swollen group from displacing the other pages.
 constexpr int maximumRows = 5000;
 constexpr int maximumPageRows = 2000;
 
-/// Room around a title that is the row's own: what lies between rows can't be clicked.
+/// Adds room around a title as a part of its row: spacing between rows can't be clicked.
 class PageDelegate : public QStyledItemDelegate
 {
 public:
@@ -49,7 +49,7 @@ public:
     }
 };
 
-/// Always marks the page in front: no click below the rows, or with Ctrl, takes the mark away.
+/// Keeps the current page selected: a click below the rows, or with Ctrl, doesn't deselect it.
 class PageList : public QListWidget
 {
 protected:
@@ -61,7 +61,7 @@ protected:
     }
 };
 
-/// Shows the rows that `text` finds and hides the others; whether it finds any.
+/// Shows the rows that match `text` and hides the others. True if any matches.
 bool filterRows(const QList<SettingRow*>& rows, const QString& text)
 {
     bool found = false;
@@ -86,12 +86,12 @@ bool showsContent(const CollapsibleSection& section)
 
 } // namespace
 
-/// A group and what is shown of it.
+/// The visible part of a group.
 struct PreferencesView::Group
 {
     XsdtNode* node = nullptr;
     QList<XsdtNode*> values;
-    std::vector<Group> groups; // none of them empty
+    std::vector<Group> groups; // none is empty
 
     bool isEmpty() const { return values.isEmpty() && groups.empty(); }
 };
@@ -100,21 +100,29 @@ PreferencesView::PreferencesView(SettingsModel* model, const SettingsSchema* sch
                                  QWidget* parent)
     : QWidget(parent)
     , m_schema(schema)
-    , m_rows(new SettingRowSet(model, schema, this, SettingRowSet::Reveal::NotOffered))
+    , m_rowSet(new SettingRowSet(model, schema, this, SettingRowSet::Reveal::NotOffered))
 {
-    createUi();
+    createNavigation();
+    createPages();
+    createLayout();
+    connectWidgets(model);
+}
+
+void PreferencesView::connectWidgets(const SettingsModel* model)
+{
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_isListDragged = true; });
     connect(m_searchEdit, &QLineEdit::textChanged, this, &PreferencesView::applyFilter);
     connect(m_pageList, &QListWidget::currentRowChanged, this, &PreferencesView::showPage);
-    connect(m_rows, &SettingRowSet::message, this, &PreferencesView::message);
-    connect(m_rows, &SettingRowSet::deleteRequested, this, &PreferencesView::deleteRequested);
-    connect(m_rows, &SettingRowSet::restoreRequested, this, &PreferencesView::restoreRequested);
-    // Once a change, where `dataChanged` comes once for each group that a bulk command touched.
+    connect(m_rowSet, &SettingRowSet::message, this, &PreferencesView::message);
+    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &PreferencesView::deleteRequested);
+    connect(m_rowSet, &SettingRowSet::restoreRequested, this, &PreferencesView::restoreRequested);
+    // Not `dataChanged`: after a bulk command it comes once for each group.
     connect(model, &SettingsModel::edited, this, &PreferencesView::updatePageCounts);
-    // A save makes the edits the saved state; nothing is edited then.
+    // A save ends all changes without `edited`.
     connect(model, &SettingsModel::layoutChanged, this, &PreferencesView::updatePageCounts);
 }
 
-void PreferencesView::createUi()
+void PreferencesView::createNavigation()
 {
     m_searchEdit = new QLineEdit;
     m_searchEdit->setObjectName(u"searchEdit"_s);
@@ -130,7 +138,10 @@ void PreferencesView::createUi()
     m_pageList->setWordWrap(true);
     m_pageList->setItemDelegate(new PageDelegate(m_pageList));
     m_pageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
 
+void PreferencesView::createPages()
+{
     m_limitLabel = new QLabel(tr(
         "This file holds more settings than these pages can show. All of them are in the tree of "
         "all settings."));
@@ -143,13 +154,15 @@ void PreferencesView::createUi()
     m_pageStack = new QStackedWidget;
     m_pageStack->setObjectName(u"pageStack"_s);
     m_pageStack->addWidget(m_emptyLabel);
+}
 
+void PreferencesView::createLayout()
+{
     m_splitter = new QSplitter(Qt::Horizontal);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->addWidget(m_pageList);
     m_splitter->addWidget(m_pageStack);
     m_splitter->setStretchFactor(1, 1);
-    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_isListDragged = true; });
     fitPageList();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -189,15 +202,15 @@ void PreferencesView::setDocument(const XsdtDocument* document)
     continueTabOrder(m_pageList, pages);
     updatePageCounts();
     if (m_searchEdit->text().trimmed().isEmpty()) {
-        m_pageList->setCurrentRow(0); // to show each row by itself would lay out all the pages
+        m_pageList->setCurrentRow(0); // showing each row by itself would lay out all pages
     } else {
-        applyFilter(); // selects the first page that it leaves
+        applyFilter(); // selects the first page that matches
     }
 }
 
 void PreferencesView::discardPages()
 {
-    m_rows->clear();
+    m_rowSet->clear();
     m_pages.clear();
     m_rowsLeft = maximumRows;
     m_isCut = false;
@@ -212,7 +225,7 @@ void PreferencesView::discardPages()
     }
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): maximumNesting bounds it, here and in what follows.
+// NOLINTNEXTLINE(misc-no-recursion): maximumNesting limits the depth, here and below.
 PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
 {
     Group part{node, {}, {}};
@@ -269,7 +282,7 @@ QList<QWidget*> PreferencesView::buildGroup(const Group& group, QWidget* parent,
 {
     QList<QWidget*> widgets;
     for (XsdtNode* value : group.values) {
-        page.rows.append(m_rows->add(value, parent));
+        page.rows.append(m_rowSet->add(value, parent));
         widgets.append(page.rows.constLast());
     }
     for (const Group& below : group.groups) {
@@ -286,7 +299,7 @@ QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidge
     auto* section =
         new CollapsibleSection(shownName(prettyName(node->key), node->key), expanded, parent);
     section->setContextMenuHandler(
-        [this, node](const QPoint& globalPos) { m_rows->showMenu(node, globalPos); });
+        [this, node](const QPoint& globalPos) { m_rowSet->showMenu(node, globalPos); });
     page.sections.append(section);
     QBoxLayout* layout = section->bodyLayout();
     for (QWidget* widget : buildGroup(group, layout->parentWidget(), page)) {
@@ -297,7 +310,7 @@ QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidge
 
 void PreferencesView::setReadOnly(bool readOnly)
 {
-    m_rows->setReadOnly(readOnly);
+    m_rowSet->setReadOnly(readOnly);
 }
 
 bool PreferencesView::selectPage(int index)
@@ -331,7 +344,7 @@ void PreferencesView::updatePageCounts()
             section->setChangeCount(changedWithin.value(section));
         }
         const qsizetype changed = changedWithin.value(content);
-        QFont font; // sets the weight alone, for the list's own font
+        QFont font; // sets only the weight; the rest is the list's font
         font.setWeight(changed > 0 ? QFont::Bold : QFont::Normal);
         page.item->setFont(font);
         page.item->setText(changed > 0 ? tr("%1   ● %2").arg(page.title, QString::number(changed))
@@ -344,7 +357,7 @@ void PreferencesView::applyFilter()
     const QString text = m_searchEdit->text().trimmed();
     QListWidgetItem* firstFound = nullptr;
     for (const Page& page : m_pages) {
-        page.column->widget()->hide(); // in sight, each row that comes or goes would lay out all
+        page.column->widget()->hide(); // else each row shown or hidden lays out all
         const bool found = filterRows(page.rows, text);
         for (auto it = page.sections.rbegin(); it != page.sections.rend(); ++it) {
             CollapsibleSection* section = *it;

@@ -25,34 +25,34 @@ struct PageSpec;
 struct XsdtDocument;
 struct XsdtNode;
 
-/// The everyday way of editing: the preferences that can be typed into, in pages, with their
-/// descriptions. Values of other types, hidden ones, what is nested more than 16 groups deep and
-/// what comes after the first 5,000 settings are left to the tree of all settings.
+/// The preferences, in pages, with their descriptions. Leaves to the tree of all settings what it
+/// doesn't show: types that can't be edited, hidden values, groups nested more than 16 deep, and
+/// all that comes after the first 5,000 settings.
 class PreferencesView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Model and schema stay the caller's.
+    /// `model` and `schema` aren't owned.
     PreferencesView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent = nullptr);
 
-    /// Shows the document that the model holds, or nothing for null. Pass null before its tree is
+    /// Shows `document`, which the model holds, or nothing for null. Pass null before its tree is
     /// replaced.
     void setDocument(const XsdtDocument* document);
 
     /// While PixInsight runs.
     void setReadOnly(bool readOnly);
 
-    /// Pages of the document, whether or not the search hides them.
+    /// Number of pages, including those that the search hides.
     int pageCount() const { return static_cast<int>(m_pages.size()); }
 
-    /// Shows the page `index`, counted from 0; false if there is none or the search hides it.
+    /// Shows the page `index`, from 0. False if there is none or the search hides it.
     bool selectPage(int index);
 
     void setSearchText(const QString& text);
 
 signals:
-    /// A value was turned down; `text` is the reason.
+    /// A value was refused. `text` is the reason.
     void message(const QString& text);
     void deleteRequested(kse::XsdtNode* node);
     void restoreRequested(kse::XsdtNode* node);
@@ -67,11 +67,14 @@ private:
         QListWidgetItem* item = nullptr;
         WidgetColumn* column = nullptr;
         QList<SettingRow*> rows;
-        QList<CollapsibleSection*> sections; ///< An outer one before those inside it.
+        QList<CollapsibleSection*> sections; ///< Outer ones before those inside them.
     };
     struct Group;
 
-    void createUi();
+    void createNavigation();
+    void createPages();
+    void createLayout();
+    void connectWidgets(const SettingsModel* model);
     void fitPageList();
     void discardPages();
     Group visiblePart(XsdtNode* node, int depth);
@@ -83,17 +86,17 @@ private:
     void showPage(int index);
 
     const SettingsSchema* m_schema = nullptr;
-    SettingRowSet* m_rows = nullptr;
+    SettingRowSet* m_rowSet = nullptr;
     QLineEdit* m_searchEdit = nullptr;
     QListWidget* m_pageList = nullptr;
     QSplitter* m_splitter = nullptr;
-    bool m_isListDragged = false;          ///< The user has given the list a width of its own.
-    QStackedWidget* m_pageStack = nullptr; ///< `m_emptyLabel`, then the pages in their order.
+    bool m_isListDragged = false;          ///< The user has set the width of the list.
+    QStackedWidget* m_pageStack = nullptr; ///< `m_emptyLabel`, then the pages in order.
     QLabel* m_emptyLabel = nullptr;
     QLabel* m_limitLabel = nullptr;
     std::vector<Page> m_pages;
-    int m_rowsLeft = 0;     ///< That may still be made, while the pages are built.
-    int m_pageRowsLeft = 0; ///< The same for the page that is built.
+    int m_rowsLeft = 0;     ///< That may still be added, while pages are built.
+    int m_pageRowsLeft = 0; ///< The same for the current page.
     bool m_isCut = false;   ///< The document has more rows than are shown.
 };
 

@@ -13,7 +13,7 @@ namespace kse {
 
 namespace {
 
-/// For lupdate: the context of the texts below.
+/// The context of the texts for lupdate.
 struct NodeContextMenu
 {
     Q_DECLARE_TR_FUNCTIONS(NodeContextMenu)

@@ -21,8 +21,8 @@ namespace kse {
 
 namespace {
 
-/// A spin box that takes no group separators: Qt leaves them out of the number, so that a decimal
-/// comma or point of another country would multiply the value in silence.
+/// A spin box that refuses group separators. Qt ignores them in a number, so that the decimal comma
+/// or point of another country would multiply the value silently.
 template <typename Box>
 class UngroupedSpinBox : public Box
 {
@@ -36,7 +36,7 @@ public:
     }
 };
 
-/// Both leave 0 for what is no number that their box can show.
+/// False, with 0 in `number`, if `text` is no number that the spin box can show.
 bool readNumber(const QString& text, int& number)
 {
     bool isNumber = false;
@@ -70,12 +70,13 @@ public:
         cancelOnEscape();
         WheelGuard::install(m_box);
         m_box->setKeyboardTracking(false);
-        m_box->setLocale(QLocale::c()); // as the file, and a minus sign that every keyboard has
+        m_box->setLocale(QLocale::c()); // as in the file, with a minus sign that every keyboard has
         if constexpr (std::is_same_v<Number, double>) {
             m_box->setDecimals(0);
         }
         connect(m_box, &Box::valueChanged, this, [this] { emit entered(m_box->text()); });
-        // What a box shows for want of the stored text is no change to it when it is typed.
+        // If the box can't show the stored text, typing the number that it shows is no change to
+        // it.
         connect(m_box->template findChild<QLineEdit*>(), &QLineEdit::textEdited, this,
                 [this] { m_isTyped = m_box->hasAcceptableInput(); });
         connect(m_box, &Box::editingFinished, this, [this] {

@@ -35,7 +35,7 @@ QColor mixed(const QColor& a, const QColor& b, int parts)
 
 void setTextColor(QWidget* widget, const QColor& color)
 {
-    QPalette palette; // sets this role alone; the others go on following the theme
+    QPalette palette; // sets only this role; the others follow the theme
     palette.setColor(QPalette::All, QPalette::WindowText, color);
     widget->setPalette(palette);
 }
@@ -55,7 +55,7 @@ SettingRow::SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* 
     createLabels();
     createEditor();
     createRevertButton();
-    layOut();
+    createLayout();
     setAccessibleName(abbreviated(m_info.label, lineLimit));
     setToolTip(asToolTip(withoutMiddle(node->path(), lineLimit) +
                          (info.documented ? QString() : tr("\n(not documented by PixInsight)"))));
@@ -99,7 +99,7 @@ void SettingRow::createRevertButton()
     connect(m_revertButton, &QToolButton::clicked, this, &SettingRow::revert);
 }
 
-void SettingRow::layOut()
+void SettingRow::createLayout()
 {
     m_texts = new QVBoxLayout;
     m_texts->setSpacing(2);
@@ -145,7 +145,7 @@ void SettingRow::commit(const QString& text)
         return;
     }
     const QPointer<SettingRow> self(this); // a page may drop the row on a change
-    if (m_model->isReadOnly()) {           // PixInsight started beneath a dialog of the row
+    if (m_model->isReadOnly()) {           // PixInsight started while a dialog of the row was open
         emit rejected(SettingsModel::readOnlyReason());
     } else if (const QString fault = m_editor->faultOf(text); !fault.isEmpty()) {
         emit rejected(fault);
@@ -163,7 +163,7 @@ void SettingRow::revert()
         return;
     }
     const QPointer<SettingRow> self(this);
-    if (m_revertButton->hasFocus()) { // about to be disabled; Qt would give it to the next row
+    if (m_revertButton->hasFocus()) { // about to be disabled; Qt would focus the next row
         m_editor->control()->setFocus();
     }
     m_model->revertValue(m_node);
@@ -208,7 +208,8 @@ void SettingRow::refreshEditor()
     const bool isLocked = m_model->isLocked(m_node);
     const bool isEditable = !m_rowReadOnly && !m_info.readOnly && !m_protectedType &&
                             !m_node->isInsideDeletion() && !isLocked;
-    // A row without a control in use takes the focus itself, so that the keyboard reaches its menu.
+    // Without an enabled control the row takes the focus itself, so that the keyboard reaches its
+    // menu.
     setFocusPolicy(isEditable || m_revertButton->isEnabled() ? Qt::NoFocus : Qt::TabFocus);
     if (!isEditable && m_editor->isAncestorOf(window()->focusWidget())) {
         setFocus();
@@ -227,12 +228,12 @@ void SettingRow::refreshEditor()
     }
 }
 
-/// Has a screen reader tell what is seen beside the editor, and how.
+/// Describes to a screen reader what is to be seen beside the editor.
 void SettingRow::refreshDescription(bool isChanged)
 {
     QStringList parts;
     const QString unspoken = m_editor->unspokenText();
-    if (!m_editor->isEnabled() || !unspoken.isEmpty()) { // otherwise the editor itself tells
+    if (!m_editor->isEnabled() || !unspoken.isEmpty()) { // else read out with the editor
         parts << displayValue(*m_node, unspoken.isEmpty() ? m_node->value : unspoken, shortLimit);
     }
     if (m_editor->isEnabled()) {
@@ -259,7 +260,7 @@ void SettingRow::refreshDescription(bool isChanged)
 
 void SettingRow::updateFonts()
 {
-    // From the row's own font, which nothing here sets, so that a new text size comes through.
+    // From the row's own font, which is never set and so follows a new text size.
     QFont name = font();
     name.setWeight(m_nameLabel->font().weight());
     name.setStrikeOut(m_nameLabel->font().strikeOut());
@@ -268,20 +269,20 @@ void SettingRow::updateFonts()
     secondary.setPointSizeF(0.9 * QApplication::font().pointSizeF());
     m_pathLabel->setFont(secondary);
     m_descriptionLabel->setFont(secondary);
-    // The name's first line stands on that of the editor.
+    // Aligns the first line of the name with the text of the editor.
     const int spare = m_editor->sizeHint().height() - QFontMetrics(name).height();
     m_texts->setContentsMargins(0, qMax(0, spare / 2), 0, 0);
 }
 
 void SettingRow::updateColors()
 {
-    // The application's palette, since the row's own has another background while it is changed.
+    // The application's palette: the row's own has another background while it is changed.
     const QPalette palette = QApplication::palette();
     const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
     setTextColor(m_descriptionLabel, mixed(text, window, 3));
     setTextColor(m_pathLabel, mixed(text, window, 2));
-    // Editors take their outline from the window's colour, which is the row's amber otherwise.
+    // The outline of editors comes from the window colour, which would be the row's amber.
     QPalette editors;
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         editors.setBrush(group, QPalette::Window, palette.brush(group, QPalette::Window));
@@ -306,7 +307,7 @@ void SettingRow::paintEvent(QPaintEvent* event)
 
 bool SettingRow::eventFilter(QObject* watched, QEvent* event)
 {
-    // The menu key on an editor asks for the row's menu; its own opens with the mouse.
+    // The menu key opens the row's menu; the editor's own menu opens with the mouse only.
     if (event->type() == QEvent::ContextMenu) {
         const auto* request = static_cast<QContextMenuEvent*>(event);
         if (request->reason() == QContextMenuEvent::Keyboard) {

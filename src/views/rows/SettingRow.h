@@ -15,35 +15,35 @@ namespace kse {
 class ValueEditor;
 struct XsdtNode;
 
-/// One setting with its name, its description, the editor that suits it and an arrow that takes
-/// its change back. Writes through the model and reads from the node; what the user doesn't
-/// touch is never written.
+/// One setting with its name, its description, an editor and a button that reverts it. Reads from
+/// the node and writes through the model, but only what the user enters.
 class SettingRow : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Made for a value of the document that `model` holds. Once the model holds the next one,
-    /// controls and `refresh` leave `node` alone, which may be gone.
+    /// `node` is a value of the document that `model` holds. Once the model holds another document,
+    /// the row doesn't touch `node` any more.
     SettingRow(XsdtNode* node, const VariableInfo& info, SettingsModel* model,
                QWidget* parent = nullptr);
 
     XsdtNode* node() const { return m_node; }
 
-    /// Brings the row up to date with its node. Writes nothing.
+    /// Shows the present state of the node. Writes nothing.
     void refresh();
 
     /// While PixInsight runs.
     void setReadOnly(bool readOnly);
 
-    /// A line that tells the groups that hold the setting, for lists from all over the tree.
+    /// Shows a line with the groups above the setting, for lists from all over the tree.
     void setShowPath(bool showPath);
 
-    /// Whether label, key, description or, of a string, the value holds `text`, ignoring case.
+    /// Whether the label, the key, the description or the value of a string contains `text`,
+    /// ignoring case.
     [[nodiscard]] bool matches(const QString& text) const;
 
 signals:
-    /// A value was turned down here, before it reached the model.
+    /// The row refused a value before it reached the model.
     void rejected(const QString& reason);
     /// The user asked for the node's context menu.
     void menuRequested(kse::XsdtNode* node, const QPoint& globalPos);
@@ -58,7 +58,7 @@ private:
     void createLabels();
     void createEditor();
     void createRevertButton();
-    void layOut();
+    void createLayout();
 
     void commit(const QString& text);
     void revert();
@@ -70,7 +70,7 @@ private:
     void updateColors();
 
     XsdtNode* m_node = nullptr;
-    VariableInfo m_info; ///< Its label is never blank.
+    VariableInfo m_info; ///< With a label that is never blank.
     SettingsModel* m_model = nullptr;
     TreeGuard m_guard; ///< The row's dialog and its deferred deletion may outlast the node.
     bool m_rowReadOnly = false;

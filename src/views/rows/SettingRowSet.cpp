@@ -38,7 +38,7 @@ SettingRow* SettingRowSet::add(XsdtNode* node, QWidget* parent)
 
 void SettingRowSet::clear()
 {
-    // The rows may outlive this call by a turn of the event loop, but not their nodes.
+    // The rows may live until the next turn of the event loop, but their nodes don't.
     for (SettingRow* row : std::as_const(m_rows)) {
         row->disconnect(this);
     }
@@ -81,7 +81,7 @@ void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex&
     const XsdtNode* parent = m_model->nodeForIndex(topLeft.parent());
     const int first = topLeft.row();
     const int last = bottomRight.row();
-    // Whichever is fewer: the rows held here, or those of the model that changed.
+    // Loops over the fewer: the rows in this set, or the rows of the model that changed.
     if (last - first >= m_rows.size()) {
         for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
             const XsdtNode* node = row.key();
@@ -100,7 +100,7 @@ void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex&
     }
 }
 
-/// Nodes deeper than the model shows have no index that it could name in `dataChanged`.
+/// Nodes deeper than the model shows have no index, so `dataChanged` can't report them.
 void SettingRowSet::refreshDeepRows()
 {
     for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {

@@ -15,8 +15,8 @@ class SettingsModel;
 class SettingsSchema;
 struct XsdtNode;
 
-/// The setting rows of one page: makes them, keeps them in step with the model, and shows the
-/// context menu for their nodes. Two rows may show one node.
+/// The setting rows of one page. Creates them, refreshes them when the model changes, and shows the
+/// context menu of their nodes. Two rows may show the same node.
 class SettingRowSet : public QObject
 {
     Q_OBJECT
@@ -25,29 +25,28 @@ public:
     /// Whether the context menu offers to show the node in the tree of all settings.
     enum class Reveal { Offered, NotOffered };
 
-    /// Model and schema stay the caller's; `page` owns this and is the parent of its menus.
+    /// `model` and `schema` aren't owned. `page` owns this and is the parent of the menus.
     SettingRowSet(SettingsModel* model, const SettingsSchema* schema, QWidget* page,
                   Reveal reveal = Reveal::Offered);
 
-    /// A new row for the value `node`, a child of `parent`, which owns it; the caller puts it into
-    /// a layout.
+    /// A new row for the value `node`. It is owned by `parent`; the caller adds it to a layout.
     SettingRow* add(XsdtNode* node, QWidget* parent);
 
-    /// Lets go of every row and node. The widgets stay with their parents.
+    /// Forgets all rows and nodes. The widgets stay with their parents.
     void clear();
 
     bool isEmpty() const { return m_rows.isEmpty(); }
 
-    /// For every row, and for those still to come.
+    /// For all rows, also those added later.
     void setReadOnly(bool readOnly);
     bool isReadOnly() const { return m_readOnly; }
 
-    /// The shared context menu for `node`, whether or not it has a row. A choice that is the
-    /// window's to carry out goes out as a signal.
+    /// Shows the context menu for `node`, which needs no row. The signals below ask for what the
+    /// window has to do.
     void showMenu(XsdtNode* node, const QPoint& globalPos);
 
 signals:
-    /// A value was turned down by its row; `text` is the reason.
+    /// A row refused a value. `text` is the reason.
     void message(const QString& text);
     void deleteRequested(kse::XsdtNode* node);
     void restoreRequested(kse::XsdtNode* node);

@@ -73,7 +73,7 @@ public:
         if (!m_info.hasRange || !isNumber || !(number < m_info.min || number > m_info.max)) {
             return {};
         }
-        // With all digits: 1.0000001 isn't 1, which would be within 0 to 1.
+        // With all digits: shown as 1, 1.0000001 would seem to be within 0 to 1.
         const auto shown = [](double value) {
             return QString::number(value, 'g', QLocale::FloatingPointShortest);
         };
@@ -107,8 +107,8 @@ private:
 
     void browse()
     {
-        const QPointer<ValueEditor> self(this); // the dialog may outlive the row
-        // In a window's title "[*]" is a placeholder.
+        const QPointer<ValueEditor> self(this); // the row may die while the dialog is open
+        // In a window title "[*]" is a placeholder.
         const QString caption =
             abbreviated(m_info.label, shortLimit).replace("[*]"_L1, "[*][*]"_L1);
         const QString path = isFolder()

@@ -9,8 +9,8 @@ namespace kse {
 class ValueEditor;
 struct VariableInfo;
 
-/// A line for any text, with a button for a path that asks for the file or folder. A real number
-/// out of `info`'s range is a fault. A type that can't be edited is shown, but not to be changed.
+/// A line edit for any text; for a path, with a button that asks for the file or folder. A real
+/// number outside `info`'s range is a fault. Types that can't be edited are shown read-only.
 /// The arguments are those of `ValueEditor::create`.
 [[nodiscard]] ValueEditor* createTextEditor(const VariableInfo& info, const QString& name,
                                             QWidget* parent);

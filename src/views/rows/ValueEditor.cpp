@@ -56,7 +56,8 @@ public:
             m_box->addItem(choice.text, choice.value);
         }
         connect(m_box, &QComboBox::activated, this, [this](int item) {
-            if (!m_box->itemData(item, markerRole).isValid()) { // that one stands for the value
+            if (!m_box->itemData(item, markerRole)
+                     .isValid()) { // that item stands for the stored value
                 emit entered(QString::number(m_box->itemData(item).toLongLong()));
             }
         });
@@ -65,7 +66,7 @@ public:
 protected:
     bool showValue(const XsdtNode& node) override
     {
-        // Always afresh: two texts that are no numbers read as the same number.
+        // Made again each time: texts that are no numbers all read as 0.
         if (const int marker = m_box->findData(1, markerRole); marker >= 0) {
             m_box->removeItem(marker);
         }
@@ -82,7 +83,8 @@ protected:
     }
 
 private:
-    static constexpr int markerRole = Qt::UserRole + 1; // 1 in the item for a value without a name
+    static constexpr int markerRole =
+        Qt::UserRole + 1; // 1 in the item for a value that is no choice
 
     QComboBox* m_box = new QComboBox(this);
 };

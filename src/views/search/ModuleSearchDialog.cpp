@@ -20,7 +20,7 @@ ModuleSearchDialog::ModuleSearchDialog(const QStringList& moduleNames, QWidget* 
 {
     setWindowTitle(tr("Find module data"));
     setLayout(new QVBoxLayout);
-    createName(moduleNames);
+    createNameEdit(moduleNames);
     m_processRadio = createMode(
         tr("Process search - look where module names usually go"),
         tr("The module's registry entry, its saved module data, its own settings, shared-settings "
@@ -32,14 +32,14 @@ ModuleSearchDialog::ModuleSearchDialog(const QStringList& moduleNames, QWidget* 
         createMode(tr("Full search - search everything, like the Search page"),
                    tr("Every name, path, description and value in the file."), u"fullRadio"_s);
     createButtons();
-    fit();
+    fitToTexts();
     m_nameEdit->setFocus();
 }
 
-/// Neither text is cut, and none is left over from a larger one.
-void ModuleSearchDialog::fit()
+/// Neither cuts a text, nor keeps the room of a larger font.
+void ModuleSearchDialog::fitToTexts()
 {
-    layout()->activate(); // gives up the former minimum
+    layout()->activate(); // else the former minimum stays
     const int width = qMax(520, minimumSizeHint().width());
     resize(width, layout()->totalHeightForWidth(width));
 }
@@ -48,11 +48,11 @@ void ModuleSearchDialog::changeEvent(QEvent* event)
 {
     QDialog::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        fit();
+        fitToTexts();
     }
 }
 
-void ModuleSearchDialog::createName(const QStringList& moduleNames)
+void ModuleSearchDialog::createNameEdit(const QStringList& moduleNames)
 {
     auto* label = new QLabel(tr("Module name:"), this);
     m_nameEdit = new QLineEdit(this);
@@ -63,7 +63,7 @@ void ModuleSearchDialog::createName(const QStringList& moduleNames)
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     completer->setFilterMode(Qt::MatchContains);
     m_nameEdit->setCompleter(completer);
-    // The list that is open takes Return for closing it, even with nothing chosen in it.
+    // The open list takes Return to close itself, even if nothing in it is selected.
     connect(m_nameEdit, &QLineEdit::returnPressed, completer, [this, list = completer->popup()] {
         if (list->isVisible() && !list->currentIndex().isValid()) {
             m_searchButton->click();

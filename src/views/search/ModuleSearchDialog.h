@@ -14,16 +14,16 @@ enum class ModuleSearchMode {
     Full = 1     ///< Everywhere, like the Search page.
 };
 
-/// Asks for a module's name and where to look for it. Looks for nothing itself.
+/// Asks for the name of a module and where to search. Doesn't search itself.
 class ModuleSearchDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Offers `moduleNames` as one of them is typed; any other name is as good.
+    /// `moduleNames` are offered for completion. Other names are accepted too.
     explicit ModuleSearchDialog(const QStringList& moduleNames, QWidget* parent = nullptr);
 
-    /// Without blanks around it.
+    /// Trimmed.
     QString moduleName() const;
     ModuleSearchMode mode() const;
 
@@ -31,10 +31,10 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void createName(const QStringList& moduleNames);
+    void createNameEdit(const QStringList& moduleNames);
     QRadioButton* createMode(const QString& text, const QString& explanation, const QString& name);
     void createButtons();
-    void fit();
+    void fitToTexts();
 
     QLineEdit* m_nameEdit = nullptr;
     QRadioButton* m_processRadio = nullptr;

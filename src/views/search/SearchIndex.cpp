@@ -26,7 +26,7 @@ namespace kse {
 
 namespace {
 
-/// One word to look for. The matchers are made once, not for every text.
+/// One word to search for. Its matchers are created once, not for every text.
 struct Term
 {
     explicit Term(const QString& word)
@@ -36,7 +36,7 @@ struct Term
     {
     }
 
-    int count = 1; ///< How often the query holds it: it earns its points each time.
+    int count = 1; ///< How often the query contains it; each counts.
     QString text;
     QStringMatcher exact;
     QStringMatcher anyCase;
@@ -48,14 +48,14 @@ struct Hit
     int score;
 };
 
-/// Tells how well an entry matches a query.
+/// Computes how well an entry matches a query.
 class Scorer
 {
 public:
     explicit Scorer(const SearchQuery& query)
         : m_query(query)
     {
-        // A pasted text of thousands of words has few different ones.
+        // A pasted text may have thousands of words, but few different ones.
         QHash<QString, size_t> places;
         for (const QString& word : query.terms) {
             const auto known = places.constFind(word);
@@ -114,10 +114,10 @@ private:
 
     const SearchQuery& m_query;
     std::vector<Term> m_terms;
-    QString m_key; ///< Kept for its memory.
+    QString m_key; ///< A member to reuse its memory.
 };
 
-/// Tells what is inside a deletion, and climbs from no group twice.
+/// Tells whether nodes are inside a deletion, and looks at each group only once.
 class Deletions
 {
 public:
@@ -142,7 +142,7 @@ public:
 
 private:
     QHash<const XsdtNode*, bool> m_groups;
-    std::vector<const XsdtNode*> m_climbed; ///< Kept for its memory.
+    std::vector<const XsdtNode*> m_climbed; ///< A member to reuse its memory.
 };
 
 bool isWanted(XsdtNode* node, const SearchQuery& query, Deletions& deletions)
@@ -156,7 +156,7 @@ bool isWanted(XsdtNode* node, const SearchQuery& query, Deletions& deletions)
 
 bool isAscii(const QString& text)
 {
-    // Without an early exit, so that the compiler takes many at once.
+    // Without an early exit, so that the compiler can vectorise the loop.
     char16_t bits = 0;
     for (const QChar unit : text) {
         bits |= unit.unicode();
@@ -164,15 +164,16 @@ bool isAscii(const QString& text)
     return bits < 0x80;
 }
 
-/// The places of `hits`, which are in file order, in the order of their paths.
+/// The places in `hits`, which are in file order, sorted by path.
 QList<qsizetype> orderByPath(const QList<SearchIndexEntry>& index, const std::vector<Hit>& hits)
 {
     QList<QStringView> paths;
     paths.reserve(static_cast<qsizetype>(hits.size()));
-    QStringList built; // keeps alive what the views point to
+    QStringList built; // the views point into these
     for (const Hit& hit : hits) {
         const SearchIndexEntry& entry = index[hit.place];
-        // In ASCII, lower case is as good as the path itself, and tells where the label begins.
+        // In ASCII, lower case sorts like the path itself, and its length tells where the label
+        // begins.
         if (isAscii(entry.haystack)) {
             paths.append(QStringView(entry.haystack).chopped(entry.label.size() + 1));
         } else if (entry.node->depth > deepestWholePath) {

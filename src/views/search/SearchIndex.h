@@ -12,16 +12,16 @@ class SettingsSchema;
 struct XsdtDocument;
 struct XsdtNode;
 
-/// One value of the file with the texts that are searched, ready in lower case.
+/// One value of the file with the texts to search, already in lower case.
 struct SearchIndexEntry
 {
     XsdtNode* node = nullptr;
-    QString label;       ///< As the schema gives it, in its own case.
+    QString label;       ///< From the schema, in its own case.
     QString haystack;    ///< Path, one blank, label; lower case. Of a deep path only the end.
     QString description; ///< Lower case.
 };
 
-/// What to look for and where.
+/// What to search for, and where.
 struct SearchQuery
 {
     QStringList terms; ///< Lower case; every one has to match. See `searchTerms`.
@@ -33,18 +33,18 @@ struct SearchQuery
     const QSet<XsdtNode*>* restriction = nullptr; ///< Unless null, only these nodes.
 };
 
-/// The words of `text` in lower case; what stands between two quotes is one.
+/// The words of `text` in lower case. A phrase in double quotes counts as one word.
 [[nodiscard]] QStringList searchTerms(const QString& text);
 
-/// Every value of `document` in file order, whatever its type. It rests on the tree and the
-/// schema alone, so that an edit leaves it valid; it dies with the tree. Below `deepestWholePath`
-/// levels an entry holds the last `shortPathLength` characters of its path, which are also what it
-/// is ordered by, and what its key tells without the schema.
+/// An entry for every value of `document`, of any type, in file order. Edits leave the index valid,
+/// because it holds no values; it is invalid once the tree is replaced. Deeper than
+/// `deepestWholePath` levels, an entry holds only the last `shortPathLength` characters of its
+/// path, by which it is also sorted, and a label made from its key without the schema.
 [[nodiscard]] QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document,
                                                        const SettingsSchema& schema);
 
-/// The entries of `index` that match, by their place in it: best first, then by path, then in file
-/// order. Values and marks are read as they are now.
+/// The places in `index` of the entries that match: best first, then by path, then in file order.
+/// Values and marks are read from the nodes as they are now.
 [[nodiscard]] QList<qsizetype> search(const QList<SearchIndexEntry>& index,
                                       const SearchQuery& query);
 

@@ -41,7 +41,7 @@ SearchView::SearchView(SettingsModel* model, const SettingsSchema* schema, QWidg
     m_resultsArea = new WidgetColumn(0, this);
     m_resultsArea->setAccessibleName(tr("Settings found"));
     m_resultsArea->widget()->setObjectName(u"resultsContainer"_s);
-    layOut();
+    createLayout();
     connectWidgets();
 }
 
@@ -52,7 +52,7 @@ void SearchView::createBanner()
     m_bannerLabel = new WrappedLabel({}, Qt::PlainText, u"bannerLabel"_s, m_banner);
     m_bannerLabel->setMargin(6);
     m_bannerLabel->setAutoFillBackground(true);
-    QPalette palette; // sets this role alone; the others go on following the theme
+    QPalette palette; // sets only this role; the others follow the theme
     palette.setColor(QPalette::All, QPalette::Window, QColor(80, 160, 255, 70));
     m_bannerLabel->setPalette(palette);
     auto* clearFilter = new QPushButton(tr("Clear filter"), m_banner);
@@ -73,16 +73,17 @@ void SearchView::createQuery()
                                        "word must match; \"quotes\" for a phrase)"));
     m_queryEdit->setAccessibleName(tr("Search all settings"));
     m_queryEdit->setClearButtonEnabled(true);
-    m_searchNames = createBox(tr("Names and paths"), u"searchNames"_s, true);
-    m_searchValues = createBox(tr("Values"), u"searchValues"_s, true);
-    m_searchDescriptions = createBox(tr("Descriptions"), u"searchDescriptions"_s, true);
-    m_changedOnly = createBox(tr("Changed only"), u"changedOnly"_s, false);
-    m_includeProtected = createBox(tr("Include protected values"), u"includeProtected"_s, false);
+    m_searchNames = createCheckBox(tr("Names and paths"), u"searchNames"_s, true);
+    m_searchValues = createCheckBox(tr("Values"), u"searchValues"_s, true);
+    m_searchDescriptions = createCheckBox(tr("Descriptions"), u"searchDescriptions"_s, true);
+    m_changedOnly = createCheckBox(tr("Changed only"), u"changedOnly"_s, false);
+    m_includeProtected =
+        createCheckBox(tr("Include protected values"), u"includeProtected"_s, false);
     m_includeProtected->setToolTip(
         tr("Time and Block values: shown for reference, never editable."));
 }
 
-QCheckBox* SearchView::createBox(const QString& text, const QString& name, bool checked)
+QCheckBox* SearchView::createCheckBox(const QString& text, const QString& name, bool checked)
 {
     auto* box = new QCheckBox(text, this);
     box->setObjectName(name);
@@ -91,7 +92,7 @@ QCheckBox* SearchView::createBox(const QString& text, const QString& name, bool 
     return box;
 }
 
-void SearchView::layOut()
+void SearchView::createLayout()
 {
     auto* boxes = new WrappingRow;
     for (QCheckBox* box :
@@ -169,7 +170,7 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
         m_changedOnly->setChecked(false);
         m_includeProtected->setChecked(false);
     }
-    m_queryEdit->setClearButtonEnabled(false); // it goes by the signal that was blocked
+    m_queryEdit->setClearButtonEnabled(false); // else it stays: the signal was blocked
     m_queryEdit->setClearButtonEnabled(true);
     m_limit = rowStep;
     populate();
@@ -251,7 +252,7 @@ void SearchView::clearRows()
     m_resultsArea->setMoreText({});
 }
 
-/// Shows what of the results is within the limit and has no row yet.
+/// Adds rows for the results up to the limit that have none yet.
 void SearchView::addRows()
 {
     const qsizetype total = m_results.size();

@@ -18,18 +18,18 @@ class SettingRowSet;
 class SettingsModel;
 class WidgetColumn;
 
-/// The Search tab: finds settings anywhere in the file and shows the best as rows to edit. Also
-/// shows a given set of settings, in which the user then searches on.
+/// The Search page: finds settings anywhere in the file and shows the best as rows to edit. Can
+/// also show a given set of settings and search only there.
 class SearchView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Model and schema stay the caller's.
+    /// `model` and `schema` aren't owned.
     SearchView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent = nullptr);
 
-    /// Searches `document`, or nothing for null. It stays the caller's; pass null before its tree
-    /// is replaced. What is typed and ticked stays; a restriction doesn't.
+    /// Searches `document`, or nothing for null. The caller keeps it, and passes null before its
+    /// tree is replaced. The query and the check boxes stay; a restriction ends.
     void setDocument(const XsdtDocument* document);
 
     /// While PixInsight runs.
@@ -38,14 +38,14 @@ public:
     /// Searches for `text` at once.
     void setQuery(const QString& text);
 
-    /// The same in the whole file: in names, values and descriptions, changed or not.
+    /// Searches for `text` at once in the names, values and descriptions of the whole file.
     void searchEverywhere(const QString& text);
 
-    /// Lists `nodes`, whatever their type, beneath a banner that says so; what is typed from here
-    /// on is searched for among them.
+    /// Restricts the search to `nodes`, of any type, and lists them below a banner with
+    /// `bannerText`. Clears the query.
     void showRestricted(const QList<XsdtNode*>& nodes, const QString& bannerText);
 
-    /// Back to the whole file; what is typed stays.
+    /// Searches the whole file again. The query stays.
     void clearRestriction();
 
     void focusQuery();
@@ -56,16 +56,18 @@ signals:
     void restoreRequested(kse::XsdtNode* node);
     void revealRequested(kse::XsdtNode* node);
 
+private slots:
+    void onQueryChanged();
+    void onShowMore();
+
 private:
     void createBanner();
     void createQuery();
-    QCheckBox* createBox(const QString& text, const QString& name, bool checked);
-    void layOut();
+    QCheckBox* createCheckBox(const QString& text, const QString& name, bool checked);
+    void createLayout();
     void connectWidgets();
 
     void dropRestriction();
-    void onQueryChanged();
-    void onShowMore();
     void populate();
     SearchQuery query() const;
     void clearRows();

@@ -34,6 +34,11 @@ AllSettingsView::AllSettingsView(SettingsModel* model, QWidget* parent)
     m_proxy->setSourceModel(m_model);
     createFilter();
     createTree();
+    createLayout();
+}
+
+void AllSettingsView::createLayout()
+{
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 0);
     auto* filterRow = new QHBoxLayout;
@@ -46,30 +51,28 @@ AllSettingsView::AllSettingsView(SettingsModel* model, QWidget* parent)
 void AllSettingsView::createFilter()
 {
     m_treeFilter = new QLineEdit(this);
-    m_treeFilter->setObjectName("treeFilter"_L1);
+    m_treeFilter->setObjectName(u"treeFilter"_s);
     m_treeFilter->setAccessibleName(tr("Filter"));
     m_treeFilter->setClearButtonEnabled(true);
     m_treeFilter->setPlaceholderText(
         tr("Filter this tree by name or value (Ctrl+F searches everything)"));
-    connect(m_treeFilter, &QLineEdit::textChanged, this, &AllSettingsView::applyFilter);
+    connect(m_treeFilter, &QLineEdit::textChanged, this, &AllSettingsView::onFilterChanged);
     m_changedOnly = new QCheckBox(tr("Changed only"), this);
-    m_changedOnly->setObjectName("changedOnly"_L1);
-    connect(m_changedOnly, &QCheckBox::toggled, this, &AllSettingsView::applyChangedOnly);
+    m_changedOnly->setObjectName(u"changedOnly"_s);
+    connect(m_changedOnly, &QCheckBox::toggled, this, &AllSettingsView::onChangedOnlyToggled);
 }
 
 void AllSettingsView::createTree()
 {
     m_tree = new SettingsTree(this);
-    m_tree->setObjectName("tree"_L1);
+    m_tree->setObjectName(u"tree"_s);
     m_tree->setAccessibleName(tr("All settings"));
     m_tree->setModel(m_proxy);
     auto* delegate = new ValueDelegate(m_tree);
     m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, delegate);
-    connect(delegate, &ValueDelegate::editedRowHidden, this, [this](const QString& key) {
-        emit message(tr("%1 doesn't match the filter any more, so it isn't shown.").arg(key));
-    });
+    connect(delegate, &ValueDelegate::editedRowHidden, this, &AllSettingsView::onEditedRowHidden);
     m_tree->setUniformRowHeights(true);
-    m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
+    m_tree->setTextElideMode(Qt::ElideMiddle); // paths often differ only at their ends
     m_tree->setAlternatingRowColors(true);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
@@ -81,10 +84,10 @@ void AllSettingsView::createTree()
                                            QHeaderView::ResizeToContents);
     m_tree->header()->resizeSection(SettingsModel::SettingColumn, 380);
     connect(m_tree, &QTreeView::customContextMenuRequested, this,
-            &AllSettingsView::showContextMenu);
+            &AllSettingsView::onContextMenuRequested);
     auto* deleteKey = new QShortcut(QKeySequence::Delete, m_tree);
     deleteKey->setContext(Qt::WidgetShortcut);
-    connect(deleteKey, &QShortcut::activated, this, &AllSettingsView::deleteSelected);
+    connect(deleteKey, &QShortcut::activated, this, &AllSettingsView::onDeleteKey);
 }
 
 QModelIndex AllSettingsView::indexFor(const XsdtNode* node) const
@@ -157,7 +160,7 @@ void AllSettingsView::revertAll()
     position.restore();
 }
 
-/// The groups that stand open, also those inside closed ones.
+/// The expanded groups, also those inside collapsed ones.
 QList<const XsdtNode*> AllSettingsView::expandedGroups() const
 {
     QList<const XsdtNode*> groups;
@@ -170,7 +173,7 @@ QList<const XsdtNode*> AllSettingsView::expandedGroups() const
     return groups;
 }
 
-void AllSettingsView::applyFilter(const QString& text)
+void AllSettingsView::onFilterChanged(const QString& text)
 {
     const TreePosition position(*m_tree, *m_proxy);
     m_proxy->setFilterText(text);
@@ -182,7 +185,7 @@ void AllSettingsView::applyFilter(const QString& text)
     position.restore();
 }
 
-void AllSettingsView::applyChangedOnly(bool changedOnly)
+void AllSettingsView::onChangedOnlyToggled(bool changedOnly)
 {
     const TreePosition position(*m_tree, *m_proxy);
     m_proxy->setChangedOnly(changedOnly);
@@ -192,7 +195,12 @@ void AllSettingsView::applyChangedOnly(bool changedOnly)
     position.restore();
 }
 
-void AllSettingsView::deleteSelected()
+void AllSettingsView::onEditedRowHidden(const QString& key)
+{
+    emit message(tr("%1 doesn't match the filter any more, so it isn't shown.").arg(key));
+}
+
+void AllSettingsView::onDeleteKey()
 {
     const QModelIndex index = m_tree->currentIndex();
     XsdtNode* node = nodeFor(index);
@@ -201,7 +209,7 @@ void AllSettingsView::deleteSelected()
     }
 }
 
-void AllSettingsView::showContextMenu(const QPoint& pos)
+void AllSettingsView::onContextMenuRequested(const QPoint& pos)
 {
     XsdtNode* node = nodeFor(m_tree->indexAt(pos));
     if (!node) {

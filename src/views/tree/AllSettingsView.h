@@ -13,8 +13,8 @@ class SettingsModel;
 class SettingsTree;
 struct XsdtNode;
 
-/// The page with the tree of all settings, which can be filtered and edited in place. It shows the
-/// document that the model holds, and is view-only while the model is.
+/// The page with the tree of all settings, which can be filtered and edited in place. Shows the
+/// document of the model, and is read-only while the model is.
 class AllSettingsView : public QWidget
 {
     Q_OBJECT
@@ -23,32 +23,36 @@ public:
     /// `model` isn't owned and must outlive the page.
     explicit AllSettingsView(SettingsModel* model, QWidget* parent = nullptr);
 
-    /// Clears the filter, then selects `node` and scrolls to it. What lies deeper than the tree
-    /// shows is revealed by the nearest group above it. Null does nothing.
+    /// Clears the filter, then selects `node` and scrolls to it. For a node deeper than the tree
+    /// shows, selects its nearest ancestor instead. Null does nothing.
     void reveal(const XsdtNode* node);
 
     void expandAll();
 
-    /// Collapses all but the groups that lead to the preferences, and those themselves.
+    /// Collapses all groups but the preferences and the groups above them.
     void resetExpansion();
 
-    /// Takes back everything that is pending. What is expanded, current and in sight stays so.
+    /// Takes back all pending changes. Keeps expansion, current cell and scroll position.
     void revertAll();
 
 signals:
-    /// What became of an edit, for the status line.
+    /// A remark on an edit, for the status bar.
     void message(const QString& text);
     void deleteRequested(kse::XsdtNode* node);
     void restoreRequested(kse::XsdtNode* node);
 
+private slots:
+    void onFilterChanged(const QString& text);
+    void onChangedOnlyToggled(bool changedOnly);
+    void onEditedRowHidden(const QString& key);
+    void onDeleteKey();
+    void onContextMenuRequested(const QPoint& pos);
+
 private:
     void createFilter();
     void createTree();
-    void applyFilter(const QString& text);
-    void applyChangedOnly(bool changedOnly);
+    void createLayout();
     void expandPreferences();
-    void deleteSelected();
-    void showContextMenu(const QPoint& pos);
     QModelIndex indexFor(const XsdtNode* node) const;
     XsdtNode* nodeFor(const QModelIndex& index) const;
     QList<const XsdtNode*> expandedGroups() const;

@@ -13,7 +13,7 @@ QVariant wholeText(const QModelIndex& index)
 {
     switch (index.column()) {
     case SettingsModel::SettingColumn:
-        return index.data(SettingsModel::NodeRole).value<XsdtNode*>()->key;
+        return SettingsModel::nodeOf(index)->key;
     case SettingsModel::ValueColumn:
         return index.data(Qt::EditRole);
     default:
@@ -33,9 +33,9 @@ bool SettingsTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* e
 {
     const QModelIndex value = index.siblingAtColumn(SettingsModel::ValueColumn);
     if (trigger != EditKeyPressed || !(value.flags() & Qt::ItemIsEditable)) {
-        return QTreeView::edit(index, trigger, event); // a click edits the cell that it hits
+        return QTreeView::edit(index, trigger, event); // a click edits its own cell
     }
-    setCurrentIndex(value); // from there Tab goes on to the next value
+    setCurrentIndex(value); // so that Tab moves to the next value
     return QTreeView::edit(value, trigger, event);
 }
 

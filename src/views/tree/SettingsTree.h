@@ -5,8 +5,8 @@
 
 namespace kse {
 
-/// The tree of all settings, over a `SettingsModel` or a filter of one. The edit key acts on the
-/// row's value, whichever of its cells is current; Copy takes the current cell's whole text.
+/// The view of all settings, for a `SettingsModel` or a proxy of one. The edit key edits the value
+/// of the row, no matter which cell is current. Copy copies the whole text of the current cell.
 class SettingsTree : public QTreeView
 {
     Q_OBJECT
