@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 
+#include "app/BannerRow.h"
+#include "app/MainToolBar.h"
 #include "app/OpenEditor.h"
+#include "app/OpenFileBox.h"
 #include "app/Screenshots.h"
+#include "app/ThemeManager.h"
 #include "app/WaitCursor.h"
 #include "promo/AdBanner.h"
 #include "session/DurableFile.h"
@@ -15,12 +19,9 @@
 #include "views/preferences/PreferencesView.h"
 #include "views/search/SearchView.h"
 #include "views/tree/AllSettingsView.h"
-#include "widgets/FileBox.h"
 #include "widgets/MessageBox.h"
-#include "widgets/PlainText.h"
 
 #include <QAbstractButton>
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -29,13 +30,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QShortcut>
 #include <QStandardPaths>
-#include <QStatusBar>
+#include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -52,6 +50,17 @@ QByteArray readResource(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+template <typename Page>
+void giveDocument(Page* page, XsdtDocument* document, const QString& /*path*/)
+{
+    page->setDocument(document);
+}
+
+void giveDocument(CompareView* page, XsdtDocument* document, const QString& path)
+{
+    page->setDocument(document, path);
+}
+
 } // namespace
 
 MainWindow::MainWindow(Messages messages)
@@ -62,9 +71,10 @@ MainWindow::MainWindow(Messages messages)
     m_store.policy = &m_policy;
     buildUi();
 
-    m_pollTimer = new QTimer(this);
-    connect(m_pollTimer, &QTimer::timeout, this, &MainWindow::pollEnvironment);
-    m_pollTimer->start(pollInterval);
+    auto* pollTimer = new QTimer(this);
+    pollTimer->setObjectName("pollTimer"_L1);
+    connect(pollTimer, &QTimer::timeout, this, &MainWindow::pollEnvironment);
+    pollTimer->start(pollInterval);
 
     const QStringList files = PixInsightEnv::findSettingsFiles();
     if (files.isEmpty()) {
@@ -113,14 +123,16 @@ void MainWindow::buildUi()
     m_openEditor = new OpenEditor(this);
 
     createPages();
-    createKeys();
     connectPages();
+    createKeys();
 
     auto* central = new QWidget;
     auto* layout = new QVBoxLayout(central);
     layout->setContentsMargins(8, 8, 8, 8);
     layout->addWidget(createFileRow());
-    layout->addLayout(createBannerRow());
+    m_banner = new BannerRow;
+    connect(m_banner, &BannerRow::reloadRequested, this, &MainWindow::onReload);
+    layout->addLayout(m_banner);
     layout->addWidget(m_tabs, 1);
     auto* line = new QFrame;
     line->setFrameShape(QFrame::HLine);
@@ -132,9 +144,13 @@ void MainWindow::buildUi()
     layout->addWidget(m_adBanner);
     setCentralWidget(central);
 
-    createActions();
-    createMenus();
-    createToolBar();
+    m_toolbar = new MainToolBar(tr("Main toolbar"), this);
+    addToolBar(m_toolbar);
+    createFileMenu();
+    QAction* toggleTheme = createEditMenu();
+    createViewMenu();
+    QAction* about = createHelpMenu();
+    fillToolBar(toggleTheme, about);
     connectTheme();
 }
 
@@ -143,7 +159,7 @@ QWidget* MainWindow::createFileRow()
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_fileBox = new FileBox;
+    m_fileBox = new OpenFileBox;
     m_fileBox->setObjectName("fileBox"_L1);
     m_fileBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(m_fileBox, &QComboBox::activated, this, &MainWindow::onFileActivated);
@@ -158,20 +174,72 @@ QWidget* MainWindow::createFileRow()
     return row;
 }
 
-QLayout* MainWindow::createBannerRow()
+void MainWindow::createPages()
 {
-    auto* layout = new QHBoxLayout; // no widget: hidden, it must leave no gap
-    m_bannerLabel = new QLabel;
-    m_bannerLabel->setObjectName("bannerLabel"_L1);
-    m_bannerLabel->setWordWrap(true);
-    m_bannerLabel->setMargin(8);
-    m_bannerLabel->setAutoFillBackground(true);
-    m_bannerReload = new QPushButton(tr("Reload"));
-    m_bannerReload->setObjectName("bannerReload"_L1);
-    connect(m_bannerReload, &QPushButton::clicked, this, &MainWindow::onReload);
-    layout->addWidget(m_bannerLabel, 1);
-    layout->addWidget(m_bannerReload);
-    return layout;
+    m_preferencesView = new PreferencesView(m_model, &m_schema, this);
+    m_searchView = new SearchView(m_model, &m_schema, this);
+    m_cleanupView = new CleanupView(m_model, this);
+    m_unusedModulesView = new UnusedModulesView(m_model, &m_schema, this);
+    m_healthView = new HealthView(m_model, &m_schema, this);
+    m_compareView = new CompareView(m_model, this);
+    m_advancedPage = new AllSettingsView(m_model, this);
+
+    m_tabs = new QTabWidget;
+    m_tabs->setObjectName("tabs"_L1);
+    const auto add = [this](QWidget* page, const QString& name, const QString& text) {
+        page->setObjectName(name);
+        m_tabs->addTab(page, text);
+    };
+    add(m_preferencesView, u"preferencesView"_s, tr("Preferences"));
+    add(m_searchView, u"searchView"_s, tr("Search"));
+    add(m_cleanupView, u"cleanupView"_s, tr("Cleanup"));
+    add(m_unusedModulesView, u"unusedModulesView"_s, tr("Unused modules"));
+    add(m_healthView, u"healthView"_s, tr("Health check"));
+    add(m_compareView, u"compareView"_s, tr("Compare"));
+    add(m_advancedPage, u"advancedPage"_s, tr("All settings (advanced)"));
+}
+
+void MainWindow::connectPages()
+{
+    const auto showFor = [this](int milliseconds) {
+        return [this, milliseconds](const QString& text) {
+            showStatus(text, milliseconds);
+        };
+    };
+    const auto connectDeletion = [this](auto* page) {
+        using Page = std::remove_pointer_t<decltype(page)>;
+        connect(page, &Page::deleteRequested, this, &MainWindow::deleteNode);
+        connect(page, &Page::restoreRequested, m_model, &SettingsModel::undoDeletion);
+    };
+    connect(m_preferencesView, &PreferencesView::message, this, &MainWindow::showRejection);
+    connectDeletion(m_preferencesView);
+
+    connect(m_searchView, &SearchView::message, this, &MainWindow::showRejection);
+    connectDeletion(m_searchView);
+    connect(m_searchView, &SearchView::revealRequested, this, &MainWindow::revealNode);
+
+    connect(m_cleanupView, &CleanupView::message, this, showFor(8000));
+
+    connect(m_unusedModulesView, &UnusedModulesView::message, this, showFor(10000));
+    connectDeletion(m_unusedModulesView);
+    connect(m_unusedModulesView, &UnusedModulesView::revealRequested, this,
+            &MainWindow::revealNode);
+
+    connect(m_healthView, &HealthView::message, this, &MainWindow::showRejection);
+    connectDeletion(m_healthView);
+    connect(m_healthView, &HealthView::revealRequested, this, &MainWindow::revealNode);
+    connect(m_healthView, &HealthView::openUnusedModules, this, &MainWindow::onUnusedModules);
+    connect(m_healthView, &HealthView::summaryChanged, this, [this](int problems, int warnings) {
+        const int sum = problems + warnings;
+        m_tabs->setTabText(m_tabs->indexOf(m_healthView),
+                           sum > 0 ? tr("Health check (%1)").arg(sum) : tr("Health check"));
+    });
+
+    connect(m_compareView, &CompareView::message, this, showFor(8000));
+    connect(m_compareView, &CompareView::revealRequested, this, &MainWindow::revealNode);
+
+    connect(m_advancedPage, &AllSettingsView::message, this, showFor(8000));
+    connectDeletion(m_advancedPage);
 }
 
 void MainWindow::startBanner(bool allowNetwork, int delayMs)
@@ -189,23 +257,20 @@ void MainWindow::attachViews()
     XsdtDocument* document = m_store.loaded ? &m_store.document : nullptr;
     m_model->setDocument(document);
     setPagesReadOnly(); // first: what is built now is built by it
-    forEachPage([document](auto* page) { page->setDocument(document); });
-    m_compareView->setDocument(document, document ? m_store.path : QString());
+    forEachPage([&](auto* page) { giveDocument(page, document, openPath()); });
     m_advancedPage->resetExpansion();
     rebuildFileBox();
 }
 
 void MainWindow::detachViews()
 {
-    forEachPage([](auto* page) { page->setDocument(nullptr); });
-    m_compareView->setDocument(nullptr, QString());
+    forEachPage([](auto* page) { giveDocument(page, nullptr, QString()); });
     m_model->setDocument(nullptr);
 }
 
 void MainWindow::setPagesReadOnly()
 {
     forEachPage([this](auto* page) { page->setReadOnly(m_running); });
-    m_compareView->setReadOnly(m_running);
 }
 
 bool MainWindow::openFile(const QString& asked)
@@ -302,7 +367,7 @@ void MainWindow::onFileActivated(int index)
         return;
     }
     const QString path = m_fileBox->itemData(index).toString();
-    if (path.isEmpty() || (m_store.loaded && QFileInfo(path) == QFileInfo(m_store.path))) {
+    if (path.isEmpty() || PixInsightEnv::isSameFile(path, openPath())) {
         return;
     }
     if (confirmDiscard(tr("Opening another file discards them."))) {
@@ -314,37 +379,12 @@ void MainWindow::onFileActivated(int index)
 
 void MainWindow::rebuildFileBox()
 {
-    m_knownFiles = PixInsightEnv::findSettingsFiles();
-    const QString current = m_store.loaded ? m_store.path : QString();
-    const QSignalBlocker blocker(m_fileBox);
-    m_fileBox->clear();
-    int selected = -1;
-    for (const QString& path : std::as_const(m_knownFiles)) {
-        m_fileBox->addItem(PixInsightEnv::describeFile(path), path);
-        if (!current.isEmpty() && QFileInfo(path) == QFileInfo(current)) {
-            selected = m_fileBox->count() - 1;
-        }
-    }
-    if (!current.isEmpty() && selected < 0) {
-        m_fileBox->addItem(PixInsightEnv::describeFile(current), current);
-        selected = m_fileBox->count() - 1;
-    }
-    QString placeholder = tr("Choose a settings file");
-    if (m_fileBox->count() == 0) {
-        placeholder = tr("No settings file found - use Browse...");
-        m_fileBox->addItem(placeholder, QString());
-    }
-    m_fileBox->setPlaceholderText(placeholder); // for what is selected then: nothing
-    m_fileBox->setCurrentIndex(selected);
+    m_fileBox->rebuild(openPath());
 }
 
-void MainWindow::refreshFileBoxItem()
+QString MainWindow::openPath() const
 {
-    // While the user is asked about another file, that one is chosen already.
-    const QString path = m_fileBox->currentData().toString();
-    if (m_store.loaded && QFileInfo(path) == QFileInfo(m_store.path)) {
-        m_fileBox->setItemText(m_fileBox->currentIndex(), PixInsightEnv::describeFile(path));
-    }
+    return m_store.loaded ? m_store.path : QString();
 }
 
 void MainWindow::onEdited()
@@ -355,32 +395,6 @@ void MainWindow::onEdited()
 qsizetype MainWindow::pendingCount() const
 {
     return m_store.loaded ? m_store.document.pendingCount() : 0;
-}
-
-void MainWindow::report(QMessageBox::Icon icon, const QString& title, const QString& text,
-                        const QString& informativeText)
-{
-    if (m_messages == Messages::Boxes) {
-        showMessage(this, icon, title, text, informativeText);
-        return;
-    }
-    const QString line = title + u": "_s + text +
-                         (informativeText.isEmpty() ? QString() : u' ' + informativeText) + u'\n';
-    std::fputs(line.toLocal8Bit().constData(), stderr);
-}
-
-void MainWindow::showRejection(const QString& reason)
-{
-    m_openEditor->noteRejection();
-    showStatus(tr("Not accepted - %1").arg(reason), 8000);
-}
-
-void MainWindow::showStatus(const QString& text, int milliseconds)
-{
-    const QString shown = withoutMiddle(text, lineLimit);
-    m_said = shown;
-    statusBar()->showMessage(shown, milliseconds);
-    announce(shown);
 }
 
 } // namespace kse

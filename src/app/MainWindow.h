@@ -1,45 +1,38 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/ThemeManager.h"
-#include "app/ToolbarIcons.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
 #include "session/SettingsStore.h"
+#include "widgets/FittedWindow.h"
 
-#include <QHash>
-#include <QMainWindow>
 #include <QMessageBox>
-#include <QStringList>
 
 #include <utility>
 
 class QAction;
-class QComboBox;
-class QLabel;
-class QPushButton;
 class QTabWidget;
-class QTimer;
-class QToolBar;
 
 namespace kse {
 
 class AdBanner;
 class AllSettingsView;
+class BannerRow;
 class CleanupView;
 class CompareView;
 class HealthView;
+class MainToolBar;
 class OpenEditor;
+class OpenFileBox;
 class PreferencesView;
 class SearchView;
 class SettingsModel;
 class UnusedModulesView;
 
-/// The program's one window. It owns what lives for a run (the open file, the built-in tables, the
-/// tree model) and carries out every command.
-///
-/// Whatever replaces nodes goes through `replaceTree`, so that no view keeps one that is gone.
-class MainWindow : public QMainWindow
+/// The program's one window. It owns the open file, the built-in tables and the tree model, and
+/// carries out every command. Code that replaces nodes runs in `replaceTree`, so that no view keeps
+/// a node that is gone.
+class MainWindow : public FittedWindow
 {
     Q_OBJECT
 
@@ -87,21 +80,23 @@ private slots:
     void refreshToolbarIcons();
     void updateMinimumWidth();
     void updateStatusBarStyle();
+    void onFileActivated(int index);
+    void onThemeChanged();
 
 private:
+    void loadTables();
     void buildUi();
-    void createActions();
-    void createMenus();
-    void createThemeMenu(QMenu& menu);
-    void createToolBar();
     QWidget* createFileRow();
-    QLayout* createBannerRow();
     void createPages();
-    void createKeys();
     void connectPages();
+    void createFileMenu();
+    QAction* createEditMenu(); ///< Returns "Toggle light/dark".
+    void createViewMenu();
+    QAction* createHelpMenu(); ///< Returns "About".
+    void fillToolBar(QAction* toggleTheme, QAction* about);
+    void createKeys();
     void connectTheme();
 
-    void loadTables();
     void attachViews();
     void detachViews();
 
@@ -115,7 +110,7 @@ private:
         return done;
     }
 
-    /// Calls `operation` with each page that takes a document and nothing else.
+    /// Calls `operation` with each page but the tree, which shows the model and nothing else.
     template <typename Operation>
     void forEachPage(Operation&& operation)
     {
@@ -124,6 +119,7 @@ private:
         operation(m_unusedModulesView);
         operation(m_healthView);
         operation(m_cleanupView);
+        operation(m_compareView);
     }
 
     void setPagesReadOnly();
@@ -139,25 +135,20 @@ private:
     /// Whether pending changes may go: there are none, or the user says so. `tail` ends the text.
     bool confirmDiscard(const QString& tail);
     void rebuildFileBox();
-    void refreshFileBoxItem();
-    void onFileActivated(int index);
     void refreshBanner();
     void refreshActions(qsizetype pending);
     void turnPage(int step);
-
-    /// Makes the window no larger than its screen has room for, and all of it visible.
-    void keepOnScreen();
     void revealNode(XsdtNode* node);
     void searchEverywhere(const QString& text);
     void deleteNode(XsdtNode* node);
     bool confirmDeletion(const QString& path, int values, const QString& reason);
-    void onThemeChanged();
     void report(QMessageBox::Icon icon, const QString& title, const QString& text,
                 const QString& informativeText = {});
     void showRejection(const QString& reason);
     void showStatus(const QString& text, int milliseconds);
-    void announce(const QString& text);
 
+    /// Path of the open file; empty if none is open.
+    QString openPath() const;
     qsizetype pendingCount() const;
     QString recordedVersion() const;
 
@@ -174,13 +165,10 @@ private:
     HealthView* m_healthView = nullptr;
     SearchView* m_searchView = nullptr;
     UnusedModulesView* m_unusedModulesView = nullptr;
-    QComboBox* m_fileBox = nullptr;
-    QStringList m_knownFiles;
+    OpenFileBox* m_fileBox = nullptr;
     AllSettingsView* m_advancedPage = nullptr;
     QTabWidget* m_tabs = nullptr;
-    QLabel* m_bannerLabel = nullptr;
-    QPushButton* m_bannerReload = nullptr;
-    QTimer* m_pollTimer = nullptr;
+    BannerRow* m_banner = nullptr;
     QAction* m_actOpen = nullptr;
     QAction* m_actReload = nullptr;
     QAction* m_actSave = nullptr;
@@ -188,16 +176,9 @@ private:
     QAction* m_actBackups = nullptr;
     QAction* m_actRevert = nullptr;
     QAction* m_actFindModule = nullptr;
-    QAction* m_actUnused = nullptr;
-    QAction* m_actHealth = nullptr;
-    QAction* m_actToggleTheme = nullptr;
-    QAction* m_actAbout = nullptr;
-    QHash<ThemeMode, QAction*> m_themeActions;
     double m_lastFontScale = 0;
-    QToolBar* m_toolbar = nullptr;
-    int m_chosenWidth = 0; ///< What the window had before its minimum took more.
+    MainToolBar* m_toolbar = nullptr;
     AdBanner* m_adBanner = nullptr;
-    QList<std::pair<QAction*, ToolbarIconKind>> m_toolbarEntries;
     bool m_running = false;
     bool m_staleOnDisk = false;
     bool m_dontAskDelete = false;

@@ -2,40 +2,42 @@
 #include "app/MainWindow.h"
 
 #include "app/AboutDialog.h"
+#include "app/MainToolBar.h"
 #include "app/OpenEditor.h"
+#include "app/ThemeManager.h"
 #include "app/UserGuide.h"
+#include "app/WaitCursor.h"
+#include "session/DurableFile.h"
+#include "session/PixInsightEnv.h"
+#include "session/dialogs/BackupsDialog.h"
+#include "session/dialogs/ReviewDialog.h"
+#include "views/cleanup/UnusedModulesView.h"
+#include "views/health/HealthView.h"
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "views/model/TreeGuard.h"
+#include "views/search/ModuleSearch.h"
+#include "views/search/ModuleSearchDialog.h"
+#include "views/search/SearchView.h"
 #include "views/tree/AllSettingsView.h"
 #include "widgets/MessageBox.h"
-#include "widgets/PixelRatio.h"
 #include "widgets/PlainText.h"
 
 #include <QActionGroup>
 #include <QApplication>
-#include <QLayout>
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QInputDialog>
 #include <QMenuBar>
-#include <QScreen>
-#include <QSettings>
-#include <QShowEvent>
-#include <QStatusBar>
-#include <QStyle>
+#include <QShortcut>
 #include <QTabWidget>
-#include <QTimer>
-#include <QToolBar>
-
-#include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
 namespace kse {
 
 namespace {
-
-constexpr int toolbarIconSize = 18;
-const QString toolbarVisibleKey = u"Appearance/ToolbarVisible"_s;
 
 /// Ctrl+= is how Ctrl++ is typed on many keyboards; where the platform binds it to zooming in
 /// already, naming it twice would make it ambiguous and dead.
@@ -49,260 +51,313 @@ QList<QKeySequence> zoomInKeys()
     return keys;
 }
 
+/// Appends an action that calls `slot` of `receiver` to `menu`.
+template <typename Receiver, typename Slot>
+QAction* addCommand(QMenu* menu, const QString& name, const QString& text, Receiver* receiver,
+                    Slot slot)
+{
+    QAction* action = menu->addAction(text);
+    action->setObjectName(name);
+    QObject::connect(action, &QAction::triggered, receiver, slot);
+    return action;
+}
+
 } // namespace
 
-void MainWindow::createActions()
+void MainWindow::createFileMenu()
 {
-    const auto create = [this](const QString& name, const QString& text,
-                               const QList<QKeySequence>& keys = {}) {
-        auto* action = new QAction(text, this);
-        action->setObjectName(name);
-        action->setShortcuts(keys);
-        return action;
-    };
-    m_actOpen = create(u"actOpen"_s, tr("&Open settings file..."),
-                       QKeySequence::keyBindings(QKeySequence::Open));
-    m_actReload = create(u"actReload"_s, tr("&Reload from disk"),
-                         QKeySequence::keyBindings(QKeySequence::Refresh));
-    m_actSave =
-        create(u"actSave"_s, tr("&Save changes..."), QKeySequence::keyBindings(QKeySequence::Save));
-    m_actSave->setStatusTip(tr("Review the pending changes, then save"));
-    m_actRestore = create(u"actRestore"_s, tr("Restore &backup..."));
-    m_actBackups = create(u"actBackups"_s, tr("&Manage backups..."));
-    m_actRevert = create(u"actRevert"_s, tr("Revert &all changes"));
-    m_actFindModule =
-        create(u"actFindModule"_s, tr("Find &module data..."), {Qt::CTRL | Qt::Key_M});
+    QMenu* menu = menuBar()->addMenu(tr("&File"));
+    m_actOpen =
+        addCommand(menu, u"actOpen"_s, tr("&Open settings file..."), this, &MainWindow::onOpen);
+    m_actOpen->setShortcuts(QKeySequence::Open);
+    m_actReload =
+        addCommand(menu, u"actReload"_s, tr("&Reload from disk"), this, &MainWindow::onReload);
+    m_actReload->setShortcuts(QKeySequence::Refresh);
+    menu->addSeparator();
+    m_actFindModule = addCommand(menu, u"actFindModule"_s, tr("Find &module data..."), this,
+                                 &MainWindow::onFindModule);
+    m_actFindModule->setShortcut(Qt::CTRL | Qt::Key_M);
     m_actFindModule->setStatusTip(tr("Look up everything the file records about one module"));
-    m_actUnused = create(u"actUnused"_s, tr("&Unused module data"));
-    m_actUnused->setStatusTip(
-        tr("Modules with saved data that are no longer in PixInsight's module list"));
-    m_actHealth = create(u"actHealth"_s, tr("Run &health check"));
-    m_actHealth->setStatusTip(tr("Look for settings that are probably wrong"));
-    m_actToggleTheme =
-        create(u"actToggleTheme"_s, tr("Toggle light/dark"), {Qt::CTRL | Qt::SHIFT | Qt::Key_D});
-
-    m_actAbout = create(u"actAbout"_s, tr("&About Kestrane Settings Editor"));
-    m_actAbout->setMenuRole(QAction::AboutRole);
-
-    connect(m_actOpen, &QAction::triggered, this, &MainWindow::onOpen);
-    connect(m_actReload, &QAction::triggered, this, &MainWindow::onReload);
-    connect(m_actSave, &QAction::triggered, this, &MainWindow::onSave);
-    connect(m_actRestore, &QAction::triggered, this, &MainWindow::onRestoreBackup);
-    connect(m_actBackups, &QAction::triggered, this, &MainWindow::onManageBackups);
-    connect(m_actRevert, &QAction::triggered, this, &MainWindow::onRevertAll);
-    connect(m_actFindModule, &QAction::triggered, this, &MainWindow::onFindModule);
-    connect(m_actUnused, &QAction::triggered, this, &MainWindow::onUnusedModules);
-    connect(m_actHealth, &QAction::triggered, this, &MainWindow::onHealthCheck);
-    connect(m_actAbout, &QAction::triggered, this, &MainWindow::onAbout);
-    connect(m_actToggleTheme, &QAction::triggered, &ThemeManager::instance(),
-            &ThemeManager::toggle);
-}
-
-void MainWindow::createMenus()
-{
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    file->addActions({m_actOpen, m_actReload});
-    file->addSeparator();
-    file->addActions({m_actFindModule, m_actUnused, m_actHealth});
-    file->addSeparator();
-    file->addActions({m_actSave, m_actRestore, m_actBackups});
-    file->addSeparator();
-    QAction* quit = file->addAction(tr("&Quit"), this, &QWidget::close);
+    addCommand(menu, u"actUnused"_s, tr("&Unused module data"), this, &MainWindow::onUnusedModules)
+        ->setStatusTip(
+            tr("Modules with saved data that are no longer in PixInsight's module list"));
+    addCommand(menu, u"actHealth"_s, tr("Run &health check"), this, &MainWindow::onHealthCheck)
+        ->setStatusTip(tr("Look for settings that are probably wrong"));
+    menu->addSeparator();
+    m_actSave = addCommand(menu, u"actSave"_s, tr("&Save changes..."), this, &MainWindow::onSave);
+    m_actSave->setShortcuts(QKeySequence::Save);
+    m_actSave->setStatusTip(tr("Review the pending changes, then save"));
+    m_actRestore = addCommand(menu, u"actRestore"_s, tr("Restore &backup..."), this,
+                              &MainWindow::onRestoreBackup);
+    m_actBackups = addCommand(menu, u"actBackups"_s, tr("&Manage backups..."), this,
+                              &MainWindow::onManageBackups);
+    menu->addSeparator();
+    QAction* quit = menu->addAction(tr("&Quit"), this, &QWidget::close);
     quit->setShortcuts(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
-
-    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    edit->addAction(m_actRevert);
-    edit->addSeparator();
-    createThemeMenu(*edit->addMenu(tr("&Theme")));
-
-    QMenu* view = menuBar()->addMenu(tr("&View"));
-    view->addAction(tr("&Expand all"), m_advancedPage, &AllSettingsView::expandAll);
-    view->addAction(tr("&Collapse all"), m_advancedPage, &AllSettingsView::resetExpansion);
-    view->addSeparator();
-    ThemeManager* theme = &ThemeManager::instance();
-    view->addAction(tr("&Larger text"), theme, [theme] { theme->step(0.1); })
-        ->setShortcuts(zoomInKeys());
-    view->addAction(tr("&Smaller text"), theme, [theme] { theme->step(-0.1); })
-        ->setShortcuts(QKeySequence::ZoomOut);
-    view->addAction(tr("&Default text size"), theme, &ThemeManager::resetFontScale)
-        ->setShortcut(Qt::CTRL | Qt::Key_0);
-    view->addSeparator();
-    m_toolbar = addToolBar(tr("Main toolbar"));
-    view->addAction(m_toolbar->toggleViewAction());
-    m_toolbar->toggleViewAction()->setText(tr("&Toolbar"));
-
-    QMenu* help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(tr("&User Guide"), this, &showUserGuide);
-    help->addSeparator();
-    help->addAction(m_actAbout);
-    help->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)
-        ->setMenuRole(QAction::AboutQtRole);
 }
 
-void MainWindow::createThemeMenu(QMenu& menu)
+QAction* MainWindow::createEditMenu()
 {
+    QMenu* menu = menuBar()->addMenu(tr("&Edit"));
+    m_actRevert =
+        addCommand(menu, u"actRevert"_s, tr("Revert &all changes"), this, &MainWindow::onRevertAll);
+    menu->addSeparator();
+
+    QMenu* themes = menu->addMenu(tr("&Theme"));
     auto* group = new QActionGroup(this);
-    const auto add = [&](ThemeMode mode, const QString& text) {
-        QAction* action = menu.addAction(text);
+    ThemeManager* theme = &ThemeManager::instance();
+    const auto add = [themes, group, theme](ThemeMode mode, const QString& text) {
+        QAction* action =
+            themes->addAction(text, theme, [theme, mode] { theme->setMode(mode, true); });
         action->setCheckable(true);
-        action->setChecked(ThemeManager::instance().mode() == mode);
+        action->setChecked(theme->mode() == mode);
         group->addAction(action);
-        connect(action, &QAction::triggered, this,
-                [mode] { ThemeManager::instance().setMode(mode, true); });
-        m_themeActions.insert(mode, action);
+        connect(theme, &ThemeManager::changed, action, [theme, mode, action] {
+            if (theme->mode() == mode) {
+                action->setChecked(true);
+            }
+        });
     };
     add(ThemeMode::Light, tr("&Light"));
     add(ThemeMode::Dark, tr("&Dark"));
     add(ThemeMode::System, tr("Follow &system"));
-    menu.addSeparator();
-    menu.addAction(m_actToggleTheme);
+    themes->addSeparator();
+    QAction* toggleTheme = addCommand(themes, u"actToggleTheme"_s, tr("Toggle light/dark"), theme,
+                                      &ThemeManager::toggle);
+    toggleTheme->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
+    return toggleTheme;
 }
 
-void MainWindow::createToolBar()
+void MainWindow::createViewMenu()
 {
-    m_toolbar->setObjectName("MainToolbar"_L1);
-    m_toolbar->setMovable(false);
-    m_toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-    const auto add = [this](QAction* action, const QString& iconText, ToolbarIconKind kind) {
-        action->setIconText(iconText);
-        action->setIconVisibleInMenu(false);
-        m_toolbar->addAction(action);
-        m_toolbarEntries.append({action, kind});
-    };
-    add(m_actOpen, tr("Open"), ToolbarIconKind::Open);
-    add(m_actReload, tr("Reload"), ToolbarIconKind::Reload);
-    m_toolbar->addSeparator();
-    add(m_actSave, tr("Save"), ToolbarIconKind::Save);
-    add(m_actRevert, tr("Revert all"), ToolbarIconKind::Revert);
-    m_toolbar->addSeparator();
-    add(m_actFindModule, tr("Find module"), ToolbarIconKind::Find);
-    add(m_actBackups, tr("Backups"), ToolbarIconKind::Backups);
-    add(m_actRestore, tr("Restore"), ToolbarIconKind::Restore);
-    m_toolbar->addSeparator();
-    add(m_actToggleTheme, tr("Theme"), ToolbarIconKind::Theme);
-    m_toolbar->addSeparator();
-    add(m_actAbout, tr("About"), ToolbarIconKind::About);
+    QMenu* menu = menuBar()->addMenu(tr("&View"));
+    menu->addAction(tr("&Expand all"), m_advancedPage, &AllSettingsView::expandAll);
+    menu->addAction(tr("&Collapse all"), m_advancedPage, &AllSettingsView::resetExpansion);
+    menu->addSeparator();
+    ThemeManager* theme = &ThemeManager::instance();
+    menu->addAction(tr("&Larger text"), theme, [theme] { theme->step(0.1); })
+        ->setShortcuts(zoomInKeys());
+    menu->addAction(tr("&Smaller text"), theme, [theme] { theme->step(-0.1); })
+        ->setShortcuts(QKeySequence::ZoomOut);
+    menu->addAction(tr("&Default text size"), theme, &ThemeManager::resetFontScale)
+        ->setShortcut(Qt::CTRL | Qt::Key_0);
+    menu->addSeparator();
+    menu->addAction(m_toolbar->toggleViewAction());
+    m_toolbar->toggleViewAction()->setText(tr("&Toolbar"));
+}
 
-    m_toolbar->setVisible(QSettings().value(toolbarVisibleKey, true).toBool());
-    connect(m_toolbar, &QToolBar::visibilityChanged, this, [this](bool visible) {
-        // The toolbar also comes and goes with the window; that isn't the user's wish.
-        QSettings settings;
-        if (isVisible() && settings.value(toolbarVisibleKey, true).toBool() != visible) {
-            settings.setValue(toolbarVisibleKey, visible);
-        }
-        updateMinimumWidth();
+QAction* MainWindow::createHelpMenu()
+{
+    QMenu* menu = menuBar()->addMenu(tr("&Help"));
+    menu->addAction(tr("&User Guide"), this, &showUserGuide);
+    menu->addSeparator();
+    QAction* about = addCommand(menu, u"actAbout"_s, tr("&About Kestrane Settings Editor"), this,
+                                &MainWindow::onAbout);
+    about->setMenuRole(QAction::AboutRole);
+    menu->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)
+        ->setMenuRole(QAction::AboutQtRole);
+    return about;
+}
+
+void MainWindow::fillToolBar(QAction* toggleTheme, QAction* about)
+{
+    m_toolbar->addEntry(m_actOpen, tr("Open"), ToolbarIconKind::Open);
+    m_toolbar->addEntry(m_actReload, tr("Reload"), ToolbarIconKind::Reload);
+    m_toolbar->addSeparator();
+    m_toolbar->addEntry(m_actSave, tr("Save"), ToolbarIconKind::Save);
+    m_toolbar->addEntry(m_actRevert, tr("Revert all"), ToolbarIconKind::Revert);
+    m_toolbar->addSeparator();
+    m_toolbar->addEntry(m_actFindModule, tr("Find module"), ToolbarIconKind::Find);
+    m_toolbar->addEntry(m_actBackups, tr("Backups"), ToolbarIconKind::Backups);
+    m_toolbar->addEntry(m_actRestore, tr("Restore"), ToolbarIconKind::Restore);
+    m_toolbar->addSeparator();
+    m_toolbar->addEntry(toggleTheme, tr("Theme"), ToolbarIconKind::Theme);
+    m_toolbar->addSeparator();
+    m_toolbar->addEntry(about, tr("About"), ToolbarIconKind::About);
+    connect(m_toolbar, &QToolBar::visibilityChanged, this, &MainWindow::updateMinimumWidth);
+}
+
+void MainWindow::createKeys()
+{
+    auto* findKey = new QShortcut(QKeySequence(QKeySequence::Find), this);
+    connect(findKey, &QShortcut::activated, this, [this] {
+        m_tabs->setCurrentWidget(m_searchView);
+        m_searchView->focusQuery();
     });
+    // Actions of the window and of no menu. The tabs themselves turn the page only while the focus
+    // is in them, and not in one of their list boxes.
+    const auto add = [this](const QString& text, const QList<QKeySequence>& keys) {
+        auto* action = new QAction(text, this);
+        action->setShortcuts(keys);
+        addAction(action);
+        return action;
+    };
+    auto previousKeys = QKeySequence::keyBindings(QKeySequence::PreviousChild);
+    previousKeys.append(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab); // as Backtab it isn't found under X11
+    connect(add(tr("Next page"), QKeySequence::keyBindings(QKeySequence::NextChild)),
+            &QAction::triggered, this, [this] { turnPage(1); });
+    connect(add(tr("Previous page"), previousKeys), &QAction::triggered, this,
+            [this] { turnPage(m_tabs->count() - 1); });
+    connect(add(tr("User Guide"), QKeySequence::keyBindings(QKeySequence::HelpContents)),
+            &QAction::triggered, this, &showUserGuide);
 }
 
-void MainWindow::connectTheme()
+void MainWindow::turnPage(int step)
 {
-    const ThemeManager* theme = &ThemeManager::instance();
-    updateStatusBarStyle();
-    // A letter that reaches out of its line would stay behind when the message goes.
-    connect(statusBar(), &QStatusBar::messageChanged, statusBar(), qOverload<>(&QWidget::update));
-    connect(theme, &ThemeManager::changed, this, &MainWindow::updateStatusBarStyle);
-    refreshToolbarIcons();
-    connect(theme, &ThemeManager::changed, this, &MainWindow::refreshToolbarIcons);
-    connect(theme, &ThemeManager::changed, this, &MainWindow::onThemeChanged);
-}
-
-void MainWindow::onThemeChanged()
-{
-    const ThemeManager& theme = ThemeManager::instance();
-    m_themeActions.value(theme.mode())->setChecked(true);
-    refreshBanner();
-    if (std::abs(theme.fontScale() - m_lastFontScale) > 1e-6) {
-        m_lastFontScale = theme.fontScale();
-        const int percent = qRound(m_lastFontScale * 100 / 1.25);
-        showStatus(tr("Text size %1%").arg(percent), 3000);
-    }
-}
-
-void MainWindow::updateStatusBarStyle()
-{
-    statusBar()->setStyleSheet(u"QStatusBar { background: palette(midlight); border-top: 1px solid "
-                               u"palette(mid); }"_s);
-}
-
-void MainWindow::refreshToolbarIcons()
-{
-    const QPalette palette = QGuiApplication::palette();
-    const QColor normal = palette.color(QPalette::Active, QPalette::ButtonText);
-    const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
-    m_toolbar->setIconSize({toolbarIconSize, toolbarIconSize});
-    QFont toolbarFont = QApplication::font(); // the window's own may still be the former one
-    toolbarFont.setPointSizeF(std::max(toolbarFont.pointSizeF() * 0.62, 6.5));
-    m_toolbar->setFont(toolbarFont);
-    const auto children = m_toolbar->findChildren<QWidget*>();
-    for (QWidget* child : children) {
-        child->setFont(toolbarFont); // a new font of the application comes before the toolbar's
-    }
-    m_toolbar->setMaximumHeight(QFontMetrics(toolbarFont).lineSpacing() + 39);
-    m_toolbar->setStyleSheet(
-        u"QToolBar QToolButton {  border-width: %1px; border-style: solid;  border-top-color: "
-        u"palette(light); border-left-color: palette(light);  border-bottom-color: palette(dark); "
-        u"border-right-color: palette(dark);  border-radius: 2px; padding: %2px %3px; background: "
-        u"palette(button); }QToolBar QToolButton:hover { background: palette(midlight); }QToolBar "
-        u"QToolButton:pressed {  border-top-color: palette(dark); border-left-color: "
-        u"palette(dark);  border-bottom-color: palette(light); border-right-color: "
-        u"palette(light);  background: palette(midlight); }QToolBar QToolButton:disabled { "
-        u"border-color: palette(mid); background: transparent; }"_s.arg(1)
-            .arg(3)
-            .arg(4));
-    updateMinimumWidth();
-    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
-    for (const auto& [action, kind] : std::as_const(m_toolbarEntries)) {
-        action->setIcon(
-            makeToolbarIcon(kind, normal, disabled, toolbarIconSize, devicePixelRatio()));
-    }
-}
-
-void MainWindow::updateMinimumWidth()
-{
-    for (int i = 0; i < m_tabs->count(); ++i) {
-        m_tabs->widget(i)->layout()->activate(); // a page that isn't in front doesn't by itself
-    }
-    m_tabs->updateGeometry();
-    int width = centralWidget()->minimumSizeHint().width();
-    if (m_toolbar->isVisible()) {
-        m_toolbar->layout()->activate();
-        m_toolbar->updateGeometry();
-        width = std::max(width, m_toolbar->sizeHint().width());
-    }
-    // What only the former minimum asked for is given back.
-    const bool isForced = m_chosenWidth < minimumWidth() && this->width() == minimumWidth();
-    if (!isForced) {
-        m_chosenWidth = this->width();
-    }
-    setMinimumWidth(width);
-    if (isForced && !isMaximized() && !isFullScreen()) {
-        resize(std::max(width, m_chosenWidth), height());
-    }
-    if (m_chosenWidth < width) {
-        keepOnScreen();
-    }
-}
-
-void MainWindow::keepOnScreen()
-{
-    if (isMaximized() || isFullScreen()) {
+    if (!m_openEditor->commit()) {
         return;
     }
-    const QRect room = screen()->availableGeometry();
-    QSize frame = frameGeometry().size() - size();
-    if (frame.isNull()) { // not known before the window is shown
-        const int border = style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, this);
-        const int title = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
-        frame = {2 * border, title + border};
+    if (!m_tabs->isAncestorOf(focusWidget())) {
+        m_tabs->setFocus(Qt::ShortcutFocusReason);
     }
-    resize(size().boundedTo(room.size() - frame));
-    if (isVisible()) {
-        const QPoint last = room.topLeft() + QPoint(room.width() - width() - frame.width(),
-                                                    room.height() - height() - frame.height());
-        move(std::max(room.left(), std::min(x(), last.x())),
-             std::max(room.top(), std::min(y(), last.y())));
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + step) % m_tabs->count());
+}
+
+bool MainWindow::onSave()
+{
+    if (!m_openEditor->commit()) {
+        return false;
     }
+    if (pendingCount() == 0) {
+        return true;
+    }
+    QString error;
+    if (!SettingsStore::isPixInsightClosed(&error)) { // rather than after the review
+        pollEnvironment();
+        report(QMessageBox::Critical, tr("Save failed"), error);
+        return false;
+    }
+    const TreeGuard guard(m_model);
+    const int answer = ReviewDialog(m_model, &m_store.document, this, &m_schema).exec();
+    if (answer != QDialog::Accepted || !guard.isSameTree()) {
+        return false;
+    }
+    if (pendingCount() == 0) {
+        return true;
+    }
+    QString backupPath;
+    QString remark;
+    const auto save = [&] {
+        const WaitCursor wait;
+        return m_store.save(&error, &backupPath, &remark);
+    };
+    // A save without deletions destroys no node, so the tree keeps its expansion.
+    const bool destroysNodes = !m_store.document.deletions().isEmpty();
+    const bool saved = destroysNodes ? replaceTree(save) : save();
+    if (!saved) {
+        report(QMessageBox::Critical, tr("Save failed"), error, remark);
+        pollEnvironment();
+        return false;
+    }
+    m_model->refreshAll();
+    showStatus(tr("Saved. Backup: %1").arg(QFileInfo(backupPath).fileName()), 10000);
+    rebuildFileBox();
+    refreshBanner();
+    if (!remark.isEmpty()) {
+        report(QMessageBox::Warning, tr("Save changes"), remark);
+    }
+    return true;
+}
+
+void MainWindow::onRestoreBackup()
+{
+    if (!m_store.loaded || !m_openEditor->commit()) {
+        return;
+    }
+    const QString title = tr("Restore backup");
+    const QString path = m_store.path;
+    const QStringList backups = PixInsightEnv::backupsOf(path);
+    if (backups.isEmpty()) {
+        showMessage(this, QMessageBox::Information, title,
+                    tr("No backups were found next to the settings file."));
+        return;
+    }
+    QStringList lines;
+    for (const QString& backup : backups) {
+        const QFileInfo info(backup);
+        lines.append(tr("%1   (%2, %3 KiB)")
+                         .arg(info.fileName(),
+                              info.lastModified().toString(u"yyyy-MM-dd HH:mm:ss"_s),
+                              QString::number(info.size() / 1024)));
+    }
+    bool chosen = false;
+    const QString line = QInputDialog::getItem(this, title, tr("Backup to restore (newest first):"),
+                                               lines, 0, false, &chosen);
+    if (!chosen || !confirmDiscard(tr("Restoring discards them."))) {
+        return;
+    }
+    const QString backup = backups.value(lines.indexOf(line));
+    const QString question = tr("Replace the current settings file with\n%1\n\nThe current file "
+                                "is backed up first.")
+                                 .arg(QFileInfo(backup).fileName());
+    PlainMessageBox box(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No,
+                        this);
+    box.setDefaultButton(QMessageBox::No);
+    if (isMissing(path)) {
+        box.setPlainInformativeText(tr("The file is missing, so there is nothing to back up."));
+    }
+    if (box.exec() == QMessageBox::Yes && m_store.loaded && m_store.path == path) {
+        restoreFrom(backup);
+    }
+}
+
+void MainWindow::restoreFrom(const QString& backup)
+{
+    QString error;
+    QString remark;
+    const bool restored = replaceTree([&] {
+        const WaitCursor wait;
+        return m_store.restoreBackup(backup, &error, &remark);
+    });
+    m_staleOnDisk = !restored && m_store.isChangedOnDisk();
+    refreshBanner();
+    if (!restored) {
+        report(QMessageBox::Critical, tr("Restore failed"), error, remark);
+        return;
+    }
+    showStatus(tr("Restored %1").arg(QFileInfo(backup).fileName()), 8000);
+    if (!remark.isEmpty()) {
+        report(QMessageBox::Warning, tr("Restore backup"), remark);
+    }
+}
+
+void MainWindow::onManageBackups()
+{
+    if (!m_store.loaded) {
+        return;
+    }
+    BackupsDialog dialog(m_store.path, this);
+    connect(&dialog, &BackupsDialog::message, this,
+            [this](const QString& text) { showStatus(text, 10000); });
+    dialog.exec();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!m_openEditor->commit()) {
+        event->ignore(); // the user has to see what became of the text
+        return;
+    }
+    const qsizetype pending = pendingCount();
+    if (pending > 0) {
+        PlainMessageBox box(QMessageBox::Question, tr("Unsaved changes"),
+                            tr("You have %n unsaved change(s).", nullptr, int(pending)),
+                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+        box.setDefaultButton(QMessageBox::Save);
+        if (!SettingsStore::isPixInsightClosed()) {
+            box.setPlainInformativeText(
+                tr("PixInsight is running, so they cannot be saved now. Close PixInsight first."));
+        }
+        const int answer = box.exec();
+        const bool stay =
+            answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !onSave());
+        if (stay) {
+            event->ignore();
+            return;
+        }
+    }
+    event->accept();
 }
 
 void MainWindow::onRevertAll()
@@ -323,7 +378,7 @@ void MainWindow::onRevertAll()
 
 void MainWindow::onAbout()
 {
-    AboutDialog(m_store.loaded ? m_store.path : QString(), recordedVersion(), this).exec();
+    AboutDialog(openPath(), recordedVersion(), this).exec();
 }
 
 QString MainWindow::recordedVersion() const
@@ -344,26 +399,77 @@ QString MainWindow::recordedVersion() const
     return version + u" ["_s + last + u']';
 }
 
-bool MainWindow::event(QEvent* event)
+bool MainWindow::hasFile(const QString& title)
 {
-    if (event->type() == QEvent::StatusTip && !m_said.isEmpty() &&
-        statusBar()->currentMessage() == m_said) {
-        return true; // the mouse on a button doesn't cut short what was said
+    if (!m_store.loaded) {
+        showMessage(this, QMessageBox::Information, title, tr("Open a settings file first."));
     }
-    const bool handled = QMainWindow::event(event);
-    if (changesPixelRatio(*event)) {
-        refreshToolbarIcons();
-    }
-    return handled;
+    return m_store.loaded;
 }
 
-void MainWindow::showEvent(QShowEvent* event)
+void MainWindow::onHealthCheck()
 {
-    if (!event->spontaneous()) {
-        keepOnScreen();
+    if (hasFile(tr("Health check"))) {
+        m_healthView->run(); // first: shown unchecked, it would run by itself and then again
+        m_tabs->setCurrentWidget(m_healthView);
     }
-    QMainWindow::showEvent(event);
-    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
+}
+
+void MainWindow::onUnusedModules()
+{
+    if (hasFile(tr("Unused module data"))) {
+        m_unusedModulesView->refresh();
+        m_tabs->setCurrentWidget(m_unusedModulesView);
+    }
+}
+
+void MainWindow::onFindModule()
+{
+    const QString title = tr("Find module data");
+    if (!hasFile(title)) {
+        return;
+    }
+    ModuleSearchDialog dialog(knownModules(m_store.document), this);
+    if (dialog.exec() != QDialog::Accepted || !m_store.loaded) {
+        return;
+    }
+    const QString text = dialog.moduleName();
+    if (dialog.mode() == ModuleSearchMode::Full) {
+        searchEverywhere(text);
+        return;
+    }
+    const ModuleSearch found(m_store.document, text);
+    if (found.nodes.isEmpty()) {
+        const QString question =
+            tr("Nothing recorded for \"%1\" in the places module names usually go.\n\nRun a full "
+               "search instead?")
+                .arg(text);
+        if (askQuestion(this, title, question, QMessageBox::Yes | QMessageBox::No,
+                        QMessageBox::Yes) == QMessageBox::Yes &&
+            m_store.loaded) {
+            searchEverywhere(text);
+        }
+        return;
+    }
+    m_tabs->setCurrentWidget(m_searchView);
+    m_searchView->showRestricted(found.nodes, found.banner);
+    m_searchView->focusQuery();
+}
+
+void MainWindow::searchEverywhere(const QString& text)
+{
+    m_tabs->setCurrentWidget(m_searchView);
+    m_searchView->searchEverywhere(text);
+    m_searchView->focusQuery();
+}
+
+void MainWindow::revealNode(XsdtNode* node)
+{
+    if (!node) {
+        return;
+    }
+    m_tabs->setCurrentWidget(m_advancedPage);
+    m_advancedPage->reveal(node);
 }
 
 } // namespace kse

@@ -1,18 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 
+#include "app/BannerRow.h"
+#include "app/MainToolBar.h"
 #include "app/OpenEditor.h"
+#include "app/OpenFileBox.h"
+#include "app/ThemeManager.h"
 #include "session/PixInsightEnv.h"
 #include "views/model/SettingsModel.h"
+#include "widgets/Announcement.h"
+#include "widgets/MessageBox.h"
+#include "widgets/PixelRatio.h"
 #include "widgets/PlainText.h"
 
-#include <QAccessible>
 #include <QAction>
-#include <QComboBox>
 #include <QDir>
-#include <QLabel>
-#include <QPushButton>
-#include <QTextDocumentFragment>
+#include <QEvent>
+#include <QLayout>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTimer>
+
+#include <cmath>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
 
 namespace kse {
 
@@ -35,10 +47,10 @@ void MainWindow::pollEnvironment()
         setPagesReadOnly();
     }
     // An unchanged list is left alone, so that an open drop-down isn't disturbed.
-    if (PixInsightEnv::findSettingsFiles() != m_knownFiles) {
+    if (m_fileBox->isOutdated()) {
         rebuildFileBox();
     } else if (m_staleOnDisk || wasStale) {
-        refreshFileBoxItem(); // it may be missing
+        m_fileBox->refreshItem(openPath()); // it may be missing
     }
     if (m_running != wasRunning || m_staleOnDisk != wasStale) {
         refreshBanner(); // which walks over the whole tree
@@ -71,36 +83,11 @@ void MainWindow::refreshBanner()
                   "unaffected; saving will rewrite it in PixInsight's compact layout.");
         colour = QColor(80, 160, 255, 70);
     }
-    m_bannerReload->setVisible(offersReload);
-    // Not each time that a number in it rises.
-    const bool isNews =
-        m_bannerLabel->isHidden() || m_bannerLabel->palette().color(QPalette::Window) != colour;
-    m_bannerLabel->setVisible(!text.isEmpty());
-    if (!text.isEmpty()) {
-        if (isNews) {
-            announce(QTextDocumentFragment::fromHtml(text).toPlainText());
-        }
-        m_bannerLabel->setText(text);
-        QPalette palette = m_bannerLabel->palette();
-        palette.setBrush(QPalette::Window, colour);
-        m_bannerLabel->setPalette(palette);
-    }
+    m_banner->showText(text, colour, offersReload);
     refreshActions(pending);
     setWindowTitle(
         tr("Kestrane Settings Editor%1")
             .arg(pending > 0 ? tr(" - %n unsaved change(s)", nullptr, int(pending)) : QString()));
-}
-
-/// Has a screen reader say what shows where the focus isn't.
-// NOLINTNEXTLINE(readability-convert-member-functions-to-static): with Qt 6.8 the window speaks.
-void MainWindow::announce(const QString& text)
-{
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    QAccessibleAnnouncementEvent event(this, text);
-    QAccessible::updateAccessibility(&event);
-#else
-    Q_UNUSED(text) // Qt only reports that the label or the status bar has another text
-#endif
 }
 
 void MainWindow::refreshActions(qsizetype pending)
@@ -111,6 +98,102 @@ void MainWindow::refreshActions(qsizetype pending)
     m_actRestore->setEnabled(loaded && !m_running);
     m_actBackups->setEnabled(loaded);
     m_actRevert->setEnabled(pending > 0);
+}
+
+void MainWindow::report(QMessageBox::Icon icon, const QString& title, const QString& text,
+                        const QString& informativeText)
+{
+    if (m_messages == Messages::Boxes) {
+        showMessage(this, icon, title, text, informativeText);
+        return;
+    }
+    const QString line = title + u": "_s + text +
+                         (informativeText.isEmpty() ? QString() : u' ' + informativeText) + u'\n';
+    std::fputs(line.toLocal8Bit().constData(), stderr);
+}
+
+void MainWindow::showRejection(const QString& reason)
+{
+    m_openEditor->noteRejection();
+    showStatus(tr("Not accepted - %1").arg(reason), 8000);
+}
+
+void MainWindow::showStatus(const QString& text, int milliseconds)
+{
+    const QString shown = withoutMiddle(text, lineLimit);
+    m_said = shown;
+    statusBar()->showMessage(shown, milliseconds);
+    announce(statusBar(), shown);
+}
+
+void MainWindow::connectTheme()
+{
+    const ThemeManager* theme = &ThemeManager::instance();
+    updateStatusBarStyle();
+    connect(theme, &ThemeManager::changed, this, &MainWindow::updateStatusBarStyle);
+    // A letter that reaches out of its line would stay behind when the message goes.
+    connect(statusBar(), &QStatusBar::messageChanged, statusBar(), qOverload<>(&QWidget::update));
+    refreshToolbarIcons();
+    connect(theme, &ThemeManager::changed, this, &MainWindow::refreshToolbarIcons);
+    connect(theme, &ThemeManager::changed, this, &MainWindow::onThemeChanged);
+}
+
+void MainWindow::onThemeChanged()
+{
+    const ThemeManager& theme = ThemeManager::instance();
+    refreshBanner();
+    if (std::abs(theme.fontScale() - m_lastFontScale) > 1e-6) {
+        m_lastFontScale = theme.fontScale();
+        const int percent = qRound(m_lastFontScale * 100 / 1.25);
+        showStatus(tr("Text size %1%").arg(percent), 3000);
+    }
+}
+
+void MainWindow::updateStatusBarStyle()
+{
+    statusBar()->setStyleSheet(u"QStatusBar { background: palette(midlight); border-top: 1px solid "
+                               u"palette(mid); }"_s);
+}
+
+void MainWindow::refreshToolbarIcons()
+{
+    m_toolbar->refresh();
+    updateMinimumWidth();
+    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
+}
+
+void MainWindow::updateMinimumWidth()
+{
+    for (int i = 0; i < m_tabs->count(); ++i) {
+        m_tabs->widget(i)->layout()->activate(); // a page that isn't in front doesn't by itself
+    }
+    m_tabs->updateGeometry();
+    int width = centralWidget()->minimumSizeHint().width();
+    if (m_toolbar->isVisible()) {
+        m_toolbar->layout()->activate();
+        m_toolbar->updateGeometry();
+        width = std::max(width, m_toolbar->sizeHint().width());
+    }
+    fitMinimumWidth(width);
+}
+
+bool MainWindow::event(QEvent* event)
+{
+    if (event->type() == QEvent::StatusTip && !m_said.isEmpty() &&
+        statusBar()->currentMessage() == m_said) {
+        return true; // the mouse on a button doesn't cut short what was said
+    }
+    const bool handled = FittedWindow::event(event);
+    if (changesPixelRatio(*event)) {
+        refreshToolbarIcons();
+    }
+    return handled;
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    FittedWindow::showEvent(event);
+    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
 }
 
 } // namespace kse

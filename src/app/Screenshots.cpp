@@ -19,7 +19,6 @@
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QSize>
 #include <QTabWidget>
 #include <QTreeWidget>
@@ -128,7 +127,7 @@ void Screenshots::grabComparison()
     QString other;
     const QStringList files = PixInsightEnv::findSettingsFiles();
     for (const QString& file : files) {
-        if (QFileInfo(file) != QFileInfo(m_store.path)) {
+        if (!PixInsightEnv::isSameFile(file, m_store.path)) {
             other = file;
         }
     }

@@ -181,6 +181,11 @@ QString spelledAsOnDisk(const QString& path)
     return other == found.end() ? path : folder.filePath(*other);
 }
 
+bool isSameFile(const QString& path, const QString& other)
+{
+    return !path.isEmpty() && !other.isEmpty() && QFileInfo(path) == QFileInfo(other);
+}
+
 QStringList backupsOf(const QString& settingsPath)
 {
     const QFileInfo settings(settingsPath);

@@ -61,6 +61,9 @@ namespace PixInsightEnv {
 /// file: its backups go by the name.
 [[nodiscard]] QString spelledAsOnDisk(const QString& path);
 
+/// Whether both name the same file; an empty path names none.
+[[nodiscard]] bool isSameFile(const QString& path, const QString& other);
+
 /// Absolute paths of the backups beside `settingsPath`, newest modification first: regular files
 /// whose name is the file's own, taken literally, followed by ".bak-" and anything.
 [[nodiscard]] QStringList backupsOf(const QString& settingsPath);

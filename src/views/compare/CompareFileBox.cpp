@@ -3,7 +3,6 @@
 
 #include "session/PixInsightEnv.h"
 
-#include <QFileInfo>
 #include <QSignalBlocker>
 
 using namespace Qt::StringLiterals;
@@ -44,10 +43,10 @@ void CompareFileBox::refill()
     addItem(tr("Choose a file to compare with..."), QString());
     int current = 0;
     const auto add = [&](const QString& path, const QString& label) {
-        if (isSameFile(path, m_thisPath)) {
+        if (PixInsightEnv::isSameFile(path, m_thisPath)) {
             return;
         }
-        if (isSameFile(path, m_otherPath)) {
+        if (PixInsightEnv::isSameFile(path, m_otherPath)) {
             current = count();
         }
         addItem(label.arg(PixInsightEnv::describeFile(path)), path);
@@ -67,11 +66,6 @@ void CompareFileBox::refill()
     }
     addItem(tr("Browse..."), u"?"_s);
     setCurrentIndex(current);
-}
-
-bool isSameFile(const QString& path, const QString& other)
-{
-    return !path.isEmpty() && !other.isEmpty() && QFileInfo(path) == QFileInfo(other);
 }
 
 } // namespace kse

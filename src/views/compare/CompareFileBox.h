@@ -32,7 +32,4 @@ private:
     QString m_otherPath;
 };
 
-/// Whether both name the same file; an empty path names none.
-[[nodiscard]] bool isSameFile(const QString& path, const QString& other);
-
 } // namespace kse

@@ -2,6 +2,7 @@
 #include "views/compare/CompareView.h"
 
 #include "schema/DeletePolicy.h"
+#include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
 #include "views/compare/CompareFileBox.h"
 #include "views/compare/CompareRow.h"
@@ -187,7 +188,7 @@ void CompareView::setDocument(XsdtDocument* document, const QString& path)
     clearEntries();
     m_document = document;
     m_thisPath = path;
-    if (m_document && isSameFile(m_otherPath, path)) {
+    if (m_document && PixInsightEnv::isSameFile(m_otherPath, path)) {
         forgetOther();
     }
     m_fileCombo->setFiles(m_thisPath, m_otherPath);
@@ -213,7 +214,7 @@ bool CompareView::compareWith(const QString& path, QString* error)
     clearEntries();
     QString reason;
     QByteArray bytes;
-    if (isSameFile(path, m_thisPath)) {
+    if (PixInsightEnv::isSameFile(path, m_thisPath)) {
         reason = tr("That is the file being edited.");
     } else if (SettingsStore::readFile(path, bytes, &reason)) {
         if (parseSettings(m_other, bytes, path, &reason)) {

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "app/BannerRow.h"
+
+#include "widgets/Announcement.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTextDocumentFragment>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+BannerRow::BannerRow()
+{
+    m_bannerLabel = new QLabel;
+    m_bannerLabel->setObjectName("bannerLabel"_L1);
+    m_bannerLabel->setWordWrap(true);
+    m_bannerLabel->setMargin(8);
+    m_bannerLabel->setAutoFillBackground(true);
+    m_bannerReload = new QPushButton(tr("Reload"));
+    m_bannerReload->setObjectName("bannerReload"_L1);
+    connect(m_bannerReload, &QPushButton::clicked, this, &BannerRow::reloadRequested);
+    addWidget(m_bannerLabel, 1);
+    addWidget(m_bannerReload);
+}
+
+void BannerRow::showText(const QString& text, const QColor& colour, bool offersReload)
+{
+    m_bannerReload->setVisible(offersReload);
+    QPalette palette = m_bannerLabel->palette();
+    // A number in the text that rises isn't news.
+    const bool isNews = m_bannerLabel->isHidden() || palette.color(QPalette::Window) != colour;
+    m_bannerLabel->setVisible(!text.isEmpty());
+    if (text.isEmpty()) {
+        return;
+    }
+    if (isNews) {
+        announce(m_bannerLabel, QTextDocumentFragment::fromHtml(text).toPlainText());
+    }
+    m_bannerLabel->setText(text);
+    palette.setBrush(QPalette::Window, colour);
+    m_bannerLabel->setPalette(palette);
+}
+
+} // namespace kse

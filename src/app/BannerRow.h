@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QHBoxLayout>
+
+class QLabel;
+class QPushButton;
+
+namespace kse {
+
+/// The row that warns of PixInsight running and of a file that changed on disk. A layout, since a
+/// hidden widget would leave a gap.
+class BannerRow : public QHBoxLayout
+{
+    Q_OBJECT
+
+public:
+    BannerRow();
+
+    /// Shows `text` on `colour`, and "Reload" if `offersReload`. An empty text hides the row.
+    void showText(const QString& text, const QColor& colour, bool offersReload);
+
+signals:
+    void reloadRequested();
+
+private:
+    QLabel* m_bannerLabel = nullptr;
+    QPushButton* m_bannerReload = nullptr;
+};
+
+} // namespace kse

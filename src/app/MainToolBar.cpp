@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "app/MainToolBar.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QSettings>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace kse {
+
+namespace {
+
+constexpr int iconExtent = 18;
+const QString visibleKey = u"Appearance/ToolbarVisible"_s;
+
+} // namespace
+
+MainToolBar::MainToolBar(const QString& title, QWidget* parent)
+    : QToolBar(title, parent)
+{
+    setObjectName("MainToolbar"_L1);
+    setMovable(false);
+    setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    setVisible(QSettings().value(visibleKey, true).toBool());
+    connect(this, &QToolBar::visibilityChanged, this, &MainToolBar::onVisibilityChanged);
+}
+
+void MainToolBar::addEntry(QAction* action, const QString& iconText, ToolbarIconKind kind)
+{
+    action->setIconText(iconText);
+    action->setIconVisibleInMenu(false);
+    addAction(action);
+    m_toolbarEntries.append({action, kind});
+}
+
+void MainToolBar::refresh()
+{
+    const QPalette palette = QGuiApplication::palette();
+    const QColor normal = palette.color(QPalette::Active, QPalette::ButtonText);
+    const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
+    setIconSize({iconExtent, iconExtent});
+    QFont font = QApplication::font(); // the toolbar's own may still be the former one
+    font.setPointSizeF(std::max(font.pointSizeF() * 0.62, 6.5));
+    setFont(font);
+    const auto children = findChildren<QWidget*>();
+    for (QWidget* child : children) {
+        child->setFont(font); // a new font of the application comes before the toolbar's
+    }
+    setMaximumHeight(QFontMetrics(font).lineSpacing() + 39);
+    setStyleSheet(
+        u"QToolBar QToolButton {  border-width: %1px; border-style: solid;  border-top-color: "
+        u"palette(light); border-left-color: palette(light);  border-bottom-color: palette(dark); "
+        u"border-right-color: palette(dark);  border-radius: 2px; padding: %2px %3px; background: "
+        u"palette(button); }QToolBar QToolButton:hover { background: palette(midlight); }QToolBar "
+        u"QToolButton:pressed {  border-top-color: palette(dark); border-left-color: "
+        u"palette(dark);  border-bottom-color: palette(light); border-right-color: "
+        u"palette(light);  background: palette(midlight); }QToolBar QToolButton:disabled { "
+        u"border-color: palette(mid); background: transparent; }"_s.arg(1)
+            .arg(3)
+            .arg(4));
+    for (const auto& [action, kind] : std::as_const(m_toolbarEntries)) {
+        action->setIcon(makeToolbarIcon(kind, normal, disabled, iconExtent, devicePixelRatio()));
+    }
+}
+
+void MainToolBar::onVisibilityChanged(bool visible)
+{
+    // The toolbar also comes and goes with the window; that isn't the user's wish.
+    QSettings settings;
+    if (window()->isVisible() && settings.value(visibleKey, true).toBool() != visible) {
+        settings.setValue(visibleKey, visible);
+    }
+}
+
+} // namespace kse
