@@ -2,8 +2,11 @@
 #include "app/AboutDialog.h"
 
 #include "Revision.h"
+#include "document/XsdtDocument.h"
 #include "session/PixInsightEnv.h"
+#include "views/model/NodeLooks.h"
 #include "widgets/PixelRatio.h"
+#include "widgets/PlainText.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -225,6 +228,21 @@ QString AboutDialog::buildDetails(const QString& path, const QString& pixinsight
         u"Settings folders searched: %1"_s.arg(PixInsightEnv::settingsFoldersText()),
     };
     return lines.join(u'\n');
+}
+
+QString recordedVersion(const XsdtDocument& document)
+{
+    const auto valueOf = [&document](const QString& key) {
+        const XsdtNode* node = document.root.childByKey(key);
+        const bool isValue = node && node->kind == XsdtNode::Kind::Value;
+        return isValue ? displayValue(*node, node->value, shortLimit) : QString();
+    };
+    const QString version = valueOf(u"PixInsight"_s);
+    const QString last = valueOf(u"LastVersion"_s);
+    if (version.isEmpty() || last.isEmpty()) {
+        return version + last;
+    }
+    return version + u" ["_s + last + u']';
 }
 
 } // namespace kse

@@ -10,6 +10,8 @@ class QScrollArea;
 
 namespace kse {
 
+struct XsdtDocument;
+
 /// What the program is, how it protects the user's settings, and details to paste into a report of
 /// a fault.
 class AboutDialog : public QDialog
@@ -42,5 +44,8 @@ private:
     QLabel* m_notice = nullptr;
     QPushButton* m_copy = nullptr;
 };
+
+/// The PixInsight versions that `document` records, in one line; empty if there are none.
+[[nodiscard]] QString recordedVersion(const XsdtDocument& document);
 
 } // namespace kse

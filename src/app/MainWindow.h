@@ -150,7 +150,6 @@ private:
     /// Path of the open file; empty if none is open.
     QString openPath() const;
     qsizetype pendingCount() const;
-    QString recordedVersion() const;
 
     Messages m_messages;
     SettingsStore m_store;

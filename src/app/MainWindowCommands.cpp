@@ -13,7 +13,6 @@
 #include "session/dialogs/ReviewDialog.h"
 #include "views/cleanup/UnusedModulesView.h"
 #include "views/health/HealthView.h"
-#include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "views/model/TreeGuard.h"
 #include "views/search/ModuleSearch.h"
@@ -21,7 +20,6 @@
 #include "views/search/SearchView.h"
 #include "views/tree/AllSettingsView.h"
 #include "widgets/MessageBox.h"
-#include "widgets/PlainText.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -378,25 +376,8 @@ void MainWindow::onRevertAll()
 
 void MainWindow::onAbout()
 {
-    AboutDialog(openPath(), recordedVersion(), this).exec();
-}
-
-QString MainWindow::recordedVersion() const
-{
-    if (!m_store.loaded) {
-        return {};
-    }
-    const auto valueOf = [this](const QString& key) {
-        const XsdtNode* node = m_store.document.root.childByKey(key);
-        const bool isValue = node && node->kind == XsdtNode::Kind::Value;
-        return isValue ? displayValue(*node, node->value, shortLimit) : QString();
-    };
-    const QString version = valueOf(u"PixInsight"_s);
-    const QString last = valueOf(u"LastVersion"_s);
-    if (version.isEmpty() || last.isEmpty()) {
-        return version + last;
-    }
-    return version + u" ["_s + last + u']';
+    const QString version = m_store.loaded ? recordedVersion(m_store.document) : QString();
+    AboutDialog(openPath(), version, this).exec();
 }
 
 bool MainWindow::hasFile(const QString& title)
