@@ -7,11 +7,10 @@ class QWidget;
 
 namespace kse {
 
-/// The one editor of a window that may hold text which isn't in the document yet, and the moments
-/// at which it has to be: while it lives it watches the application, and commits before the Save
-/// shortcut is looked up (Save is still disabled if that text is the only change) and before a
-/// mouse press outside the editor and its own pop-ups takes effect. Where the text is turned down,
-/// shortcut and press do nothing, so that the user sees what became of it.
+/// Commits the text of a window's focused editor before a command needs it in the document. It
+/// watches the application, and commits before the Save shortcut is looked up (Save is disabled
+/// while that text is the only change) and before a mouse press outside the editor and its pop-ups
+/// takes effect. If the text is rejected, shortcut and press do nothing, so that the user sees it.
 class OpenEditor : public QObject
 {
     Q_OBJECT
@@ -21,10 +20,10 @@ public:
     explicit OpenEditor(QWidget* window);
 
     /// Hands the text of the open editor to the document, as Enter would, and closes an in-place
-    /// editor. False if it was turned down; true also if none is open.
+    /// editor. False if it was rejected; true also if none is open.
     bool commit();
 
-    /// Tells that a value was turned down, whoever wrote it.
+    /// Tells that a value was rejected, from any editor.
     void noteRejection() { m_rejected = true; }
 
     bool eventFilter(QObject* watched, QEvent* event) override;

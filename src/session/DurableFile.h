@@ -10,8 +10,8 @@ class QFileDevice;
 
 namespace kse {
 
-// What Qt leaves to the system on a file's way from and to the disk. On failure `error`, unless
-// null, gets the system's reason in words.
+// System calls for reading and writing files safely that Qt doesn't offer. On failure `error`,
+// unless null, gets the system's reason in words.
 
 /// Opens the regular file at `path`, links followed, for reading. Anything else fails at once, so
 /// that a pipe without a writer or a device can't stop the program.
@@ -21,24 +21,23 @@ namespace kse {
 [[nodiscard]] QString realPath(const QString& path, QString* error = nullptr);
 
 /// Gives the open `file` the owner and group of the file at `path`, so that a new file in its place
-/// is still its owner's when root writes it. False if root can't keep the owner, or if there is
-/// none to be told; whatever else isn't allowed is left. Does nothing on Windows, where a new file
-/// takes after its folder.
+/// is still its owner's when root writes it. False if root can't keep the owner, or if the owner
+/// can't be read; a change that the system doesn't allow is skipped. Does nothing on Windows, where
+/// a new file inherits from its folder.
 [[nodiscard]] bool keepOwner(QFileDevice& file, const QString& path, QString* error = nullptr);
 
-/// Has the system write `file`, which is open and flushed, to the disk itself. False if the
-/// system says that it failed.
+/// Has the system write `file`, which is open and flushed, to the disk. False if that failed.
 [[nodiscard]] bool flushToDisk(QFileDevice& file, QString* error = nullptr);
 
 /// The same for the name of the new or renamed file at `path`, so that it survives a power cut.
-/// What can't be opened for it, and a file system that knows no such flush, count as done.
+/// A folder that can't be opened and a file system without such a flush count as done.
 [[nodiscard]] bool flushName(const QString& path, QString* error = nullptr);
 
-/// Whether it is certain that nothing bears the name `path`, not even a link that leads nowhere.
+/// Whether it is certain that nothing has the name `path`, not even a link that leads nowhere.
 [[nodiscard]] bool isMissing(const QString& path);
 
-/// Whether `step` works. On Windows it is tried again for a second, since whoever looks into a new
-/// file, as virus scanners do, may let nobody move it meanwhile.
+/// Runs `step` until it returns true, and returns whether it did. Windows gets a second for it,
+/// since a virus scanner may hold a new file open; other systems try once.
 [[nodiscard]] bool retrying(const std::function<bool()>& step);
 
 /// Waits until the file at `path` can be replaced: on Windows, for the same reason and as long.

@@ -42,9 +42,8 @@ QString backupPrefix(const QFileInfo& settings)
     return settings.fileName() + ".bak-"_L1;
 }
 
-/// Whether there is a trash for files in `folder`, or the user can get one. Without one, Qt 6.4
-/// moves the file into a folder "files" beneath whichever folder is current, and says that it went
-/// to the trash.
+/// Whether there is a trash for files in `folder`, or one can be made. Without one, Qt 6.4 moves
+/// the file into a folder "files" in the current folder, and says that it went to the trash.
 bool hasTrash(const QString& folder)
 {
     if (thisPlatform != HostPlatform::Linux) {
@@ -190,7 +189,7 @@ QStringList backupsOf(const QString& settingsPath)
 {
     const QFileInfo settings(settingsPath);
     const QString prefix = backupPrefix(settings);
-    // Without a name filter, to which a `[` or `*` in the file's own name would be a pattern.
+    // No name filter: it would take a `[` or `*` in the file's own name for a pattern.
     QFileInfoList files =
         QDir(settings.absolutePath()).entryInfoList(QDir::Files | QDir::Hidden, QDir::NoSort);
     files.removeIf([&prefix](const QFileInfo& file) {

@@ -16,7 +16,7 @@ struct BackupPruneSet
     qint64 totalBytes = 0;
 };
 
-/// What came of removing backups.
+/// The result of removing backups.
 struct BackupRemoval
 {
     int removed = 0;
@@ -26,17 +26,18 @@ struct BackupRemoval
     QStringList failedPaths;
 };
 
-/// What the program knows of the PixInsight installation around it. Every call asks the system
-/// afresh; what can't be found or read gives an empty result, never a message.
+/// Finds the PixInsight processes, settings files and backups of this computer. Every call asks the
+/// system again. Missing or unreadable things give an empty result, never a message.
 namespace PixInsightEnv {
 
 /// Processes named as PixInsight's, whichever installation they belong to; empty also if the
 /// system can't tell.
 [[nodiscard]] QList<quint64> runningProcessIds();
 
-/// Where PixInsight keeps its settings on `platform`, with forward slashes, first come first, each
-/// once. `home` is the user's folder, `appData` the variable of that name, `genericConfig` the
-/// generic configuration folder; an empty one leaves out what is made of it where that is optional.
+/// The folders where PixInsight keeps its settings on `platform`: with forward slashes, each once,
+/// the first to search first. `home` is the user's folder, `appData` the variable of that name,
+/// `genericConfig` the generic configuration folder. An empty `appData` or `genericConfig` adds no
+/// folder.
 [[nodiscard]] QStringList settingsFoldersFor(HostPlatform platform, const QString& home,
                                              const QString& appData, const QString& genericConfig);
 

@@ -30,7 +30,7 @@ void say(QString* remark, const QString& text)
     }
 }
 
-/// Whether anything bears the name `path`, be it a link that leads nowhere.
+/// Whether anything has the name `path`, even a link that leads nowhere.
 bool isTaken(const QString& path)
 {
     return QFileInfo(path).isSymLink() || QFileInfo::exists(path);
@@ -274,7 +274,7 @@ bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QSt
         say(remark, why);
         return fail(error, u"Could not back up the current file first. Nothing was changed."_s);
     };
-    // Nothing else holds what the file is now, whatever that is: it may have changed since `load`.
+    // No other copy of the file's present content exists: it may have changed since `load`.
     QByteArray current;
     const bool gone = isMissing(path);
     if (!gone && !readFile(path, current, &reason)) {

@@ -10,11 +10,11 @@ namespace kse {
 
 class DeletePolicy;
 
-/// The edit session: which file is open, its tree, and what the program last knew the file's
-/// bytes to be. Pending changes live on the nodes; nothing here counts or tracks them.
+/// The edit session: the open file, its tree, and the hash of the content last read or written.
+/// Pending changes live on the nodes; nothing here counts or tracks them.
 ///
-/// `load`, `restoreBackup` and a `save` with deletions destroy nodes: whoever holds one lets go of
-/// it first. Messages are complete sentences for the user.
+/// `load`, `restoreBackup` and a `save` with deletions destroy nodes: callers drop all pointers to
+/// nodes first. Messages are complete sentences for the user.
 struct SettingsStore
 {
     QString path;          ///< The open file as handed to `load`.
@@ -31,14 +31,15 @@ struct SettingsStore
     /// read counts as changed; false while nothing is loaded. Reads and hashes the whole file.
     [[nodiscard]] bool isChangedOnDisk() const;
 
-    /// Whether no PixInsight runs; else `error` gets the sentence with which a save refuses then.
+    /// Whether PixInsight isn't running. If it is, `error` gets the sentence that a save fails
+    /// with.
     [[nodiscard]] static bool isPixInsightClosed(QString* error = nullptr);
 
     /// Writes the pending changes: guards, backup, atomic replacement, read-back; only then the
     /// changes become the saved state. True also if there was nothing to do.
     /// On success `backupPath` gets the backup made, and `remark` a caution if there is one: the
     /// disk may lose what was written. On failure the pending changes stay as they are, and
-    /// `remark` gets what else the user has to know: why there is no backup, or which one was made
+    /// `remark` gets what else the user must know: why there is no backup, or which one was made
     /// and whether the file had been replaced by then. Neither is touched otherwise; each may be
     /// null.
     [[nodiscard]] bool save(QString* error = nullptr, QString* backupPath = nullptr,

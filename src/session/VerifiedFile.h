@@ -26,8 +26,8 @@ namespace kse {
                                 const QDateTime& newerThan, QTemporaryFile& copy,
                                 QString* error = nullptr);
 
-/// Gives what `copyVerified` made the new name `to`, through to the disk. What bears that name
-/// already is left alone, but for a file system without hard links: look just before.
+/// Renames the copy that `copyVerified` made to `to`, through to the disk. A file of that name is
+/// left alone, except on a file system without hard links: check just before.
 [[nodiscard]] bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error = nullptr);
 
 /// Writes `bytes`, through to the disk, to `file`, which `commitVerified` can put in the place of

@@ -8,14 +8,13 @@ namespace kse {
 struct VariableInfo;
 struct XsdtNode;
 
-// What the texts of a change don't show by themselves: what editors show for them, as the name of a
-// choice or #AARRGGBB for a colour, and the blanks and line ends that they end in. Sentences for
-// the user; empty where there is nothing to say.
+// Remarks on what the texts of a change don't show: the name of a choice, #AARRGGBB for a colour,
+// and blanks and line ends at the end. Sentences for the user; empty if there is nothing to say.
 
-/// Of `node`, a value, its text on disk and the one it has now. `info` describes it.
+/// On an edit of `node`, a value that `info` describes: its text on disk and its text now.
 [[nodiscard]] QString editRemark(const XsdtNode& node, const VariableInfo& info);
 
-/// Of `node`, a value that goes. `info` describes it.
+/// On the removal of `node`, a value that `info` describes.
 [[nodiscard]] QString removalRemark(const XsdtNode& node, const VariableInfo& info);
 
 } // namespace kse

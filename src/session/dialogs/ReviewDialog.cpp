@@ -82,7 +82,7 @@ QVariant wholeText(const QModelIndex& index)
     const QModelIndex first = index.siblingAtColumn(ChangeColumn);
     const int kind = first.data(ReviewDialog::KindRole).toInt();
     const auto* node = first.data(ReviewDialog::NodeRole).value<XsdtNode*>();
-    if (!node && kind == ReviewDialog::RemovedValueRow) { // beneath the value itself
+    if (!node && kind == ReviewDialog::RemovedValueRow) { // a row inside the deleted value
         node = first.parent().data(ReviewDialog::NodeRole).value<XsdtNode*>();
     }
     if (node && index.column() == SettingColumn) {
@@ -385,7 +385,7 @@ void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
     if (deleted->kind == XsdtNode::Kind::Value) {
         addValue(*deleted, deleted->key, nullptr);
     } else {
-        // A path that is empty adds no separator to those beneath it.
+        // An empty path adds no separator to the paths inside.
         const QString path = deleted->path();
         const qsizetype prefix = path.isEmpty() ? 0 : path.size() + 1;
         qsizetype values = 0;

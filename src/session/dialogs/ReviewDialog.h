@@ -23,7 +23,7 @@ struct XsdtDocument;
 struct XsdtNode;
 
 /// Lists what a save would write and lets the user take any of it back, at once and for good.
-/// Accepted means: save. If the tree is replaced beneath it, the dialog rejects itself.
+/// Accepted means: save. If the tree is replaced meanwhile, the dialog rejects itself.
 class ReviewDialog : public QDialog
 {
     Q_OBJECT
