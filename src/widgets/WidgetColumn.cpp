@@ -37,8 +37,8 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
 void WidgetColumn::append(const QList<QWidget*>& widgets)
 {
     for (QWidget* widget : widgets) {
-        widget->resize(viewport()->width(),
-                       widget->height()); // saves a second layout when it is shown
+        // Saves a second layout when it is shown.
+        widget->resize(viewport()->width(), widget->height());
         m_layout->insertWidget(m_layout->count() - 2, widget);
     }
     m_items += widgets;

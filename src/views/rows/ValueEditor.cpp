@@ -56,8 +56,8 @@ public:
             m_box->addItem(choice.text, choice.value);
         }
         connect(m_box, &QComboBox::activated, this, [this](int item) {
-            if (!m_box->itemData(item, markerRole)
-                     .isValid()) { // that item stands for the stored value
+            // The marked item stands for the stored value.
+            if (!m_box->itemData(item, markerRole).isValid()) {
                 emit entered(QString::number(m_box->itemData(item).toLongLong()));
             }
         });
@@ -83,8 +83,8 @@ protected:
     }
 
 private:
-    static constexpr int markerRole =
-        Qt::UserRole + 1; // 1 in the item for a value that is no choice
+    /// Holds 1 in the item for a value that is no choice.
+    static constexpr int markerRole = Qt::UserRole + 1;
 
     QComboBox* m_box = new QComboBox(this);
 };
