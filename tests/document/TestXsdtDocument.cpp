@@ -9,8 +9,6 @@
 
 #include <QTest>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 using namespace kse;
 
@@ -19,87 +17,76 @@ class TestXsdtDocument : public QObject
     Q_OBJECT
 
 private slots:
-    void findsNodesByPath()
-    {
-        const auto document = documentFrom(
-            "<i k='a'><v k='b' t='s' v='1'/><v k='b' t='s' v='2'/><v k='c' t='s' v='3'/></i>"
-            "<i k='a'><v k='x' t='s' v='unreachable'/></i><v k='slash/ed' t='s' v='x'/>");
-        QString found;
-        for (const QStringView path : {u"a/b", u"/a//c/", u"A/b", u"a/b/c", u"a/x", u"slash/ed"}) {
-            const XsdtNode* node = document->root.findByPath(path);
-            found += node ? node->value : u"-"_s;
-        }
-        QCOMPARE(found, u"13----"_s);
-        QCOMPARE(document->root.findByPath(u"//"), &document->root);
-    }
-
-    /// Of each node its path, its values, and how many of those aren't marked.
+    /// Of each node its path, its values, how many of those aren't marked, and whether the path
+    /// leads to it: that of a key with a slash, or of another node before it, doesn't.
     void describesEachNode()
     {
         const auto document = documentFrom(
-            "<i k='@AZ['><i k=''><v k='b' t='s' v=''/></i><v k='C/d' t='s' v=''/></i><i k=''>"
-            "<i k=''/><v k='\xC3\x89\x5A' t='s' v=''/></i>");
-        document->root.findByPath(u"@AZ[")->children.front()->markedForDeletion = true;
+            "<i k='@AZ['><i k=''><v k='b' t='s' v=''/></i><v k='C/d' t='s' v=''/></i><i k='@AZ['>"
+            "<v k='c' t='s' v=''/></i><i k=''><i k=''/><v k='\xC3\x89\x5A' t='s' v=''/></i>");
+        document->root.children[0]->children[0]->markedForDeletion = true;
         LowerCasePath lower(document->root);
         QString text;
         walkTree(document->root, [&](const XsdtNode& node) {
-            text += node.path() + u' ' + QString::number(valuesOf(node).size()) + u' ' +
-                    QString::number(unmarkedValues(node).size()) + u'\n';
+            text += node.path() + u' ' + QString::number(valuesOf(node).size());
+            text += QString::number(unmarkedValues(node).size());
+            text += document->root.findByPath(node.path()) == &node ? u" found\n"_s : u"\n"_s;
             return lower.moveTo(node) == node.path().toLower() ? Walk::Into : Walk::Stop;
         });
-        QCOMPARE(text, u"@AZ[ 2 1\n@AZ[/ 1 1\n@AZ[//b 1 1\n@AZ[/C/d 1 1\n 1 1\n 0 0\nÉZ 1 1\n"_s);
+        QCOMPARE(text, u"@AZ[ 21 found\n@AZ[/ 11\n@AZ[//b 11\n@AZ[/C/d 11\n@AZ[ 11\n@AZ[/c 11\n"
+                       " 11\n 00\nÉZ 11\n"_s);
     }
 
     void sortsPathsWithoutCase()
     {
         const QStringList texts =
             u"b/Z a b/z B/z Ab b aB b/[ b/\U00010428 b/\U00010400 b/é"_s.split(u' ');
-        QStringList sorted = texts;
-        std::stable_sort(sorted.begin(), sorted.end(), [](const QString& a, const QString& b) {
-            return a.compare(b, Qt::CaseInsensitive) < 0;
-        });
         QStringList ordered;
         for (const qsizetype place : orderIgnoringCase({texts.begin(), texts.end()})) {
             ordered += texts[place];
         }
-        QCOMPARE(ordered, sorted);
+        QCOMPARE(ordered.join(u' '), u"a Ab aB b b/[ b/Z b/z B/z b/é b/\U00010428 b/\U00010400"_s);
     }
 
-    void countsRevertsAndCommits()
+    void keepsChangesUntilTheyAreSaved()
     {
-        const QByteArray content = "<i k='a'><v k='b' t='s' v='1'/><i k='c'><v k='d' t='s' v='2'/>"
-                                   "</i><v k='e' t='s' v='3'/></i><v k='f' t='s' v='4'/>";
+        const QByteArray content =
+            "<i k=\"a\"><v k=\"b\" t=\"s\">1</v><i k=\"c\"><v k=\"d\" t=\"s\" v=\"2\"/></i>"
+            "<v k=\"e\" t=\"s\" v=\"3\"/></i><v k=\"f\" t=\"s\" v=\"4\"/>";
         const auto document = documentFrom(content);
-        XsdtNode& a = *document->root.children[0];
-        XsdtNode& b = *a.children[0];
-        XsdtNode& c = *a.children[1];
-        XsdtNode& d = *c.children[0];
-        XsdtNode& f = *document->root.children[1];
-        const auto change = [&] {
-            b.value = d.value = f.value = u"new"_s;
-            a.markedForDeletion = c.markedForDeletion = true;
+        const auto at = [&](QStringView path) {
+            return document->root.findByPath(path);
         };
-        change();
-        QCOMPARE(document->editedValues(), QList<XsdtNode*>({&f}));
-        QCOMPARE(document->deletions(), QList<XsdtNode*>({&a}));
-        QCOMPARE(document->pendingCount(), 2);
-        QVERIFY(d.isInsideDeletion() && a.isInsideDeletion() && !f.isInsideDeletion());
+        // Changes three values, marks two nodes, and says what is pending then.
+        const auto change = [&](QStringView first, QStringView second) {
+            at(u"a/b")->value = at(u"a/c/d")->value = at(u"f")->value = u"<5>"_s;
+            at(first)->markedForDeletion = at(second)->markedForDeletion = true;
+            QString text = QString::number(document->pendingCount());
+            for (const XsdtNode* node : document->editedValues() + document->deletions()) {
+                text += u' ' + node->key;
+            }
+            return text;
+        };
+        QCOMPARE(change(u"a", u"a/c"), u"2 f a"_s);
+        QVERIFY(at(u"a")->isInsideDeletion() && at(u"a/c/d")->isInsideDeletion());
+        QVERIFY(!at(u"f")->isInsideDeletion());
         document->revertAll();
-        QCOMPARE(treeText(document->root), treeText(documentFrom(content)->root));
+        QCOMPARE(document->serialize(), fileBytes(content));
 
-        change();
-        a.markedForDeletion = false;
-        document->root.children.back()->markedForDeletion = true;
-        QCOMPARE(document->editedValues(), QList<XsdtNode*>({&b}));
-        QCOMPARE(document->deletions(), QList<XsdtNode*>({&c, &f}));
+        const qint64 size = at(u"a")->serializedSize();
+        QCOMPARE(change(u"a/c", u"f"), u"3 b c f"_s);
+        QCOMPARE(at(u"a")->serializedSize(), size + 16); // also what is marked
+        const QByteArray saved = fileBytes("<i k=\"a\"><v k=\"b\" t=\"s\">&lt;5&gt;</v>"
+                                           "<v k=\"e\" t=\"s\" v=\"3\"/></i>");
+        QCOMPARE(document->serialize(), saved);
         document->commitEdits();
-        QCOMPARE(treeText(document->root), u"a\n  b:s=new\n  e:s=3\n"_s);
-        QCOMPARE(a.children[1]->rowHint, 1U);
+        QCOMPARE(treeText(document->root), u"a\n  b:s=<5>\n  e:s=3\n"_s);
+        QCOMPARE(document->serialize(), saved);
     }
 
-    void handlesAMillionLevels()
+    void handlesManyLevels()
     {
-        constexpr int levels = 1'000'000;
+        constexpr int levels = 300'000;
         const QByteArray content = QByteArray("<i k=\"g\">").repeated(levels) +
                                    "<v k=\"vw\" t=\"s\" v=\"1\"/>" +
                                    QByteArray("</i>").repeated(levels);
@@ -115,17 +102,17 @@ private slots:
         QCOMPARE(document->root.valueCount(), 0);
     }
 
-    void handlesAMillionChildren()
+    void handlesManyChildren()
     {
         const auto document = documentFrom(
-            "<i k='g'>" + QByteArray("<v k='v' t='s'>1</v>").repeated(1'000'000) + "</i>");
+            "<i k='g'>" + QByteArray("<v k='v' t='s'>1</v>").repeated(300'000) + "</i>");
         XsdtNode& group = *document->root.children.front();
         for (const auto& child : group.children) {
             child->markedForDeletion = child->rowInParent() % 2 == 0;
         }
         document->commitEdits();
-        QCOMPARE(group.valueCount(), 500'000);
-        QCOMPARE(group.children.back()->rowHint, 499'999U);
+        QCOMPARE(group.valueCount(), 150'000);
+        QCOMPARE(group.children.back()->rowHint, 149'999U);
     }
 };
 

@@ -19,6 +19,18 @@ inline void addTextRows(std::initializer_list<const char*> rows)
     }
 }
 
+/// Compares rows of such parts, of which the last is the answer to the others, with what `answer`
+/// gives for each.
+template <typename Answer>
+void compareRows(std::initializer_list<const char*> rows, const Answer& answer)
+{
+    for (const char* row : rows) {
+        QStringList cells = QString::fromUtf8(row).split(QStringLiteral(" > "));
+        cells.last() = answer(cells);
+        QCOMPARE(cells.join(QStringLiteral(" > ")), QString::fromUtf8(row));
+    }
+}
+
 /// The bytes of the table `name` that is built into the program.
 inline QByteArray builtInTable(const char* name)
 {
