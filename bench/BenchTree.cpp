@@ -86,7 +86,7 @@ struct Tree
     QTreeView view;
 };
 
-/// The base of the other figures.
+/// The other figures are ratios to this one.
 void setDocumentAndExpandAll(benchmark::State& state)
 {
     Tree tree(state);
@@ -95,7 +95,7 @@ void setDocumentAndExpandAll(benchmark::State& state)
     }
 }
 
-/// One change of the filter. It takes `texts` in turn, so that it finds fewer rows and more again.
+/// Changes the filter to each of `texts` in turn, so that the number of rows falls and rises.
 void changeFilter(benchmark::State& state, const QStringList& texts)
 {
     Tree tree(state);

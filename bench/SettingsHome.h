@@ -23,7 +23,7 @@ inline QString placeSettings(const QByteArray& bytes)
     const QString folder = PixInsightEnv::settingsFolders().value(0);
     QFile file(folder + QStringLiteral("/core-001-pxi.settings"));
     if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) || file.write(bytes) < 0) {
-        qFatal("the settings file can't be written");
+        qFatal("The settings file can't be written.");
     }
     return file.fileName();
 }

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Run when the build runs: writes OUTPUT, a header with the short commit of SOURCE_DIR, and leaves
-# it alone if nothing changed, so that nothing is compiled anew for it.
+# Runs in every build: writes the header OUTPUT with the abbreviated commit of SOURCE_DIR. An
+# unchanged header isn't written again, so nothing is recompiled.
 cmake_minimum_required(VERSION 3.21)
 
 execute_process(

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Renders the program's icon in all its sizes and as one file for Windows, and the built-in ads at
-# twice the size of their strip for sharp screens. Needs rsvg-convert (librsvg2-bin), icotool
+# Renders the program's icon in all sizes and as one file for Windows, and the built-in ads at twice
+# the size of their strip, for high-resolution screens. Needs rsvg-convert (librsvg2-bin), icotool
 # (icoutils) and the font DejaVu Sans (fonts-dejavu-core).
 set -euo pipefail
 

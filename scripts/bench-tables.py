@@ -13,7 +13,7 @@ SIZES = (10_000, 100_000, 1_000_000)
 
 
 class Results:
-    """CPU times (for Store, what the clock said) in milliseconds, by program and benchmark."""
+    """CPU times (elapsed times for Store) in milliseconds, by program and benchmark."""
 
     def __init__(self, folder):
         self.times = {}
@@ -42,7 +42,7 @@ def ratio(time, base, digits=2):
 
 
 def growth(small, large):
-    """Of the time for each value, from 100,000 to 1,000,000."""
+    """How much longer each value takes at 1,000,000 values than at 100,000."""
     return "-" if small is None or large is None else f"{large / small * 10 - 100:+.0f} %"
 
 
@@ -55,7 +55,7 @@ def table(title, head, rows):
 
 
 def versus(program, base, *others, suffix=""):
-    """A row for each size: the base's time, then each other's with its ratio."""
+    """A row for each size: the time of `base`, then the time and ratio of each of `others`."""
     for size in SIZES:
         floor = results.of(program, f"{base}/{size}{suffix}")
         row = [f"{size:,}", ms(floor)]

@@ -11,7 +11,7 @@ cmake --preset bench
 cmake --build --preset bench
 mkdir -p "$folder"
 
-# run RESULT SUBJECT [OPTION...]: one program on one processor; a median where it is repeated.
+# run RESULT SUBJECT [OPTION...]: runs one program on one processor; repetitions give the median.
 run() {
     local start=$SECONDS
     taskset -c 1 "build/bench/bench/Bench$2" --benchmark_report_aggregates_only=true \

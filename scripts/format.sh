@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Formats all C++ files; with --check only tells which would change, and fails if any would.
-# CLANG_FORMAT names another clang-format than the one found first. CI uses version 14.
+# Formats all C++ files. With --check it only reports those that would change, and fails if there
+# are any. CLANG_FORMAT names the clang-format to use; CI uses version 14.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds the fuzzers and runs each, or those named, over its kept inputs
-# and for some seconds more (30 if not told): several side by side, a single one on all cores. New
-# inputs, logs and what fails end up in build/fuzz/found.
+# Installs missing packages, builds the fuzzers and runs all of them, or those named: each on its
+# stored inputs, then for some seconds (default: 30) on new ones. Several run side by side, a single
+# one on all cores. New inputs, failures and logs go to build/fuzz/found.
 #   scripts/fuzz.sh [SECONDS [NAME...]]
 set -euo pipefail
 cd "$(dirname "$0")/.."

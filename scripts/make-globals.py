@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 """Writes resources/schema/globals.json from the table beside it, globals.tsv.
 
-The table has one row a variable: id, type letter, readOnly and description, separated by tabs.
+The table has one row for each variable: id, type letter, readOnly and description, separated by
+tabs.
 """
 
 import json
@@ -38,7 +39,7 @@ def read_table(path):
 
 def main():
     rows = read_table(SCHEMA / "globals.tsv")
-    # One row a line, so that a change of the table shows as that change.
+    # One variable on each line keeps differences readable.
     lines = [
         f"    {json.dumps(name)}: {json.dumps(rows[name], ensure_ascii=False)}"
         for name in sorted(rows)

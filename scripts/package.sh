@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds the program, and makes a Debian package of it in build/package.
+# Installs missing packages, builds the program, and makes a Debian package in build/package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

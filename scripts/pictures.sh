@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Draws the pictures of the README and of the user guide anew, from a scratch copy of the sample
-# files. Needs convert (imagemagick).
+# Draws the pictures in the README and in the user guide, from a scratch copy of the sample files.
+# Needs convert (imagemagick).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -22,15 +22,15 @@ env HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_CACHE_HOME="$home/.cache" \
     XDG_DATA_HOME="$home/.local/share" QT_QPA_PLATFORM=offscreen \
     "$root/build/release/src/app/kestrane-settings-editor" --theme light --screenshots "$home/drawn"
 
-# Without the status bar, which names a scratch folder.
+# Cut off the status bar, which shows the scratch folder.
 mkdir -p "$root/docs/images"
 for name in prefs-00 health; do
     convert "$home/drawn/$name.png" -crop 1200x795+0+0 +repage -dither None -colors 128 \
         "PNG8:$root/docs/images/$name.png"
 done
 
-# The guide carries its pictures in it, drawn small, and without what stands beneath the pages. Each
-# has the name of its source as id.
+# The guide contains its pictures, scaled down and cut off below the pages. The id of each is the
+# name of its source.
 guide=$root/resources/help/help.html
 while IFS= read -r line; do
     if [[ $line =~ ^(.*\<img\ id=\"([a-z0-9-]+)\"\ src=\")[^\"]*(\".*)$ ]]; then

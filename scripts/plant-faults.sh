@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Tells which tests catch which planted faults.
+# Reports which test catches each planted fault.
 #   scripts/plant-faults.sh [--own] BUILD_FOLDER FAULT.diff...
-# Each diff plants one fault in src/. The tests of its folder run first, and unless --own is given,
-# all others after them until one fails. A line is printed for each: the fault, and the test that
-# caught it, or SURVIVED. The tree must be clean, and is clean again afterwards.
+# Each diff plants one fault in src/. The tests of its folder run first, then all others until one
+# fails, unless --own is given. For each fault a line shows the test that caught it, or SURVIVED.
+# The working tree must be clean, and is clean again at the end.
 set -euo pipefail
 own=
 if [[ $1 == --own ]]; then
@@ -18,7 +18,7 @@ cd "$(dirname "$0")/.."
 git diff --quiet || { echo "Commit or stash your changes first." >&2; exit 1; }
 trap 'git checkout --quiet -- src' EXIT
 
-# firstFailure NAME_PATTERN...: the first test that fails, if any; its programs are built before.
+# firstFailure CTEST_OPTION...: builds the selected tests and prints the first one that fails.
 firstFailure() {
     local selection=("$@") programs
     mapfile -t programs < <(ctest --test-dir "$build" -N "${selection[@]}" |

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds the program and starts it.
+# Installs missing packages, builds the program and starts it.
 #   scripts/run.sh [--demo] [ARGUMENT FOR THE PROGRAM...]
-# With --demo it works on a scratch copy of the sample files, in a home folder of its own.
+# With --demo it works on a scratch copy of the sample files, in its own home folder.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -22,7 +22,7 @@ if $demo; then
     mkdir -p "$settings"
     cp "$root"/examples/core-*-pxi.settings "$settings"
     echo "The sample files are in $settings, and so will be the backups."
-    # The X server's key lies in the real home.
+    # The key of the X server is in the real home folder.
     program=(env HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_CACHE_HOME="$home/.cache"
         XDG_DATA_HOME="$home/.local/share" XAUTHORITY="${XAUTHORITY:-${HOME:-}/.Xauthority}"
         "${program[@]}")
@@ -45,7 +45,7 @@ rm -rf "$pictures"
 names=(search search-font module-search unused-modules cleanup cleanup-queued health review backups
     about advanced-changed advanced)
 if $demo; then
-    names+=(prefs-00 compare compare-all) # those that a file and a second one make
+    names+=(prefs-00 compare compare-all) # these need two settings files
 fi
 for name in "${names[@]}"; do
     if [[ ! -s $pictures/$name.png ]]; then

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing on Debian 12, Ubuntu 24.04 and later, and nothing if all is there.
+# Installs missing packages on Debian 12, Ubuntu 24.04 and later.
 #   scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13] [windows]
 set -euo pipefail
 
-# Qt's base packages bring the X11 and offscreen platforms; a bare system has no fonts.
+# Qt's base packages contain the X11 and offscreen platforms; a bare system has no fonts.
 build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(openssl procps)
 package=(dpkg-dev file)
 fuzz=(clang libclang-rt-dev llvm)
-ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix
+ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
     libbenchmark-dev libpugixml-dev shellcheck)
 debian13=(debootstrap)
 windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix qt6-base-dev-tools unzip wine wine64 xauth
@@ -33,8 +33,8 @@ for part in "${@:-build}"; do
 done
 
 if ! command -v apt-get >/dev/null; then
-    echo "This is neither Debian nor Ubuntu: nothing was installed. The build needs a C++17 compiler,"
-    echo "CMake 3.21, Ninja and Qt 6.4 or newer with Widgets and Network."
+    echo "This is neither Debian nor Ubuntu: nothing was installed. The build needs a C++17"
+    echo "compiler, CMake 3.21, Ninja and Qt 6.4 or newer with Widgets and Network."
     exit 0
 fi
 
@@ -48,7 +48,7 @@ if [[ ${#missing[@]} -eq 0 ]]; then
     exit 0
 fi
 
-echo "Installing what is missing: ${missing[*]}"
+echo "Installing missing packages: ${missing[*]}"
 as_root=()
 if [[ $EUID -ne 0 ]]; then
     if ! command -v sudo >/dev/null; then

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds the program and runs every test.
+# Installs missing packages, builds the program and runs every test.
 #   scripts/test.sh [ARGUMENT FOR CTEST...]
 set -euo pipefail
 cd "$(dirname "$0")/.."

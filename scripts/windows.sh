@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# On Debian 12: installs what is missing, builds the program for 64-bit Windows, runs every test
-# under Wine, makes a zip for users in build/windows, and starts what is in it.
+# On Debian 12: installs missing packages, builds the program for 64-bit Windows, runs every test
+# under Wine, makes a zip for users in build/windows, and starts the program in it.
 #   scripts/windows.sh [ARGUMENT FOR CTEST...]
-# The first time it also builds Qt for Windows, from the source of the system's own Qt, and keeps
-# it in the user's cache: 20 minutes on two cores.
+# The first run also builds Qt for Windows, from the source of the system's own Qt, and keeps it in
+# the user's cache. That takes 20 minutes on two cores.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -26,7 +26,7 @@ finish() {
 }
 trap finish EXIT
 
-# Fetches the source without touching the system's own lists, of which it takes copies.
+# Fetches the source with copies of the system's package lists, which stay as they are.
 fetch_qt_source() {
     mkdir -p "$scratch"/apt/{sources,lists/partial,cache/archives/partial}
     local list
@@ -69,7 +69,7 @@ build_qt() {
         -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_BUILD_BENCHMARKS=OFF
     cmake --build "$scratch/qt-build"
     cmake --install "$scratch/qt-build"
-    # What the compiler adds to every program.
+    # The compiler's runtime libraries.
     local library
     for library in libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll; do
         cp "$(x86_64-w64-mingw32-g++-posix -print-file-name=$library)" "$scratch/qt/bin"
@@ -79,8 +79,8 @@ build_qt() {
     rm -rf "$scratch"/{qt-source,qt-build,apt}
 }
 
-# A new Wine in the scratch folder, with no window manager, which makes every window quicker.
-# Whoever uses it has temporary files under a name that isn't ASCII, and no folder of the real user.
+# make_wine NAME: makes a Wine in the scratch folder, without a window manager, which is faster. Its
+# temporary files have a path that isn't ASCII. It uses no folder of the real user.
 make_wine() {
     export WINEPREFIX=$scratch/$1 WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
     export LANG=C.UTF-8 HOME=$scratch/home
@@ -102,7 +102,7 @@ on_screen() {
     xvfb-run --auto-servernum --server-args '-screen 0 1600x1200x24' "$@"
 }
 
-# In two runs, since the server of Wine keeps to the screen, or to none, that it began with.
+# In two runs, because Wine's server can't change between having a screen and having none.
 run_tests() {
     export WINEPATH="Z:${KSE_WINDOWS_QT//\//\\}\\bin"
     make_wine tests
@@ -115,7 +115,7 @@ run_tests() {
     unset WINEPATH
 }
 
-# The program with what it needs, in the layout in which Qt finds its plugins.
+# The program with its libraries, in the layout in which Qt finds its plugins.
 make_zip() {
     local version name folder
     version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' "$build/CMakeCache.txt")
@@ -146,8 +146,8 @@ make_zip() {
     (cd "$scratch" && zip -qr -X "$zip_file" "$name")
 }
 
-# Starts what is in the zip as a user would, in a new Wine that sees nothing but its own drive C:
-# first for pictures, which lie in build/windows/pictures afterwards, then for its window.
+# Starts the program in the zip as a user would, in a new Wine that sees only its own drive C: first
+# to save pictures in build/windows/pictures, then with its window.
 check_zip() {
     make_wine fresh
     local drive=$WINEPREFIX/drive_c settings
@@ -159,12 +159,12 @@ check_zip() {
     rm "$WINEPREFIX/dosdevices/z:"
     (
         cd "$drive/Программы"/*
-        # shellcheck disable=SC2016 # for the inner shell
+        # shellcheck disable=SC2016 # expanded by the inner shell
         on_screen bash -euc '
             wine "$0.exe" --theme light --screenshots "C:\pictures"
             wine "$0.exe" &
             sleep 20
-            wine taskkill /im "$0.exe" # as its close button
+            wine taskkill /im "$0.exe" # like its close button
             wait $!
             wineserver -k' "$program" </dev/null
     )

@@ -162,7 +162,7 @@ void AboutDialog::updatePicture()
     m_picture->setPixmap(icon);
 }
 
-/// What doesn't follow the application's font and palette by itself.
+// Sets what doesn't follow the application's font and palette by itself, and the window's size.
 void AboutDialog::updateLook()
 {
     const double pointSize = QApplication::font().pointSizeF();
@@ -181,20 +181,20 @@ void AboutDialog::updateLook()
                    QApplication::palette().color(QPalette::Disabled, QPalette::WindowText));
     m_notice->setPalette(quiet);
 
-    // Neither a window nor a scroll area asks wrapped texts how tall they get.
+    // Windows and scroll areas don't ask wrapped texts for their height.
     const QSize available = screen()->availableGeometry().size() * 0.9;
     const int fontWidth = QFontMetrics(QApplication::font()).averageCharWidth() * 80;
     const int width = std::max(minimalWidth, std::min(fontWidth, available.width()));
     const QMargins margins = layout()->contentsMargins();
     const int headHeight =
         m_head->widget()->heightForWidth(width - margins.left() - margins.right());
-    m_head->setFixedHeight(headHeight); // what there is beyond goes to the details
+    m_head->setFixedHeight(headHeight); // the details get the rest
     layout()->activate();
     const int detailsHint = m_details->sizeHint().height();
     const int rest = layout()->totalHeightForWidth(width) - detailsHint;
-    const int detailsHeight = std::max(detailsHint, headHeight / 3 + 1); // as the layout shares
+    const int detailsHeight = std::max(detailsHint, headHeight / 3 + 1); // by the stretch factors
     m_head->setMinimumHeight(0);
-    layout()->activate(); // gives up a minimum that larger text asked for
+    layout()->activate(); // drops the minimum size that larger text needed
     resize(width, std::min(rest + detailsHeight, available.height()));
 }
 

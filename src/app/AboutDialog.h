@@ -12,8 +12,8 @@ namespace kse {
 
 struct XsdtDocument;
 
-/// What the program is, how it protects the user's settings, and details to paste into a report of
-/// a fault.
+/// Says what the program is and how it protects the user's settings, and shows details to paste
+/// into a bug report.
 class AboutDialog : public QDialog
 {
     Q_OBJECT
@@ -38,7 +38,7 @@ private:
     void updatePicture();
 
     QLabel* m_picture = nullptr;
-    QScrollArea* m_head = nullptr; ///< Scrolls where the screen is too low for all of it.
+    QScrollArea* m_head = nullptr; ///< Scrolls if the screen is too low for it.
     QLabel* m_name = nullptr;
     QPlainTextEdit* m_details = nullptr;
     QLabel* m_notice = nullptr;

@@ -29,7 +29,7 @@ void BannerRow::showText(const QString& text, const QColor& colour, bool offersR
 {
     m_bannerReload->setVisible(offersReload);
     QPalette palette = m_bannerLabel->palette();
-    // A number in the text that rises isn't news.
+    // A number that changes within the text isn't announced.
     const bool isNews = m_bannerLabel->isHidden() || palette.color(QPalette::Window) != colour;
     m_bannerLabel->setVisible(!text.isEmpty());
     if (text.isEmpty()) {

@@ -8,8 +8,8 @@ class QPushButton;
 
 namespace kse {
 
-/// The row that warns of PixInsight running and of a file that changed on disk. A layout, since a
-/// hidden widget would leave a gap.
+/// The row that warns when PixInsight runs or the file has changed on disk. It is a layout, because
+/// a widget around hidden parts would leave a gap.
 class BannerRow : public QHBoxLayout
 {
     Q_OBJECT

@@ -42,12 +42,12 @@ void MainToolBar::refresh()
     const QColor normal = palette.color(QPalette::Active, QPalette::ButtonText);
     const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
     setIconSize({iconExtent, iconExtent});
-    QFont font = QApplication::font(); // the toolbar's own may still be the former one
+    QFont font = QApplication::font(); // the toolbar's own may be out of date
     font.setPointSizeF(std::max(font.pointSizeF() * 0.62, 6.5));
     setFont(font);
     const auto children = findChildren<QWidget*>();
     for (QWidget* child : children) {
-        child->setFont(font); // a new font of the application comes before the toolbar's
+        child->setFont(font); // a new application font overrides the toolbar's
     }
     setMaximumHeight(QFontMetrics(font).lineSpacing() + 39);
     setStyleSheet(
@@ -68,7 +68,7 @@ void MainToolBar::refresh()
 
 void MainToolBar::onVisibilityChanged(bool visible)
 {
-    // The toolbar also comes and goes with the window; that isn't the user's wish.
+    // The toolbar also appears and disappears with the window; that isn't the user's choice.
     QSettings settings;
     if (window()->isVisible() && settings.value(visibleKey, true).toBool() != visible) {
         settings.setValue(visibleKey, visible);

@@ -22,7 +22,7 @@ public:
     /// Appends `action`, with `iconText` under its icon and without the icon in menus.
     void addEntry(QAction* action, const QString& iconText, ToolbarIconKind kind);
 
-    /// Takes up the application's font and palette, and the screen's pixel ratio.
+    /// Adapts to the application's font and palette and to the screen's pixel ratio.
     void refresh();
 
 private slots:

@@ -63,7 +63,7 @@ bool OpenEditor::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::ShortcutOverride) {
         if (static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
             if (!commit()) {
-                event->accept(); // taken: the shortcut isn't looked up
+                event->accept(); // so that Qt doesn't look up the shortcut
                 return true;
             }
         }

@@ -23,7 +23,7 @@ public:
     /// editor. False if it was rejected; true also if none is open.
     bool commit();
 
-    /// Tells that a value was rejected, from any editor.
+    /// Records that the value of any editor was rejected.
     void noteRejection() { m_rejected = true; }
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -7,8 +7,8 @@
 
 namespace kse {
 
-/// Lists the settings files found on this computer, and the open one wherever it lies. The path of
-/// each is its item's data.
+/// Lists the settings files found on this computer, and the open one wherever it is. Each item has
+/// the path as its data.
 class OpenFileBox : public FileBox
 {
     Q_OBJECT
@@ -16,13 +16,13 @@ class OpenFileBox : public FileBox
 public:
     using FileBox::FileBox;
 
-    /// Whether the files found now are others than those listed.
+    /// Whether the files found now differ from those listed.
     bool isOutdated() const;
 
     /// Lists the files as they are now and selects `openPath`, or nothing if that is empty.
     void rebuild(const QString& openPath);
 
-    /// Renews the item of `openPath`, unless the user has just chosen another.
+    /// Updates the item of `openPath`, unless the user has just chosen another.
     void refreshItem(const QString& openPath);
 
 private:

@@ -47,7 +47,7 @@ void Screenshots::render(const QString& searchText)
     m_window->resize(size);
     m_window->show();
     QCoreApplication::processEvents();
-    m_window->resize(size); // shown, it fits itself to the screen, which a picture needn't
+    m_window->resize(size); // when shown, it fits itself to the screen; a picture needn't fit
 
     grabPreferences(searchText);
     grabSearch();
@@ -157,14 +157,14 @@ void Screenshots::grabDialogs()
         m_model->setData(m_model->indexForNode(node, SettingsModel::ValueColumn), flipped);
     }
     if (XsdtNode* node = root.findByPath(u"Global/Statistics")) {
-        (void)m_model->markForDeletion(node); // a picture without a deletion is still a picture
+        (void)m_model->markForDeletion(node); // if refused, the picture shows no deletion
     }
     {
         ReviewDialog review(m_model, &m_store.document, m_window, &m_schema);
         review.show();
         auto* list = review.findChild<QTreeWidget*>();
         if (QTreeWidgetItem* first = list->topLevelItem(0)) {
-            first->setExpanded(true); // a deletion lists its values then
+            first->setExpanded(true); // lists the values of the deletion
         }
         list->setCurrentItem(list->topLevelItem(list->topLevelItemCount() - 1)); // the edit
         grab(review, u"review.png"_s);
@@ -195,7 +195,7 @@ void Screenshots::grabTree()
 
 void Screenshots::grab(QWidget& widget, const QString& name)
 {
-    // What is new is shown by a first round of events, and laid out by what that posts.
+    // The first round shows new widgets and posts the events that lay them out.
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     widget.grab().save(m_dir + u'/' + name);

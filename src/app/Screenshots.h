@@ -13,19 +13,20 @@ class SettingsModel;
 class SettingsSchema;
 class SettingsStore;
 
-/// Draws the pages and dialogs of a window into PNG files. It uses the window as somebody at the
-/// screen would, and finds what it needs of it by type and object name.
+/// Saves the pages and dialogs of a window as PNG files. It drives the window from outside and
+/// finds its widgets by type and object name.
 class Screenshots
 {
     Q_DECLARE_TR_FUNCTIONS(Screenshots)
 
 public:
-    /// Draws `window`, whose open file is that of `store`, into `dir`. Owns none of them.
+    /// Draws `window`, which shows the file of `store`, into the folder `dir`. Owns neither window,
+    /// store nor schema; they must outlive it.
     Screenshots(QWidget* window, SettingsStore& store, const SettingsSchema& schema,
                 const QString& dir);
 
-    /// Makes the folder and all pictures; those of the preferences as `searchText` leaves them.
-    /// Changes settings on the way and takes the changes back; never saves.
+    /// Makes the folder and all pictures. The Preferences pages are filtered by `searchText`.
+    /// Changes settings on the way and reverts them; never saves.
     void render(const QString& searchText);
 
 private:

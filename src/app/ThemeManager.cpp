@@ -70,14 +70,14 @@ QPalette makePalette(bool dark)
     return palette;
 }
 
-// Not a number compares false, so it ends at the lower limit, like a stored text that is none.
+// NaN compares false, so it becomes the lower limit, like a stored text that isn't a number.
 double limitedScale(double scale)
 {
     return scale > ThemeManager::minimumFontScale ? std::min(scale, ThemeManager::maximumFontScale)
                                                   : ThemeManager::minimumFontScale;
 }
 
-// A font that was sized in pixels has no point size of its own.
+// A font whose size was set in pixels has no point size.
 double pointSize(const QFont& font)
 {
     return font.pointSizeF() > 0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
@@ -87,7 +87,7 @@ double pointSize(const QFont& font)
 
 ThemeManager& ThemeManager::instance()
 {
-    // Never destroyed: its font must not be given back after the application object is gone.
+    // Never destroyed: its font must not be released after the application object is gone.
     static auto* const manager = new ThemeManager;
     return *manager;
 }

@@ -17,30 +17,31 @@ class ThemeManager : public QObject
 public:
     static constexpr double minimumFontScale = 0.8;
     static constexpr double maximumFontScale = 2.2;
-    static constexpr double defaultFontScale = 1.25; ///< What the user reads as 100 %.
+    static constexpr double defaultFontScale = 1.25; ///< Shown to the user as 100 %.
 
     /// The one instance; it lives to the end of the process.
     static ThemeManager& instance();
 
-    /// Takes over the application's look; with `loadStored` as it was stored last. Needs the
-    /// application object, and comes before the first window. A second call does nothing.
+    /// Takes over the application's look, with the stored settings if `loadStored`. Must be called
+    /// after the application object and before the first window is made. A second call does
+    /// nothing.
     void init(bool loadStored);
 
-    /// Sets and applies; with `store` the next run starts with it, and with the other setting as
-    /// it is now. The scale is kept within its limits.
+    /// Sets and applies one of the two settings; with `store` both are stored for the next run.
+    /// The scale is clamped to its limits.
     void setMode(ThemeMode mode, bool store);
     void setFontScale(double scale, bool store);
 
-    /// The same for this run only, from the words of a command line. A theme of none means
-    /// System; a scale that is no number changes nothing.
+    /// The same for this run only, with a word from the command line. An unknown theme means
+    /// System; a scale that isn't a number changes nothing.
     void overrideMode(const QString& word);
     void overrideFontScale(const QString& text);
 
-    /// Changes the scale by `delta`, to the nearest step of 0.05 within the limits, and stores it.
+    /// Changes the scale by `delta`, to a multiple of 0.05 within the limits, and stores it.
     void step(double delta);
     void resetFontScale();
 
-    /// Goes to Light if dark is shown, else to Dark, and stores it.
+    /// Switches to Light if dark is shown, otherwise to Dark, and stores it.
     void toggle();
 
     ThemeMode mode() const { return m_mode; }
@@ -53,7 +54,7 @@ public:
     void apply();
 
 signals:
-    /// After every `apply`, also one that changed nothing.
+    /// Emitted after every `apply`, even if nothing changed.
     void changed();
 
 private:
@@ -66,7 +67,7 @@ private:
     QFont m_baseFont; ///< The application's font before any scaling.
     bool m_initialised = false;
     bool m_applying = false;
-    bool m_systemIsDark = false; ///< As seen by `init`; for a Qt that doesn't report it.
+    bool m_systemIsDark = false; ///< Found by `init`, for versions of Qt that don't report it.
 };
 
 } // namespace kse

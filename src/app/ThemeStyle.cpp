@@ -17,17 +17,17 @@ namespace kse {
 
 namespace {
 
-// More than Fusion's, so that a column of numbers at the right doesn't touch the next one's text.
+// Added to Fusion's, so that right-aligned numbers don't touch the text of the next column.
 constexpr int cellMargin = 3;
-constexpr int paneMargin = 6;   // between a tab's frame and what its page shows
+constexpr int paneMargin = 6;   // between a tab's frame and its page
 constexpr int rowMargin = 2;    // above and below the text of a row in a list
 constexpr int textMargin = 2;   // beside the text of a line edit
-constexpr int accentHeight = 2; // of the line on the tab in front
-constexpr int ringWidth = 1;    // of the frame around what has the keyboard
+constexpr int accentHeight = 2; // of the line on the current tab
+constexpr int ringWidth = 1;    // of the frame around the widget with the keyboard focus
 constexpr int fusionArrowWidth = 8;
 
-/// The outline of tabs and their pane. Fusion's is darker than the window, which on a dark one is
-/// no outline at all.
+/// The outline of tabs and their pane. Fusion's is darker than the window, so it can't be seen on a
+/// dark one.
 QColor outlineOf(const QStyleOption& option)
 {
     QColor colour = option.palette.color(QPalette::WindowText);
@@ -35,13 +35,13 @@ QColor outlineOf(const QStyleOption& option)
     return colour;
 }
 
-/// As Qt and Fusion make it.
+/// The height of a line edit in this style.
 int lineEditHeight(const QFontMetrics& metrics)
 {
     return std::max(metrics.height(), 14) + 8;
 }
 
-/// Outlines a box to tick, which Fusion leaves without one on a dark ground.
+/// Outlines a check box or radio button. Fusion's own outline can't be seen on a dark background.
 void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* painter)
 {
     QColor outline = option.palette.color(QPalette::Text);
@@ -59,13 +59,13 @@ void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* pa
     painter->restore();
 }
 
-/// The width of an arrow. It grows with the text, as Fusion's doesn't.
+/// The width of an arrow. It grows with the text; Fusion's doesn't.
 int arrowWidth(const QStyleOption& option)
 {
     return std::max(fusionArrowWidth, option.fontMetrics.ascent() / 2);
 }
 
-/// An arrow of `colour` in the middle of `rect`, pointing down before it's turned.
+/// Draws an arrow in the middle of `rect`. It points down, turned clockwise by `degrees`.
 void drawArrow(int degrees, const QRect& rect, int width, const QColor& colour, QPainter* painter)
 {
     const double half = width / 2.0;
@@ -79,7 +79,7 @@ void drawArrow(int degrees, const QRect& rect, int width, const QColor& colour, 
     painter->restore();
 }
 
-/// The arrow of a group in a tree or of a section.
+/// Draws the arrow of a group in a tree or of a section.
 void drawArrow(int degrees, const QStyleOption& option, QPainter* painter)
 {
     QColor colour = option.palette.color(QPalette::WindowText);
@@ -87,7 +87,7 @@ void drawArrow(int degrees, const QStyleOption& option, QPainter* painter)
     drawArrow(degrees, option.rect, arrowWidth(option), colour, painter);
 }
 
-/// The arrow of a box: as soft as Fusion's, yet opaque, since it covers that.
+/// Draws the arrow of a spin or combo box: as pale as Fusion's, but opaque, to cover it.
 void drawBoxArrow(int degrees, const QRect& rect, bool isEnabled, const QStyleOption& option,
                   QPainter* painter)
 {
@@ -103,7 +103,7 @@ void drawBoxArrow(int degrees, const QRect& rect, bool isEnabled, const QStyleOp
               painter);
 }
 
-/// A tab above its pane: the one in front is open towards it, the others end on its outline.
+/// Draws a tab above its pane. The current tab is open to the pane; others end at its outline.
 void drawTab(const QStyleOptionTab& tab, int paneOverlap, QPainter* painter)
 {
     const bool isInFront = tab.state & QStyle::State_Selected;
@@ -148,7 +148,7 @@ void ThemeStyle::polish(QWidget* widget)
 bool ThemeStyle::eventFilter(QObject* object, QEvent* event)
 {
     if (event->type() == QEvent::FontChange) {
-        QEvent styleChange(QEvent::StyleChange); // the only one that has it forgotten
+        QEvent styleChange(QEvent::StyleChange); // the only event that clears the cached size
         QCoreApplication::sendEvent(object, &styleChange);
     }
     return QProxyStyle::eventFilter(object, event);
@@ -158,7 +158,7 @@ void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
                                QPainter* painter, const QWidget* widget) const
 {
     switch (element) {
-    case PE_FrameTabWidget: // on the window's own colour, as what it holds
+    case PE_FrameTabWidget: // on the window's background, like its page
         painter->save();
         painter->setPen(outlineOf(*option));
         painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
@@ -166,7 +166,7 @@ void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         break;
     case PE_FrameFocusRect:
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-        if (option->state & State_Item && option->state & State_Selected) { // Fusion's hardly shows
+        if (option->state & State_Item && option->state & State_Selected) { // Fusion's is too faint
             painter->save();
             painter->setPen(option->palette.color(QPalette::HighlightedText));
             painter->drawRect(option->rect.adjusted(1, 1, -2, -2));
@@ -203,11 +203,11 @@ void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option,
 {
     const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
     const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
-    if (element == CE_FocusFrame) { // its mask leaves a ring
+    if (element == CE_FocusFrame) { // masked to a ring
         painter->fillRect(option->rect, option->palette.color(QPalette::Highlight));
     } else if (element == CE_TabBarTabShape && tab && tab->shape == QTabBar::RoundedNorth) {
         drawTab(*tab, proxy()->pixelMetric(PM_TabBarBaseOverlap, option, widget), painter);
-    } else if (element == CE_ComboBoxLabel && box && !box->editable) { // Fusion cuts a letter
+    } else if (element == CE_ComboBoxLabel && box && !box->editable) { // Fusion doesn't elide
         const QRect field = proxy()->subControlRect(CC_ComboBox, box, SC_ComboBoxEditField, widget);
         QStyleOptionComboBox elided = *box;
         elided.currentText =
@@ -249,7 +249,7 @@ QRect ThemeStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     const bool isField = part == (isSpin ? SC_SpinBoxEditField : SC_ComboBoxEditField);
     const bool isArrow =
         isSpin ? part == SC_SpinBoxUp || part == SC_SpinBoxDown : part == SC_ComboBoxArrow;
-    const int extra = arrowWidth(*option) - fusionArrowWidth; // from the field to its arrows
+    const int extra = arrowWidth(*option) - fusionArrowWidth; // taken from the field
     const int left = isArrow ? -extra : 0;
     const int right = isField ? -extra : 0;
     return option->direction == Qt::RightToLeft ? rect.adjusted(-right, 0, -left, 0)
@@ -267,11 +267,11 @@ int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return std::max(pixels, QFontMetrics(QApplication::font()).ascent());
-    case PM_FocusFrameHMargin: // beside the text of every cell
+    case PM_FocusFrameHMargin: // also beside the text of every cell
         return isFocusFrame ? 0 : pixels + cellMargin;
     case PM_FocusFrameVMargin:
         return isFocusFrame ? 0 : pixels;
-    case PM_HeaderMargin: // one more than a cell's, which has a pixel of its own
+    case PM_HeaderMargin: // aligned with cells, which have one more pixel
         return pixels + cellMargin + 1;
     default:
         return pixels;
@@ -287,7 +287,7 @@ QSize ThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* option
         return size + QSize(2 * paneMargin, 2 * paneMargin);
     case CT_ItemViewItem:
         return size + QSize(0, 2 * rowMargin);
-    case CT_ComboBox: // cuts a long line with dots rather than widen a dialog past its screen
+    case CT_ComboBox: // elides long text so that no dialog gets wider than its screen
         if (widget) {
             size.setWidth(
                 std::min(size.width(), widget->screen()->availableSize().width() * 9 / 10));
@@ -300,7 +300,7 @@ QSize ThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* option
                                                  proxy()->pixelMetric(PM_ButtonMargin, option)));
         [[fallthrough]];
     case CT_CheckBox:
-    case CT_ToolButton: // stand on one line with a line edit beside them
+    case CT_ToolButton: // as high as a line edit beside them
         return size.expandedTo({0, lineEditHeight(option->fontMetrics)});
     default:
         return size;
@@ -312,7 +312,7 @@ int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
 {
     const int value = QProxyStyle::styleHint(hint, option, widget, returnData);
     switch (hint) {
-    case SH_DialogButtonBox_ButtonsHaveIcons: // of the desktops, one alone has a setting for it
+    case SH_DialogButtonBox_ButtonsHaveIcons: // only this desktop has a setting for it
         return qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("KDE"_L1) ? value : 0;
     case SH_FocusFrame_AboveWidget:
         return 1;

@@ -5,10 +5,10 @@
 
 namespace kse {
 
-/// The "Fusion" style with a little more calm: pages stand off the frame of their tab, on the
-/// window's own colour; boxes to tick are as large as the text beside them and can be seen on a
-/// dark ground too; arrows grow with the text; buttons and cells have room beside their text; what
-/// stands beside a line edit is as high as it is.
+/// The "Fusion" style, a little calmer. Pages have a margin inside their tab and the window's
+/// background. Check boxes and radio buttons grow with the text and have an outline on a dark
+/// background too. Arrows grow with the text. Buttons and cells have more room around their text,
+/// and buttons and check boxes are at least as high as a line edit.
 class ThemeStyle : public QProxyStyle
 {
 public:
@@ -35,7 +35,7 @@ public:
                          const QWidget* widget = nullptr) const override;
 
 protected:
-    /// Has combo boxes forget their least height with their font, which Qt keeps.
+    /// Makes combo boxes compute their minimum height, which Qt caches, again for a new font.
     bool eventFilter(QObject* object, QEvent* event) override;
 };
 

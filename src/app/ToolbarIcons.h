@@ -21,16 +21,16 @@ enum class ToolbarIconKind {
     About = 8
 };
 
-/// The icon in `normal`, also under the mouse, and in `disabled`, for `size` by `size` pixels
-/// that are independent of the device. Painted, so that it follows the palette.
+/// The icon of `size` by `size` device-independent pixels, in the colour `normal`, also under the
+/// mouse, or `disabled`. Icons are drawn, so that they can follow the palette.
 [[nodiscard]] QIcon makeToolbarIcon(ToolbarIconKind kind, const QColor& normal,
                                     const QColor& disabled, int size, qreal devicePixelRatio);
 
-/// One picture of it on a transparent ground, at least 8 device pixels wide.
+/// The icon on a transparent background, at least 8 device pixels wide.
 [[nodiscard]] QPixmap renderToolbarPixmap(ToolbarIconKind kind, const QColor& colour, int size,
                                           qreal devicePixelRatio);
 
-/// Draws it with `painter` in a square from (0, 0) to (24, 24). Changes the painter's pen and
+/// Draws the icon with `painter` in a square from (0, 0) to (24, 24). Changes the painter's pen and
 /// brush.
 void drawToolbarGlyph(QPainter& painter, ToolbarIconKind kind, const QColor& colour);
 

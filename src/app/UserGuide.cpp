@@ -17,13 +17,13 @@ namespace {
 
 bool writeWhole(const QString& path, const QByteArray& bytes)
 {
-    // A save through a link would replace what it points at: in a folder that is open to all, a
-    // file of the user's that somebody else has chosen.
+    // Saving through a link would replace its target. In a folder where everybody may write,
+    // somebody else could have made it point to one of the user's files.
     if (QFileInfo(path).isSymbolicLink() && !QFile::remove(path)) {
         return false;
     }
     QSaveFile file(path);
-    // It is opening that follows a link: one made since the look above is seen by another.
+    // A link made since the check above would be followed by `open`, so check again after it.
     return file.open(QIODevice::WriteOnly) && !QFileInfo(path).isSymbolicLink() &&
            file.write(bytes) == bytes.size() && file.commit();
 }
@@ -45,7 +45,7 @@ QString exportUserGuide()
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
     QDir().mkpath(cache);
     const QFileInfo taken(path);
-    // A link that is still there couldn't be removed; asked for its owner, it names its target's.
+    // A link that is still there couldn't be removed, and `ownerId` would be that of its target.
     const bool isForeign =
         taken.isSymbolicLink() || (taken.exists() && taken.ownerId() != QFileInfo(cache).ownerId());
     return isForeign && writeWhole(cache + name, page) ? cache + name : QString();

@@ -25,14 +25,14 @@ struct Element
     /// Removes the direct children with this key.
     void remove(const QByteArray& name);
 
-    /// Orders the children by the bytes of their keys, and theirs, down to the last.
+    /// Sorts the children of this and of every group below by the bytes of their keys.
     void sort();
 };
 
-/// What stands before the content: XML declaration, `comment` unless empty, the root's start tag.
+/// The start of a file: XML declaration, `comment` unless empty, the root's start tag.
 [[nodiscard]] QByteArray settingsHead(const QByteArray& comment);
 
-/// What stands after the content.
+/// The end of a file.
 [[nodiscard]] QByteArray settingsTail();
 
 /// Appends the start tag of a group.
@@ -41,7 +41,7 @@ void appendGroupStart(QByteArray& out, const QByteArray& key);
 /// Appends a value: text and blocks as element text, all other types as an attribute.
 void appendValue(QByteArray& out, const QByteArray& key, char type, const QByteArray& value);
 
-/// Appends `element` and all beneath it.
+/// Appends `element` with everything that it contains.
 void appendElement(QByteArray& out, const Element& element);
 
 } // namespace kse

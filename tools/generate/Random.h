@@ -5,9 +5,9 @@
 
 namespace kse {
 
-/// A small generator of numbers (SplitMix64). The standard library's distributions differ from
+/// A small random number generator (SplitMix64). The standard library's distributions differ from
 /// one compiler to the next; this gives the same sequence everywhere.
-/// Call it once an expression: C++ leaves the order of a call's arguments open.
+/// Call it once in an expression: C++ doesn't define the order in which arguments are evaluated.
 class Random
 {
 public:

@@ -19,7 +19,7 @@ constexpr std::array registeredModules = {
     "Marrowin",  "Nethercote",  "Ostrand",  "Pellworth", "Quillon",   "Rathmoor",
     "Saltmarsh", "Thornwick",   "Umberley", "Vellacott", "Wexcombe",  "Yarrowdale",
 };
-/// Modules that were removed and left their data behind.
+/// Removed modules that left data behind.
 constexpr std::array goneModules = {"Brackenfold", "Mossgate", "Oldharbour"};
 /// Modules that keep their data at the top level of the file; the last one is gone.
 constexpr std::array topLevelModules = {"Glimmer", "Thornwick", "Mossgate"};
@@ -75,13 +75,13 @@ QByteArray boolean(Random& random)
     return random.below(5) < 3 ? "true" : "false";
 }
 
-/// A number below `bound` with three decimals at most.
+/// A number below `bound` with at most three decimals.
 QByteArray real(Random& random, quint32 bound)
 {
     return QByteArray::number(random.below(bound * 1000) / 1000.0, 'g', 7);
 }
 
-/// Reads a table of the form that `sampleTable` has.
+/// Reads a table in the form of `sampleTable`.
 void readTable(Element& root, const QByteArray& table)
 {
     Element* group = &root;
@@ -89,7 +89,7 @@ void readTable(Element& root, const QByteArray& table)
         if (line.startsWith('[')) {
             group = &root.group(line.mid(1, line.size() - 2));
         } else if (!line.isEmpty()) {
-            // The name may hold blanks: the type is the first letter that stands alone.
+            // The name may contain spaces: the type is the first single letter.
             qsizetype at = line.indexOf(' ');
             while (at + 2 < line.size() && line[at + 2] != ' ') {
                 at = line.indexOf(' ', at + 1);
@@ -145,7 +145,7 @@ void addProcessRecords(Element& root, const QByteArray& process, Random& random)
     }
 }
 
-/// What a module saved under `container`. `root` gets the records about its processes.
+/// Adds what a module saved under `container`, and to `root` the records about its processes.
 void addModule(Element& root, const QByteArray& container, const QByteArray& name, Random& random)
 {
     Element& module = container.isEmpty() ? root.group(name) : root.group(container + '/' + name);
@@ -201,7 +201,7 @@ void addScripts(Element& root, Random& random)
     }
     root.group("ScriptData/AutoCrop").group("Presets");
     root.group("ScriptData/MosaicPlan").group("Panels").selfClosing = true;
-    // Twice the same key: a stale copy that a crash left behind.
+    // The same key twice, as if a crash had left an old copy.
     Element& summary = root.group("ScriptData/NightSummary");
     summary.children.push_back({"Pattern", 's', "night_{date}.txt", {}, false});
 }
@@ -247,7 +247,7 @@ void addLists(Element& root, Random& random)
     root.set("PixInsight", 's', "PixInsight Core (made-up build 1742)");
 }
 
-/// Another value of the same type, as if the user had gone on working.
+/// Another value of the same type, as if the user had worked on.
 QByteArray changed(const Element& element, Random& random)
 {
     switch (element.type) {

@@ -7,8 +7,8 @@ namespace kse {
 
 class Random;
 
-/// The settings of a made-up user after some years: about 3,000 values, among them what a check
-/// of the file should find. `instance` is 1 or 2; the two differ in some hundred values.
+/// The settings of a fictitious user after some years: about 3,000 values, some with problems that
+/// the health check finds. `instance` is 1 or 2; the two differ in a few hundred values.
 [[nodiscard]] QByteArray sampleSettings(int instance);
 
 /// A time in `year`, in ISO 8601.

@@ -16,8 +16,8 @@ QByteArray padded(qsizetype number)
     return QByteArray::number(number).rightJustified(7, '0');
 }
 
-/// What one process of a large file saves, by key. Real files hold the same few hundred keys over
-/// and over, mostly short values, and now and then a long one.
+/// What one process of a large file saves, by key. Real files repeat the same few hundred keys,
+/// with mostly short values and a few long ones.
 struct Slot
 {
     const char* key;

@@ -12,7 +12,7 @@ using namespace kse;
 
 namespace {
 
-/// The options on the command line; nothing if they aren't exactly one shape with a valid number.
+/// The options on the command line; nothing unless they are exactly one shape with a valid number.
 std::optional<GenerateOptions> readOptions(const QCommandLineParser& parser)
 {
     using Shape = GenerateOptions::Shape;

@@ -27,7 +27,7 @@ namespace {
 constexpr QLatin1String keepKey("Backups/Keep");
 constexpr int defaultKeep = 5;
 
-// The default also for a stored text that is no number: 0 would offer every backup for deletion.
+// A stored text that isn't a number gives the default: 0 would offer every backup for deletion.
 int storedKeep()
 {
     bool isNumber = false;
@@ -144,7 +144,7 @@ void BackupsDialog::connectWidgets()
 
 void BackupsDialog::fit()
 {
-    layout()->activate(); // gives up a minimum that larger text asked for
+    layout()->activate(); // drops the minimum size that larger text needed
     resize(640, 460);
 }
 
@@ -158,7 +158,7 @@ void BackupsDialog::changeEvent(QEvent* event)
 
 void BackupsDialog::keyPressEvent(QKeyEvent* event)
 {
-    // Return ends the typing of a number; the dialog stays to show what it did.
+    // Return completes the number and doesn't close the dialog, so that its effect can be seen.
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (!isReturn || focusWidget() != m_keep) {
         QDialog::keyPressEvent(event);
@@ -267,7 +267,7 @@ void BackupsDialog::confirmAndRemove(const QStringList& paths, qint64 totalBytes
         return;
     }
     const BackupRemoval result = PixInsightEnv::removeBackups(m_settingsPath, paths, true);
-    m_list->setFocus(); // the button may go dead, and the next in line deletes everything
+    m_list->setFocus(); // a button that gets disabled would pass it on to "Delete all backups"
     refresh();
     QString text = (result.usedTrash ? tr("Moved %1 backup(s) to the Recycle Bin (%2).")
                                      : tr("Deleted %1 backup(s) (%2)."))

@@ -10,8 +10,8 @@ class QSpinBox;
 
 namespace kse {
 
-/// Lists the backups of a settings file and removes those that the user picks. Nothing else in the
-/// program removes one.
+/// Lists the backups of a settings file and removes those that the user selects. Nothing else in
+/// the program removes one.
 class BackupsDialog : public QDialog
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     explicit BackupsDialog(const QString& settingsPath, QWidget* parent = nullptr);
 
 signals:
-    /// What came of a removal, ready for the status line.
+    /// The result of a removal, worded for the status bar.
     void message(const QString& text);
 
 protected:
@@ -39,8 +39,8 @@ private slots:
 private:
     void createWidgets();
     void createLayout();
-    void fit();
     void connectWidgets();
+    void fit();
     void updateOlderButton();
     void confirmAndRemove(const QStringList& paths, qint64 totalBytes, const QString& prompt);
 
