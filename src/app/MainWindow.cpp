@@ -75,6 +75,7 @@ MainWindow::MainWindow(Messages messages)
     pollTimer->setObjectName("pollTimer"_L1);
     connect(pollTimer, &QTimer::timeout, this, &MainWindow::pollEnvironment);
     pollTimer->start(pollInterval);
+    pollEnvironment(); // before the file is opened, which needn't be read twice then
 
     const QStringList files = PixInsightEnv::findSettingsFiles();
     if (files.isEmpty()) {
@@ -86,7 +87,6 @@ MainWindow::MainWindow(Messages messages)
     } else {
         openFile(files.first());
     }
-    pollEnvironment();
 }
 
 MainWindow::~MainWindow()

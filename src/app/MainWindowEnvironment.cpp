@@ -33,7 +33,9 @@ void MainWindow::pollEnvironment()
     const bool wasRunning = m_running;
     const bool wasStale = m_staleOnDisk;
     m_running = !PixInsightEnv::runningProcessIds().isEmpty();
-    m_staleOnDisk = m_store.isChangedOnDisk();
+    if (!m_running) { // until then nobody can save, and PixInsight may be writing
+        m_staleOnDisk = m_store.isChangedOnDisk();
+    }
     if (m_running && !wasRunning) {
         // The model refuses edits from here on: what was typed before must be in it by now.
         m_openEditor->commit();
@@ -49,7 +51,7 @@ void MainWindow::pollEnvironment()
     // An unchanged list is left alone, so that an open drop-down isn't disturbed.
     if (m_fileBox->isOutdated()) {
         rebuildFileBox();
-    } else if (m_staleOnDisk || wasStale) {
+    } else if (m_staleOnDisk || wasStale || m_running) {
         m_fileBox->refreshItem(openPath()); // it may be missing
     }
     if (m_running != wasRunning || m_staleOnDisk != wasStale) {

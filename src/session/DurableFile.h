@@ -7,6 +7,7 @@
 
 class QFile;
 class QFileDevice;
+class QTemporaryFile;
 
 namespace kse {
 
@@ -40,7 +41,12 @@ namespace kse {
 /// since a virus scanner may hold a new file open; other systems try once.
 [[nodiscard]] bool retrying(const std::function<bool()>& step);
 
-/// Waits until the file at `path` can be replaced: on Windows, for the same reason and as long.
-void awaitRelease(const QString& path);
+/// Whether the file at `path`, which is no link, may be replaced. On Windows others get a second
+/// to let go of it.
+[[nodiscard]] bool canBeReplaced(const QString& path, QString* error = nullptr);
+
+/// Renames `file` to `to`, and never copies it. A file of that name is left alone, except on a file
+/// system without hard links. On failure the system still knows the reason.
+[[nodiscard]] bool renameTemporary(QTemporaryFile& file, const QString& to);
 
 } // namespace kse

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
 
 #include <cerrno>
 #include <cstdlib>
@@ -160,6 +161,23 @@ bool retrying(const std::function<bool()>& step)
     return step();
 }
 
-void awaitRelease(const QString&) {}
+bool canBeReplaced(const QString& path, QString* error)
+{
+    struct stat file = {};
+    struct stat folder = {};
+    if (::lstat(QFile::encodeName(path).constData(), &file) != 0 ||
+        ::stat(QFile::encodeName(QFileInfo(path).absolutePath()).constData(), &folder) != 0) {
+        return true; // which whoever opens it will find out
+    }
+    // In a folder such as /tmp only the owner of a file, or of the folder, may rename over it.
+    const uid_t user = ::geteuid();
+    const bool isOthers = user != 0 && file.st_uid != user && folder.st_uid != user;
+    return !(isOthers && folder.st_mode & S_ISVTX) || failWithCode(error, EPERM);
+}
+
+bool renameTemporary(QTemporaryFile& file, const QString& to)
+{
+    return file.rename(to);
+}
 
 } // namespace kse

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
 
 #include <cstdint>
 
@@ -45,10 +46,15 @@ QString nativePath(const QString& path)
                                          : R"(\\?\)"_L1 + native;
 }
 
+const wchar_t* wide(const QString& path)
+{
+    return reinterpret_cast<const wchar_t*>(path.utf16());
+}
+
 /// Opens what is at `path` and lets everybody go on using it meanwhile.
 HANDLE openFor(DWORD access, const QString& path, DWORD flags = 0)
 {
-    return CreateFileW(reinterpret_cast<const wchar_t*>(nativePath(path).utf16()), access,
+    return CreateFileW(wide(nativePath(path)), access,
                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                        OPEN_EXISTING, flags, nullptr);
 }
@@ -129,9 +135,7 @@ bool flushName(const QString& path, QString* error)
 
 bool isMissing(const QString& path)
 {
-    const QString native = nativePath(path);
-    return GetFileAttributesW(reinterpret_cast<const wchar_t*>(native.utf16())) ==
-               INVALID_FILE_ATTRIBUTES &&
+    return GetFileAttributesW(wide(nativePath(path))) == INVALID_FILE_ATTRIBUTES &&
            GetLastError() == ERROR_FILE_NOT_FOUND;
 }
 
@@ -146,15 +150,27 @@ bool retrying(const std::function<bool()>& step)
     return true;
 }
 
-void awaitRelease(const QString& path)
+bool canBeReplaced(const QString& path, QString* error)
 {
-    (void)retrying([&path] {
+    DWORD code = ERROR_SUCCESS;
+    const bool isReleased = retrying([&path, &code] {
         const HANDLE handle = openFor(DELETE, path);
         if (handle == INVALID_HANDLE_VALUE) {
-            return GetLastError() != ERROR_SHARING_VIOLATION;
+            code = GetLastError();
+            return code != ERROR_SHARING_VIOLATION;
         }
         CloseHandle(handle);
         return true;
+    });
+    return isReleased || fail(error, qt_error_string(static_cast<int>(code)));
+}
+
+bool renameTemporary(QTemporaryFile& file, const QString& to)
+{
+    // Qt's own renaming copies the file where this fails.
+    file.close();
+    return retrying([from = nativePath(file.fileName()), to = nativePath(to)] {
+        return MoveFileExW(wide(from), wide(to), 0) != 0;
     });
 }
 

@@ -182,7 +182,11 @@ QString spelledAsOnDisk(const QString& path)
 
 bool isSameFile(const QString& path, const QString& other)
 {
-    return !path.isEmpty() && !other.isEmpty() && QFileInfo(path) == QFileInfo(other);
+    const QFileInfo file(path);
+    const QFileInfo otherFile(other);
+    return !path.isEmpty() && !other.isEmpty() &&
+           (file.absoluteFilePath() == otherFile.absoluteFilePath() ||
+            (file.exists() && file == otherFile)); // to Qt two that are missing are the same
 }
 
 QStringList backupsOf(const QString& settingsPath)

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <future>
 #include <vector>
 
 namespace kse {
@@ -42,15 +43,21 @@ bool failChanged(QString* error)
                        "written it). Reload it and redo your edits."_s);
 }
 
-/// Makes `bytes`, whose hash is `hash`, the content of `store`: the last step of whatever opens a
-/// file. On failure nothing is loaded any more.
-bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes,
-           const QByteArray& hash, QString* error)
+/// Computes the hash of `bytes` in a thread of its own, or when it is asked for if there is none.
+std::future<QByteArray> hashLater(const QByteArray& bytes)
 {
+    return std::async(sha256, bytes);
+}
+
+/// Makes `bytes` the content of `store`: the last step of whatever opens a file. On failure nothing
+/// is loaded any more.
+bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes, QString* error)
+{
+    std::future<QByteArray> hash = hashLater(bytes);
     store.loaded = parseSettings(store.document, bytes, path, error);
     if (store.loaded) {
         store.path = path;
-        store.loadedHash = hash;
+        store.loadedHash = hash.get();
     }
     return store.loaded;
 }
@@ -62,7 +69,8 @@ struct Replacement
 
     const SettingsStore& store;
     const QByteArray& bytes;
-    QByteArray formerHash; ///< SHA-256 of what the file holds; empty if it is missing.
+    bool isNew = false;    ///< The file is missing.
+    QByteArray formerHash; ///< SHA-256 that the file must have; empty: any, and gets it.
     QString suffix;        ///< Of the backup's name.
     QString model;         ///< Whose mode and owner the file gets if it is missing.
     std::function<bool(QString*)> mayReplace; ///< The last look before the step.
@@ -77,36 +85,34 @@ struct Replacement
         QSaveFile file;
         QString reason;
         backup = store.backupName(suffix);
-        const bool hasBackup = !formerHash.isEmpty();
         const bool isCopied =
-            !hasBackup || copyVerified(store.path, formerHash, newestBackupTime(), copy, &reason);
+            isNew || copyVerified(store.path, formerHash, newestBackupTime(), copy, &reason);
         if (isCopied) {
             if (!prepareReplacement(file, store.path, bytes, model, error)) {
-                remark = hasBackup && isUntouched() ? u"The file is unchanged."_s : QString();
+                remark = !isNew && isUntouched() ? u"The file is unchanged."_s : QString();
                 return Outcome::Failed;
             }
             backup = store.backupName(suffix); // somebody may have taken the other meanwhile
         }
-        if (!isCopied || (hasBackup && !nameCopy(copy, backup, &reason))) {
+        if (!isCopied || (!isNew && !nameCopy(copy, backup, &reason))) {
             const bool isNamed = !copy.autoRemove() || hasHash(backup, formerHash);
             remark = isNamed ? u"The disk did not confirm the backup %1: %2"_s.arg(
                                    QFileInfo(backup).fileName(), reason)
                              : u"Reason: %1"_s.arg(reason);
             return Outcome::NoBackup;
         }
-        awaitRelease(store.path);
         if (!mayReplace(error)) {
-            remark = hasBackup ? madeText() : QString();
+            remark = isNew ? QString() : madeText();
             return Outcome::Failed;
         }
         QString doubt;
-        if (!commitVerified(file, store.path, bytes, doubt, error)) {
+        if (!commitVerified(file, store.path, bytes, model, doubt, error)) {
             remark = wayBack();
             return Outcome::Failed;
         }
         if (!doubt.isEmpty()) {
             remark = u"Saved, but the disk did not confirm it (%1). Check the disk, and keep the "
-                     "backup %2."_s.arg(doubt, QFileInfo(hasBackup ? backup : model).fileName());
+                     "backup %2."_s.arg(doubt, QFileInfo(isNew ? model : backup).fileName());
         }
         return Outcome::Done;
     }
@@ -114,13 +120,13 @@ struct Replacement
     /// Whether the file still is what it was.
     bool isUntouched() const
     {
-        return formerHash.isEmpty() ? isMissing(store.path) : hasHash(store.path, formerHash);
+        return isNew ? isMissing(store.path) : hasHash(store.path, formerHash);
     }
 
     /// What is left when the step, or what follows it, failed.
     QString wayBack() const
     {
-        if (formerHash.isEmpty()) {
+        if (isNew) {
             return {};
         }
         return isUntouched()
@@ -196,7 +202,7 @@ std::size_t keptChildren(const XsdtNode& node)
 bool SettingsStore::load(const QString& newPath, QString* error)
 {
     QByteArray bytes;
-    return readFile(newPath, bytes, error) && adopt(*this, newPath, bytes, sha256(bytes), error);
+    return readFile(newPath, bytes, error) && adopt(*this, newPath, bytes, error);
 }
 
 bool SettingsStore::isChangedOnDisk() const
@@ -222,14 +228,21 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* remark)
     const auto mayReplace = [this](QString* why) {
         return isPixInsightClosed(why) && (!isChangedOnDisk() || failChanged(why));
     };
-    if (!mayReplace(error) || !mayDeleteAll(*this, error)) {
+    if (!isPixInsightClosed(error)) {
         return false;
     }
-    const QByteArray bytes = serializeChecked(document, error);
+    // Beside the rest that comes before the first change; its failure outranks theirs.
+    std::future<bool> isChanged = std::async([this] { return isChangedOnDisk(); });
+    const bool mayDelete = mayDeleteAll(*this, error);
+    const QByteArray bytes = mayDelete ? serializeChecked(document, error) : QByteArray();
+    if (isChanged.get()) {
+        return failChanged(error);
+    }
     if (bytes.isEmpty()) {
         return false;
     }
-    Replacement replacement{*this, bytes, loadedHash, {}, {}, mayReplace, {}, {}};
+    std::future<QByteArray> newHash = hashLater(bytes);
+    Replacement replacement{*this, bytes, false, loadedHash, {}, {}, mayReplace, {}, {}};
     const Replacement::Outcome outcome = replacement.run(error);
     say(remark, replacement.remark);
     if (outcome == Replacement::Outcome::NoBackup) {
@@ -242,7 +255,7 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* remark)
     if (outcome == Replacement::Outcome::Failed) {
         return false;
     }
-    loadedHash = sha256(bytes);
+    loadedHash = newHash.get();
     document.commitEdits();
     if (backupPath) {
         *backupPath = replacement.backup;
@@ -270,19 +283,9 @@ bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QSt
     if (XsdtDocument refused; !refused.parse(bytes, &reason)) {
         return fail(error, u"The backup is not a valid settings file: %1"_s.arg(reason));
     }
-    const auto failBackup = [&](const QString& why) {
-        say(remark, why);
-        return fail(error, u"Could not back up the current file first. Nothing was changed."_s);
-    };
     // No other copy of the file's present content exists: it may have changed since `load`.
-    QByteArray current;
-    const bool gone = isMissing(path);
-    if (!gone && !readFile(path, current, &reason)) {
-        return failBackup(reason);
-    }
-    Replacement replacement{
-        *this, bytes, gone ? QByteArray() : sha256(current), u"before-restore"_s, backupPath, {},
-        {},    {}};
+    Replacement replacement{*this, bytes, isMissing(path), {}, u"before-restore"_s, backupPath, {},
+                            {},    {}};
     replacement.mayReplace = [&](QString* why) {
         return isClosed(why) &&
                (replacement.isUntouched() ||
@@ -290,14 +293,14 @@ bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QSt
                           "written it). Nothing was changed."_s));
     };
     const Replacement::Outcome outcome = replacement.run(error);
+    say(remark, replacement.remark);
     if (outcome == Replacement::Outcome::NoBackup) {
-        return failBackup(replacement.remark);
+        return fail(error, u"Could not back up the current file first. Nothing was changed."_s);
     }
-    if (outcome == Replacement::Outcome::Done && !adopt(*this, path, bytes, sha256(bytes), error)) {
+    if (outcome == Replacement::Outcome::Done && !adopt(*this, path, bytes, error)) {
         say(remark, replacement.wayBack());
         return false;
     }
-    say(remark, replacement.remark);
     return outcome == Replacement::Outcome::Done;
 }
 

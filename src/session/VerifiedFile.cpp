@@ -105,7 +105,7 @@ bool hasHash(const QString& path, const QByteArray& hash)
     return readWhole(path, bytes) && sha256(bytes) == hash;
 }
 
-bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& newerThan,
+bool copyVerified(const QString& from, QByteArray& hash, const QDateTime& newerThan,
                   QTemporaryFile& copy, QString* error)
 {
     // Not by QFile::copy: on some systems the copy then has the time of the original's last change,
@@ -114,9 +114,11 @@ bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& 
     if (!readWhole(from, bytes, error)) {
         return false;
     }
-    if (sha256(bytes) != hash) {
+    const QByteArray found = sha256(bytes);
+    if (!hash.isEmpty() && found != hash) {
         return fail(error, u"It changed while it was copied"_s);
     }
+    hash = found;
     copy.setFileTemplate(from + u".XXXXXX"_s); // a name that counts as no backup
     if (!copy.open()) {
         return fail(error, reasonOf(copy));
@@ -142,7 +144,10 @@ bool copyVerified(const QString& from, const QByteArray& hash, const QDateTime& 
 
 bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error)
 {
-    if (!retrying([&copy, &to] { return copy.rename(to); })) {
+    if (!flushName(to, error)) { // else each attempt to save would leave a backup behind
+        return false;
+    }
+    if (!renameTemporary(copy, to)) {
         return fail(error, reasonOf(copy));
     }
     copy.setAutoRemove(false);
@@ -164,6 +169,9 @@ bool prepareReplacement(QSaveFile& file, const QString& path, const QByteArray& 
     const QString takesAfter = isNew ? model : target;
     const QFileDevice::Permissions mode = modeOf(QFile::permissions(takesAfter));
     file.setFileName(target);
+    if (!isNew && !canBeReplaced(target, &reason)) {
+        return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reason));
+    }
     if (!file.open(QIODevice::WriteOnly)) {
         return fail(error, u"Cannot open %1 for writing: %2"_s.arg(path, reasonOf(file)));
     }
@@ -171,10 +179,13 @@ bool prepareReplacement(QSaveFile& file, const QString& path, const QByteArray& 
            fail(error, u"Error writing %1: %2"_s.arg(path, reason));
 }
 
-bool commitVerified(QSaveFile& file, const QString& path, const QByteArray& bytes, QString& doubt,
-                    QString* error)
+bool commitVerified(QSaveFile& file, const QString& path, const QByteArray& bytes,
+                    const QString& model, QString& doubt, QString* error)
 {
-    if (!file.commit()) {
+    const bool isCommitted = retrying([&] { // a commit that fails removes what was prepared
+        return (file.isOpen() || prepareReplacement(file, path, bytes, model)) && file.commit();
+    });
+    if (!isCommitted) {
         return fail(error, u"Error writing %1: %2"_s.arg(path, reasonOf(file)));
     }
     // Without it a power cut could bring the old file back.

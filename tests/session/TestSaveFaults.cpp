@@ -112,10 +112,11 @@ private:
         const QString name = QFileInfo(backups.value(0)).fileName();
         if (trial.outcome == Outcome::Done) {
             QVERIFY(!isOld);
-            QString steps = u"write backup, flush backup, read backup, write file, flush file, %1 "
-                            "backup, flush folder, rename file, flush %2, read file"_s.arg(
-                                trial.named ? u"rename"_s : u"name"_s,
-                                trial.linked ? u"real folder"_s : u"folder"_s);
+            QString steps =
+                u"write backup, flush backup, read backup, write file, flush file, flush "
+                "folder, %1 backup, flush folder, rename file, flush %2, read file"_s.arg(
+                    trial.named ? u"rename"_s : u"name"_s,
+                    trial.linked ? u"real folder"_s : u"folder"_s);
             if (!trial.remark.isEmpty()) {
                 QVERIFY(trial.remark.startsWith(u"Saved, but the disk did not confirm it ("_s));
                 QVERIFY(trial.remark.endsWith(u"keep the backup %1."_s.arg(name)));

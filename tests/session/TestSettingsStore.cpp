@@ -369,7 +369,7 @@ private slots:
         QVERIFY(QFile::remove(f.path) && QFile::link(u"nowhere"_s, f.path));
         QVERIFY(!f.store.restoreBackup(backup, &error, &remark)); // the disk may just be missing
         QVERIFY(error.startsWith(u"Could not back up the current file first."_s));
-        QCOMPARE(remark, u"Cannot read %1: No such file or directory"_s.arg(f.path));
+        QVERIFY(remark.endsWith(u"Cannot read %1: No such file or directory"_s.arg(f.path)));
 #endif
     }
 

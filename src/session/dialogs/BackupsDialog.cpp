@@ -14,6 +14,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QLocale>
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
@@ -89,6 +90,7 @@ void BackupsDialog::createWidgets()
     m_openFolder->setObjectName(QStringLiteral("openFolder"));
     m_keep = new QSpinBox(this);
     m_keep->setObjectName(QStringLiteral("keep"));
+    m_keep->setLocale(QLocale::c());
     m_keep->setRange(0, 999);
     m_keep->setValue(storedKeep());
     WheelGuard::install(m_keep);

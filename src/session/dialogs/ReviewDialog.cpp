@@ -433,7 +433,7 @@ void ReviewDialog::updateDetail()
         text = tr("Removed value: %1").arg(value);
         break;
     }
-    text.prepend(abbreviated(node->path(), detailLimit) + u'\n');
+    text.prepend(withoutMiddle(node->path(), detailLimit) + u'\n');
     m_detail->setWordWrapMode(text.size() > wordWrapLimit
                                   ? QTextOption::WrapAnywhere
                                   : QTextOption::WrapAtWordBoundaryOrAnywhere);
