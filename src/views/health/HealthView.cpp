@@ -283,7 +283,7 @@ void HealthView::requestDeletion(XsdtNode* node)
     if (isLast && queued > 0) {
         const QString text = tr("Every other copy of %1 is queued for deletion. If this one goes "
                                 "too, nothing is left of it.")
-                                 .arg(abbreviated(node->path(), sentenceLimit));
+                                 .arg(withoutMiddle(node->path(), sentenceLimit));
         if (!confirmDeletion(this, *m_model, tr("Delete the last copy?"), text)) {
             return;
         }
