@@ -273,23 +273,23 @@ void MainWindow::setPagesReadOnly()
     forEachPage([this](auto* page) { page->setReadOnly(m_running); });
 }
 
-bool MainWindow::openFile(const QString& asked)
+bool MainWindow::openFile(const QString& path)
 {
     m_openEditor->commit();
-    const QString path = PixInsightEnv::spelledAsOnDisk(asked);
+    const QString file = PixInsightEnv::spelledAsOnDisk(path);
     QString error;
     const bool opened = replaceTree([&] {
         const WaitCursor wait;
-        return m_store.load(path, &error);
+        return m_store.load(file, &error);
     });
     if (!opened) {
         m_staleOnDisk = m_staleOnDisk && m_store.loaded;
         refreshBanner(); // first: the box may stand for long
-        reportUnopened(path, error);
+        reportUnopened(file, error);
         return false;
     }
     m_staleOnDisk = false;
-    showStatus(tr("Loaded %1").arg(QDir::toNativeSeparators(path)), 5000);
+    showStatus(tr("Loaded %1").arg(QDir::toNativeSeparators(file)), 5000);
     refreshBanner();
     return true;
 }

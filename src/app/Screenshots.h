@@ -11,7 +11,7 @@ namespace kse {
 
 class SettingsModel;
 class SettingsSchema;
-class SettingsStore;
+struct SettingsStore;
 
 /// Saves the pages and dialogs of a window as PNG files. It drives the window from outside and
 /// finds its widgets by type and object name.
