@@ -5,6 +5,7 @@
 #include "document/XsdtDocument.h"
 #include "session/PixInsightEnv.h"
 #include "views/model/NodeLooks.h"
+#include "widgets/Named.h"
 #include "widgets/PixelRatio.h"
 #include "widgets/PlainText.h"
 
@@ -51,17 +52,17 @@ AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, 
     setWindowTitle(tr("About Kestrane Settings Editor"));
     setMinimumWidth(minimalWidth);
     auto* detailsTitle = new QLabel(tr("<b>Technical details</b> (for bug reports)"));
-    m_details = new QPlainTextEdit(buildDetails(path, pixinsightVersion));
-    m_details->setObjectName("details"_L1);
+    m_details = named(u"details"_s, new QPlainTextEdit(buildDetails(path, pixinsightVersion)));
     m_details->setReadOnly(true);
     m_details->setTabChangesFocus(true);
     detailsTitle->setBuddy(m_details);
     m_details->setAccessibleName(tr("Technical details")); // without the title's markup
-    m_notice = createText(tr("© 2026 Kestrane Settings Editor contributors. Not affiliated with or "
-                             "endorsed by Pleiades Astrophoto; PixInsight is a trademark of "
-                             "Pleiades Astrophoto S.L."),
-                          Qt::PlainText);
-    m_notice->setObjectName("notice"_L1);
+    m_notice =
+        named(u"notice"_s,
+              createText(tr("© 2026 Kestrane Settings Editor contributors. Not affiliated with or "
+                            "endorsed by Pleiades Astrophoto; PixInsight is a trademark of "
+                            "Pleiades Astrophoto S.L."),
+                         Qt::PlainText));
 
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(14);
@@ -75,8 +76,7 @@ AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, 
 
 QWidget* AboutDialog::createHead()
 {
-    m_picture = new QLabel;
-    m_picture->setObjectName("picture"_L1);
+    m_picture = named(u"picture"_s, new QLabel);
     m_picture->setFixedSize(pictureSize, pictureSize);
     updatePicture();
     auto* head = new QWidget;
@@ -85,8 +85,7 @@ QWidget* AboutDialog::createHead()
     row->setSpacing(20);
     row->addWidget(m_picture, 0, Qt::AlignTop);
     row->addLayout(createTexts(), 1);
-    m_head = new QScrollArea;
-    m_head->setObjectName("head"_L1);
+    m_head = named(u"head"_s, new QScrollArea);
     m_head->setAccessibleName(windowTitle());
     m_head->setFrameShape(QFrame::NoFrame);
     m_head->setWidgetResizable(true);
@@ -98,8 +97,7 @@ QLayout* AboutDialog::createTexts()
 {
     auto* column = new QVBoxLayout;
     column->setSpacing(6);
-    m_name = new QLabel(tr("Kestrane Settings Editor"));
-    m_name->setObjectName("name"_L1);
+    m_name = named(u"name"_s, new QLabel(tr("Kestrane Settings Editor")));
     m_name->setWordWrap(true);
     column->addWidget(m_name);
     column->addWidget(new QLabel(tr("Version %1").arg(QStringLiteral(KSE_VERSION))));
@@ -130,15 +128,13 @@ QLayout* AboutDialog::createTexts()
 
 QLayout* AboutDialog::createButtons()
 {
-    m_copy = new QPushButton(tr("Copy details"));
-    m_copy->setObjectName("copy"_L1);
+    m_copy = named(u"copy"_s, new QPushButton(tr("Copy details")));
     m_copy->setAutoDefault(false);
     connect(m_copy, &QPushButton::clicked, this, [this] {
         QGuiApplication::clipboard()->setText(m_details->toPlainText());
         m_copy->setText(tr("Copied"));
     });
-    auto* ok = new QPushButton(tr("OK"));
-    ok->setObjectName("ok"_L1);
+    auto* ok = named(u"ok"_s, new QPushButton(tr("OK")));
     ok->setDefault(true);
     ok->setFocus();
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);

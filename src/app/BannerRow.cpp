@@ -2,6 +2,7 @@
 #include "app/BannerRow.h"
 
 #include "widgets/Announcement.h"
+#include "widgets/Named.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -13,13 +14,11 @@ namespace kse {
 
 BannerRow::BannerRow()
 {
-    m_bannerLabel = new QLabel;
-    m_bannerLabel->setObjectName("bannerLabel"_L1);
+    m_bannerLabel = named(u"bannerLabel"_s, new QLabel);
     m_bannerLabel->setWordWrap(true);
     m_bannerLabel->setMargin(8);
     m_bannerLabel->setAutoFillBackground(true);
-    m_bannerReload = new QPushButton(tr("Reload"));
-    m_bannerReload->setObjectName("bannerReload"_L1);
+    m_bannerReload = named(u"bannerReload"_s, new QPushButton(tr("Reload")));
     connect(m_bannerReload, &QPushButton::clicked, this, &BannerRow::reloadRequested);
     addWidget(m_bannerLabel, 1);
     addWidget(m_bannerReload);

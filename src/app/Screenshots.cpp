@@ -64,9 +64,7 @@ void Screenshots::grabPreferences(const QString& searchText)
 {
     constexpr int mostPages = 12;
     auto* view = m_tabs->findChild<PreferencesView*>();
-    if (!searchText.isEmpty()) {
-        view->setSearchText(searchText);
-    }
+    view->setSearchText(searchText);
     m_tabs->setCurrentIndex(0);
     for (int page = 0; page < std::min(mostPages, view->pageCount()); ++page) {
         if (view->selectPage(page)) {

@@ -58,7 +58,7 @@ constexpr RoleColour disabledColours[] = {
     {QPalette::Highlight, qRgb(80, 80, 86), qRgb(190, 190, 190)},
 };
 
-QPalette makePalette(bool dark)
+QPalette createPalette(bool dark)
 {
     QPalette palette;
     for (const RoleColour& colour : roleColours) {
@@ -206,7 +206,7 @@ void ThemeManager::apply()
                                                       ? Qt::ColorScheme::Light
                                                       : Qt::ColorScheme::Unknown);
 #endif
-    const QPalette palette = makePalette(isDark());
+    const QPalette palette = createPalette(isDark());
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette); // doesn't follow the application's
     QFont font = m_baseFont;

@@ -13,25 +13,25 @@ namespace kse {
 
 namespace {
 
-void drawFolder(QPainter& painter)
+void drawFolder(QPainter& painter, const QColor&)
 {
     painter.drawPolygon(QPolygonF({{3, 6.5}, {9, 6.5}, {11, 9}, {21, 9}, {21, 19}, {3, 19}}));
 }
 
-void drawReload(QPainter& painter)
+void drawReload(QPainter& painter, const QColor&)
 {
     painter.drawArc(QRectF(5, 5, 14, 14), 40 * 16, 290 * 16);
     painter.drawPolyline(QPolygonF({{17.4, 3.3}, {17.4, 7.5}, {13.2, 7.5}}));
 }
 
-void drawFloppy(QPainter& painter)
+void drawFloppy(QPainter& painter, const QColor&)
 {
     painter.drawRoundedRect(QRectF(4, 4, 16, 16), 3, 3);
     painter.drawRoundedRect(QRectF(8.5, 4, 7, 4.5), 1, 1);
     painter.drawRoundedRect(QRectF(7, 12.5, 10, 7.5), 1, 1);
 }
 
-void drawRevert(QPainter& painter)
+void drawRevert(QPainter& painter, const QColor&)
 {
     QPainterPath line({4.5, 8.5});
     line.cubicTo(13.5, 7, 19.5, 11, 19.5, 19);
@@ -39,20 +39,20 @@ void drawRevert(QPainter& painter)
     painter.drawPolyline(QPolygonF({{8.3, 4.2}, {4.5, 8.5}, {9, 12.2}}));
 }
 
-void drawSearch(QPainter& painter)
+void drawSearch(QPainter& painter, const QColor&)
 {
     painter.drawEllipse(QPointF(10.3, 10.3), 5.6, 5.6);
     painter.drawLine(QPointF(14.6, 14.6), QPointF(20, 20));
 }
 
-void drawStack(QPainter& painter)
+void drawStack(QPainter& painter, const QColor&)
 {
     painter.drawRoundedRect(QRectF(7, 4, 10, 4), 1.5, 1.5);
     painter.drawRoundedRect(QRectF(5, 10, 14, 4), 1.5, 1.5);
     painter.drawRoundedRect(QRectF(3, 16, 18, 4), 1.5, 1.5);
 }
 
-void drawRestore(QPainter& painter)
+void drawRestore(QPainter& painter, const QColor&)
 {
     QPainterPath tray({4, 14});
     tray.lineTo(4, 18);
@@ -80,6 +80,12 @@ void drawAbout(QPainter& painter, const QColor& colour)
     painter.setPen(QPen(colour, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPoint(QPointF(12, 7.8));
 }
+
+/// By `ToolbarIconKind`.
+constexpr void (*glyphs[])(QPainter&, const QColor&) = {
+    drawFolder, drawReload,  drawFloppy, drawRevert, drawSearch,
+    drawStack,  drawRestore, drawTheme,  drawAbout,
+};
 
 } // namespace
 
@@ -113,26 +119,7 @@ void drawToolbarGlyph(QPainter& painter, ToolbarIconKind kind, const QColor& col
 {
     painter.setPen(QPen(colour, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
-    switch (kind) {
-    case ToolbarIconKind::Open:
-        return drawFolder(painter);
-    case ToolbarIconKind::Reload:
-        return drawReload(painter);
-    case ToolbarIconKind::Save:
-        return drawFloppy(painter);
-    case ToolbarIconKind::Revert:
-        return drawRevert(painter);
-    case ToolbarIconKind::Find:
-        return drawSearch(painter);
-    case ToolbarIconKind::Backups:
-        return drawStack(painter);
-    case ToolbarIconKind::Restore:
-        return drawRestore(painter);
-    case ToolbarIconKind::Theme:
-        return drawTheme(painter, colour);
-    case ToolbarIconKind::About:
-        return drawAbout(painter, colour);
-    }
+    glyphs[static_cast<size_t>(kind)](painter, colour);
 }
 
 } // namespace kse

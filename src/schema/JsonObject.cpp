@@ -9,6 +9,8 @@
 #include <QJsonParseError>
 #include <QJsonValue>
 
+using namespace Qt::StringLiterals;
+
 namespace kse {
 
 bool parseJsonObject(const QByteArray& json, const QString& name, QJsonObject& object,
@@ -22,7 +24,7 @@ bool parseJsonObject(const QByteArray& json, const QString& name, QJsonObject& o
     QJsonParseError fault;
     const QJsonDocument document = QJsonDocument::fromJson(trimmed, &fault);
     if (!document.isObject()) {
-        return fail(error, QStringLiteral("%1: %2").arg(name, fault.errorString()));
+        return fail(error, u"%1: %2"_s.arg(name, fault.errorString()));
     }
     object = document.object();
     return true;

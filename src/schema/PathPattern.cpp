@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace kse {
 
 PathSegments pathSegments(const XsdtNode& node)
@@ -29,7 +31,7 @@ PathPattern::PathPattern(QStringView pattern)
     for (const QStringView part : qTokenize(pattern, u'/', Qt::SkipEmptyParts)) {
         segments.append(part.toString());
     }
-    if (!segments.isEmpty() && segments.last() == QLatin1String("**")) {
+    if (!segments.isEmpty() && segments.last() == "**"_L1) {
         deep = true;
         segments.removeLast();
     }

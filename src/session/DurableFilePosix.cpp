@@ -15,6 +15,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace kse {
 
 namespace {
@@ -57,7 +59,7 @@ bool isRegular(const struct stat& status, QString* error)
         return failWithCode(error, EISDIR);
     }
     if (!S_ISREG(status.st_mode)) {
-        return fail(error, QStringLiteral("Not a regular file"));
+        return fail(error, u"Not a regular file"_s);
     }
     return true;
 }

@@ -64,7 +64,7 @@ HANDLE openFor(DWORD access, const QString& path, DWORD flags = 0)
 bool openRegular(QFile& file, const QString& path, QString* error)
 {
     const auto refuse = [error] {
-        return fail(error, QStringLiteral("Not a regular file"));
+        return fail(error, u"Not a regular file"_s);
     };
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/CollapsibleSection.h"
 
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 
@@ -36,12 +37,11 @@ protected:
 
 CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWidget* parent)
     : QWidget(parent)
-    , m_toggleButton(new TitleButton(this))
-    , m_body(new QWidget(this))
+    , m_toggleButton(named(u"toggleButton"_s, new TitleButton(this)))
+    , m_body(named(u"body"_s, new QWidget(this)))
     , m_bodyLayout(new QVBoxLayout(m_body))
     , m_startExpanded(expanded)
 {
-    m_toggleButton->setObjectName(u"toggleButton"_s);
     m_toggleButton->setCheckable(true);
     m_toggleButton->setAutoRaise(true);
     m_toggleButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -53,7 +53,6 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
     m_toggleButton->installEventFilter(this);
     setTitle(title);
 
-    m_body->setObjectName(u"body"_s);
     m_bodyLayout->setContentsMargins(18, 0, 0, 0);
     m_bodyLayout->setSpacing(0);
     auto* layout = new QVBoxLayout(this);

@@ -6,8 +6,6 @@
 #include <QCoreApplication>
 #include <QTextEdit>
 
-using namespace Qt::StringLiterals;
-
 namespace kse {
 
 PlainMessageBox::PlainMessageBox(Icon icon, const QString& title, const QString& text,
@@ -44,9 +42,11 @@ void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, 
 
 QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title, const QString& text,
                                         QMessageBox::StandardButtons buttons,
-                                        QMessageBox::StandardButton defaultButton)
+                                        QMessageBox::StandardButton defaultButton,
+                                        const QString& informativeText)
 {
     PlainMessageBox box(QMessageBox::Question, title, text, buttons, parent);
+    box.setPlainInformativeText(informativeText);
     box.setDefaultButton(defaultButton);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }

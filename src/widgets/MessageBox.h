@@ -29,6 +29,7 @@ void showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title, 
 [[nodiscard]] QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title,
                                                       const QString& text,
                                                       QMessageBox::StandardButtons buttons,
-                                                      QMessageBox::StandardButton defaultButton);
+                                                      QMessageBox::StandardButton defaultButton,
+                                                      const QString& informativeText = {});
 
 } // namespace kse

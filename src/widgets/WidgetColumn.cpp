@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/WidgetColumn.h"
 
+#include "widgets/Named.h"
 #include "widgets/TabOrder.h"
 
 #include <QApplication>
@@ -19,8 +20,7 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     , m_focusFrame(new QFocusFrame(this))
 {
     auto* container = new QWidget(this);
-    m_showMoreButton = new QPushButton(container);
-    m_showMoreButton->setObjectName(u"showMoreButton"_s);
+    m_showMoreButton = named(u"showMoreButton"_s, new QPushButton(container));
     m_showMoreButton->hide();
     connect(m_showMoreButton, &QPushButton::clicked, this, &WidgetColumn::moreRequested);
     m_layout = new QVBoxLayout(container);
@@ -59,6 +59,7 @@ void WidgetColumn::clear()
         item->deleteLater();
     }
     m_items.clear();
+    setMoreText({});
 }
 
 void WidgetColumn::setMoreText(const QString& text)

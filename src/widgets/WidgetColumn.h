@@ -25,7 +25,8 @@ public:
     /// Number of widgets in the column.
     qsizetype count() const { return m_items.size(); }
 
-    /// Removes all widgets. They are deleted later, since one may be handling an event now.
+    /// Removes all widgets, and hides the button. They are deleted later, since one may be handling
+    /// an event now.
     void clear();
 
     /// The text of the button. An empty one hides it.

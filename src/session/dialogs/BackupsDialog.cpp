@@ -3,6 +3,7 @@
 
 #include "session/PixInsightEnv.h"
 #include "widgets/MessageBox.h"
+#include "widgets/Named.h"
 #include "widgets/WheelGuard.h"
 #include "widgets/WrappedLabel.h"
 
@@ -20,6 +21,8 @@
 #include <QSpinBox>
 #include <QUrl>
 #include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
 
 namespace kse {
 
@@ -72,36 +75,25 @@ BackupsDialog::BackupsDialog(const QString& settingsPath, QWidget* parent)
 
 void BackupsDialog::createWidgets()
 {
-    m_header = new QLabel(this);
-    m_header->setObjectName(QStringLiteral("header"));
-    m_header->setTextFormat(Qt::PlainText);
-    m_header->setWordWrap(true);
-    m_list = new QListWidget(this);
-    m_list->setObjectName(QStringLiteral("list"));
+    m_header = new WrappedLabel({}, Qt::PlainText, u"header"_s, this);
+    m_list = named(u"list"_s, new QListWidget(this));
     m_list->setAccessibleName(tr("Backups"));
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setAlternatingRowColors(true);
     m_list->setMinimumHeight(220);
     const QString folder = QDir::toNativeSeparators(folderOf(m_settingsPath));
-    m_folder = new WrappedLabel(tr("Folder: %1").arg(folder), Qt::PlainText,
-                                QStringLiteral("folder"), this);
+    m_folder = new WrappedLabel(tr("Folder: %1").arg(folder), Qt::PlainText, u"folder"_s, this);
     m_folder->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_openFolder = new QPushButton(tr("Open folder"), this);
-    m_openFolder->setObjectName(QStringLiteral("openFolder"));
-    m_keep = new QSpinBox(this);
-    m_keep->setObjectName(QStringLiteral("keep"));
+    m_openFolder = named(u"openFolder"_s, new QPushButton(tr("Open folder"), this));
+    m_keep = named(u"keep"_s, new QSpinBox(this));
     m_keep->setLocale(QLocale::c());
     m_keep->setRange(0, 999);
     m_keep->setValue(storedKeep());
     WheelGuard::install(m_keep);
-    m_deleteOlder = new QPushButton(this);
-    m_deleteOlder->setObjectName(QStringLiteral("deleteOlder"));
-    m_deleteSelected = new QPushButton(this);
-    m_deleteSelected->setObjectName(QStringLiteral("deleteSelected"));
-    m_deleteAll = new QPushButton(tr("Delete all backups"), this);
-    m_deleteAll->setObjectName(QStringLiteral("deleteAll"));
-    m_close = new QPushButton(tr("Close"), this);
-    m_close->setObjectName(QStringLiteral("close"));
+    m_deleteOlder = named(u"deleteOlder"_s, new QPushButton(this));
+    m_deleteSelected = named(u"deleteSelected"_s, new QPushButton(this));
+    m_deleteAll = named(u"deleteAll"_s, new QPushButton(tr("Delete all backups"), this));
+    m_close = named(u"close"_s, new QPushButton(tr("Close"), this));
     m_close->setDefault(true);
 }
 
@@ -176,7 +168,7 @@ void BackupsDialog::refresh()
     for (const QString& path : paths) {
         const QFileInfo file(path);
         totalBytes += file.size();
-        const QString time = file.lastModified().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        const QString time = file.lastModified().toString(u"yyyy-MM-dd HH:mm:ss"_s);
         auto* item = new QListWidgetItem(
             tr("%1    %2    %3")
                 .arg(time, formatSize(file.size()).rightJustified(9), file.fileName()),

@@ -10,6 +10,7 @@
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "widgets/CopyKey.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/WrappedLabel.h"
 
@@ -28,6 +29,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace kse {
 
@@ -67,7 +70,7 @@ QString rowToolTip(const QString& text)
     return asToolTip(firstCharacters(text, toolTipLimit));
 }
 
-QTreeWidgetItem* makeRow(const QStringList& texts, ReviewDialog::RowKind kind, XsdtNode* node)
+QTreeWidgetItem* createRow(const QStringList& texts, ReviewDialog::RowKind kind, XsdtNode* node)
 {
     auto* row = new QTreeWidgetItem(texts);
     row->setData(ChangeColumn, ReviewDialog::KindRole, kind);
@@ -98,7 +101,7 @@ QVariant wholeText(const QModelIndex& index)
 }
 
 // A row that tells something about the list and stands for no change.
-QTreeWidgetItem* makeNote(const QString& text)
+QTreeWidgetItem* createNote(const QString& text)
 {
     auto* row = new QTreeWidgetItem(QStringList{QString(), text});
     row->setFlags(Qt::ItemIsEnabled);
@@ -131,49 +134,38 @@ void ReviewDialog::createWidgets()
 {
     m_running = new WrappedLabel(tr("<b>PixInsight is running.</b> It would overwrite the file, so "
                                     "nothing can be saved. Close PixInsight first."),
-                                 Qt::RichText, QStringLiteral("running"), this);
+                                 Qt::RichText, u"running"_s, this);
     m_running->setMargin(8);
     m_running->setAutoFillBackground(true);
     QPalette amber = m_running->palette();
     amber.setBrush(QPalette::Window, QColor(255, 190, 0, 90));
     m_running->setPalette(amber);
-    m_summary = new QLabel(this);
-    m_summary->setObjectName(QStringLiteral("summary"));
-    m_summary->setTextFormat(Qt::PlainText);
-    m_summary->setWordWrap(true);
-    m_filter = new QLineEdit(this);
-    m_filter->setObjectName(QStringLiteral("filter"));
+    m_summary = new WrappedLabel({}, Qt::PlainText, u"summary"_s, this);
+    m_filter = named(u"filter"_s, new QLineEdit(this));
     m_filter->setPlaceholderText(tr("Filter by setting name or value"));
     m_filter->setAccessibleName(m_filter->placeholderText());
     m_filter->setClearButtonEnabled(true);
-    m_showEdits = new QCheckBox(tr("Edits"), this);
-    m_showEdits->setObjectName(QStringLiteral("showEdits"));
+    m_showEdits = named(u"showEdits"_s, new QCheckBox(tr("Edits"), this));
     m_showEdits->setChecked(true);
-    m_showDeletions = new QCheckBox(tr("Deletions"), this);
-    m_showDeletions->setObjectName(QStringLiteral("showDeletions"));
+    m_showDeletions = named(u"showDeletions"_s, new QCheckBox(tr("Deletions"), this));
     m_showDeletions->setChecked(true);
-    m_detail = new QPlainTextEdit(this);
-    m_detail->setObjectName(QStringLiteral("detail"));
+    m_detail = named(u"detail"_s, new QPlainTextEdit(this));
     m_detail->setReadOnly(true);
     m_detail->setPlaceholderText(tr("Select a change to see its full text."));
     m_detail->setAccessibleName(tr("Full text of the selected change"));
-    m_remark = new WrappedLabel({}, Qt::PlainText, QStringLiteral("remark"), this);
-    m_hidden = new WrappedLabel({}, Qt::PlainText, QStringLiteral("hidden"), this);
-    m_revert = new QPushButton(tr("Revert selected"), this);
-    m_revert->setObjectName(QStringLiteral("revert"));
+    m_remark = new WrappedLabel({}, Qt::PlainText, u"remark"_s, this);
+    m_hidden = new WrappedLabel({}, Qt::PlainText, u"hidden"_s, this);
+    m_revert = named(u"revert"_s, new QPushButton(tr("Revert selected"), this));
     m_revert->setToolTip(tr("Take the selected changes back: edits return to their saved value, "
                             "deletions are undone."));
-    m_cancel = new QPushButton(tr("Cancel"), this);
-    m_cancel->setObjectName(QStringLiteral("cancel"));
-    m_save = new QPushButton(tr("Save"), this);
-    m_save->setObjectName(QStringLiteral("save"));
+    m_cancel = named(u"cancel"_s, new QPushButton(tr("Cancel"), this));
+    m_save = named(u"save"_s, new QPushButton(tr("Save"), this));
     m_save->setDefault(true);
 }
 
 void ReviewDialog::createTree()
 {
-    m_tree = new QTreeWidget(this);
-    m_tree->setObjectName(QStringLiteral("tree"));
+    m_tree = named(u"tree"_s, new QTreeWidget(this));
     m_tree->setAccessibleName(tr("Pending changes"));
     m_tree->setHeaderLabels({tr("Change"), tr("Setting"), tr("Before"), tr("After")});
     m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -274,7 +266,13 @@ void ReviewDialog::populate()
         for (const XsdtNode* node : deletions) {
             removedValues += node->valueCount();
         }
-        updateSummary(removedValues);
+        m_summary->setText(m_deletionCount + m_editCount == 0
+                               ? tr("There are no changes to save.")
+                               : tr("%1 edit(s) and %2 deletion(s) (%3 values removed) will be "
+                                    "written to the settings file.")
+                                     .arg(m_editCount)
+                                     .arg(m_deletionCount)
+                                     .arg(removedValues));
         if (m_showDeletions->isChecked()) {
             addDeletions(deletions);
         }
@@ -283,22 +281,11 @@ void ReviewDialog::populate()
         }
         updateHidden();
         if (m_tree->topLevelItemCount() == 0 && m_deletionCount + m_editCount > 0) {
-            m_tree->addTopLevelItem(makeNote(tr("Nothing matches the filters.")));
+            m_tree->addTopLevelItem(createNote(tr("Nothing matches the filters.")));
         }
     }
     m_save->setEnabled(m_deletionCount + m_editCount > 0);
     updateDetail();
-}
-
-void ReviewDialog::updateSummary(qsizetype removedValues)
-{
-    m_summary->setText(m_deletionCount + m_editCount == 0
-                           ? tr("There are no changes to save.")
-                           : tr("%1 edit(s) and %2 deletion(s) (%3 values removed) will be "
-                                "written to the settings file.")
-                                 .arg(m_editCount)
-                                 .arg(m_deletionCount)
-                                 .arg(removedValues));
 }
 
 void ReviewDialog::updateHidden()
@@ -344,9 +331,9 @@ void ReviewDialog::addDeletions(const QList<XsdtNode*>& nodes)
     QList<QTreeWidgetItem*> rows;
     for (const NamedNode& pending : filteredByPath(nodes)) {
         const int values = static_cast<int>(pending.node->valueCount());
-        QTreeWidgetItem* row = makeRow({tr("Delete"), rowPath(pending.name),
-                                        tr("%n value(s)", nullptr, values), tr("(removed)")},
-                                       DeletionRow, pending.node);
+        QTreeWidgetItem* row = createRow({tr("Delete"), rowPath(pending.name),
+                                          tr("%n value(s)", nullptr, values), tr("(removed)")},
+                                         DeletionRow, pending.node);
         row->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
         row->setFont(ChangeColumn, bold);
         row->setForeground(ChangeColumn, QColor(214, 60, 60));
@@ -360,9 +347,10 @@ void ReviewDialog::addEdits(const QList<XsdtNode*>& nodes)
     QList<QTreeWidgetItem*> rows;
     for (const NamedNode& pending : filteredByPath(nodes)) {
         const XsdtNode& node = *pending.node;
-        QTreeWidgetItem* row = makeRow({tr("Edit"), rowPath(pending.name),
-                                        rowValue(node, node.original), rowValue(node, node.value)},
-                                       EditRow, pending.node);
+        QTreeWidgetItem* row =
+            createRow({tr("Edit"), rowPath(pending.name), rowValue(node, node.original),
+                       rowValue(node, node.value)},
+                      EditRow, pending.node);
         row->setToolTip(BeforeColumn, rowToolTip(node.original));
         row->setToolTip(AfterColumn, rowToolTip(node.value));
         rows.append(row);
@@ -379,8 +367,8 @@ void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
     QList<QTreeWidgetItem*> rows;
     const auto addValue = [&rows](const XsdtNode& value, const QString& name, XsdtNode* node) {
         rows.append(
-            makeRow({QString(), rowPath(name), rowValue(value, value.value), tr("(removed)")},
-                    RemovedValueRow, node));
+            createRow({QString(), rowPath(name), rowValue(value, value.value), tr("(removed)")},
+                      RemovedValueRow, node));
     };
     if (deleted->kind == XsdtNode::Kind::Value) {
         addValue(*deleted, deleted->key, nullptr);
@@ -397,7 +385,7 @@ void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
             return Walk::Into;
         });
         if (values > removedRowLimit) {
-            rows.append(makeNote(tr("...and %1 more values").arg(values - removedRowLimit)));
+            rows.append(createNote(tr("...and %1 more values").arg(values - removedRowLimit)));
         }
     }
     row->addChildren(rows);

@@ -56,7 +56,6 @@ private:
     void createTree();
     void createLayout();
     void connectWidgets();
-    void updateSummary(qsizetype removedValues);
     void updateHidden();
     void updateDetailHeight();
     static bool passesFilter(const NamedNode& pending, const QString& filter);

@@ -8,6 +8,7 @@
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
 #include "widgets/CollapsibleSection.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WidgetColumn.h"
@@ -124,14 +125,12 @@ void PreferencesView::connectWidgets(const SettingsModel* model)
 
 void PreferencesView::createNavigation()
 {
-    m_searchEdit = new QLineEdit;
-    m_searchEdit->setObjectName(u"searchEdit"_s);
+    m_searchEdit = named(u"searchEdit"_s, new QLineEdit);
     m_searchEdit->setAccessibleName(tr("Search preferences"));
     m_searchEdit->setPlaceholderText(tr("Search names, descriptions and text values"));
     m_searchEdit->setClearButtonEnabled(true);
 
-    m_pageList = new PageList;
-    m_pageList->setObjectName(u"pageList"_s);
+    m_pageList = named(u"pageList"_s, new PageList);
     m_pageList->setAccessibleName(tr("Pages"));
     m_pageList->setMinimumWidth(170);
     m_pageList->setMaximumWidth(300);
@@ -142,17 +141,15 @@ void PreferencesView::createNavigation()
 
 void PreferencesView::createPages()
 {
-    m_limitLabel = new QLabel(tr(
-        "This file holds more settings than these pages can show. All of them are in the tree of "
-        "all settings."));
-    m_limitLabel->setObjectName(u"limitLabel"_s);
+    m_limitLabel =
+        named(u"limitLabel"_s, new QLabel(tr("This file holds more settings than these pages can "
+                                             "show. All of them are in the tree of "
+                                             "all settings.")));
     m_limitLabel->setWordWrap(true);
     m_limitLabel->hide();
-    m_emptyLabel = new QLabel(tr("No matching settings."));
-    m_emptyLabel->setObjectName(u"emptyLabel"_s);
+    m_emptyLabel = named(u"emptyLabel"_s, new QLabel(tr("No matching settings.")));
     m_emptyLabel->setAlignment(Qt::AlignCenter);
-    m_pageStack = new QStackedWidget;
-    m_pageStack->setObjectName(u"pageStack"_s);
+    m_pageStack = named(u"pageStack"_s, new QStackedWidget);
     m_pageStack->addWidget(m_emptyLabel);
 }
 

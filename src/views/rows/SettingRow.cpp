@@ -6,6 +6,7 @@
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
 #include "views/rows/ValueEditor.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WrappedLabel.h"
@@ -91,8 +92,7 @@ void SettingRow::createEditor()
 
 void SettingRow::createRevertButton()
 {
-    m_revertButton = new QToolButton(this);
-    m_revertButton->setObjectName(u"revertButton"_s);
+    m_revertButton = named(u"revertButton"_s, new QToolButton(this));
     m_revertButton->setText(u"\u21BA"_s);
     m_revertButton->setAutoRaise(true);
     m_revertButton->setAccessibleName(tr("Revert %1").arg(abbreviated(m_info.label, lineLimit)));
@@ -327,17 +327,11 @@ void SettingRow::contextMenuEvent(QContextMenuEvent* event)
 void SettingRow::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    switch (event->type()) {
-    case QEvent::ApplicationFontChange:
-    case QEvent::FontChange:
+    const QEvent::Type type = event->type();
+    if (type == QEvent::ApplicationFontChange || type == QEvent::FontChange) {
         updateFonts();
-        break;
-    case QEvent::ApplicationPaletteChange:
-    case QEvent::PaletteChange:
+    } else if (type == QEvent::ApplicationPaletteChange || type == QEvent::PaletteChange) {
         updateColors();
-        break;
-    default:
-        break;
     }
 }
 

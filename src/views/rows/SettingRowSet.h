@@ -52,8 +52,10 @@ signals:
     void restoreRequested(kse::XsdtNode* node);
     void revealRequested(kse::XsdtNode* node);
 
-private:
+private slots:
     void onDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+
+private:
     void refreshDeepRows();
     void refreshAll();
 

@@ -6,6 +6,7 @@
 #include "views/model/NodeLooks.h"
 #include "views/rows/ValueEditor.h"
 #include "widgets/FileTextEdit.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 
 #include <QFileDialog>
@@ -24,8 +25,9 @@ namespace {
 class TextEditor : public ValueEditor
 {
 public:
-    TextEditor(const QString& name, QWidget* parent)
+    TextEditor(const VariableInfo& info, const QString& name, QWidget* parent)
         : ValueEditor(parent)
+        , m_info(info)
     {
         setControl(m_edit, u"lineEdit"_s, name);
         cancelOnEscape();
@@ -52,6 +54,8 @@ protected:
 
     const QString& stored() const { return m_stored; }
 
+    const VariableInfo m_info;
+
 private:
     QLineEdit* m_edit = new QLineEdit(this);
     QString m_stored;
@@ -60,11 +64,7 @@ private:
 class RealEditor : public TextEditor
 {
 public:
-    RealEditor(const VariableInfo& info, const QString& name, QWidget* parent)
-        : TextEditor(name, parent)
-        , m_info(info)
-    {
-    }
+    using TextEditor::TextEditor;
 
     QString faultOf(const QString& text) const override
     {
@@ -81,20 +81,15 @@ public:
             .arg(abbreviated(m_info.label, shortLimit), shown(number), shown(m_info.min),
                  shown(m_info.max));
     }
-
-private:
-    VariableInfo m_info;
 };
 
 class PathEditor : public TextEditor
 {
 public:
     PathEditor(const VariableInfo& info, const QString& name, QWidget* parent)
-        : TextEditor(name, parent)
-        , m_info(info)
+        : TextEditor(info, name, parent)
     {
-        auto* button = new QToolButton(this);
-        button->setObjectName(u"browseButton"_s);
+        auto* button = named(u"browseButton"_s, new QToolButton(this));
         button->setText(u"\u2026"_s);
         button->setToolTip(isFolder() ? tr("Choose a folder") : tr("Choose a file"));
         button->setAccessibleName(tr("Browse for %1").arg(name));
@@ -119,8 +114,6 @@ private:
             emit entered(path);
         }
     }
-
-    VariableInfo m_info;
 };
 
 } // namespace
@@ -134,7 +127,7 @@ ValueEditor* createTextEditor(const VariableInfo& info, const QString& name, QWi
     case VariableKind::Directory:
         return new PathEditor(info, name, parent);
     default:
-        return new TextEditor(name, parent);
+        return new TextEditor(info, name, parent);
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include "schema/ModuleCatalog.h"
 
+using namespace Qt::StringLiterals;
+
 namespace kse {
 
 ModuleSearch::ModuleSearch(const XsdtDocument& document, const QString& text)
@@ -23,7 +25,7 @@ ModuleSearch::ModuleSearch(const XsdtDocument& document, const QString& text)
                  : tr("No module is called exactly \"%1\"; showing modules whose name contains "
                       "it: %2 - %n value(s).",
                       nullptr, count);
-    banner = banner.arg(text, captions.join(QStringLiteral(", ")));
+    banner = banner.arg(text, captions.join(u", "_s));
 }
 
 QStringList knownModules(const XsdtDocument& document)

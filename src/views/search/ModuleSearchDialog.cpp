@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "views/search/ModuleSearchDialog.h"
 
+#include "widgets/Named.h"
+
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QDialogButtonBox>
@@ -55,8 +57,7 @@ void ModuleSearchDialog::changeEvent(QEvent* event)
 void ModuleSearchDialog::createNameEdit(const QStringList& moduleNames)
 {
     auto* label = new QLabel(tr("Module name:"), this);
-    m_nameEdit = new QLineEdit(this);
-    m_nameEdit->setObjectName(u"nameEdit"_s);
+    m_nameEdit = named(u"nameEdit"_s, new QLineEdit(this));
     m_nameEdit->setPlaceholderText(tr("for example Ostrand"));
     label->setBuddy(m_nameEdit);
     auto* completer = new QCompleter(moduleNames, m_nameEdit);
@@ -76,8 +77,7 @@ void ModuleSearchDialog::createNameEdit(const QStringList& moduleNames)
 QRadioButton* ModuleSearchDialog::createMode(const QString& text, const QString& explanation,
                                              const QString& name)
 {
-    auto* radio = new QRadioButton(text, this);
-    radio->setObjectName(name);
+    auto* radio = named(name, new QRadioButton(text, this));
     radio->setAccessibleDescription(explanation);
     auto* label = new QLabel(explanation, this);
     label->setWordWrap(true);

@@ -4,6 +4,7 @@
 #include "document/XsdtNode.h"
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/WidgetColumn.h"
 #include "widgets/WrappedLabel.h"
@@ -47,16 +48,15 @@ SearchView::SearchView(SettingsModel* model, const SettingsSchema* schema, QWidg
 
 void SearchView::createBanner()
 {
-    m_banner = new QWidget(this);
-    m_banner->setObjectName(u"banner"_s);
+    m_banner = named(u"banner"_s, new QWidget(this));
     m_bannerLabel = new WrappedLabel({}, Qt::PlainText, u"bannerLabel"_s, m_banner);
     m_bannerLabel->setMargin(6);
     m_bannerLabel->setAutoFillBackground(true);
     QPalette palette; // sets only this role; the others follow the theme
     palette.setColor(QPalette::All, QPalette::Window, QColor(80, 160, 255, 70));
     m_bannerLabel->setPalette(palette);
-    auto* clearFilter = new QPushButton(tr("Clear filter"), m_banner);
-    clearFilter->setObjectName(u"clearFilterButton"_s);
+    auto* clearFilter =
+        named(u"clearFilterButton"_s, new QPushButton(tr("Clear filter"), m_banner));
     connect(clearFilter, &QPushButton::clicked, this, &SearchView::clearRestriction);
     auto* layout = new QHBoxLayout(m_banner);
     layout->setContentsMargins({});
@@ -67,8 +67,7 @@ void SearchView::createBanner()
 
 void SearchView::createQuery()
 {
-    m_queryEdit = new QLineEdit(this);
-    m_queryEdit->setObjectName(u"queryEdit"_s);
+    m_queryEdit = named(u"queryEdit"_s, new QLineEdit(this));
     m_queryEdit->setPlaceholderText(tr("Search all settings: names, values, descriptions  (every "
                                        "word must match; \"quotes\" for a phrase)"));
     m_queryEdit->setAccessibleName(tr("Search all settings"));
@@ -85,8 +84,7 @@ void SearchView::createQuery()
 
 QCheckBox* SearchView::createCheckBox(const QString& text, const QString& name, bool checked)
 {
-    auto* box = new QCheckBox(text, this);
-    box->setObjectName(name);
+    auto* box = named(name, new QCheckBox(text, this));
     box->setChecked(checked);
     connect(box, &QCheckBox::toggled, this, &SearchView::onQueryChanged);
     return box;
@@ -249,7 +247,6 @@ void SearchView::clearRows()
 {
     m_resultsArea->clear();
     m_rowSet->clear();
-    m_resultsArea->setMoreText({});
 }
 
 /// Adds rows for the results up to the limit that have none yet.

@@ -10,6 +10,7 @@
 #include "views/model/ValueDelegate.h"
 #include "views/rows/DeletionEntry.h"
 #include "views/tree/SettingsTree.h"
+#include "widgets/Named.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -50,22 +51,19 @@ void AllSettingsView::createLayout()
 
 void AllSettingsView::createFilter()
 {
-    m_treeFilter = new QLineEdit(this);
-    m_treeFilter->setObjectName(u"treeFilter"_s);
+    m_treeFilter = named(u"treeFilter"_s, new QLineEdit(this));
     m_treeFilter->setAccessibleName(tr("Filter"));
     m_treeFilter->setClearButtonEnabled(true);
     m_treeFilter->setPlaceholderText(
         tr("Filter this tree by name or value (Ctrl+F searches everything)"));
     connect(m_treeFilter, &QLineEdit::textChanged, this, &AllSettingsView::onFilterChanged);
-    m_changedOnly = new QCheckBox(tr("Changed only"), this);
-    m_changedOnly->setObjectName(u"changedOnly"_s);
+    m_changedOnly = named(u"changedOnly"_s, new QCheckBox(tr("Changed only"), this));
     connect(m_changedOnly, &QCheckBox::toggled, this, &AllSettingsView::onChangedOnlyToggled);
 }
 
 void AllSettingsView::createTree()
 {
-    m_tree = new SettingsTree(this);
-    m_tree->setObjectName(u"tree"_s);
+    m_tree = named(u"tree"_s, new SettingsTree(this));
     m_tree->setAccessibleName(tr("All settings"));
     m_tree->setModel(m_proxy);
     auto* delegate = new ValueDelegate(m_tree);
