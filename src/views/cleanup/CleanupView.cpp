@@ -10,6 +10,7 @@
 #include "views/model/SettingsModel.h"
 #include "views/model/TreeGuard.h"
 #include "views/rows/ConfirmDeletion.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WrappingRow.h"
@@ -30,6 +31,15 @@ using namespace Qt::StringLiterals;
 namespace kse {
 
 namespace {
+
+QList<XsdtNode*> nodesOf(const QList<CleanupEntry*>& entries)
+{
+    QList<XsdtNode*> nodes;
+    for (const CleanupEntry* entry : entries) {
+        nodes += entry->nodes();
+    }
+    return nodes;
+}
 
 void addNoteIfEmpty(QTreeWidgetItem* root, const QString& note)
 {
@@ -54,8 +64,7 @@ CleanupView::CleanupView(SettingsModel* model, QWidget* parent)
 
 void CleanupView::createTree()
 {
-    m_tree = new QTreeWidget(this);
-    m_tree->setObjectName(u"tree"_s);
+    m_tree = named(u"tree"_s, new QTreeWidget(this));
     m_tree->setAccessibleName(tr("Entries that can be removed"));
     m_tree->setColumnCount(CleanupRow::ColumnCount);
     m_tree->setHeaderLabels({tr("Entry"), tr("Values"), tr("Size"), tr("Status")});
@@ -75,15 +84,12 @@ void CleanupView::createTree()
 
 void CleanupView::createStatusRow()
 {
-    m_statusLabel = new QLabel(this);
-    m_statusLabel->setObjectName(u"statusLabel"_s);
+    m_statusLabel = named(u"statusLabel"_s, new QLabel(this));
     m_statusLabel->setTextFormat(Qt::PlainText);
-    m_undoButton = new QPushButton(tr("Undo queued deletion"), this);
-    m_undoButton->setObjectName(u"undoButton"_s);
+    m_undoButton = named(u"undoButton"_s, new QPushButton(tr("Undo queued deletion"), this));
     m_undoButton->setToolTip(
         tr("Tick a queued entry again to undo its deletion, or use its right-click menu."));
-    m_queueButton = new QPushButton(tr("Queue for deletion"), this);
-    m_queueButton->setObjectName(u"queueButton"_s);
+    m_queueButton = named(u"queueButton"_s, new QPushButton(tr("Queue for deletion"), this));
 }
 
 void CleanupView::createLayout()
@@ -251,22 +257,16 @@ QList<CleanupEntry*> CleanupView::tickedEntries() const
 
 void CleanupView::tickAll(bool skipWarn)
 {
-    {
-        const QSignalBlocker quiet(m_tree->model());
-        for (CleanupEntry* entry : std::as_const(m_entries)) {
-            const bool skip = skipWarn && entry->isWarn;
-            entry->setCheckState(CleanupRow::EntryColumn, skip ? Qt::Unchecked : Qt::Checked);
-        }
-    }
-    refreshStatus();
+    setTicks([skipWarn](const CleanupEntry& entry) { return !(skipWarn && entry.isWarn); });
 }
 
-void CleanupView::untick(const QList<CleanupEntry*>& entries)
+void CleanupView::setTicks(const std::function<bool(const CleanupEntry&)>& isTicked)
 {
     {
         const QSignalBlocker quiet(m_tree->model());
-        for (CleanupEntry* entry : entries) {
-            entry->setCheckState(CleanupRow::EntryColumn, Qt::Unchecked);
+        for (CleanupEntry* entry : std::as_const(m_entries)) {
+            entry->setCheckState(CleanupRow::EntryColumn,
+                                 isTicked(*entry) ? Qt::Checked : Qt::Unchecked);
         }
     }
     refreshStatus();
@@ -296,53 +296,25 @@ void CleanupView::queueTicked()
     if (ticked.isEmpty() || !confirmWarnings(ticked)) {
         return;
     }
-    int queued = 0;
-    QStringList refusals;
-    {
-        const SettingsModel::Batch batch(*m_model);
-        for (const CleanupEntry* entry : ticked) {
-            for (XsdtNode* node : entry->nodes()) {
-                QString reason;
-                if (m_model->markForDeletion(node, &reason)) {
-                    ++queued;
-                } else {
-                    refusals.append(reason);
-                }
-            }
-        }
-    }
-    untick(ticked);
-    emit message(refusals.isEmpty() ? tr("Queued for deletion: %1. Save to apply.").arg(queued)
-                                    : tr("Some entries were refused: %1").arg(refusals.first()));
+    const QList<XsdtNode*> nodes = nodesOf(ticked);
+    QString reason;
+    const QList<XsdtNode*> refused = m_model->markAllForDeletion(nodes, &reason);
+    setTicks([](const CleanupEntry&) { return false; });
+    emit message(refused.isEmpty() ? tr("Queued for deletion: %1. Save to apply.").arg(nodes.size())
+                                   : tr("Some entries were refused: %1").arg(reason));
 }
 
 void CleanupView::onUndo()
 {
     const QList<CleanupEntry*> ticked = tickedEntries();
-    QList<XsdtNode*> nodes;
-    bool isAnyQueued = false;
-    for (const CleanupEntry* entry : ticked) {
-        nodes += entry->nodes();
-        isAnyQueued = isAnyQueued || entry->queued() > 0;
-    }
-    if (!undo(nodes)) {
+    const bool isAnyQueued = std::any_of(ticked.cbegin(), ticked.cend(),
+                                         [](const CleanupEntry* e) { return e->queued() > 0; });
+    if (!m_model->undoDeletions(nodesOf(ticked))) {
         emit message(isAnyQueued ? tr("What is ticked lies inside a group that is queued for "
                                       "deletion. Undo the deletion of that group.")
                                  : tr("Nothing that is ticked is queued for deletion."));
     }
-    untick(ticked);
-}
-
-/// Whether any of `nodes` was queued itself.
-bool CleanupView::undo(const QList<XsdtNode*>& nodes)
-{
-    const SettingsModel::Batch batch(*m_model);
-    bool isAnyMarked = false;
-    for (XsdtNode* node : nodes) {
-        isAnyMarked = isAnyMarked || node->markedForDeletion;
-        m_model->undoDeletion(node);
-    }
-    return isAnyMarked;
+    setTicks([](const CleanupEntry&) { return false; });
 }
 
 void CleanupView::onContextMenu(const QPoint& pos)
@@ -362,7 +334,7 @@ void CleanupView::onContextMenu(const QPoint& pos)
     const TreeGuard guard(m_model);
     const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
     if (chosen == action && guard.isSameTree() && !m_readOnly) {
-        undo(nodes);
+        m_model->undoDeletions(nodes);
     }
 }
 

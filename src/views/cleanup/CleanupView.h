@@ -4,6 +4,8 @@
 #include <QList>
 #include <QWidget>
 
+#include <functional>
+
 class QLabel;
 class QPushButton;
 class QTreeWidget;
@@ -64,9 +66,8 @@ private:
     CleanupEntry* addEntry(QTreeWidgetItem* parent, const QString& name,
                            const QString& explanation);
     QList<CleanupEntry*> tickedEntries() const;
-    void untick(const QList<CleanupEntry*>& entries);
+    void setTicks(const std::function<bool(const CleanupEntry&)>& isTicked);
     bool confirmWarnings(const QList<CleanupEntry*>& entries);
-    bool undo(const QList<XsdtNode*>& nodes);
 
     SettingsModel* m_model = nullptr;
     bool m_readOnly = false;

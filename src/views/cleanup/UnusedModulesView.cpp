@@ -1,25 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "views/cleanup/UnusedModulesView.h"
 
-#include "document/Leaves.h"
-#include "document/NamedNode.h"
-#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
+#include "schema/ModuleCatalog.h"
 #include "views/cleanup/FormatBytes.h"
+#include "views/cleanup/UnusedModuleCard.h"
 #include "views/model/SettingsModel.h"
 #include "views/rows/ConfirmDeletion.h"
-#include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
-#include "widgets/CollapsibleSection.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WidgetColumn.h"
+#include "widgets/WrappedLabel.h"
 #include "widgets/WrappingRow.h"
 
-#include <QCheckBox>
-#include <QLabel>
 #include <QPushButton>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -29,51 +25,18 @@ using namespace Qt::StringLiterals;
 
 namespace kse {
 
-namespace {
-
-constexpr int rowLimit = 400; // of a card
-
-qsizetype countMarked(const ModuleInfo& module)
-{
-    return std::count_if(module.nodes.begin(), module.nodes.end(),
-                         [](const XsdtNode* node) { return node->isInsideDeletion(); });
-}
-
-/// The box of a card, as high as the card's title, so that both stand on one line.
-class Tick : public QCheckBox
-{
-public:
-    using QCheckBox::QCheckBox;
-
-    const CollapsibleSection* section = nullptr; ///< Of the card, made after this.
-
-    QSize sizeHint() const override
-    {
-        return {QCheckBox::sizeHint().width(), section->titleHeight()};
-    }
-};
-
-/// Without a signal: whoever changes many ticks brings the summary up to date once.
-void setTicked(QCheckBox& tick, bool ticked)
-{
-    const QSignalBlocker blocker(&tick);
-    tick.setChecked(ticked);
-}
-
-} // namespace
-
 UnusedModulesView::UnusedModulesView(SettingsModel* model, const SettingsSchema* schema,
                                      QWidget* parent)
     : QWidget(parent)
     , m_model(model)
-    , m_rows(new SettingRowSet(model, schema, this))
+    , m_rowSet(new SettingRowSet(model, schema, this))
 {
-    createUi();
-    connectModel();
+    createWidgets();
+    connectWidgets();
     updateSummary();
 }
 
-void UnusedModulesView::createUi()
+void UnusedModulesView::createWidgets()
 {
     auto* note = new QLabel(
         tr("Modules that still have saved data but are <b>not in PixInsight's current module "
@@ -81,13 +44,9 @@ void UnusedModulesView::createUi()
            "The list is what PixInsight last recorded, so a module that failed to load or was "
            "disabled for a while would appear here too. Nothing is removed until you save."));
     note->setWordWrap(true);
-    m_summary = new QLabel;
-    m_summary->setObjectName(u"summary"_s);
-    m_summary->setTextFormat(Qt::PlainText);
-    m_summary->setWordWrap(true);
+    m_summary = new WrappedLabel({}, Qt::PlainText, u"summary"_s);
 
-    m_column = new WidgetColumn(2);
-    m_column->setObjectName(u"column"_s);
+    m_column = named(u"column"_s, new WidgetColumn(2));
     m_column->setAccessibleName(tr("Unused modules"));
     m_column->widget()->setObjectName(u"listWidget"_s);
 
@@ -102,18 +61,11 @@ void UnusedModulesView::createUi()
 QWidget* UnusedModulesView::createButtonRow()
 {
     auto* row = new QWidget;
-    const auto createButton = [row](const QString& name, const QString& text) {
-        auto* button = new QPushButton(text, row);
-        button->setObjectName(name);
-        return button;
-    };
-    m_tickAllButton = createButton(u"tickAllButton"_s, tr("Tick all"));
-    m_undoButton = createButton(u"undoButton"_s, tr("Undo queued deletion"));
+    m_tickAllButton = named(u"tickAllButton"_s, new QPushButton(tr("Tick all"), row));
+    m_undoButton = named(u"undoButton"_s, new QPushButton(tr("Undo queued deletion"), row));
     m_undoButton->setToolTip(tr("Tick a queued module again to undo its deletion."));
-    m_queueButton = createButton(u"queueButton"_s, tr("Queue ticked modules for deletion"));
-    connect(m_tickAllButton, &QPushButton::clicked, this, &UnusedModulesView::tickAll);
-    connect(m_undoButton, &QPushButton::clicked, this, &UnusedModulesView::undoTicked);
-    connect(m_queueButton, &QPushButton::clicked, this, &UnusedModulesView::queueTicked);
+    m_queueButton =
+        named(u"queueButton"_s, new QPushButton(tr("Queue ticked modules for deletion"), row));
 
     auto* layout = new WrappingRow(Qt::AlignTrailing);
     row->setLayout(layout);
@@ -124,22 +76,27 @@ QWidget* UnusedModulesView::createButtonRow()
     return row;
 }
 
-void UnusedModulesView::connectModel()
+void UnusedModulesView::connectWidgets()
 {
-    connect(m_rows, &SettingRowSet::message, this, &UnusedModulesView::message);
-    connect(m_rows, &SettingRowSet::deleteRequested, this, &UnusedModulesView::deleteRequested);
-    connect(m_rows, &SettingRowSet::restoreRequested, this, &UnusedModulesView::restoreRequested);
-    connect(m_rows, &SettingRowSet::revealRequested, this, &UnusedModulesView::revealRequested);
-    connect(m_model, &SettingsModel::dataChanged, this, &UnusedModulesView::forgetContents);
-    // Much has changed; `dataChanged` for each group follows, but has nothing left to do then.
-    connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_contents.clear(); });
+    connect(m_tickAllButton, &QPushButton::clicked, this, &UnusedModulesView::onTickAll);
+    connect(m_undoButton, &QPushButton::clicked, this, &UnusedModulesView::onUndo);
+    connect(m_queueButton, &QPushButton::clicked, this, &UnusedModulesView::onQueue);
+    connect(m_rowSet, &SettingRowSet::message, this, &UnusedModulesView::message);
+    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &UnusedModulesView::deleteRequested);
+    connect(m_rowSet, &SettingRowSet::restoreRequested, this, &UnusedModulesView::restoreRequested);
+    connect(m_rowSet, &SettingRowSet::revealRequested, this, &UnusedModulesView::revealRequested);
+    connect(m_model, &SettingsModel::dataChanged, this, [this](const QModelIndex& topLeft) {
+        m_contents.forget(m_model->nodeForIndex(topLeft.parent()));
+    });
+    // Much has changed. The `dataChanged` of each group that follows then has nothing left to do.
+    connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_contents.forgetAll(); });
     connect(m_model, &SettingsModel::edited, this, [this] {
-        // `dataChanged` can't name what lies deeper than the model shows.
-        m_contents.removeIf([](const auto& content) { return content->isDeep; });
+        // `dataChanged` can't name nodes deeper than the model shows.
+        m_contents.forgetDeeperThan(SettingsModel::maximumDepth);
         updateSummary();
     });
     connect(m_model, &SettingsModel::modelReset, this, [this] {
-        m_contents.clear();
+        m_contents.forgetAll();
         updateSummary();
     });
 }
@@ -152,124 +109,46 @@ void UnusedModulesView::setDocument(const XsdtDocument* document)
 
 void UnusedModulesView::refresh()
 {
-    m_rows->clear();
-    m_contents.clear();
+    m_rowSet->clear();
+    m_contents.forgetAll();
     m_cards.clear();
     m_column->clear();
-    m_column->widget()->hide(); // in sight, each new card would lay out all
+    m_column->widget()->hide(); // while visible, each new card would lay out all
     if (m_document) {
+        QList<QWidget*> widgets;
         const QList<ModuleInfo> modules = ModuleCatalog::unusedModules(*m_document);
-        m_cards.reserve(modules.size());
-        QList<QWidget*> rows;
         for (const ModuleInfo& module : modules) {
-            rows.append(addCard(module));
+            auto* card = new UnusedModuleCard(module, m_rowSet, m_column->widget());
+            connect(card, &UnusedModuleCard::toggled, this, &UnusedModulesView::updateSummary);
+            m_cards.append(card);
+            widgets.append(card);
         }
-        m_column->append(rows);
+        m_column->append(widgets);
     }
     m_column->widget()->show();
     updateSummary();
 }
 
-QWidget* UnusedModulesView::addCard(const ModuleInfo& module)
-{
-    auto* row = new QWidget(m_column->widget());
-    auto* tick = new Tick(row);
-    auto* section = new CollapsibleSection(module.name, false, row);
-    tick->section = section;
-    const Card card{module, tick, section};
-    card.tick->setObjectName(u"tick"_s);
-    card.tick->setAccessibleName(abbreviated(module.name, lineLimit));
-    card.tick->setToolTip(tr("Tick to include in the bulk actions below."));
-    connect(card.tick, &QCheckBox::toggled, this, &UnusedModulesView::updateSummary);
-    const qsizetype index = m_cards.size();
-    card.section->setLazyBuilder([this, index] { buildCard(m_cards.at(index)); });
-
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(4, 2, 4, 2);
-    layout->addWidget(card.tick, 0, Qt::AlignTop);
-    layout->addWidget(card.section, 1);
-    m_cards.append(card);
-    return row;
-}
-
-void UnusedModulesView::buildCard(const Card& card)
-{
-    QBoxLayout* layout = card.section->bodyLayout();
-    int shown = 0;
-    qsizetype total = 0;
-    for (const auto& [path, node] : sortedByPath(card.module.nodes)) {
-        const QList<XsdtNode*> values = valuesOf(*node);
-        total += values.size();
-        addNote(card,
-                tr("%1  (%n value(s))", nullptr, static_cast<int>(values.size()))
-                    .arg(withoutMiddle(path, lineLimit)),
-                node);
-        for (XsdtNode* value : values) {
-            if (shown == rowLimit) {
-                break;
-            }
-            layout->addWidget(m_rows->add(value, layout->parentWidget()));
-            ++shown;
-        }
-    }
-    if (shown < total) {
-        addNote(card,
-                tr("...and %1 more values. Use \"Show in All settings\" from the right-click "
-                   "menu to see the rest.")
-                    .arg(total - shown),
-                nullptr);
-    }
-}
-
-/// A line between the rows of `card`: the title of the group `node`, with a menu, or for null the
-/// closing remark.
-void UnusedModulesView::addNote(const Card& card, const QString& text, XsdtNode* node)
-{
-    QBoxLayout* layout = card.section->bodyLayout();
-    auto* label = new QLabel(text, layout->parentWidget());
-    label->setObjectName(node ? u"groupLabel"_s : u"moreLabel"_s);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setMinimumWidth(1); // one long word must not widen the page
-    layout->addWidget(label);
-    if (!node) {
-        label->setContentsMargins(4, 4, 0, 4);
-        return;
-    }
-    label->setContentsMargins(4, 8, 0, 2);
-    QFont font; // sets the weight alone; the size goes on following the application's
-    font.setWeight(QFont::Bold);
-    label->setFont(font);
-    // So that the keyboard reaches the menu, and the path can be copied.
-    label->setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
-    label->setFocusPolicy(Qt::StrongFocus);
-    label->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(label, &QWidget::customContextMenuRequested, this,
-            [this, label, node](QPoint pos) { m_rows->showMenu(node, label->mapToGlobal(pos)); });
-}
-
 void UnusedModulesView::setReadOnly(bool readOnly)
 {
-    m_rows->setReadOnly(readOnly);
+    m_rowSet->setReadOnly(readOnly);
     updateSummary();
 }
 
 QStringList UnusedModulesView::moduleNames() const
 {
     QStringList names;
-    for (const Card& card : m_cards) {
-        names.append(card.module.name);
+    for (const UnusedModuleCard* card : m_cards) {
+        names.append(card->module().name);
     }
     return names;
 }
 
 void UnusedModulesView::expandCard(const QString& name)
 {
-    for (const Card& card : m_cards) {
-        if (card.module.name == name) {
-            card.section->setExpanded(true);
-            return;
-        }
+    const qsizetype index = moduleNames().indexOf(name);
+    if (index >= 0) {
+        m_cards.at(index)->expand();
     }
 }
 
@@ -278,17 +157,16 @@ void UnusedModulesView::updateSummary()
     int queued = 0;
     int ticked = 0;
     qint64 tickedBytes = 0;
-    for (const Card& card : std::as_const(m_cards)) {
-        const Content content = contentOf(card.module);
-        const qsizetype marked = countMarked(card.module);
-        updateCard(card, content, marked);
-        queued += marked > 0 ? 1 : 0;
-        if (card.tick->isChecked()) {
+    for (UnusedModuleCard* card : std::as_const(m_cards)) {
+        const ModuleContent content = m_contents.of(card->module());
+        card->refresh(content);
+        queued += content.queuedGroups > 0 ? 1 : 0;
+        if (card->isTicked()) {
             ++ticked;
             tickedBytes += content.bytes;
         }
     }
-    const bool canQueue = !m_rows->isReadOnly() && ticked > 0;
+    const bool canQueue = !m_rowSet->isReadOnly() && ticked > 0;
     setEnabledOrPass(*m_queueButton, canQueue, *m_column);
     setEnabledOrPass(*m_undoButton, canQueue, *m_column);
     m_tickAllButton->setEnabled(!m_cards.isEmpty());
@@ -307,143 +185,72 @@ void UnusedModulesView::updateSummary()
     }
 }
 
-void UnusedModulesView::updateCard(const Card& card, const Content& content, qsizetype marked)
+QList<UnusedModuleCard*> UnusedModulesView::tickedCards() const
 {
-    QString title = tr("%1  -  %n value(s), %2", nullptr, static_cast<int>(content.values))
-                        .arg(abbreviated(card.module.name, titleLimit), formatBytes(content.bytes));
-    const bool isWhole = marked == card.module.nodes.size();
-    if (marked > 0) {
-        title += isWhole ? tr("   [queued for deletion]") : tr("   [partly queued for deletion]");
-    }
-    card.section->setTitle(title);
-    using Deletion = CollapsibleSection::Deletion;
-    card.section->setDeletion(isWhole                             ? Deletion::Whole
-                              : marked > 0 || content.holdsQueued ? Deletion::Within
-                                                                  : Deletion::None);
-    card.tick->setEnabled(!m_rows->isReadOnly());
-}
-
-/// Of all its groups, each of which is looked through once until it changes. Values and bytes are
-/// those of `moduleValueCount` and `moduleDataSize`.
-UnusedModulesView::Content UnusedModulesView::contentOf(const ModuleInfo& module)
-{
-    Content sum;
-    sum.values = module.registryNode ? 1 : 0;
-    for (const XsdtNode* node : module.nodes) {
-        auto content = m_contents.constFind(node);
-        if (content == m_contents.cend()) {
-            content = m_contents.insert(node, contentOf(*node));
-        }
-        sum.values += content->values;
-        sum.bytes += content->bytes;
-        sum.holdsQueued = sum.holdsQueued || content->holdsQueued;
-    }
-    return sum;
-}
-
-UnusedModulesView::Content UnusedModulesView::contentOf(const XsdtNode& group)
-{
-    Content content;
-    content.bytes = group.serializedSize();
-    walkTree(group, [&content](const XsdtNode& node) {
-        content.values += node.kind == XsdtNode::Kind::Value ? 1 : 0;
-        content.holdsQueued = content.holdsQueued || node.markedForDeletion;
-        content.isDeep = content.isDeep || node.depth > SettingsModel::maximumDepth;
-        return Walk::Into;
-    });
-    return content;
-}
-
-void UnusedModulesView::forgetContents(const QModelIndex& topLeft)
-{
-    const XsdtNode* node = m_model->nodeForIndex(topLeft.parent());
-    for (; node && !m_contents.isEmpty(); node = node->parent) {
-        m_contents.remove(node);
-    }
-}
-
-QList<UnusedModulesView::Card> UnusedModulesView::tickedCards() const
-{
-    QList<Card> cards;
+    QList<UnusedModuleCard*> cards;
     std::copy_if(m_cards.begin(), m_cards.end(), std::back_inserter(cards),
-                 [](const Card& card) { return card.tick->isChecked(); });
+                 [](const UnusedModuleCard* card) { return card->isTicked(); });
     return cards;
 }
 
-void UnusedModulesView::tickAll()
+/// Unticks the cards and returns their nodes.
+QList<XsdtNode*> UnusedModulesView::takeTicked()
 {
-    for (const Card& card : std::as_const(m_cards)) {
-        setTicked(*card.tick, true);
+    QList<XsdtNode*> nodes;
+    for (UnusedModuleCard* card : tickedCards()) {
+        nodes += card->module().nodes;
+        card->setTicked(false);
+    }
+    return nodes;
+}
+
+void UnusedModulesView::onTickAll()
+{
+    for (UnusedModuleCard* card : std::as_const(m_cards)) {
+        card->setTicked(true);
     }
     updateSummary();
 }
 
-void UnusedModulesView::queueTicked()
+void UnusedModulesView::onQueue()
 {
-    const QList<Card> cards = tickedCards();
-    if (cards.isEmpty() || !confirmQueueing(cards)) {
+    QStringList names;
+    for (const UnusedModuleCard* card : tickedCards()) {
+        names.append(abbreviated(card->module().name, lineLimit));
+    }
+    const int modules = static_cast<int>(names.size());
+    const QString text = tr("This removes the saved data of %n module(s) that are not in the "
+                            "module list.",
+                            nullptr, modules);
+    if (modules == 0 ||
+        !confirmDeletion(this, *m_model, tr("Delete unused module data?"), text, names)) {
         return;
     }
-    int queued = 0;
+    if (m_rowSet->isReadOnly()) { // PixInsight was started while the box was open
+        emit message(SettingsModel::readOnlyReason());
+        return;
+    }
+    const QList<XsdtNode*> nodes = takeTicked();
     QStringList refused;
-    {
-        const SettingsModel::Batch batch(*m_model);
-        for (const Card& card : cards) {
-            for (XsdtNode* node : card.module.nodes) {
-                if (m_model->markForDeletion(node)) {
-                    ++queued;
-                } else {
-                    refused.append(node->path());
-                }
-            }
-            setTicked(*card.tick, false);
-        }
+    for (const XsdtNode* node : m_model->markAllForDeletion(nodes)) {
+        refused.append(node->path());
     }
     updateSummary();
     if (refused.isEmpty()) {
-        emit message(tr("Queued %1 entries of %n module(s) for deletion. Save to apply.", nullptr,
-                        static_cast<int>(cards.size()))
-                         .arg(queued));
+        emit message(
+            tr("Queued %1 entries of %n module(s) for deletion. Save to apply.", nullptr, modules)
+                .arg(nodes.size()));
     } else {
         emit message(tr("Queued %1 entries; %2 protected entries were left alone (%3).")
-                         .arg(QString::number(queued), QString::number(refused.size()),
-                              abbreviated(refused.join(", "_L1), lineLimit)));
+                         .arg(QString::number(nodes.size() - refused.size()),
+                              QString::number(refused.size()),
+                              abbreviated(refused.join(u", "_s), lineLimit)));
     }
 }
 
-/// False also if the cards are gone, or nothing can be changed any more, when the box closes.
-bool UnusedModulesView::confirmQueueing(const QList<Card>& cards)
+void UnusedModulesView::onUndo()
 {
-    QStringList names;
-    for (const Card& card : cards) {
-        names.append(abbreviated(card.module.name, lineLimit));
-    }
-    const QString text = tr("This removes the saved data of %n module(s) that are not in the "
-                            "module list.",
-                            nullptr, static_cast<int>(cards.size()));
-    if (!confirmDeletion(this, *m_model, tr("Delete unused module data?"), text, names)) {
-        return false;
-    }
-    if (m_rows->isReadOnly()) { // started beneath the box
-        emit message(SettingsModel::readOnlyReason());
-        return false;
-    }
-    return true;
-}
-
-void UnusedModulesView::undoTicked()
-{
-    bool isAnyMarked = false;
-    {
-        const SettingsModel::Batch batch(*m_model);
-        for (const Card& card : tickedCards()) {
-            for (XsdtNode* node : card.module.nodes) {
-                isAnyMarked = isAnyMarked || node->markedForDeletion;
-                m_model->undoDeletion(node);
-            }
-            setTicked(*card.tick, false);
-        }
-    }
+    const bool isAnyMarked = m_model->undoDeletions(takeTicked());
     updateSummary();
     if (!isAnyMarked) {
         emit message(tr("No ticked module is queued for deletion. What is queued within one is "

@@ -1,44 +1,41 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "schema/ModuleCatalog.h"
+#include "views/cleanup/ModuleContents.h"
 
-#include <QHash>
 #include <QList>
 #include <QStringList>
 #include <QWidget>
 
-class QCheckBox;
 class QLabel;
-class QModelIndex;
 class QPushButton;
 
 namespace kse {
 
-class CollapsibleSection;
 class SettingRowSet;
 class SettingsModel;
 class SettingsSchema;
+class UnusedModuleCard;
 class WidgetColumn;
 struct XsdtDocument;
 struct XsdtNode;
 
-/// The modules that left data in the file but aren't in PixInsight's list of modules. Each is a
-/// card that opens to show its values and can be ticked for deletion with others.
+/// The Unused modules page: the modules that left data in the file but aren't in PixInsight's list
+/// of modules, each on a card. Ticked modules can be queued for deletion together.
 class UnusedModulesView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Model and schema stay the caller's.
+    /// `model` and `schema` aren't owned.
     UnusedModulesView(SettingsModel* model, const SettingsSchema* schema,
                       QWidget* parent = nullptr);
 
-    /// Shows the document that the model holds, or nothing for null. Pass null before its tree is
+    /// Shows `document`, which the model holds, or nothing for null. Pass null before its tree is
     /// replaced.
     void setDocument(const XsdtDocument* document);
 
-    /// Lists the modules anew, all closed and none ticked.
+    /// Lists the modules again, all closed and none ticked.
     void refresh();
 
     /// While PixInsight runs.
@@ -46,60 +43,39 @@ public:
 
     QStringList moduleNames() const;
 
-    /// Opens the card of the module `name`; nothing if there is none.
+    /// Opens the card of the module `name`, if there is one.
     void expandCard(const QString& name);
 
 signals:
-    /// A sentence for the status line: a value turned down, or what a command did.
+    /// A sentence for the status bar: a value was refused, or what a command did.
     void message(const QString& text);
     void deleteRequested(kse::XsdtNode* node);
     void restoreRequested(kse::XsdtNode* node);
     void revealRequested(kse::XsdtNode* node);
 
-private:
-    struct Card
-    {
-        ModuleInfo module;
-        QCheckBox* tick = nullptr;
-        CollapsibleSection* section = nullptr;
-    };
-    struct Content
-    {
-        qsizetype values = 0;
-        qint64 bytes = 0;
-        bool holdsQueued = false; ///< Something in it is marked for deletion.
-        bool isDeep = false;      ///< It reaches deeper than the model shows.
-    };
-
-    void createUi();
-    QWidget* createButtonRow();
-    void connectModel();
-    QWidget* addCard(const ModuleInfo& module);
-    void buildCard(const Card& card);
-    void addNote(const Card& card, const QString& text, XsdtNode* node);
-
+private slots:
     void updateSummary();
-    void updateCard(const Card& card, const Content& content, qsizetype marked);
-    Content contentOf(const ModuleInfo& module);
-    static Content contentOf(const XsdtNode& group);
-    void forgetContents(const QModelIndex& topLeft);
+    void onTickAll();
+    void onQueue();
+    void onUndo();
 
-    QList<Card> tickedCards() const;
-    void tickAll();
-    void queueTicked();
-    void undoTicked();
-    bool confirmQueueing(const QList<Card>& cards);
+private:
+    void createWidgets();
+    QWidget* createButtonRow();
+    void connectWidgets();
+    QList<UnusedModuleCard*> tickedCards() const;
+    QList<XsdtNode*> takeTicked();
 
     SettingsModel* m_model = nullptr;
     const XsdtDocument* m_document = nullptr;
-    SettingRowSet* m_rows = nullptr;
-    QList<Card> m_cards;
-    QHash<const XsdtNode*, Content> m_contents; ///< Of groups in cards; modules may share one.
+    SettingRowSet* m_rowSet = nullptr;
+    QList<UnusedModuleCard*> m_cards;
+    ModuleContents m_contents;
     QLabel* m_summary = nullptr;
     WidgetColumn* m_column = nullptr;
-    QPushButton* m_queueButton = nullptr;
-    QPushButton* m_undoButton = nullptr;
     QPushButton* m_tickAllButton = nullptr;
+    QPushButton* m_undoButton = nullptr;
+    QPushButton* m_queueButton = nullptr;
 };
 
 } // namespace kse

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsModel.h"
 
+#include "document/Fail.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "document/XsdtValueType.h"
@@ -85,43 +86,60 @@ bool SettingsModel::isLocked(const XsdtNode* node) const
 
 bool SettingsModel::markForDeletion(XsdtNode* node, QString* reason)
 {
-    const auto refuse = [reason](const QString& text) {
-        if (reason) {
-            *reason = text;
-        }
-        return false;
-    };
     if (!node || !node->parent) {
-        return refuse(tr("Nothing to delete."));
+        return fail(reason, tr("Nothing to delete."));
     }
     if (m_readOnly) {
-        return refuse(readOnlyReason());
+        return fail(reason, readOnlyReason());
     }
     if (node->isInsideDeletion()) {
         return true;
     }
     const DeleteDecision decision = deletionDecision(node);
     if (decision.level == DeleteLevel::Never) {
-        return refuse(decision.reason);
+        return fail(reason, decision.reason);
     }
     node->markedForDeletion = true;
-    notifySubtree(*node);
+    notifyChanged(*node);
     return true;
+}
+
+QList<XsdtNode*> SettingsModel::markAllForDeletion(const QList<XsdtNode*>& nodes, QString* reason)
+{
+    const Batch batch(*this);
+    QList<XsdtNode*> refused;
+    for (XsdtNode* node : nodes) {
+        if (!markForDeletion(node, refused.isEmpty() ? reason : nullptr)) {
+            refused.append(node);
+        }
+    }
+    return refused;
 }
 
 void SettingsModel::undoDeletion(XsdtNode* node)
 {
     if (node && node->markedForDeletion) {
         node->markedForDeletion = false;
-        notifySubtree(*node);
+        notifyChanged(*node);
     }
+}
+
+bool SettingsModel::undoDeletions(const QList<XsdtNode*>& nodes)
+{
+    const Batch batch(*this);
+    bool isAnyMarked = false;
+    for (XsdtNode* node : nodes) {
+        isAnyMarked = isAnyMarked || node->markedForDeletion;
+        undoDeletion(node);
+    }
+    return isAnyMarked;
 }
 
 void SettingsModel::revertValue(XsdtNode* node)
 {
     if (node && node->isModified()) {
         node->value = node->original;
-        notifyRow(*node, ValueColumn);
+        notifyChanged(*node, ValueColumn);
     }
 }
 
@@ -235,7 +253,7 @@ bool SettingsModel::setValue(XsdtNode* node, const QString& input)
         return false;
     }
     node->value = text;
-    notifyRow(*node, TypeColumn);
+    notifyChanged(*node);
     return true;
 }
 
@@ -270,7 +288,7 @@ Qt::ItemFlags SettingsModel::flags(const QModelIndex& index) const
     return flags;
 }
 
-void SettingsModel::notifyRow(const XsdtNode& node, int lastColumn)
+void SettingsModel::notifyChanged(const XsdtNode& node, int lastColumn)
 {
     if (m_batchDepth > 0) {
         m_batchChanged = true;
@@ -278,18 +296,6 @@ void SettingsModel::notifyRow(const XsdtNode& node, int lastColumn)
     }
     if (const QModelIndex row = indexForNode(&node); row.isValid()) {
         emit dataChanged(row, row.siblingAtColumn(lastColumn));
-    }
-    emit edited();
-}
-
-void SettingsModel::notifySubtree(const XsdtNode& node)
-{
-    if (m_batchDepth > 0) {
-        m_batchChanged = true;
-        return;
-    }
-    if (const QModelIndex row = indexForNode(&node); row.isValid()) {
-        emit dataChanged(row, row.siblingAtColumn(TypeColumn));
         notifyBelow(node);
     }
     emit edited();

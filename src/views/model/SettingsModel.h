@@ -84,8 +84,14 @@ public:
     /// null, gets the sentence for the user.
     [[nodiscard]] bool markForDeletion(XsdtNode* node, QString* reason = nullptr);
 
+    /// The same for all `nodes`, in a batch. Returns those refused; `reason` is of the first.
+    QList<XsdtNode*> markAllForDeletion(const QList<XsdtNode*>& nodes, QString* reason = nullptr);
+
     /// Removes the mark of `node` itself, also while read-only. Does nothing without one.
     void undoDeletion(XsdtNode* node);
+
+    /// The same for all `nodes`, in a batch. Returns whether one of them was marked itself.
+    bool undoDeletions(const QList<XsdtNode*>& nodes);
 
     /// Takes back the edit of `node`. Does nothing without one.
     void revertValue(XsdtNode* node);
@@ -114,8 +120,7 @@ signals:
     void editRejected(const QString& reason);
 
 private:
-    void notifyRow(const XsdtNode& node, int lastColumn);
-    void notifySubtree(const XsdtNode& node);
+    void notifyChanged(const XsdtNode& node, int lastColumn = TypeColumn);
     void notifyBelow(const XsdtNode& node);
 
     XsdtDocument* m_document = nullptr;

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "views/cleanup/ModuleContents.h"
+
+#include "document/TreeWalk.h"
+#include "schema/ModuleCatalog.h"
+
+#include <algorithm>
+
+namespace kse {
+
+namespace {
+
+ModuleContent contentOf(const XsdtNode& group)
+{
+    ModuleContent content;
+    content.bytes = group.serializedSize();
+    walkTree(group, [&content](const XsdtNode& node) {
+        content.values += node.kind == XsdtNode::Kind::Value ? 1 : 0;
+        content.holdsQueued = content.holdsQueued || node.markedForDeletion;
+        content.depth = std::max(content.depth, quint32{node.depth});
+        return Walk::Into;
+    });
+    return content;
+}
+
+} // namespace
+
+ModuleContent ModuleContents::of(const ModuleInfo& module)
+{
+    ModuleContent sum;
+    sum.values = module.registryNode ? 1 : 0;
+    for (const XsdtNode* node : module.nodes) {
+        auto group = m_groups.constFind(node);
+        if (group == m_groups.cend()) {
+            group = m_groups.insert(node, contentOf(*node));
+        }
+        sum.values += group->values;
+        sum.bytes += group->bytes;
+        sum.queuedGroups += node->isInsideDeletion() ? 1 : 0;
+        sum.holdsQueued = sum.holdsQueued || group->holdsQueued;
+    }
+    return sum;
+}
+
+void ModuleContents::forget(const XsdtNode* node)
+{
+    for (; node && !m_groups.isEmpty(); node = node->parent) {
+        m_groups.remove(node);
+    }
+}
+
+void ModuleContents::forgetDeeperThan(quint32 depth)
+{
+    m_groups.removeIf([depth](const auto& group) { return group->depth > depth; });
+}
+
+} // namespace kse
