@@ -5,14 +5,15 @@
 #include "schema/DeletePolicy.h"
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
+#include "widgets/SteadyButton.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WrappedLabel.h"
 
 #include <QHBoxLayout>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QPushButton>
 #include <QStyle>
 #include <QToolTip>
 
@@ -30,29 +31,12 @@ QString numberText(qsizetype number)
     return GroupLine::tr("%1.").arg(number);
 }
 
-} // namespace
-
-/// As wide as the longer of its two texts, so that its neighbour never comes under the mouse.
-class GroupLine::DeleteButton : public QPushButton
+QString deletionText(bool isMarked)
 {
-public:
-    using QPushButton::QPushButton;
+    return isMarked ? GroupLine::tr("Undo deletion") : GroupLine::tr("Delete this one...");
+}
 
-    void offerUndo(bool undo) { setText(undo ? m_undoText : m_deleteText); }
-
-    QSize sizeHint() const override
-    {
-        const auto widthOf = [this](const QString& text) {
-            return fontMetrics().horizontalAdvance(text);
-        };
-        const int widest = qMax(widthOf(m_deleteText), widthOf(m_undoText));
-        return QPushButton::sizeHint() + QSize(widest - widthOf(text()), 0);
-    }
-
-private:
-    const QString m_deleteText = GroupLine::tr("Delete this one...");
-    const QString m_undoText = GroupLine::tr("Undo deletion");
-};
+} // namespace
 
 GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype number, qsizetype count,
                      QWidget* parent)
@@ -77,11 +61,10 @@ void GroupLine::createWidgets()
     const QString values = tr("%n value(s)", nullptr, static_cast<int>(m_node->valueCount()));
     m_label = new WrappedLabel(u"<b>%1</b>  (%2)"_s.arg(path, values.toHtmlEscaped()), Qt::RichText,
                                u"groupLabel"_s, this);
-    m_revealButton = new QPushButton(tr("Show in All settings"), this);
-    m_revealButton->setObjectName(u"revealButton"_s);
+    m_revealButton = named(u"revealButton"_s, new QPushButton(tr("Show in All settings"), this));
     m_revealButton->setAccessibleName(tr("Show %1 in All settings").arg(m_name));
-    m_deleteButton = new DeleteButton(this);
-    m_deleteButton->setObjectName(u"deleteButton"_s);
+    m_deleteButton =
+        named(u"deleteButton"_s, new SteadyButton({deletionText(false), deletionText(true)}, this));
     connect(m_revealButton, &QPushButton::clicked, this, [this] { emit revealRequested(m_node); });
     connect(m_deleteButton, &QPushButton::clicked, this, [this] {
         if (m_node->markedForDeletion) {
@@ -104,20 +87,20 @@ void GroupLine::refresh(bool readOnly)
 {
     const bool isMarked = m_node->markedForDeletion;
     const bool isInside = m_node->isInsideDeletion();
-    QFont font; // sets this alone; the rest goes on following the application's
+    QFont font; // sets this alone: the rest still follows the application's
     font.setStrikeOut(isInside);
     m_label->setFont(font);
     m_label->setAccessibleDescription(stateText());
-    m_deleteButton->offerUndo(isMarked);
+    m_deleteButton->setText(deletionText(isMarked));
     m_deleteButton->setAccessibleName(
         (isMarked ? tr("Undo deletion of %1") : tr("Delete %1...")).arg(m_name));
     setEnabledOrPass(*m_deleteButton, isMarked || !(isInside || m_isProtected || readOnly),
                      *m_revealButton);
-    // Where there is none, the line's own comes.
+    // Where there is none, Qt shows that of the line.
     m_deleteButton->setToolTip(isInside ? QString() : asToolTip(m_reason));
 }
 
-/// What is seen of the line without its path.
+/// The state of the line, for the tool tip and for screen readers.
 QString GroupLine::stateText() const
 {
     const QString copy = tr("Copy %1 of %2, in the order of the file")

@@ -12,20 +12,20 @@ namespace kse {
 class SettingsModel;
 struct XsdtNode;
 
-/// One of several groups of the same key on a card: its path and its number of values, a button
-/// that shows it in the tree, and one that has it deleted or takes that back. Its number is painted
-/// before it, and its tool tip tells the first values, so that copies can be told apart.
+/// The line on a card for one of several groups with the same key: its path and number of values, a
+/// button to show it in the tree, and one to delete it or undo that. The copy's number is painted
+/// in front, and the tool tip lists the first values, so that copies can be told apart.
 class GroupLine : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// `node` is the copy `number` of `count`, in the order of the file. It stays the caller's and
-    /// is needed as long as the line is shown.
+    /// `node` is copy `number` (from 1) of `count` in file order. It isn't owned and must live as
+    /// long as the line is shown.
     GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype number, qsizetype count,
               QWidget* parent);
 
-    /// Brings the line up to date with its node and with whether PixInsight runs.
+    /// Updates the line from its node. `readOnly` is set while PixInsight runs.
     void refresh(bool readOnly);
 
 signals:
@@ -39,8 +39,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    class DeleteButton;
-
     void createWidgets();
     void reserveNumber();
     QString stateText() const;
@@ -49,13 +47,13 @@ private:
     XsdtNode* m_node = nullptr;
     qsizetype m_number = 0;
     qsizetype m_count = 0;
-    QString m_name;             ///< The path and, as no other copy's, the number.
-    bool m_isProtected = false; ///< Never to be deleted.
-    QString m_reason;           ///< What its deletion would do, or why there is none.
+    QString m_name;             ///< Path and number, for accessible names.
+    bool m_isProtected = false; ///< It can never be deleted.
+    QString m_reason;           ///< What its deletion would do, or why it is protected.
     QSpacerItem* m_numberSpace = nullptr;
     QLabel* m_label = nullptr;
     QPushButton* m_revealButton = nullptr;
-    DeleteButton* m_deleteButton = nullptr;
+    QPushButton* m_deleteButton = nullptr;
 };
 
 } // namespace kse

@@ -3,22 +3,19 @@
 
 #include "document/Leaves.h"
 #include "document/ShortPath.h"
-#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "schema/ModuleCatalog.h"
 #include "schema/PrettyName.h"
 #include "schema/SettingsSchema.h"
+#include "views/health/DuplicateKeys.h"
 #include "views/health/InstallFolder.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QHash>
-#include <QThread>
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -26,9 +23,9 @@ namespace kse {
 
 namespace {
 
-/// The unmarked values in those parts of the file that can hold a path below "Global/", so that
-/// nobody has to make paths of all the data of modules. Values too deep for whole paths are left
-/// out: no documented setting lies there.
+/// The unmarked values in the parts of the file where a path can start with "Global/", so that the
+/// checks needn't make paths for all the data of modules. Values too deep for whole paths are left
+/// out: no documented setting is that deep.
 QList<XsdtNode*> unmarkedSettings(const XsdtNode& root)
 {
     QList<XsdtNode*> settings;
@@ -67,19 +64,16 @@ private:
     void checkModuleFiles(const QList<XsdtNode*>& leaves);
     void matchRegistry(const XsdtNode& registry, const QString& binFolder);
     void checkDuplicates();
-    void checkDuplicatesIn(const XsdtNode& group);
     void checkUnusedModules();
     void checkSecurity();
 
-    /// The value at `path` unless it is marked itself, or null.
+    /// The value at `path`; null if there is none or it is marked itself.
     XsdtNode* unmarkedValueAt(QStringView path) const;
-    bool isMissing(const QString& path) const;
 
     const XsdtDocument& m_document;
     const SettingsSchema& m_schema;
     const HealthEnv& m_env;
     QList<Finding> m_findings;
-    std::vector<size_t> m_hashes; ///< Kept from group to group for its memory.
 };
 
 QList<Finding> Checkup::findings()
@@ -132,8 +126,8 @@ void Checkup::checkPath(XsdtNode* node, const QString& path, const VariableInfo&
                            path.startsWith("Global/ColorManagement/"_L1))) {
         return;
     }
-    // Blanks and PixInsight's own "@" folders aren't paths of a system, so they pass as well.
-    if (!isMissing(node->value)) {
+    // Empty values and PixInsight's own "@" folders aren't local paths, so they pass too.
+    if (!m_env.isMissing(node->value)) {
         return;
     }
     const QString title = info.kind == VariableKind::Directory ? tr("%1: the folder does not exist")
@@ -165,7 +159,7 @@ void Checkup::checkRange(XsdtNode* node, const VariableInfo& info)
 
 void Checkup::checkChoice(XsdtNode* node, const VariableInfo& info)
 {
-    const qint64 number = node->value.toLongLong(); // 0 for what is no number
+    const qint64 number = node->value.toLongLong(); // 0 if it isn't a number
     QStringList options;
     for (const VariableChoice& choice : info.choices) {
         if (choice.value == number) {
@@ -231,8 +225,8 @@ void Checkup::matchRegistry(const XsdtNode& registry, const QString& binFolder)
             continue;
         }
         const QString& path = child->value;
-        if (isMissing(path.startsWith(prefix) ? binFolder + u'/' + path.sliced(prefix.size())
-                                              : path)) {
+        if (m_env.isMissing(path.startsWith(prefix) ? binFolder + u'/' + path.sliced(prefix.size())
+                                                    : path)) {
             const QString name = ModuleCatalog::moduleNameFromPath(path);
             names.append(name.isEmpty() ? path : name);
             nodes.append(child.get());
@@ -253,48 +247,14 @@ void Checkup::matchRegistry(const XsdtNode& registry, const QString& binFolder)
 
 void Checkup::checkDuplicates()
 {
-    checkDuplicatesIn(m_document.root);
-    walkTree(m_document.root, [&](const XsdtNode& node) {
-        if (node.markedForDeletion) {
-            return Walk::Over;
-        }
-        checkDuplicatesIn(node);
-        return Walk::Into;
-    });
-}
-
-void Checkup::checkDuplicatesIn(const XsdtNode& group)
-{
-    // Almost no group has duplicates: sorted hashes tell so without a table of its keys.
-    m_hashes.clear();
-    for (const auto& child : group.children) {
-        if (!child->markedForDeletion) {
-            m_hashes.push_back(qHash(child->key));
-        }
-    }
-    std::sort(m_hashes.begin(), m_hashes.end());
-    if (std::adjacent_find(m_hashes.begin(), m_hashes.end()) == m_hashes.end()) {
-        return;
-    }
-    QHash<QStringView, QList<XsdtNode*>> byKey;
-    for (const auto& child : group.children) {
-        if (!child->markedForDeletion) {
-            byKey[child->key].append(child.get());
-        }
-    }
-    const QString place = group.parent ? shortPath(group) : u"the top level"_s;
-    for (const auto& child : group.children) {
-        if (child->markedForDeletion) {
-            continue;
-        }
-        const QList<XsdtNode*> same = byKey.take(child->key); // so that each key comes once
-        if (same.size() < 2) {
-            continue;
-        }
+    const QList<QList<XsdtNode*>> duplicates = duplicateKeys(m_document);
+    for (const QList<XsdtNode*>& same : duplicates) {
+        const XsdtNode& group = *same.first()->parent;
         m_findings.append(
             {u"duplicate-key"_s, Severity::Warning,
              tr("\"%1\" appears %2 times in %3")
-                 .arg(child->key, QString::number(same.size()), place),
+                 .arg(same.first()->key, QString::number(same.size()),
+                      group.parent ? shortPath(group) : u"the top level"_s),
              tr("A key should occur once. PixInsight reads only one of them, so the other holds "
                 "data it never uses, or a stale copy that may be the one it picks."),
              same});
@@ -361,32 +321,7 @@ XsdtNode* Checkup::unmarkedValueAt(QStringView path) const
     return fits ? node : nullptr;
 }
 
-/// Whether `path` is one of this system and certainly leads nowhere.
-bool Checkup::isMissing(const QString& path) const
-{
-    return isPathForThisSystem(path, m_env.isWindows) && m_env.exists && !m_env.exists(path);
-}
-
 } // namespace
-
-HealthEnv HealthEnv::system()
-{
-    HealthEnv env;
-    env.exists = [](const QString& path) {
-#ifndef Q_OS_WIN
-        if (path.startsWith("~/"_L1)) {
-            return QFileInfo::exists(QDir::homePath() + path.sliced(1));
-        }
-#endif
-        return QFileInfo::exists(path);
-    };
-    env.processors = QThread::idealThreadCount();
-#ifndef Q_OS_WIN
-    env.isWindows = false;
-#endif
-    env.installFolders = usualInstallFolders();
-    return env;
-}
 
 QList<Finding> HealthChecker::run(const XsdtDocument& document, const SettingsSchema& schema,
                                   const HealthEnv& env)
@@ -396,15 +331,8 @@ QList<Finding> HealthChecker::run(const XsdtDocument& document, const SettingsSc
 
 QString HealthChecker::severityName(Severity severity)
 {
-    switch (severity) {
-    case Severity::Note:
-        return QCoreApplication::translate("HealthChecker", "Note");
-    case Severity::Warning:
-        return QCoreApplication::translate("HealthChecker", "Warning");
-    case Severity::Problem:
-        return QCoreApplication::translate("HealthChecker", "Problem");
-    }
-    return {};
+    const QStringList names{Checkup::tr("Note"), Checkup::tr("Warning"), Checkup::tr("Problem")};
+    return names.value(static_cast<int>(severity)); // empty for any other number
 }
 
 } // namespace kse

@@ -7,6 +7,7 @@
 #include "views/rows/ConfirmDeletion.h"
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/WidgetColumn.h"
 #include "widgets/WrappedLabel.h"
@@ -25,36 +26,18 @@ namespace kse {
 
 namespace {
 
-constexpr qsizetype cardStep = 200; // that many at once aren't felt as a wait
+constexpr qsizetype cardStep = 200; // more at once would be felt as a wait
 constexpr qsizetype nodeLimit = 12;
 constexpr qsizetype detailLimit = 10'000;
 
-QColor severityColor(Severity severity)
-{
-    switch (severity) {
-    case Severity::Note:
-        return {60, 140, 230};
-    case Severity::Warning:
-        return {226, 150, 0};
-    case Severity::Problem:
-        return {214, 60, 60};
-    }
-    return {128, 128, 128};
-}
-
-QString asHtml(const QString& text)
-{
-    return asMarkup(withoutMiddle(text, lineLimit));
-}
-
 QFrame* createStripe(Severity severity, QWidget* parent)
 {
-    auto* stripe = new QFrame(parent);
-    stripe->setObjectName(u"stripe"_s);
+    auto* stripe = named(u"stripe"_s, new QFrame(parent));
     stripe->setFixedWidth(6);
     stripe->setAutoFillBackground(true);
+    const QList<QColor> colors{{60, 140, 230}, {226, 150, 0}, {214, 60, 60}}; // by `Severity`
     QPalette palette;
-    palette.setColor(QPalette::All, QPalette::Window, severityColor(severity));
+    palette.setColor(QPalette::All, QPalette::Window, colors.at(static_cast<int>(severity)));
     stripe->setPalette(palette);
     return stripe;
 }
@@ -80,8 +63,7 @@ void HealthView::createWidgets()
            "in the list."),
         Qt::PlainText, u"purposeLabel"_s, this);
     m_summaryLabel = new WrappedLabel({}, Qt::PlainText, u"summaryLabel"_s, this);
-    m_rerunButton = new QPushButton(tr("Run the check again"), this);
-    m_rerunButton->setObjectName(u"rerunButton"_s);
+    m_rerunButton = named(u"rerunButton"_s, new QPushButton(tr("Run the check again"), this));
     m_cards = new WidgetColumn(10, this);
     m_cards->setAccessibleName(tr("Findings"));
     m_cards->widget()->setObjectName(u"cardsContainer"_s);
@@ -103,7 +85,7 @@ void HealthView::connectWidgets()
     connect(m_model, &SettingsModel::edited, this, &HealthView::onEdited);
     connect(m_model, &SettingsModel::edited, this, &HealthView::refreshGroupLines);
     connect(m_rowSet, &SettingRowSet::message, this, &HealthView::message);
-    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &HealthView::requestDeletion);
+    connect(m_rowSet, &SettingRowSet::deleteRequested, this, &HealthView::onDeleteRequested);
     connect(m_rowSet, &SettingRowSet::restoreRequested, this, &HealthView::restoreRequested);
     connect(m_rowSet, &SettingRowSet::revealRequested, this, &HealthView::revealRequested);
 }
@@ -158,14 +140,13 @@ void HealthView::onEdited()
 void HealthView::removeCards()
 {
     m_cards->clear();
-    m_cards->setMoreText({});
     m_rowSet->clear();
     m_groupLines.clear();
     m_findings.clear();
     m_stale = false;
 }
 
-/// Adds the next cards; the button at their end asks for more.
+/// Adds the next cards, and the button at their end if there are still more.
 void HealthView::addCards()
 {
     const qsizetype total = m_findings.size();
@@ -198,8 +179,7 @@ void HealthView::updateSummary()
 
 QWidget* HealthView::buildCard(const Finding& finding)
 {
-    auto* card = new QFrame(m_cards->widget());
-    card->setObjectName(u"card"_s);
+    auto* card = named(u"card"_s, new QFrame(m_cards->widget()));
     auto* layout = new QHBoxLayout(card);
     layout->setContentsMargins({});
     layout->setSpacing(0);
@@ -209,24 +189,19 @@ QWidget* HealthView::buildCard(const Finding& finding)
     column->setContentsMargins(12, 6, 6, 6);
     layout->addLayout(column, 1);
 
-    addTexts(finding, column, card);
+    const QString severity = HealthChecker::severityName(finding.severity).toHtmlEscaped();
+    const QString title = asMarkup(withoutMiddle(finding.title, lineLimit));
+    column->addWidget(new WrappedLabel(u"<b>%1:</b> %2"_s.arg(severity, title), Qt::RichText,
+                                       u"titleLabel"_s, card));
+    column->addWidget(new WrappedLabel(withoutMiddle(finding.detail, detailLimit), Qt::PlainText,
+                                       u"detailLabel"_s, card));
     addNodes(finding, column, card);
     if (finding.action == FindingAction::OpenUnusedModules) {
-        auto* open = new QPushButton(tr("Open Unused modules"), card);
-        open->setObjectName(u"openUnusedButton"_s);
+        auto* open = named(u"openUnusedButton"_s, new QPushButton(tr("Open Unused modules"), card));
         connect(open, &QPushButton::clicked, this, &HealthView::openUnusedModules);
         column->addWidget(open, 0, Qt::AlignLeft);
     }
     return card;
-}
-
-void HealthView::addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card)
-{
-    const QString severity = HealthChecker::severityName(finding.severity).toHtmlEscaped();
-    layout->addWidget(new WrappedLabel(u"<b>%1:</b> %2"_s.arg(severity, asHtml(finding.title)),
-                                       Qt::RichText, u"titleLabel"_s, card));
-    layout->addWidget(new WrappedLabel(withoutMiddle(finding.detail, detailLimit), Qt::PlainText,
-                                       u"detailLabel"_s, card));
 }
 
 void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card)
@@ -248,14 +223,13 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
     }
 }
 
-/// A group has no editor: it can be looked at in the tree, or go.
+/// A group has no editor, but can be shown in the tree or deleted.
 GroupLine* HealthView::buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count,
                                       QWidget* card)
 {
-    auto* line = new GroupLine(node, *m_model, number, count, card);
-    line->setObjectName(u"groupLine"_s);
+    auto* line = named(u"groupLine"_s, new GroupLine(node, *m_model, number, count, card));
     line->refresh(m_rowSet->isReadOnly());
-    connect(line, &GroupLine::deleteRequested, this, &HealthView::requestDeletion);
+    connect(line, &GroupLine::deleteRequested, this, &HealthView::onDeleteRequested);
     connect(line, &GroupLine::restoreRequested, this, &HealthView::restoreRequested);
     connect(line, &GroupLine::revealRequested, this, &HealthView::revealRequested);
     m_groupLines.append(line);
@@ -269,9 +243,8 @@ void HealthView::refreshGroupLines()
     }
 }
 
-/// Asks first where nothing would be left of a key of which there are copies: each of them looks as
-/// if it could go.
-void HealthView::requestDeletion(XsdtNode* node)
+/// Asks first if all other copies of the key are queued already: each copy looks as if it could go.
+void HealthView::onDeleteRequested(XsdtNode* node)
 {
     const auto& siblings = node->parent->children;
     qsizetype queued = 0;

@@ -16,18 +16,18 @@ class SettingRowSet;
 class SettingsModel;
 class WidgetColumn;
 
-/// The Health check tab: a card for each finding, with the settings concerned as rows to edit. The
-/// check runs when the tab is first shown for a document, and when it is asked for.
+/// The Health check page: a card for each finding, with its settings as rows to edit. The check
+/// runs when the page is first shown for a document, and on request.
 class HealthView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Model and schema stay the caller's.
+    /// `model` and `schema` aren't owned.
     HealthView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent = nullptr);
 
-    /// Checks `document` from here on, or nothing for null. It stays the caller's; pass null
-    /// before its tree is replaced.
+    /// Checks `document`, or nothing for null. The caller keeps it, and passes null before its tree
+    /// is replaced.
     void setDocument(const XsdtDocument* document);
 
     /// While PixInsight runs.
@@ -47,27 +47,27 @@ signals:
 protected:
     void showEvent(QShowEvent* event) override;
 
+private slots:
+    void onEdited();
+    void onDeleteRequested(kse::XsdtNode* node);
+
 private:
     void createWidgets();
     void connectWidgets();
-
-    void onEdited();
     void removeCards();
     void addCards();
     void updateSummary();
     QWidget* buildCard(const Finding& finding);
-    static void addTexts(const Finding& finding, QVBoxLayout* layout, QWidget* card);
     void addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card);
     GroupLine* buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count, QWidget* card);
     void refreshGroupLines();
-    void requestDeletion(XsdtNode* node);
 
     SettingsModel* m_model = nullptr;
     const SettingsSchema* m_schema = nullptr;
     const XsdtDocument* m_document = nullptr;
     const HealthEnv m_env = HealthEnv::system();
-    bool m_hasRun = false; ///< On the present document.
-    bool m_stale = false;  ///< Edited since, and the summary says so.
+    bool m_hasRun = false; ///< On the current document.
+    bool m_stale = false;  ///< Settings were edited since, and the summary says so.
     QList<Finding> m_findings;
     SettingRowSet* m_rowSet = nullptr;
     QList<GroupLine*> m_groupLines; ///< On the cards.

@@ -3,12 +3,10 @@
 
 #include "document/XsdtNode.h"
 #include "document/XsdtValueType.h"
-#include "views/health/HealthChecker.h"
+#include "views/health/HealthEnv.h"
 
 #include <QDir>
 #include <QRegularExpression>
-
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -16,17 +14,12 @@ namespace kse {
 
 namespace {
 
-bool isSlash(QChar c)
-{
-    return c == u'/' || c == u'\\';
-}
-
-/// The installation that the path in `leaf` leads into, or nothing.
-QString installFolderIn(const XsdtNode& leaf, bool windows)
+/// The installation that the path in `leaf` leads into; empty if none.
+QString installFolderIn(const XsdtNode& leaf, const HealthEnv& env)
 {
     constexpr qsizetype longestPath = 400;
     if (leaf.typeCode != XsdtValueType::String || leaf.value.size() > longestPath ||
-        !isPathForThisSystem(leaf.value, windows)) {
+        !env.isLocalPath(leaf.value)) {
         return {};
     }
     const QString path = leaf.path();
@@ -38,7 +31,7 @@ QString installFolderIn(const XsdtNode& leaf, bool windows)
     static const QRegularExpression usualName(
         uR"(^(.*[/\\]PixInsight)[/\\](?:bin|rsc|color|library|etc|doc|include|lib|src)[/\\])"_s,
         QRegularExpression::CaseInsensitiveOption);
-    // The application's own resources also tell of an installation under another name.
+    // A path to the application's own resources reveals an installation under another name.
     static const QRegularExpression anyName(uR"(^(.+)[/\\]rsc[/\\])"_s);
     QRegularExpressionMatch match = usualName.match(leaf.value);
     if (!match.hasMatch() && path.startsWith("Global/Preferences/Application/"_L1)) {
@@ -48,11 +41,11 @@ QString installFolderIn(const XsdtNode& leaf, bool windows)
 }
 
 /// Distinct and sorted, so that the order of the file's settings doesn't matter.
-QStringList installFoldersIn(const QList<XsdtNode*>& leaves, bool windows)
+QStringList installFoldersIn(const QList<XsdtNode*>& leaves, const HealthEnv& env)
 {
     QStringList folders;
     for (const XsdtNode* leaf : leaves) {
-        const QString folder = installFolderIn(*leaf, windows);
+        const QString folder = installFolderIn(*leaf, env);
         if (!folder.isEmpty()) {
             folders.append(folder);
         }
@@ -64,70 +57,23 @@ QStringList installFoldersIn(const QList<XsdtNode*>& leaves, bool windows)
 
 } // namespace
 
-bool isPathForThisSystem(const QString& path, bool windows)
-{
-    if (!windows) {
-        return path.startsWith(u'/') || path.startsWith(u'~');
-    }
-    if (path.startsWith(R"(\\)"_L1) || path.startsWith("//"_L1)) {
-        return true;
-    }
-    const auto isDriveLetter = [](QChar c) {
-        return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
-    };
-    return path.size() >= 3 && isDriveLetter(path[0]) && path[1] == u':' && isSlash(path[2]);
-}
-
 ProgramFolder findProgramFolder(const QList<XsdtNode*>& leaves, const HealthEnv& env)
 {
     ProgramFolder folder;
-    const auto exists = [&](const QString& path) {
-        return !env.exists || env.exists(path);
+    const auto tryFolder = [&](const QString& shown, const QString& path) {
+        if (folder.path.isEmpty() && !shown.isEmpty()) {
+            folder.tried.append(shown);
+            folder.path = !env.exists || env.exists(path) ? path : QString();
+        }
     };
-    if (!env.binFolder.isEmpty()) {
-        folder.tried.append(QDir::fromNativeSeparators(env.binFolder));
-        if (exists(env.binFolder)) {
-            folder.path = env.binFolder;
-            return folder;
-        }
-    }
-    QStringList candidates = installFoldersIn(leaves, env.isWindows);
-    for (const QString& usual : env.installFolders) {
-        candidates.append(QDir::fromNativeSeparators(usual));
-    }
-    for (const QString& candidate : std::as_const(candidates)) {
-        if (candidate.isEmpty()) {
-            continue;
-        }
-        folder.tried.append(candidate);
-        const QString probe = candidate + "/bin"_L1;
-        if (exists(probe)) {
-            folder.path = probe;
-            break;
-        }
+    tryFolder(QDir::fromNativeSeparators(env.binFolder), env.binFolder);
+    const QStringList installs = installFoldersIn(leaves, env) + env.installFolders;
+    for (const QString& install : installs) {
+        const QString path = QDir::fromNativeSeparators(install);
+        tryFolder(path, path + "/bin"_L1);
     }
     folder.tried.removeDuplicates();
     return folder;
-}
-
-QStringList usualInstallFolders()
-{
-#if defined(Q_OS_WIN)
-    QStringList folders;
-    for (const char* variable : {"ProgramFiles", "ProgramW6432", "ProgramFiles(x86)"}) {
-        const QString programs = qEnvironmentVariable(variable);
-        if (!programs.isEmpty()) {
-            folders.append(QDir::fromNativeSeparators(programs) + "/PixInsight"_L1);
-        }
-    }
-    folders.append(u"C:/Program Files/PixInsight"_s);
-    folders.removeDuplicates();
-    return folders;
-#elif defined(Q_OS_MACOS)
-    return {u"/Applications/PixInsight"_s};
-#else
-    return {u"/opt/PixInsight"_s};
-#endif
 }
 
 } // namespace kse
