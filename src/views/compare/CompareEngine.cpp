@@ -5,6 +5,7 @@
 #include "document/ShortPath.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
+#include "schema/DeletePolicy.h"
 
 #include <QHash>
 
@@ -16,10 +17,10 @@ namespace kse {
 
 namespace {
 
-/// Numbers for paths: equal ones for equal paths, however the keys make them up. A path is known
-/// by the number of what stands before its last slash and the segment after it, so that no path
-/// is ever built and each key is hashed once, also at the bottom of a deep file.
-/// Its texts point into the keys that were added.
+/// Gives each path a number. Equal paths have the same number, no matter which keys they are made
+/// of. A path is identified by the number of the part before its last slash and by the segment
+/// after it. So no path is ever built, and each key is hashed only once, even in a deep file. The
+/// segments point into the keys that were added.
 class PathNumbers
 {
 public:
@@ -29,7 +30,7 @@ public:
     /// One more than the greatest number.
     qsizetype count() const { return m_numbers.size() + 1; }
 
-    /// The number of the path that `key` makes beneath the path `parent`.
+    /// The number of the path of `key` below the path `parent`.
     qsizetype add(qsizetype parent, QStringView key)
     {
         return follow(parent, key, [this](const Step& step) {
@@ -41,7 +42,7 @@ public:
         });
     }
 
-    /// The same, but `unknown` for a path that wasn't added or began one that was.
+    /// The same, but `unknown` for a path that is neither one that was added nor the start of one.
     qsizetype find(qsizetype parent, QStringView key) const
     {
         return follow(parent, key,
@@ -67,13 +68,13 @@ private:
     template <typename Take>
     static qsizetype follow(qsizetype parent, QStringView key, Take&& take)
     {
-        // Beneath the empty path there is no slash before a key, so an empty key adds nothing.
+        // Below the empty path no slash precedes a key, so an empty key adds nothing.
         if (parent == unknown || (parent == emptyPath && key.isEmpty())) {
             return parent;
         }
         qsizetype number = parent;
         for (const QStringView segment : key.tokenize(u'/')) {
-            number = take(Step{number, segment}); // nothing is known beneath what is unknown
+            number = take(Step{number, segment}); // all is unknown below `unknown`
         }
         return number;
     }
@@ -85,7 +86,7 @@ struct NumberedValue
 {
     XsdtNode* node;
     qsizetype path;
-    const XsdtNode* top; ///< At or above it, where the keys that are always shown end.
+    const XsdtNode* top; ///< At or above it: the last key that is always shown.
 };
 
 /// The path to show for a value.
@@ -94,7 +95,8 @@ QString shownPath(const XsdtNode& node, const XsdtNode& top)
     return node.depth > deepestWholePath ? top.path() + u'/' + shortPath(node) : node.path();
 }
 
-/// The values of `document` that aren't marked, with what `number(parent's, key)` gives them.
+/// The values of `document` that aren't marked. `number` returns the number of the path of a key
+/// below the path with a given number.
 template <typename Number>
 std::vector<NumberedValue> numberedValues(const XsdtDocument& document, Number&& number)
 {
@@ -162,6 +164,13 @@ QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
         }
     }
     return entries;
+}
+
+bool isCopyable(const CompareEntry& entry, const DeletePolicy* policy)
+{
+    return entry.state == CompareState::Different && entry.thisNode->isEditableType() &&
+           !entry.thisNode->isInsideDeletion() &&
+           !(policy && policy->isCompareNoCopy(entry.thisNode));
 }
 
 GroupedPath groupedPath(const QString& path)

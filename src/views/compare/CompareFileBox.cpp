@@ -19,7 +19,7 @@ CompareFileBox::CompareFileBox(QWidget* parent)
     : FileBox(parent)
 {
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    setMinimumWidth(200); // a long name doesn't keep the window wide
+    setMinimumWidth(200); // a long name must not keep the window wide
     refill();
 }
 
@@ -32,7 +32,7 @@ void CompareFileBox::setFiles(const QString& thisPath, const QString& otherPath)
 
 void CompareFileBox::showPopup()
 {
-    refill(); // a save made a backup, or an instance its file
+    refill(); // there may be a new backup or a new instance
     QComboBox::showPopup();
 }
 

@@ -7,8 +7,8 @@
 
 namespace kse {
 
-/// Offers the files to compare with: those of PixInsight's instances and the backups of the file
-/// that is open. Its list is looked up again whenever it opens.
+/// Lists the files to compare with: those of PixInsight's instances and the backups of the open
+/// file. They are looked up again whenever the list opens.
 class CompareFileBox : public FileBox
 {
     Q_OBJECT
@@ -16,11 +16,11 @@ class CompareFileBox : public FileBox
 public:
     explicit CompareFileBox(QWidget* parent = nullptr);
 
-    /// Offers what there is to compare `thisPath` with, and shows `otherPath`, which may be any
-    /// file; both may be empty. Emits nothing.
+    /// Lists the files to compare `thisPath` with and selects `otherPath`, which may be any file.
+    /// Both may be empty. Emits nothing.
     void setFiles(const QString& thisPath, const QString& otherPath);
 
-    /// Whether the item at `index` is the one to pick a file with, instead of a file.
+    /// Whether the item at `index` is "Browse..." and not a file.
     bool isBrowse(int index) const { return index == count() - 1; }
 
     void showPopup() override;

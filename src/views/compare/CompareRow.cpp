@@ -20,11 +20,6 @@ namespace {
 constexpr qsizetype valueLimit = 90;
 constexpr qsizetype toolTipValueLimit = 300;
 
-QString shownValue(const XsdtNode* node)
-{
-    return node ? displayValue(*node, node->value, valueLimit) : QString();
-}
-
 QString statusText(const CompareEntry& entry)
 {
     switch (entry.state) {
@@ -52,18 +47,10 @@ CompareRow::CompareRow(const CompareEntry& entry, int index, bool isCopyable)
 {
 }
 
-const XsdtNode* CompareRow::node() const
-{
-    return m_entry.thisNode ? m_entry.thisNode : m_entry.otherNode;
-}
-
 QVariant CompareRow::data(int column, int role) const
 {
-    if (role == Qt::DisplayRole) {
-        return shownText(column);
-    }
-    if (role == Qt::EditRole) {
-        return wholeText(column);
+    if (role == Qt::DisplayRole || role == Qt::EditRole) {
+        return text(column, role == Qt::EditRole);
     }
     if (role == Qt::ToolTipRole && (column == ThisColumn || column == OtherColumn)) {
         return cutValue(column);
@@ -87,35 +74,21 @@ QVariant CompareRow::data(int column, int role) const
     }
 }
 
-QString CompareRow::shownText(int column) const
+/// The text of a cell, in full or as short as it is shown.
+QVariant CompareRow::text(int column, bool isWhole) const
 {
-    switch (column) {
-    case SettingColumn:
-        return withoutMiddle(groupedPath(m_entry.path).name, lineLimit);
-    case ThisColumn:
-        return shownValue(m_entry.thisNode);
-    case OtherColumn:
-        return shownValue(m_entry.otherNode);
-    default:
+    if (column == StatusColumn) {
         return statusText(m_entry);
     }
-}
-
-QVariant CompareRow::wholeText(int column) const
-{
-    const auto valueOf = [](const XsdtNode* node) {
-        return node ? QVariant(node->value) : QVariant();
-    };
-    switch (column) {
-    case SettingColumn:
-        return groupedPath(m_entry.path).name;
-    case ThisColumn:
-        return valueOf(m_entry.thisNode);
-    case OtherColumn:
-        return valueOf(m_entry.otherNode);
-    default:
-        return statusText(m_entry);
+    if (column == SettingColumn) {
+        const QString name = groupedPath(m_entry.path).name;
+        return isWhole ? name : withoutMiddle(name, lineLimit);
     }
+    const XsdtNode* node = column == ThisColumn ? m_entry.thisNode : m_entry.otherNode;
+    if (!node) {
+        return {};
+    }
+    return isWhole ? node->value : displayValue(*node, node->value, valueLimit);
 }
 
 QString CompareRow::toolTipText() const
@@ -132,7 +105,7 @@ QString CompareRow::toolTipText() const
     return asToolTip(text + obstacleText());
 }
 
-/// The value in `column` for its tool tip; empty unless the cell has no room for all of it.
+/// The value in `column` for its tool tip; empty if the cell has room for all of it.
 QString CompareRow::cutValue(int column) const
 {
     const XsdtNode* node = column == ThisColumn ? m_entry.thisNode : m_entry.otherNode;
@@ -140,7 +113,7 @@ QString CompareRow::cutValue(int column) const
         return {};
     }
     const QTreeWidget& tree = *treeWidget();
-    const QString shown = shownValue(node);
+    const QString shown = displayValue(*node, node->value, valueLimit);
     const int margin = tree.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &tree) + 1;
     const int room = tree.columnWidth(column) - 2 * margin;
     if (node->value.size() <= valueLimit && tree.fontMetrics().horizontalAdvance(shown) <= room) {
@@ -148,7 +121,7 @@ QString CompareRow::cutValue(int column) const
     }
     return asMarkup(node->typeCode == XsdtValueType::Block
                         ? shown
-                        : abbreviated(node->value, lineLimit)); // wraps as markup only
+                        : abbreviated(node->value, lineLimit)); // only markup wraps
 }
 
 /// As a line of its own, why the other file's value can't be copied; empty if it can.

@@ -8,30 +8,26 @@ namespace kse {
 struct CompareEntry;
 struct XsdtNode;
 
-/// One difference in the list of the comparison. Its texts are made when they are seen: there may
-/// be a hundred thousand rows, all made anew at each key typed into the filter. The edit role has
-/// them unshortened.
+/// A row of the comparison, which shows one difference. Its texts are made only when they are
+/// shown, since there may be a hundred thousand rows, all created again at each key typed into the
+/// filter. The edit role has the texts in full.
 class CompareRow : public QTreeWidgetItem
 {
 public:
     enum Column { SettingColumn, ThisColumn, OtherColumn, StatusColumn };
 
-    /// `entry` isn't owned and must outlive the row; it is the one at `index` of its list.
+    /// `entry`, the one at `index` of its list, isn't owned and must outlive the row.
     CompareRow(const CompareEntry& entry, int index, bool isCopyable);
 
     const CompareEntry& entry() const { return m_entry; }
 
-    /// The one of the open file or else the other's.
-    const XsdtNode* node() const;
-
-    /// In the user role of the first column, too. Rows that are no entries have -1 there.
+    /// Also in the user role of the first column, where rows that aren't entries have -1.
     int index() const { return m_index; }
 
     QVariant data(int column, int role) const override;
 
 private:
-    QString shownText(int column) const;
-    QVariant wholeText(int column) const;
+    QVariant text(int column, bool isWhole) const;
     QString toolTipText() const;
     QString cutValue(int column) const;
     QString obstacleText() const;

@@ -13,16 +13,14 @@
 
 #include <algorithm>
 
-using namespace Qt::StringLiterals;
-
 namespace kse {
 
 namespace {
 
-constexpr int maximumExpanded = 400; // rows; beyond, the groups are closed at first
+constexpr int maximumExpanded = 400; // rows; in longer lists groups start collapsed
 
-/// A row that isn't an entry, known by -1 where these have their number.
-QTreeWidgetItem* makeTopLevelRow(const QString& text)
+/// A row that isn't an entry. Its user role has -1 where entries have their index.
+QTreeWidgetItem* createTopLevelRow(const QString& text)
 {
     auto* row = new QTreeWidgetItem({withoutMiddle(text, lineLimit)});
     row->setData(CompareRow::SettingColumn, Qt::UserRole, -1);
@@ -37,7 +35,7 @@ QString nameOf(const QTreeWidgetItem& group)
 /// Null for a group.
 const XsdtNode* nodeOf(const QTreeWidgetItem& item)
 {
-    return item.parent() ? static_cast<const CompareRow&>(item).node() : nullptr;
+    return item.parent() ? static_cast<const CompareRow&>(item).entry().node() : nullptr;
 }
 
 } // namespace
@@ -74,8 +72,8 @@ void CompareTree::setRows(const QList<CompareRow*>& rows, const CompareTreeState
     clear();
     m_rows = rows;
     addGroups();
-    // In this order: to span a row, the view lays out all; from then on it takes each group that
-    // opens by itself, at the cost of the whole list.
+    // In this order: to span a row, the view lays out the list, and from then on each group that
+    // is expanded costs as much time as the whole list.
     restoreOpen(state);
     for (int i = 0; i < topLevelItemCount(); ++i) {
         setFirstColumnSpanned(i, {}, true);
@@ -96,21 +94,21 @@ void CompareTree::addGroups()
         const QString name = groupedPath(row->entry().path).group;
         QTreeWidgetItem*& group = groups[name];
         if (!group) {
-            group = makeTopLevelRow(name);
+            group = createTopLevelRow(name);
             group->setFont(CompareRow::SettingColumn, bold);
             topLevelRows.append(group);
         }
         group->addChild(row);
     }
     if (topLevelRows.isEmpty()) {
-        topLevelRows.append(makeTopLevelRow(tr("Nothing to show with the current filters.")));
+        topLevelRows.append(createTopLevelRow(tr("Nothing to show with the current filters.")));
         topLevelRows.first()->setFlags(Qt::ItemIsEnabled);
     }
-    // Once and filled: the tree takes rows that come one by one each by itself.
+    // Filled and all at once: the tree does all its work again for each row added alone.
     addTopLevelItems(topLevelRows);
 }
 
-// Here and below a group is found by its place: from an item Qt finds it by searching all groups.
+// Here and below, groups are found by index: given the item, Qt would search all groups for it.
 CompareTreeState CompareTree::state() const
 {
     CompareTreeState state;
@@ -150,7 +148,7 @@ template <typename IsGroupSelected, typename IsRowSelected>
 void CompareTree::selectRows(IsGroupSelected&& isGroupSelected, IsRowSelected&& isRowSelected)
 {
     QItemSelection selection;
-    // One range for neighbours: Qt goes through all ranges again and again.
+    // Neighbours share a range: Qt goes through all ranges again and again.
     const auto add = [&](const QModelIndex& parent, auto&& isSelected) {
         int first = 0;
         for (int row = 0; row <= model()->rowCount(parent); ++row) {
@@ -169,7 +167,7 @@ void CompareTree::selectRows(IsGroupSelected&& isGroupSelected, IsRowSelected&& 
         const QModelIndex index = model()->index(i, 0);
         add(index, [&](int row) { return isRowSelected(index, *group->child(row)); });
     }
-    clearSelection(); // else Qt holds each new range against each old one
+    clearSelection(); // else Qt compares each new range with each old one
     selectionModel()->select(selection, QItemSelectionModel::Select);
 }
 
@@ -201,11 +199,11 @@ void CompareTree::restoreCurrent(const CompareTreeState& state)
     setCurrentItem(item, CompareRow::SettingColumn, QItemSelectionModel::NoUpdate);
 }
 
-/// The row that was current or else is in its place.
+/// The row that was current, or the one in its place.
 QTreeWidgetItem* CompareTree::nearest(const CompareTreeState& state) const
 {
     for (CompareRow* row : m_rows) {
-        if (row->node() == state.currentNode) {
+        if (row->entry().node() == state.currentNode) {
             return row;
         }
     }

@@ -12,8 +12,8 @@ namespace kse {
 class CompareRow;
 struct XsdtNode;
 
-/// What is open, selected, current and on top. It outlives the rows: groups are known by their
-/// names and entries by their nodes, which it tells apart without a look into them.
+/// Which rows are expanded, selected, current and on top. It outlives the rows: it knows groups by
+/// name, and entries by the addresses of their nodes, which it never follows.
 struct CompareTreeState
 {
     QHash<QString, bool> isOpen; ///< For each group.
@@ -21,8 +21,8 @@ struct CompareTreeState
     QSet<const XsdtNode*> selectedNodes;
     const XsdtNode* currentNode = nullptr; ///< Null unless the current row is an entry.
     QString currentGroup;
-    int groupPlace = -1;   ///< Of the current row's group; -1 for none.
-    int placeInGroup = -1; ///< Of the current row; -1 for the group itself.
+    int groupPlace = -1;   ///< Index of the current row's group; -1 for none.
+    int placeInGroup = -1; ///< Index of the current row; -1 for the group itself.
     int top = 0;
 };
 
@@ -36,23 +36,20 @@ public:
 
     void removeRows();
 
-    /// Shows `rows` instead of what it shows, and owns them. What is in `state` and still there
-    /// becomes as it was. Where the current row is gone, the one in its place becomes current. Of
-    /// other groups, all in a short list are open and none in a long one. Emits nothing.
+    /// Replaces all rows by `rows`, and owns them. Restores `state` for the rows that still exist.
+    /// If the current row is gone, the one in its place becomes current. Groups that `state`
+    /// doesn't know are expanded in a short list, and collapsed in a long one. Emits nothing.
     void setRows(const QList<CompareRow*>& rows, const CompareTreeState& state = {});
-
-    /// The entries in the order in which they were given.
-    const QList<CompareRow*>& rows() const { return m_rows; }
 
     CompareTreeState state() const;
 
-    /// The numbers of the selected entries and of those in selected groups, each once.
+    /// The indices of the selected entries and of those in selected groups, each once.
     QList<int> selectedEntries() const;
 
-    /// The number of the entry that `item` shows; -1 for any other row and for null.
+    /// The index of the entry that `item` shows; -1 for any other row and for null.
     static int entryIndex(const QTreeWidgetItem* item);
 
-    /// Qt's own takes time with the square of the groups that are open.
+    /// Qt's own takes time that grows with the square of the number of expanded groups.
     void selectAll() override;
 
 private:

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "views/compare/CompareView.h"
 
+#include "document/Fail.h"
 #include "schema/DeletePolicy.h"
 #include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
 #include "views/compare/CompareFileBox.h"
+#include "views/compare/CompareFilter.h"
 #include "views/compare/CompareRow.h"
 #include "views/model/SettingsModel.h"
 #include "widgets/MessageBox.h"
+#include "widgets/Named.h"
+#include "widgets/SteadyButton.h"
 #include "widgets/TabOrder.h"
+#include "widgets/WrappedLabel.h"
 #include "widgets/WrappingRow.h"
 
 #include <QCheckBox>
@@ -21,13 +26,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPushButton>
 #include <QStyle>
-#include <QStyleOptionButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -35,37 +38,10 @@ namespace kse {
 
 namespace {
 
-bool holdsText(const CompareEntry& entry, const QString& text)
-{
-    const auto valueHolds = [&text](const XsdtNode* node) {
-        return node && node->value.contains(text, Qt::CaseInsensitive);
-    };
-    return text.isEmpty() || entry.path.contains(text, Qt::CaseInsensitive) ||
-           valueHolds(entry.thisNode) || valueHolds(entry.otherNode);
-}
-
 QString copyAllText(const QString& count)
 {
     return CompareView::tr("Use the other file's value for all shown (%1)").arg(count);
 }
-
-/// As wide with any number as with a large one: its neighbour stays beneath the mouse.
-class CopyAllButton : public QPushButton
-{
-public:
-    using QPushButton::QPushButton;
-
-    QSize sizeHint() const override
-    {
-        QStyleOptionButton option;
-        initStyleOption(&option);
-        option.text = copyAllText(u"88888"_s);
-        const QSize text = fontMetrics().size(Qt::TextShowMnemonic, option.text);
-        return style()
-            ->sizeFromContents(QStyle::CT_PushButton, &option, text, this)
-            .expandedTo(QPushButton::sizeHint());
-    }
-};
 
 } // namespace
 
@@ -82,37 +58,34 @@ CompareView::CompareView(SettingsModel* model, QWidget* parent)
 
 CompareView::~CompareView()
 {
-    clearEntries(); // the tree, a child, would outlive what its rows refer to
+    clearEntries(); // the tree, a child, would outlive the entries that its rows refer to
 }
 
 void CompareView::createInputs()
 {
-    m_fileCombo = new CompareFileBox(this);
-    m_fileCombo->setObjectName("fileCombo"_L1);
+    m_fileCombo = named(u"fileCombo"_s, new CompareFileBox(this));
 
-    const auto makeCheckBox = [this](const QString& name, const QString& text, bool on) {
-        auto* box = new QCheckBox(text, this);
-        box->setObjectName(name);
+    const auto createCheckBox = [this](const QString& name, const QString& text, bool on) {
+        auto* box = named(name, new QCheckBox(text, this));
         box->setChecked(on);
         return box;
     };
-    m_showDifferent = makeCheckBox(u"showDifferent"_s, tr("Different"), true);
-    m_showOnlyThis = makeCheckBox(u"showOnlyThis"_s, tr("Only in this file"), false);
-    m_showOnlyOther = makeCheckBox(u"showOnlyOther"_s, tr("Only in the other file"), false);
-    m_hideNoise =
-        makeCheckBox(u"hideNoise"_s, tr("Hide statistics, window state and generated lists"), true);
+    m_showDifferent = createCheckBox(u"showDifferent"_s, tr("Different"), true);
+    m_showOnlyThis = createCheckBox(u"showOnlyThis"_s, tr("Only in this file"), false);
+    m_showOnlyOther = createCheckBox(u"showOnlyOther"_s, tr("Only in the other file"), false);
+    m_hideNoise = createCheckBox(u"hideNoise"_s,
+                                 tr("Hide statistics, window state and generated lists"), true);
     m_hideNoise->setToolTip(
         tr("Statistics, window geometry and layout, histories and the featured scripts list "
            "differ between any two files and rarely matter."));
-    m_filterEdit = new QLineEdit(this);
-    m_filterEdit->setObjectName("filterEdit"_L1);
+    m_filterEdit = named(u"filterEdit"_s, new QLineEdit(this));
     m_filterEdit->setAccessibleName(tr("Search in the differences"));
     m_filterEdit->setPlaceholderText(tr("Search"));
     m_filterEdit->setClearButtonEnabled(true);
     fitFilter();
 }
 
-/// Room for a word and the button that clears it: the boxes beside it grow with the text.
+/// Keeps room for a word and the clear button when the check boxes beside it grow with the font.
 void CompareView::fitFilter()
 {
     m_filterEdit->setMinimumWidth(10 * fontMetrics().averageCharWidth() +
@@ -121,18 +94,12 @@ void CompareView::fitFilter()
 
 void CompareView::createTree()
 {
-    m_summaryLabel = new QLabel(this);
-    m_summaryLabel->setObjectName("summaryLabel"_L1);
-    m_summaryLabel->setTextFormat(Qt::PlainText);
-    m_summaryLabel->setWordWrap(true);
-
-    m_tree = new CompareTree(this);
-    m_tree->setObjectName("tree"_L1);
-
-    m_copySelectedButton = new QPushButton(tr("Use the other file's value for selected"), this);
-    m_copySelectedButton->setObjectName("copySelectedButton"_L1);
-    m_copyAllButton = new CopyAllButton(this);
-    m_copyAllButton->setObjectName("copyAllButton"_L1);
+    m_summaryLabel = new WrappedLabel({}, Qt::PlainText, u"summaryLabel"_s, this);
+    m_tree = named(u"tree"_s, new CompareTree(this));
+    m_copySelectedButton =
+        named(u"copySelectedButton"_s,
+              new QPushButton(tr("Use the other file's value for selected"), this));
+    m_copyAllButton = named(u"copyAllButton"_s, new SteadyButton({copyAllText(u"88888"_s)}, this));
 }
 
 void CompareView::createLayout()
@@ -225,10 +192,7 @@ bool CompareView::compareWith(const QString& path, QString* error)
         }
     }
     refresh();
-    if (error && !reason.isEmpty()) {
-        *error = reason;
-    }
-    return reason.isEmpty();
+    return reason.isEmpty() || fail(error, reason);
 }
 
 void CompareView::setStateFilters(bool different, bool onlyThis, bool onlyOther)
@@ -241,6 +205,7 @@ void CompareView::setStateFilters(bool different, bool onlyThis, bool onlyOther)
 void CompareView::clearEntries()
 {
     m_tree->removeRows(); // before the entries, which they refer to
+    m_shown.clear();
     m_copyableRows = 0;
     m_entries.clear();
     m_isNoise.clear();
@@ -249,7 +214,7 @@ void CompareView::clearEntries()
 
 void CompareView::forgetOther()
 {
-    (void)m_other.parse({}); // fails, and leaves nothing behind
+    (void)m_other.parse({}); // fails, and leaves an empty document
     m_otherPath.clear();
 }
 
@@ -262,8 +227,7 @@ void CompareView::refresh(const CompareTreeState& state)
         const DeletePolicy* policy = m_model->policy();
         m_isNoise.reserve(size_t(m_entries.size()));
         for (const CompareEntry& entry : std::as_const(m_entries)) {
-            const XsdtNode* node = entry.thisNode ? entry.thisNode : entry.otherNode;
-            m_isNoise.push_back(policy && policy->isCompareNoise(node));
+            m_isNoise.push_back(policy && policy->isCompareNoise(entry.node()));
         }
         populate(state);
         return;
@@ -274,51 +238,39 @@ void CompareView::refresh(const CompareTreeState& state)
     updateButtons();
 }
 
-void CompareView::populate(const CompareTreeState& treeState)
+void CompareView::populate(const CompareTreeState& state)
 {
     if (!m_document || m_otherPath.isEmpty()) {
         return; // there is nothing to show
     }
-    const QString text = m_filterEdit->text().trimmed();
-    const std::array<bool, 3> isOn = {m_showDifferent->isChecked(), m_showOnlyThis->isChecked(),
-                                      m_showOnlyOther->isChecked()};
-    std::array<int, 3> counts = {};
-    const bool hideNoise = m_hideNoise->isChecked();
-    int hidden = 0;
-    std::vector<int> shown;
-    for (int i = 0; i < m_entries.size(); ++i) {
-        if (hideNoise && m_isNoise[size_t(i)]) {
-            ++hidden;
-            continue;
-        }
-        const CompareEntry& entry = m_entries.at(i);
-        const auto state = static_cast<size_t>(entry.state);
-        ++counts[state];
-        if (isOn[state] && holdsText(entry, text)) {
-            shown.push_back(i);
-        }
-    }
-    addRows(shown, treeState);
+    const CompareFilter filter{
+        {m_showDifferent->isChecked(), m_showOnlyThis->isChecked(), m_showOnlyOther->isChecked()},
+        m_hideNoise->isChecked(),
+        m_filterEdit->text().trimmed()};
+    const CompareListing listing = filtered(m_entries, m_isNoise, filter);
+    m_shown = listing.shown;
+    addRows(state);
+    const auto [different, onlyThis, onlyOther] = listing.counts;
     QString summary = tr("%1 different, %2 only in this file, %3 only in the other file")
-                          .arg(counts[0])
-                          .arg(counts[1])
-                          .arg(counts[2]);
-    if (hidden > 0) {
-        summary +=
-            tr(" (%1 more hidden as statistics, window state or generated lists)").arg(hidden);
+                          .arg(different)
+                          .arg(onlyThis)
+                          .arg(onlyOther);
+    if (listing.hidden > 0) {
+        summary += tr(" (%1 more hidden as statistics, window state or generated lists)")
+                       .arg(listing.hidden);
     }
     m_summaryLabel->setText(summary);
     updateButtons();
 }
 
-void CompareView::addRows(const std::vector<int>& shown, const CompareTreeState& state)
+void CompareView::addRows(const CompareTreeState& state)
 {
     m_copyableRows = 0;
     QList<CompareRow*> rows;
-    rows.reserve(qsizetype(shown.size()));
-    for (const int index : shown) {
+    rows.reserve(m_shown.size());
+    for (const int index : std::as_const(m_shown)) {
         const CompareEntry& entry = m_entries.at(index);
-        const bool copyable = isCopyable(entry);
+        const bool copyable = canCopy(entry);
         m_copyableRows += copyable ? 1 : 0;
         rows.append(new CompareRow(entry, index, copyable));
     }
@@ -328,39 +280,30 @@ void CompareView::addRows(const std::vector<int>& shown, const CompareTreeState&
 void CompareView::updateButtons()
 {
     const QList<int> selected = m_tree->selectedEntries();
-    const bool selectionCopyable = std::any_of(
-        selected.cbegin(), selected.cend(), [this](int i) { return isCopyable(m_entries.at(i)); });
+    const bool selectionCopyable = std::any_of(selected.cbegin(), selected.cend(),
+                                               [this](int i) { return canCopy(m_entries.at(i)); });
     setEnabledOrPass(*m_copySelectedButton, !m_readOnly && selectionCopyable, *m_tree);
     setEnabledOrPass(*m_copyAllButton, !m_readOnly && m_copyableRows > 0, *m_tree);
     m_copyAllButton->setText(m_copyableRows > 0 ? copyAllText(QString::number(m_copyableRows))
                                                 : tr("Use the other file's value for all shown"));
 }
 
-void CompareView::chooseFile(const QString& path)
-{
-    QString error;
-    if (!compareWith(path, &error)) {
-        emit message(error);
-    }
-}
-
 void CompareView::onFileActivated(int index)
 {
-    const QString path = m_fileCombo->itemData(index).toString();
+    QString path = m_fileCombo->itemData(index).toString();
     if (path.isEmpty()) {
         clearEntries();
         forgetOther();
         refresh();
     } else if (m_fileCombo->isBrowse(index)) {
         const QString folder = m_thisPath.isEmpty() ? QString() : QFileInfo(m_thisPath).path();
-        const QString picked = QFileDialog::getOpenFileName(
+        path = QFileDialog::getOpenFileName(
             window(), tr("Compare with"), folder,
             tr("PixInsight settings (*.settings *.bak-*);;All files (*)"));
-        if (!picked.isEmpty()) {
-            chooseFile(picked);
-        }
-    } else {
-        chooseFile(path);
+    }
+    QString error;
+    if (!path.isEmpty() && !compareWith(path, &error)) {
+        emit message(error);
     }
     m_fileCombo->setFiles(m_thisPath, m_otherPath);
 }
@@ -374,12 +317,12 @@ void CompareView::onContextMenu(const QPoint& pos)
     const CompareEntry entry = m_entries.at(index);
     QMenu menu(window());
     QAction* use = menu.addAction(tr("Use the other file's value"));
-    use->setEnabled(!m_readOnly && isCopyable(entry));
+    use->setEnabled(!m_readOnly && canCopy(entry));
     QAction* show = menu.addAction(tr("Show in All settings"));
     show->setEnabled(entry.thisNode);
     QAction* copyPath = menu.addAction(tr("Copy setting path"));
 
-    // Beneath the menu the file may be loaded anew, or edited.
+    // While the menu is open, the file may be loaded again or edited.
     const quint64 comparison = m_comparison;
     const QAction* chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
     if (!chosen || m_comparison != comparison) {
@@ -390,8 +333,7 @@ void CompareView::onContextMenu(const QPoint& pos)
     } else if (chosen == show) {
         emit revealRequested(entry.thisNode);
     } else if (chosen == copyPath) {
-        QGuiApplication::clipboard()->setText(
-            (entry.thisNode ? entry.thisNode : entry.otherNode)->path());
+        QGuiApplication::clipboard()->setText(entry.node()->path());
     }
 }
 
@@ -417,7 +359,7 @@ void CompareView::onCopyAll()
     if (askQuestion(this, tr("Copy values"), question, QMessageBox::Yes | QMessageBox::No,
                     QMessageBox::Yes) == QMessageBox::Yes &&
         m_comparison == comparison) {
-        copyEntries(shownEntries());
+        copyEntries(m_shown);
     }
 }
 
@@ -430,7 +372,7 @@ void CompareView::copyEntries(const QList<int>& indices)
         for (const int index : indices) {
             const CompareEntry& entry = m_entries.at(index);
             const bool done =
-                isCopyable(entry) && m_model->setValue(entry.thisNode, entry.otherNode->value);
+                canCopy(entry) && m_model->setValue(entry.thisNode, entry.otherNode->value);
             ++(done ? copied : refused);
         }
     }
@@ -445,24 +387,9 @@ void CompareView::copyEntries(const QList<int>& indices)
     }
 }
 
-bool CompareView::isCopyable(const CompareEntry& entry) const
+bool CompareView::canCopy(const CompareEntry& entry) const
 {
-    if (entry.state != CompareState::Different || !entry.thisNode->isEditableType() ||
-        entry.thisNode->isInsideDeletion()) {
-        return false;
-    }
-    const DeletePolicy* policy = m_model->policy();
-    return !policy || !policy->isCompareNoCopy(entry.thisNode);
-}
-
-QList<int> CompareView::shownEntries() const
-{
-    QList<int> indices;
-    indices.reserve(m_tree->rows().size());
-    for (const CompareRow* row : m_tree->rows()) {
-        indices.append(row->index());
-    }
-    return indices;
+    return isCopyable(entry, m_model->policy());
 }
 
 } // namespace kse

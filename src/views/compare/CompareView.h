@@ -23,8 +23,9 @@ namespace kse {
 class CompareFileBox;
 class SettingsModel;
 
-/// The page that compares the open file with another one, which is never written, and takes
-/// chosen values from it as ordinary pending edits. Nothing is added or removed.
+/// The Compare page: lists how the open file differs from another one, and copies chosen values
+/// from that one as ordinary pending edits. No entry is added or removed, and the other file is
+/// never written.
 class CompareView : public QWidget
 {
     Q_OBJECT
@@ -34,28 +35,34 @@ public:
     explicit CompareView(SettingsModel* model, QWidget* parent = nullptr);
     ~CompareView() override;
 
-    /// Compares `document`, which was read from `path`, with the other file chosen so far, unless
-    /// that is the same; null forgets all nodes and keeps the choice. Pass null before the tree is
-    /// replaced.
+    /// Compares `document`, which was read from `path`, with the other file chosen before, unless
+    /// that is the same file. Null forgets all nodes and keeps the choice. Pass null before the
+    /// tree is replaced.
     void setDocument(XsdtDocument* document, const QString& path);
 
+    /// While PixInsight runs.
     void setReadOnly(bool readOnly);
 
-    /// Reads the file at `path` to compare with. On failure `error`, unless null, gets the reason;
-    /// the former file stays, unless the new one could be read and is no settings file.
+    /// Reads the file at `path` to compare with. On failure `error`, unless null, gets the reason,
+    /// and the former file stays, unless the new one could be read but isn't a settings file.
     [[nodiscard]] bool compareWith(const QString& path, QString* error = nullptr);
 
     /// Which differences are listed.
     void setStateFilters(bool different, bool onlyThis, bool onlyOther);
 
 signals:
-    /// The node is to be shown in the tree of all settings.
     void revealRequested(kse::XsdtNode* node);
-    /// What came of copying, or why a file can't be compared with, for the status line.
+    /// The result of copying, or why a file can't be compared, for the status bar.
     void message(const QString& text);
 
 protected:
     void changeEvent(QEvent* event) override;
+
+private slots:
+    void onFileActivated(int index);
+    void onContextMenu(const QPoint& pos);
+    void onDoubleClicked(QTreeWidgetItem* item);
+    void onCopyAll();
 
 private:
     void createInputs();
@@ -67,16 +74,10 @@ private:
     void forgetOther();
     void refresh(const CompareTreeState& state = {});
     void populate(const CompareTreeState& treeState = {});
-    void addRows(const std::vector<int>& shown, const CompareTreeState& state);
+    void addRows(const CompareTreeState& state);
     void updateButtons();
-    void chooseFile(const QString& path);
-    void onFileActivated(int index);
-    void onContextMenu(const QPoint& pos);
-    void onDoubleClicked(QTreeWidgetItem* item);
-    void onCopyAll();
     void copyEntries(const QList<int>& indices);
-    bool isCopyable(const CompareEntry& entry) const;
-    QList<int> shownEntries() const;
+    bool canCopy(const CompareEntry& entry) const;
 
     SettingsModel* m_model = nullptr;
     XsdtDocument* m_document = nullptr;
@@ -84,11 +85,12 @@ private:
     XsdtDocument m_other;
     QString m_otherPath; ///< Empty: nothing is compared.
     QList<CompareEntry> m_entries;
-    std::vector<bool> m_isNoise; ///< Of each entry; slow to find out at every key of the filter.
-    int m_copyableRows = 0;      ///< How many of the rows can be copied.
+    std::vector<bool> m_isNoise; ///< For each entry. Too slow to find out for each key typed.
+    QList<int> m_shown;          ///< Indices of the entries that are listed.
+    int m_copyableRows = 0;      ///< How many of those can be copied.
     quint64 m_comparison = 0;    ///< Rises whenever the entries go.
     bool m_readOnly = false;
-    QTimer m_refreshTimer; ///< Active while a change waits for the comparison that it needs.
+    QTimer m_refreshTimer; ///< Active while a new comparison is due.
     CompareFileBox* m_fileCombo = nullptr;
     QCheckBox* m_showDifferent = nullptr;
     QCheckBox* m_showOnlyThis = nullptr;
