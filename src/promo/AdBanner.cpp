@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "promo/AdBanner.h"
 
+#include "widgets/Named.h"
 #include "widgets/PlainText.h"
 
 #include <QAbstractButton>
@@ -33,7 +34,7 @@ constexpr QPoint captionPlace(10, 6);
 constexpr int timeoutMs = 8000;
 constexpr qsizetype shownCharacters = 500; // more than the strip has room for
 
-// Asks for the size before anything is decoded: a small file can unpack to a huge picture.
+// Checks the size before anything is decoded: a small file can unpack to a huge picture.
 QPixmap loadPicture(QIODevice& device)
 {
     QImageReader reader(&device);
@@ -58,7 +59,7 @@ QPixmap loadPixmapBytes(QByteArray bytes)
 
 } // namespace
 
-// A button, so that keyboard and screen reader can do what the mouse does.
+// A button, so that the keyboard and screen readers can use it too.
 class AdBanner::Strip : public QAbstractButton
 {
 public:
@@ -68,7 +69,7 @@ public:
     {
         setCursor(Qt::PointingHandCursor);
         setFixedSize(stripSize);
-        setFocusPolicy(Qt::TabFocus); // its ring tells the keyboard's way, and a click needs none
+        setFocusPolicy(Qt::TabFocus); // the focus ring is for the keyboard; a click needs none
     }
 
     void describe(const QString& alt)
@@ -96,14 +97,14 @@ protected:
                              m_text);
         }
         if (hasFocus()) {
-            // One of the two stands out from whatever the picture and the window are.
+            // On any picture and window, one of the two colours stands out.
             qDrawPlainRect(&painter, rect(), Qt::white, 4);
             qDrawPlainRect(&painter, rect(), palette().color(QPalette::Highlight), 2);
         }
     }
 
     void mousePressEvent(QMouseEvent*) override { m_banner->openPage(); }
-    void mouseDoubleClickEvent(QMouseEvent*) override {} // its first click opened the page
+    void mouseDoubleClickEvent(QMouseEvent*) override {} // the first click opened the page
 
     void keyPressEvent(QKeyEvent* event) override
     {
@@ -117,7 +118,7 @@ protected:
 
 private:
     AdBanner* m_banner;
-    QString m_text; // what stands in for a picture
+    QString m_text; // shown without a picture
 };
 
 AdBanner::AdBanner(const QString& cacheFolder, const QUrl& site, QWidget* parent)
@@ -125,13 +126,11 @@ AdBanner::AdBanner(const QString& cacheFolder, const QUrl& site, QWidget* parent
     , m_cacheFolder(cacheFolder)
     , m_site(site)
     , m_network(new QNetworkAccessManager(this))
-    , m_caption(new QLabel(tr("Ad:"), this))
-    , m_strip(new Strip(this))
+    , m_caption(named(u"caption"_s, new QLabel(tr("Ad:"), this)))
+    , m_strip(named(u"strip"_s, new Strip(this)))
 {
-    m_caption->setObjectName(u"caption"_s);
     m_caption->setForegroundRole(QPalette::PlaceholderText);
-    m_caption->setBuddy(m_strip); // a screen reader tells that it is an ad
-    m_strip->setObjectName(u"strip"_s);
+    m_caption->setBuddy(m_strip); // lets screen readers say that it is an ad
     m_strip->describe({});
     connect(m_strip, &QAbstractButton::clicked, this, &AdBanner::openPage);
     setFixedHeight(bannerHeight);
@@ -149,14 +148,9 @@ void AdBanner::start(bool allowNetwork, int delayMs)
     }
 }
 
-QSize AdBanner::sizeHint() const
-{
-    return minimumSizeHint();
-}
-
 QSize AdBanner::minimumSizeHint() const
 {
-    // The strip is centred, so that the caption needs its room on both sides.
+    // The strip is centred, so the room for the caption is needed on both sides.
     return {2 * m_caption->width() + m_strip->width() + 20, bannerHeight};
 }
 
@@ -187,7 +181,7 @@ void AdBanner::load()
             chooseAndShow(cache.xml);
             return;
         }
-        // Without a copy the next run just asks again.
+        // Without a copy, the next run just asks again.
         (void)AdManifest::saveCached(m_cacheFolder, bytes, QDateTime::currentDateTimeUtc());
         chooseAndShow(bytes);
     });
@@ -195,8 +189,8 @@ void AdBanner::load()
 
 void AdBanner::fetch(const QUrl& url, const Callback& callback)
 {
-    // Other schemes never bring an HTTP status, but would open what a manifest names on this
-    // computer or, by a Windows share, log in at a stranger's.
+    // Other schemes never return an HTTP status, but could open local files that a manifest names
+    // or, through a Windows share, log in to a stranger's computer.
     if (url.scheme() != "https"_L1 && url.scheme() != "http"_L1) {
         callback({});
         return;
@@ -213,7 +207,7 @@ void AdBanner::fetch(const QUrl& url, const Callback& callback)
 
     QNetworkReply* reply = m_network->get(request);
     const auto bytes = std::make_shared<QByteArray>();
-    // False once there is too much of it.
+    // False once the reply is too large.
     const auto drain = [reply, bytes] {
         *bytes += reply->read(replyLimit + 1 - bytes->size());
         return bytes->size() <= replyLimit;
@@ -259,7 +253,7 @@ void AdBanner::fetchPicture()
     fetch(QUrl(url), [this, url, generation = m_generation](const QByteArray& bytes) {
         const QPixmap picture = generation == m_generation ? loadPixmapBytes(bytes) : QPixmap();
         if (!picture.isNull()) {
-            // Without a copy the next run just asks again.
+            // Without a copy, the next run just asks again.
             (void)AdManifest::cacheImage(m_cacheFolder, url, bytes);
             m_pixmap = picture;
             m_strip->update();

@@ -16,15 +16,15 @@ class QNetworkAccessManager;
 
 namespace kse {
 
-/// The strip at the foot of the window: one ad, chosen once a run, that opens its page. Without a
-/// network, a picture or a cache folder that can be written it shows what it has, silently.
+/// The strip at the bottom of the window: one ad, chosen once a run. A click opens its page.
+/// Without a network, a picture or a writable cache folder it shows what it has, without a message.
 class AdBanner : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// No reply is larger, and no picture has more pixels: what is, counts as none. Both keep a
-    /// server from filling the memory or holding up the window.
+    /// The largest reply, in bytes, and the largest picture, in pixels. Larger ones are ignored, so
+    /// that no server can fill the memory or hold up the window.
     static constexpr qint64 replyLimit = qint64{4} * 1024 * 1024;
     static constexpr qint64 pixelLimit = qint64{4} * 1024 * 1024;
 
@@ -32,16 +32,16 @@ public:
     explicit AdBanner(const QString& cacheFolder, const QUrl& site = AdManifest::defaultSite(),
                       QWidget* parent = nullptr);
 
-    /// Chooses an ad and shows it, `delayMs` from now or, for 0, at once. The site is asked for the
-    /// manifest only if the copy is older than it says itself, for a picture only if there is no
-    /// copy, and for neither without `allowNetwork`.
+    /// Chooses an ad and shows it, `delayMs` from now or, for 0, at once. Fetches nothing unless
+    /// `allowNetwork`; then the manifest if its copy is older than that copy allows, and a picture
+    /// if there is no copy of it.
     void start(bool allowNetwork, int delayMs);
 
-    QSize sizeHint() const override;
+    QSize sizeHint() const override { return minimumSizeHint(); }
     QSize minimumSizeHint() const override;
 
 signals:
-    /// After every change of the ad; its picture may still be on its way.
+    /// Another ad is shown. Its picture may still be loading.
     void adShown(const QString& id);
 
 protected:
@@ -58,8 +58,8 @@ private:
     void fetchPicture();
     void openPage() const;
 
-    /// Gets `url` and calls back with the bytes, empty for whatever went wrong. The request tells
-    /// nothing of the user: no cookies, no language but a fixed one.
+    /// Fetches `url` and calls back with the bytes, or with none if anything goes wrong. The
+    /// request reveals nothing about the user: no cookies, and always the same language.
     void fetch(const QUrl& url, const Callback& callback);
 
     void fitCaption();
@@ -72,10 +72,10 @@ private:
     QLabel* m_caption = nullptr;
     Strip* m_strip = nullptr;
     AdRecord m_current;
-    QPixmap m_pixmap; ///< Null until known.
+    QPixmap m_pixmap; ///< Null until loaded.
     QString m_lastId;
     bool m_allowNetwork = true;
-    quint64 m_generation = 0; ///< Rises with each ad, so that a late picture of another is told.
+    quint64 m_generation = 0; ///< Rises with each ad. Tells a late picture of a former one.
 };
 
 } // namespace kse

@@ -63,7 +63,7 @@ AdRecord readAttributes(const QXmlStreamAttributes& attributes)
     return record;
 }
 
-// Takes the elements of a manifest as they come.
+// Builds a manifest from the elements as they are read.
 struct ManifestBuilder
 {
     void startElement(QStringView name, const QXmlStreamAttributes& attributes)
@@ -107,7 +107,7 @@ struct ManifestBuilder
 
     ManifestData manifest;
     AdRecord record;          // the one being read
-    QString* field = nullptr; // of `record`, that takes text, also text deeper down
+    QString* field = nullptr; // of `record`, that text is added to, also text deeper down
     bool inAd = false;
     int depth = 0;
 };
@@ -183,7 +183,7 @@ bool saveCached(const QString& folder, const QByteArray& bytes, const QDateTime&
 
 bool isFresh(const ManifestCache& cache, const QDateTime& utcNow, double ttlHours)
 {
-    // Of doubles, since a stamp may be any number and their difference then too large for one.
+    // In doubles: a stamp may be any number, so the difference may not fit into an integer.
     const double age = static_cast<double>(utcNow.toMSecsSinceEpoch()) -
                        static_cast<double>(cache.fetched.toMSecsSinceEpoch());
     return cache.valid && age >= 0 && age / 3600000.0 < ttlHours;

@@ -11,7 +11,7 @@ class QRandomGenerator;
 
 namespace kse {
 
-/// One ad. All texts come from the manifest and are data.
+/// One ad. Its texts come from the manifest and are shown letter for letter.
 struct AdRecord
 {
     QString id;
@@ -29,7 +29,7 @@ struct AdRecord
 struct ManifestData
 {
     bool valid = false;
-    double ttlHours = 24.0; ///< How long a copy is good.
+    double ttlHours = 24.0; ///< How long a copy is fresh.
     QList<AdRecord> ads;
 };
 
@@ -40,27 +40,27 @@ struct ManifestCache
     bool valid = false;
 };
 
-/// Which ad to show: the manifest's format, its copy on disk, the choice, and the ads that are
-/// built in. Nothing here keeps state or touches the network, and every failure ends in no manifest
-/// or no picture, without a message.
+/// Decides which ad to show: parses manifests, keeps copies of them and of pictures on disk, has
+/// built-in ads and makes the choice. Keeps no state and never touches the network. Every failure
+/// means no manifest or no picture, without a message.
 namespace AdManifest {
 
-/// No manifest is larger. The XML reader compares each attribute of an element with all others:
-/// 64 KiB of them take a third of a second, 1 MiB over a minute.
+/// The largest manifest, in bytes. The XML reader compares each attribute of an element with all
+/// others: 64 KiB of attributes take a third of a second, 1 MiB over a minute.
 inline constexpr qsizetype sizeLimit = qsizetype{64} * 1024;
 
 /// The makers' web site, as this build was configured.
 [[nodiscard]] QUrl defaultSite();
 
-/// Not valid, and without ads, unless `bytes` are one whole XML document within the limit. One that
-/// declares entities or attributes of its own counts as none: they expand without bound.
+/// Not valid, and without ads, unless `bytes` are one complete XML document within the limit. Nor
+/// is a document valid that declares entities or attributes: these can expand without bound.
 [[nodiscard]] ManifestData parse(const QByteArray& bytes);
 
 /// The copy in `folder`; not valid unless both its text and its time can be read.
 [[nodiscard]] ManifestCache loadCached(const QString& folder);
 
-/// Keeps `bytes` in `folder`, made if need be, as fetched at `utcNow`. False if either file could
-/// not be written; the copy then counts as old as the last one that could.
+/// Saves `bytes` in `folder`, which is created if necessary, as fetched at `utcNow`. False if
+/// either file couldn't be written; the copy then keeps the time of the last one saved.
 [[nodiscard]] bool saveCached(const QString& folder, const QByteArray& bytes,
                               const QDateTime& utcNow);
 
@@ -71,26 +71,27 @@ inline constexpr qsizetype sizeLimit = qsizetype{64} * 1024;
 [[nodiscard]] QList<AdRecord> eligible(const ManifestData& manifest, const QDate& today,
                                        const QString& version);
 
-/// The ads that need no network. Their pages are on `site`.
+/// The ads that come with the program. Their pages are on `site`.
 [[nodiscard]] QList<AdRecord> builtIn(const QUrl& site = defaultSite());
 
-/// Draws one of the eligible ads by weight, or of the built-in ones where there are none. Passes
-/// over those with `lastId`, unless there are no others.
+/// Picks one of the eligible ads at random, by weight, or of the built-in ones if there are none.
+/// Skips those with `lastId` unless there are no others.
 [[nodiscard]] AdRecord choose(const ManifestData& manifest, const QDate& today,
                               const QString& version, const QString& lastId, QRandomGenerator& rng,
                               const QUrl& site = defaultSite());
 
-/// -1, 0 or 1, comparing number by number. What is missing or no number counts as 0, so that "1.2"
-/// equals "1.2.0".
+/// -1, 0 or 1, comparing number by number. A part that is missing or isn't a number counts as 0, so
+/// "1.2" equals "1.2.0".
 [[nodiscard]] int compareVersions(const QString& a, const QString& b);
 
-/// The path in `folder` of the picture at `url`, without its extension.
+/// The path in `folder` for the copy of the picture at `url`, without its extension.
 [[nodiscard]] QString imageBasePath(const QString& folder, const QString& url);
 
-/// The picture that was kept for `url`, or an empty path.
+/// The path of the copy of the picture at `url`; empty if there is none.
 [[nodiscard]] QString findCachedImage(const QString& folder, const QString& url);
 
-/// Keeps the picture's `bytes` in `folder`, made if need be. Its path, or an empty one on failure.
+/// Saves the `bytes` of the picture at `url` in `folder`, which is created if necessary. Returns
+/// the path of the copy; empty on failure.
 [[nodiscard]] QString cacheImage(const QString& folder, const QString& url,
                                  const QByteArray& bytes);
 
