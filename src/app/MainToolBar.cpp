@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainToolBar.h"
 
-#include <QAction>
+#include "app/MainMenuBar.h"
+
 #include <QApplication>
 #include <QSettings>
 
@@ -21,13 +22,31 @@ const QString visibleKey = u"Appearance/ToolbarVisible"_s;
 MainToolBar::MainToolBar(const QString& title, QWidget* parent)
     : QToolBar(title, parent)
 {
-    setObjectName("MainToolbar"_L1);
+    setObjectName(u"MainToolbar"_s);
     setMovable(false);
     setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     setVisible(QSettings().value(visibleKey, true).toBool());
     connect(this, &QToolBar::visibilityChanged, this, &MainToolBar::onVisibilityChanged);
 }
 
+void MainToolBar::addCommands(const MainCommands& commands)
+{
+    addEntry(commands.open, tr("Open"), ToolbarIconKind::Open);
+    addEntry(commands.reload, tr("Reload"), ToolbarIconKind::Reload);
+    addSeparator();
+    addEntry(commands.save, tr("Save"), ToolbarIconKind::Save);
+    addEntry(commands.revert, tr("Revert all"), ToolbarIconKind::Revert);
+    addSeparator();
+    addEntry(commands.findModule, tr("Find module"), ToolbarIconKind::Find);
+    addEntry(commands.backups, tr("Backups"), ToolbarIconKind::Backups);
+    addEntry(commands.restore, tr("Restore"), ToolbarIconKind::Restore);
+    addSeparator();
+    addEntry(commands.toggleTheme, tr("Theme"), ToolbarIconKind::Theme);
+    addSeparator();
+    addEntry(commands.about, tr("About"), ToolbarIconKind::About);
+}
+
+/// Appends `action`, with `iconText` below its icon, and without the icon in menus.
 void MainToolBar::addEntry(QAction* action, const QString& iconText, ToolbarIconKind kind)
 {
     action->setIconText(iconText);
@@ -51,16 +70,14 @@ void MainToolBar::refresh()
     }
     setMaximumHeight(QFontMetrics(font).lineSpacing() + 39);
     setStyleSheet(
-        u"QToolBar QToolButton {  border-width: %1px; border-style: solid;  border-top-color: "
+        u"QToolBar QToolButton {  border-width: 1px; border-style: solid;  border-top-color: "
         u"palette(light); border-left-color: palette(light);  border-bottom-color: palette(dark); "
-        u"border-right-color: palette(dark);  border-radius: 2px; padding: %2px %3px; background: "
+        u"border-right-color: palette(dark);  border-radius: 2px; padding: 3px 4px; background: "
         u"palette(button); }QToolBar QToolButton:hover { background: palette(midlight); }QToolBar "
         u"QToolButton:pressed {  border-top-color: palette(dark); border-left-color: "
         u"palette(dark);  border-bottom-color: palette(light); border-right-color: "
         u"palette(light);  background: palette(midlight); }QToolBar QToolButton:disabled { "
-        u"border-color: palette(mid); background: transparent; }"_s.arg(1)
-            .arg(3)
-            .arg(4));
+        u"border-color: palette(mid); background: transparent; }"_s);
     for (const auto& [action, kind] : std::as_const(m_toolbarEntries)) {
         action->setIcon(makeToolbarIcon(kind, normal, disabled, iconExtent, devicePixelRatio()));
     }

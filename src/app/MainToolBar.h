@@ -10,6 +10,8 @@
 
 namespace kse {
 
+struct MainCommands;
+
 /// The toolbar of the main window. It draws its icons, and remembers between runs whether the user
 /// wants to see it.
 class MainToolBar : public QToolBar
@@ -19,8 +21,8 @@ class MainToolBar : public QToolBar
 public:
     explicit MainToolBar(const QString& title, QWidget* parent = nullptr);
 
-    /// Appends `action`, with `iconText` under its icon and without the icon in menus.
-    void addEntry(QAction* action, const QString& iconText, ToolbarIconKind kind);
+    /// Fills the toolbar. `commands` isn't used afterwards, but its actions are.
+    void addCommands(const MainCommands& commands);
 
     /// Adapts to the application's font and palette and to the screen's pixel ratio.
     void refresh();
@@ -29,6 +31,8 @@ private slots:
     void onVisibilityChanged(bool visible);
 
 private:
+    void addEntry(QAction* action, const QString& iconText, ToolbarIconKind kind);
+
     QList<std::pair<QAction*, ToolbarIconKind>> m_toolbarEntries;
 };
 

@@ -2,6 +2,7 @@
 #include "app/MainWindow.h"
 
 #include "app/BannerRow.h"
+#include "app/MainMenuBar.h"
 #include "app/MainToolBar.h"
 #include "app/OpenEditor.h"
 #include "app/OpenFileBox.h"
@@ -20,6 +21,7 @@
 #include "views/search/SearchView.h"
 #include "views/tree/AllSettingsView.h"
 #include "widgets/MessageBox.h"
+#include "widgets/Named.h"
 
 #include <QAbstractButton>
 #include <QDir>
@@ -34,6 +36,8 @@
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <type_traits>
 
 using namespace Qt::StringLiterals;
 
@@ -51,14 +55,13 @@ QByteArray readResource(const QString& path)
 }
 
 template <typename Page>
-void giveDocument(Page* page, XsdtDocument* document, const QString& /*path*/)
+void giveDocument(Page* page, XsdtDocument* document, const QString& path)
 {
-    page->setDocument(document);
-}
-
-void giveDocument(CompareView* page, XsdtDocument* document, const QString& path)
-{
-    page->setDocument(document, path);
+    if constexpr (std::is_same_v<Page, CompareView>) {
+        page->setDocument(document, path);
+    } else {
+        page->setDocument(document);
+    }
 }
 
 } // namespace
@@ -71,8 +74,7 @@ MainWindow::MainWindow(Messages messages)
     m_store.policy = &m_policy;
     buildUi();
 
-    auto* pollTimer = new QTimer(this);
-    pollTimer->setObjectName("pollTimer"_L1);
+    auto* pollTimer = named(u"pollTimer"_s, new QTimer(this));
     connect(pollTimer, &QTimer::timeout, this, &MainWindow::pollEnvironment);
     pollTimer->start(pollInterval);
     pollEnvironment(); // before the file is opened, which needn't be read twice then
@@ -138,19 +140,19 @@ void MainWindow::buildUi()
     line->setFrameShape(QFrame::HLine);
     line->setFrameShadow(QFrame::Sunken);
     layout->addWidget(line);
-    m_adBanner =
-        new AdBanner(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/ads"_s);
-    m_adBanner->setObjectName("adBanner"_L1);
+    m_adBanner = named(
+        u"adBanner"_s,
+        new AdBanner(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/ads"_s));
     layout->addWidget(m_adBanner);
     setCentralWidget(central);
 
     m_toolbar = new MainToolBar(tr("Main toolbar"), this);
     addToolBar(m_toolbar);
-    createFileMenu();
-    QAction* toggleTheme = createEditMenu();
-    createViewMenu();
-    QAction* about = createHelpMenu();
-    fillToolBar(toggleTheme, about);
+    m_menuBar = new MainMenuBar(m_toolbar->toggleViewAction(), this);
+    setMenuBar(m_menuBar);
+    m_toolbar->addCommands(m_menuBar->commands());
+    connect(m_toolbar, &QToolBar::visibilityChanged, this, &MainWindow::updateMinimumWidth);
+    connectCommands();
     connectTheme();
 }
 
@@ -159,14 +161,12 @@ QWidget* MainWindow::createFileRow()
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_fileBox = new OpenFileBox;
-    m_fileBox->setObjectName("fileBox"_L1);
+    m_fileBox = named(u"fileBox"_s, new OpenFileBox);
     m_fileBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(m_fileBox, &QComboBox::activated, this, &MainWindow::onFileActivated);
     auto* label = new QLabel(tr("File:"));
     label->setBuddy(m_fileBox);
-    auto* browse = new QPushButton(tr("Browse..."));
-    browse->setObjectName("browse"_L1);
+    auto* browse = named(u"browse"_s, new QPushButton(tr("Browse...")));
     connect(browse, &QPushButton::clicked, this, &MainWindow::onOpen);
     layout->addWidget(label);
     layout->addWidget(m_fileBox, 1);
@@ -184,8 +184,7 @@ void MainWindow::createPages()
     m_compareView = new CompareView(m_model, this);
     m_advancedPage = new AllSettingsView(m_model, this);
 
-    m_tabs = new QTabWidget;
-    m_tabs->setObjectName("tabs"_L1);
+    m_tabs = named(u"tabs"_s, new QTabWidget);
     const auto add = [this](QWidget* page, const QString& name, const QString& text) {
         page->setObjectName(name);
         m_tabs->addTab(page, text);

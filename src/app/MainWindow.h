@@ -10,7 +10,6 @@
 
 #include <utility>
 
-class QAction;
 class QTabWidget;
 
 namespace kse {
@@ -21,6 +20,7 @@ class BannerRow;
 class CleanupView;
 class CompareView;
 class HealthView;
+class MainMenuBar;
 class MainToolBar;
 class OpenEditor;
 class OpenFileBox;
@@ -89,11 +89,7 @@ private:
     QWidget* createFileRow();
     void createPages();
     void connectPages();
-    void createFileMenu();
-    QAction* createEditMenu(); ///< Returns "Toggle light/dark".
-    void createViewMenu();
-    QAction* createHelpMenu(); ///< Returns "About".
-    void fillToolBar(QAction* toggleTheme, QAction* about);
+    void connectCommands();
     void createKeys();
     void connectTheme();
 
@@ -168,15 +164,9 @@ private:
     AllSettingsView* m_advancedPage = nullptr;
     QTabWidget* m_tabs = nullptr;
     BannerRow* m_banner = nullptr;
-    QAction* m_actOpen = nullptr;
-    QAction* m_actReload = nullptr;
-    QAction* m_actSave = nullptr;
-    QAction* m_actRestore = nullptr;
-    QAction* m_actBackups = nullptr;
-    QAction* m_actRevert = nullptr;
-    QAction* m_actFindModule = nullptr;
-    double m_lastFontScale = 0;
     MainToolBar* m_toolbar = nullptr;
+    MainMenuBar* m_menuBar = nullptr;
+    double m_lastFontScale = 0;
     AdBanner* m_adBanner = nullptr;
     bool m_running = false;
     bool m_staleOnDisk = false;

@@ -2,9 +2,8 @@
 #include "app/MainWindow.h"
 
 #include "app/AboutDialog.h"
-#include "app/MainToolBar.h"
+#include "app/MainMenuBar.h"
 #include "app/OpenEditor.h"
-#include "app/ThemeManager.h"
 #include "app/UserGuide.h"
 #include "app/WaitCursor.h"
 #include "session/DurableFile.h"
@@ -21,13 +20,11 @@
 #include "views/tree/AllSettingsView.h"
 #include "widgets/MessageBox.h"
 
-#include <QActionGroup>
-#include <QApplication>
+#include <QAction>
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QInputDialog>
-#include <QMenuBar>
 #include <QShortcut>
 #include <QTabWidget>
 
@@ -35,145 +32,26 @@ using namespace Qt::StringLiterals;
 
 namespace kse {
 
-namespace {
-
-/// Ctrl+= is how Ctrl++ is typed on many keyboards; where the platform binds it to zooming in
-/// already, naming it twice would make it ambiguous and dead.
-QList<QKeySequence> zoomInKeys()
+void MainWindow::connectCommands()
 {
-    QList<QKeySequence> keys = QKeySequence::keyBindings(QKeySequence::ZoomIn);
-    const QKeySequence equal(Qt::CTRL | Qt::Key_Equal);
-    if (!keys.contains(equal)) {
-        keys.append(equal);
-    }
-    return keys;
-}
-
-/// Appends an action that calls `slot` of `receiver` to `menu`.
-template <typename Receiver, typename Slot>
-QAction* addCommand(QMenu* menu, const QString& name, const QString& text, Receiver* receiver,
-                    Slot slot)
-{
-    QAction* action = menu->addAction(text);
-    action->setObjectName(name);
-    QObject::connect(action, &QAction::triggered, receiver, slot);
-    return action;
-}
-
-} // namespace
-
-void MainWindow::createFileMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&File"));
-    m_actOpen =
-        addCommand(menu, u"actOpen"_s, tr("&Open settings file..."), this, &MainWindow::onOpen);
-    m_actOpen->setShortcuts(QKeySequence::Open);
-    m_actReload =
-        addCommand(menu, u"actReload"_s, tr("&Reload from disk"), this, &MainWindow::onReload);
-    m_actReload->setShortcuts(QKeySequence::Refresh);
-    menu->addSeparator();
-    m_actFindModule = addCommand(menu, u"actFindModule"_s, tr("Find &module data..."), this,
-                                 &MainWindow::onFindModule);
-    m_actFindModule->setShortcut(Qt::CTRL | Qt::Key_M);
-    m_actFindModule->setStatusTip(tr("Look up everything the file records about one module"));
-    addCommand(menu, u"actUnused"_s, tr("&Unused module data"), this, &MainWindow::onUnusedModules)
-        ->setStatusTip(
-            tr("Modules with saved data that are no longer in PixInsight's module list"));
-    addCommand(menu, u"actHealth"_s, tr("Run &health check"), this, &MainWindow::onHealthCheck)
-        ->setStatusTip(tr("Look for settings that are probably wrong"));
-    menu->addSeparator();
-    m_actSave = addCommand(menu, u"actSave"_s, tr("&Save changes..."), this, &MainWindow::onSave);
-    m_actSave->setShortcuts(QKeySequence::Save);
-    m_actSave->setStatusTip(tr("Review the pending changes, then save"));
-    m_actRestore = addCommand(menu, u"actRestore"_s, tr("Restore &backup..."), this,
-                              &MainWindow::onRestoreBackup);
-    m_actBackups = addCommand(menu, u"actBackups"_s, tr("&Manage backups..."), this,
-                              &MainWindow::onManageBackups);
-    menu->addSeparator();
-    QAction* quit = menu->addAction(tr("&Quit"), this, &QWidget::close);
-    quit->setShortcuts(QKeySequence::Quit);
-    quit->setMenuRole(QAction::QuitRole);
-}
-
-QAction* MainWindow::createEditMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&Edit"));
-    m_actRevert =
-        addCommand(menu, u"actRevert"_s, tr("Revert &all changes"), this, &MainWindow::onRevertAll);
-    menu->addSeparator();
-
-    QMenu* themes = menu->addMenu(tr("&Theme"));
-    auto* group = new QActionGroup(this);
-    ThemeManager* theme = &ThemeManager::instance();
-    const auto add = [themes, group, theme](ThemeMode mode, const QString& text) {
-        QAction* action =
-            themes->addAction(text, theme, [theme, mode] { theme->setMode(mode, true); });
-        action->setCheckable(true);
-        action->setChecked(theme->mode() == mode);
-        group->addAction(action);
-        connect(theme, &ThemeManager::changed, action, [theme, mode, action] {
-            if (theme->mode() == mode) {
-                action->setChecked(true);
-            }
-        });
+    const MainCommands& commands = m_menuBar->commands();
+    const auto connectTo = [this](QAction* action, auto slot) {
+        connect(action, &QAction::triggered, this, slot);
     };
-    add(ThemeMode::Light, tr("&Light"));
-    add(ThemeMode::Dark, tr("&Dark"));
-    add(ThemeMode::System, tr("Follow &system"));
-    themes->addSeparator();
-    QAction* toggleTheme = addCommand(themes, u"actToggleTheme"_s, tr("Toggle light/dark"), theme,
-                                      &ThemeManager::toggle);
-    toggleTheme->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
-    return toggleTheme;
-}
-
-void MainWindow::createViewMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&View"));
-    menu->addAction(tr("&Expand all"), m_advancedPage, &AllSettingsView::expandAll);
-    menu->addAction(tr("&Collapse all"), m_advancedPage, &AllSettingsView::resetExpansion);
-    menu->addSeparator();
-    ThemeManager* theme = &ThemeManager::instance();
-    menu->addAction(tr("&Larger text"), theme, [theme] { theme->step(0.1); })
-        ->setShortcuts(zoomInKeys());
-    menu->addAction(tr("&Smaller text"), theme, [theme] { theme->step(-0.1); })
-        ->setShortcuts(QKeySequence::ZoomOut);
-    menu->addAction(tr("&Default text size"), theme, &ThemeManager::resetFontScale)
-        ->setShortcut(Qt::CTRL | Qt::Key_0);
-    menu->addSeparator();
-    menu->addAction(m_toolbar->toggleViewAction());
-    m_toolbar->toggleViewAction()->setText(tr("&Toolbar"));
-}
-
-QAction* MainWindow::createHelpMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&Help"));
-    menu->addAction(tr("&User Guide"), this, &showUserGuide);
-    menu->addSeparator();
-    QAction* about = addCommand(menu, u"actAbout"_s, tr("&About Kestrane Settings Editor"), this,
-                                &MainWindow::onAbout);
-    about->setMenuRole(QAction::AboutRole);
-    menu->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)
-        ->setMenuRole(QAction::AboutQtRole);
-    return about;
-}
-
-void MainWindow::fillToolBar(QAction* toggleTheme, QAction* about)
-{
-    m_toolbar->addEntry(m_actOpen, tr("Open"), ToolbarIconKind::Open);
-    m_toolbar->addEntry(m_actReload, tr("Reload"), ToolbarIconKind::Reload);
-    m_toolbar->addSeparator();
-    m_toolbar->addEntry(m_actSave, tr("Save"), ToolbarIconKind::Save);
-    m_toolbar->addEntry(m_actRevert, tr("Revert all"), ToolbarIconKind::Revert);
-    m_toolbar->addSeparator();
-    m_toolbar->addEntry(m_actFindModule, tr("Find module"), ToolbarIconKind::Find);
-    m_toolbar->addEntry(m_actBackups, tr("Backups"), ToolbarIconKind::Backups);
-    m_toolbar->addEntry(m_actRestore, tr("Restore"), ToolbarIconKind::Restore);
-    m_toolbar->addSeparator();
-    m_toolbar->addEntry(toggleTheme, tr("Theme"), ToolbarIconKind::Theme);
-    m_toolbar->addSeparator();
-    m_toolbar->addEntry(about, tr("About"), ToolbarIconKind::About);
-    connect(m_toolbar, &QToolBar::visibilityChanged, this, &MainWindow::updateMinimumWidth);
+    connectTo(commands.open, &MainWindow::onOpen);
+    connectTo(commands.reload, &MainWindow::onReload);
+    connectTo(commands.findModule, &MainWindow::onFindModule);
+    connectTo(commands.unusedModules, &MainWindow::onUnusedModules);
+    connectTo(commands.healthCheck, &MainWindow::onHealthCheck);
+    connectTo(commands.save, &MainWindow::onSave);
+    connectTo(commands.restore, &MainWindow::onRestoreBackup);
+    connectTo(commands.backups, &MainWindow::onManageBackups);
+    connectTo(commands.quit, &MainWindow::close);
+    connectTo(commands.revert, &MainWindow::onRevertAll);
+    connectTo(commands.about, &MainWindow::onAbout);
+    connect(commands.expandAll, &QAction::triggered, m_advancedPage, &AllSettingsView::expandAll);
+    connect(commands.collapseAll, &QAction::triggered, m_advancedPage,
+            &AllSettingsView::resetExpansion);
 }
 
 void MainWindow::createKeys()
@@ -289,13 +167,11 @@ void MainWindow::onRestoreBackup()
     const QString question = tr("Replace the current settings file with\n%1\n\nThe current file "
                                 "is backed up first.")
                                  .arg(QFileInfo(backup).fileName());
-    PlainMessageBox box(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No,
-                        this);
-    box.setDefaultButton(QMessageBox::No);
-    if (isMissing(path)) {
-        box.setPlainInformativeText(tr("The file is missing, so there is nothing to back up."));
-    }
-    if (box.exec() == QMessageBox::Yes && m_store.loaded && m_store.path == path) {
+    const QString remark =
+        isMissing(path) ? tr("The file is missing, so there is nothing to back up.") : QString();
+    if (askQuestion(this, title, question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No,
+                    remark) == QMessageBox::Yes &&
+        m_store.loaded && m_store.path == path) {
         restoreFrom(backup);
     }
 }
@@ -339,18 +215,16 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
     const qsizetype pending = pendingCount();
     if (pending > 0) {
-        PlainMessageBox box(QMessageBox::Question, tr("Unsaved changes"),
-                            tr("You have %n unsaved change(s).", nullptr, int(pending)),
-                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-        box.setDefaultButton(QMessageBox::Save);
-        if (!SettingsStore::isPixInsightClosed()) {
-            box.setPlainInformativeText(
-                tr("PixInsight is running, so they cannot be saved now. Close PixInsight first."));
-        }
-        const int answer = box.exec();
-        const bool stay =
-            answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !onSave());
-        if (stay) {
+        const QString remark =
+            SettingsStore::isPixInsightClosed()
+                ? QString()
+                : tr("PixInsight is running, so they cannot be saved now. Close PixInsight first.");
+        const int answer =
+            askQuestion(this, tr("Unsaved changes"),
+                        tr("You have %n unsaved change(s).", nullptr, int(pending)),
+                        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                        QMessageBox::Save, remark);
+        if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !onSave())) {
             event->ignore();
             return;
         }

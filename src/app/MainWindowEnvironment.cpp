@@ -2,6 +2,7 @@
 #include "app/MainWindow.h"
 
 #include "app/BannerRow.h"
+#include "app/MainMenuBar.h"
 #include "app/MainToolBar.h"
 #include "app/OpenEditor.h"
 #include "app/OpenFileBox.h"
@@ -13,7 +14,6 @@
 #include "widgets/PixelRatio.h"
 #include "widgets/PlainText.h"
 
-#include <QAction>
 #include <QDir>
 #include <QEvent>
 #include <QLayout>
@@ -95,11 +95,12 @@ void MainWindow::refreshBanner()
 void MainWindow::refreshActions(qsizetype pending)
 {
     const bool loaded = m_store.loaded;
-    m_actReload->setEnabled(loaded);
-    m_actSave->setEnabled(loaded && pending > 0 && !m_running && !m_staleOnDisk);
-    m_actRestore->setEnabled(loaded && !m_running);
-    m_actBackups->setEnabled(loaded);
-    m_actRevert->setEnabled(pending > 0);
+    const MainCommands& commands = m_menuBar->commands();
+    commands.reload->setEnabled(loaded);
+    commands.save->setEnabled(loaded && pending > 0 && !m_running && !m_staleOnDisk);
+    commands.restore->setEnabled(loaded && !m_running);
+    commands.backups->setEnabled(loaded);
+    commands.revert->setEnabled(pending > 0);
 }
 
 void MainWindow::report(QMessageBox::Icon icon, const QString& title, const QString& text,
