@@ -99,9 +99,15 @@ bool MainWindow::onSave()
         return true;
     }
     QString error;
-    if (!SettingsStore::isPixInsightClosed(&error)) { // rather than after the review
+    const auto isRefused = [&] {
+        if (SettingsStore::isPixInsightClosed(&error)) {
+            return false;
+        }
         pollEnvironment();
         report(QMessageBox::Critical, tr("Save failed"), error);
+        return true;
+    };
+    if (isRefused()) { // rather than after the review
         return false;
     }
     const TreeGuard guard(m_model);
@@ -111,6 +117,9 @@ bool MainWindow::onSave()
     }
     if (pendingCount() == 0) {
         return true;
+    }
+    if (isRefused()) { // before the pages give up their nodes, and what is open and selected
+        return false;
     }
     QString backupPath;
     QString remark;
