@@ -17,10 +17,14 @@
 #include <QListWidget>
 #include <QLocale>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSpinBox>
 #include <QUrl>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -138,8 +142,16 @@ void BackupsDialog::connectWidgets()
 
 void BackupsDialog::fit()
 {
+    constexpr int startHeight = 460;
     layout()->activate(); // drops the minimum size that larger text needed
-    resize(640, 460);
+    const int frame = 2 * m_list->frameWidth();
+    const int others = layout()->minimumSize().height() - m_list->minimumHeight();
+    const bool scrolls = m_count * m_list->sizeHintForRow(0) + frame > startHeight - others;
+    const int bar = scrolls ? m_list->verticalScrollBar()->sizeHint().width() : 0;
+    m_list->setMinimumWidth(std::min(m_list->sizeHintForColumn(0) + frame + bar,
+                                     screen()->availableGeometry().width() * 9 / 10));
+    layout()->activate();
+    resize(640, startHeight);
 }
 
 void BackupsDialog::changeEvent(QEvent* event)
