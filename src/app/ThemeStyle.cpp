@@ -314,6 +314,8 @@ int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     switch (hint) {
     case SH_DialogButtonBox_ButtonsHaveIcons: // only this desktop has a setting for it
         return qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("KDE"_L1) ? value : 0;
+    case SH_EtchDisabledText: // a second text, one pixel beside the first
+        return 0;
     case SH_FocusFrame_AboveWidget:
         return 1;
     case SH_FocusFrame_Mask:
