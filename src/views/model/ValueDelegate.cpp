@@ -12,6 +12,7 @@
 #include <QCursor>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QStyle>
 #include <QTimer>
 #include <QWheelEvent>
 
@@ -97,6 +98,11 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
         editor = combo;
     } else {
         editor = QStyledItemDelegate::createEditor(parent, option, index);
+    }
+    if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+        // Its text stays where the cell's is: a cell leaves 1 pixel more, a line edit 2.
+        const int margin = line->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1 - 2;
+        line->setTextMargins(margin, 0, margin, 0);
     }
     if (editor && node) {
         editor->setAccessibleName(abbreviated(node->key, shortLimit));
