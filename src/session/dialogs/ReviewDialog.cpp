@@ -204,8 +204,11 @@ void ReviewDialog::createLayout()
     layout->addWidget(m_running);
     layout->addWidget(m_summary);
     layout->addLayout(filters);
-    layout->addWidget(m_tree, 1);
-    layout->addWidget(m_detail);
+    for (QWidget* list : {static_cast<QWidget*>(m_tree), static_cast<QWidget*>(m_detail)}) {
+        list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    }
+    layout->addWidget(m_tree, 5); // with large text, the pane below gets fewer lines
+    layout->addWidget(m_detail, 2);
     layout->addWidget(m_remark);
     layout->addWidget(promise);
     layout->addWidget(m_hidden);
