@@ -34,7 +34,8 @@ inline QByteArray contentOf(const QString& path)
 struct StoreFixture
 {
     QTemporaryDir dir;
-    QString path = dir.filePath(QStringLiteral("core-001-pxi.settings"));
+    QString path =
+        QFileInfo(dir.path()).canonicalFilePath() + QStringLiteral("/core-001-pxi.settings");
     DeletePolicy policy; ///< "Free" may be deleted, nothing else, with "Stays." as the reason.
     SettingsStore store;
 
