@@ -4,7 +4,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QApplication>
 #include <QDateTime>
 #include <QDesktopServices>
 #include <QDir>
@@ -13,9 +12,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
-#include <QSignalSpy>
 #include <QSpinBox>
-#include <QTest>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -25,14 +22,14 @@ namespace {
 
 const QString fileName = u"core-&lt;%1&-pxi.settings"_s;
 
-// The dialog over a folder with four backups, "1" the oldest.
+/// The dialog over a folder with four backups, "1" the oldest.
 struct Backups
 {
     Backups()
     {
         const int sizes[] = {1023, 1024, 2047, 1'572'864};
         for (int i = 0; i < 4; ++i) {
-            QFile file(folder.filePath(fileName + u".bak-"_s + QString::number(i + 1)));
+            QFile file(pathOf(i + 1));
             const QDateTime time({2024, 5, 6 + i}, {7, 8, 9});
             if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(sizes[i], 'x')) < 0 ||
                 !file.flush() || !file.setFileTime(time, QFileDevice::FileModificationTime)) {
@@ -42,22 +39,27 @@ struct Backups
         dialog = std::make_unique<BackupsDialog>(folder.filePath(fileName));
         list = dialog->findChild<QListWidget*>(u"list"_s);
         keep = dialog->findChild<QSpinBox*>(u"keep"_s);
+        QObject::connect(dialog.get(), &BackupsDialog::message,
+                         [this](const QString& text) { said += u"; "_s + text; });
         dialog->show();
     }
 
-    QPushButton* button(const QString& name) const { return dialog->findChild<QPushButton*>(name); }
-    QString header() const { return dialog->findChild<QLabel*>(u"header"_s)->text(); }
-
-    /// Calls `before` while the question is open.
-    QString clickAndAnswer(
-        const QString& name, QMessageBox::StandardButton answer,
-        const std::function<void()>& before = [] {}) const
+    QString pathOf(int number) const
     {
-        QString question;
+        return folder.filePath(fileName + u".bak-"_s + QString::number(number));
+    }
+
+    QPushButton* button(const QString& name) const { return dialog->findChild<QPushButton*>(name); }
+
+    /// What a click asks, up to its second paragraph. `meanwhile` happens before the answer.
+    QString click(const QString& name, QMessageBox::StandardButton answer,
+                  const std::function<void()>& meanwhile)
+    {
+        QString question = u"none"_s;
         const DialogAnswerer<QMessageBox> answerer([&](QMessageBox& box) {
-            question = box.text();
+            question = box.text().section(u'\n', 0, 0);
             QCOMPARE(box.defaultButton(), box.button(QMessageBox::No));
-            before();
+            meanwhile();
             box.button(answer)->click();
         });
         button(name)->setFocus();
@@ -65,10 +67,25 @@ struct Backups
         return question;
     }
 
+    /// The texts that change, and the focus.
+    QString text() const
+    {
+        QStringList lines{dialog->findChild<QLabel*>(u"header"_s)->text()};
+        for (int row = 0; row < list->count(); ++row) {
+            lines << list->item(row)->text();
+        }
+        for (const QString& name : {u"deleteOlder"_s, u"deleteSelected"_s, u"deleteAll"_s}) {
+            lines += QStringList(button(name)->isEnabled(), button(name)->text());
+        }
+        lines << dialog->focusWidget()->objectName() + said;
+        return lines.join(u" / "_s).remove(fileName);
+    }
+
     QTemporaryDir folder;
     std::unique_ptr<BackupsDialog> dialog;
     QListWidget* list = nullptr;
     QSpinBox* keep = nullptr;
+    QString said;
 };
 
 } // namespace
@@ -81,153 +98,94 @@ public slots:
     void open(const QUrl& url) { m_opened = url; }
 
 private slots:
-    void listsNewestFirst();
-    void opensTheFolder();
-    void storesNumberToKeepAtOnce();
-    void removesAfterConsent_data();
-    void removesAfterConsent();
-    void tellsWhatCouldNotBeRemoved_data();
-    void tellsWhatCouldNotBeRemoved();
+    void opensTheFolder()
+    {
+        const Backups backups;
+        QDesktopServices::setUrlHandler(u"file"_s, this, "open");
+        backups.button(u"openFolder"_s)->click();
+        QDesktopServices::unsetUrlHandler(u"file"_s);
+        QCOMPARE(m_opened, QUrl::fromLocalFile(backups.folder.path()));
+    }
+
+    void storesNumberToKeepAtOnce()
+    {
+        QSettings().setValue(u"Backups/Keep"_s, u"many"_s);
+        Backups backups;
+        QCOMPARE(backups.keep->value(), 5);
+        QCOMPARE(backups.text(), u"4 backup(s) of , 1.5 MiB in total (newest first): / "
+                                 "2024-05-09 07:08:09      1.5 MiB    .bak-4 / "
+                                 "2024-05-08 07:08:09        1 KiB    .bak-3 / "
+                                 "2024-05-07 07:08:09        1 KiB    .bak-2 / "
+                                 "2024-05-06 07:08:09       1023 B    .bak-1 / "
+                                 "Delete all backups / list"_s);
+        backups.keep->setFocus();
+        backups.keep->selectAll();
+        QTest::keyClicks(backups.keep, u"2"_s);
+        QTest::keyClick(backups.keep, Qt::Key_Return);
+        QVERIFY(backups.dialog->isVisible());
+        backups.list->selectAll();
+        QVERIFY(backups.text().endsWith(u"Delete the 2 older backup(s) (1 KiB) / Delete selected "
+                                        "(4) / Delete all backups / keep"_s));
+        QCOMPARE(Backups().keep->value(), 2);
+    }
+
+    /// The button, how many are kept, what happens while it asks, the question, what is said in
+    /// the end, and which backups are left.
+    void removesAfterConsent_data()
+    {
+        addTextRows(
+            {"deleteSelected > 5 > nothing > Delete the 2 selected backup(s) (2 KiB)? > Moved 2 "
+             "backup(s) to the Recycle Bin (2 KiB). > 41",
+             "deleteOlder > 3 > nothing > Delete the 1 backups older than the newest 3 (1023 B)? > "
+             "Moved 1 backup(s) to the Recycle Bin (1023 B). > 432",
+             "deleteAll > 1 > nothing > Delete all 4 backups (1.5 MiB)? > Moved 4 backup(s) to the "
+             "Recycle Bin (1.5 MiB). > ",
+             "deleteSelected > 5 > no trash > Delete the 2 selected backup(s) (2 KiB)? > Deleted 2 "
+             "backup(s) (2 KiB). > 41",
+             "deleteSelected > 5 > 2 is gone > Delete the 2 selected backup(s) (2 KiB)? > Moved 1 "
+             "backup(s) to the Recycle Bin (1 KiB). 1 could not be removed. > 41",
+             "deleteSelected > 5 > 2 is replaced > Delete the 2 selected backup(s) (2 KiB)? > "
+             "Moved 1 backup(s) to the Recycle Bin (1 KiB). 1 could not be removed. > 41"});
+    }
+    void removesAfterConsent()
+    {
+        QFETCH(const QStringList, cells);
+        Backups backups;
+        qputenv("XDG_DATA_HOME", cells[2] == u"no trash"_s
+                                     ? "/dev/null"
+                                     : QFile::encodeName(backups.folder.filePath(u"data"_s)));
+        backups.keep->setValue(cells[1].toInt());
+        backups.list->item(1)->setSelected(true);
+        backups.list->item(2)->setSelected(true);
+        const QString before = backups.text();
+        QCOMPARE(backups.click(cells[0], QMessageBox::No, [] {}), cells[3]);
+        backups.list->setFocus();
+        QCOMPARE(backups.text().section(u" / "_s, 0, -2), before.section(u" / "_s, 0, -2));
+        QCOMPARE(backups.click(
+                     cells[0], QMessageBox::Yes,
+                     [&] {
+                         QVERIFY(!cells[2].startsWith(u'2') || QFile::remove(backups.pathOf(2)));
+                         QVERIFY(cells[2] != u"2 is replaced" || QDir().mkdir(backups.pathOf(2)));
+                     }),
+                 cells[3]);
+        QString left;
+        for (int row = 0; row < backups.list->count(); ++row) {
+            left += backups.list->item(row)->text().back();
+        }
+        QCOMPARE(left, cells[5]);
+        QVERIFY(!left.isEmpty() || backups.text().startsWith(u"No backups of . / list"_s));
+        QString expected = u"list; "_s + cells[4];
+#ifdef Q_OS_WIN // where there may be no Recycle Bin
+        for (QString* text : {&backups.said, &expected}) {
+            text->remove(u" to the Recycle Bin"_s).replace(u"Moved"_s, u"Deleted"_s);
+        }
+#endif
+        QCOMPARE(backups.dialog->focusWidget()->objectName() + backups.said, expected);
+    }
 
 private:
     QUrl m_opened;
 };
-
-void TestBackupsDialog::listsNewestFirst()
-{
-    const Backups backups;
-    QCOMPARE(backups.header(),
-             u"4 backup(s) of "_s + fileName + u", 1.5 MiB in total (newest first):"_s);
-    QStringList lines;
-    for (int row = 0; row < backups.list->count(); ++row) {
-        lines << backups.list->item(row)->text().remove(fileName);
-    }
-    QCOMPARE(lines, QStringList({u"2024-05-09 07:08:09      1.5 MiB    .bak-4"_s,
-                                 u"2024-05-08 07:08:09        1 KiB    .bak-3"_s,
-                                 u"2024-05-07 07:08:09        1 KiB    .bak-2"_s,
-                                 u"2024-05-06 07:08:09       1023 B    .bak-1"_s}));
-    const QPushButton* selected = backups.button(u"deleteSelected"_s);
-    QVERIFY(!selected->isEnabled());
-    backups.list->selectAll();
-    QCOMPARE(selected->text(), u"Delete selected (4)"_s);
-    QVERIFY(selected->isEnabled());
-}
-
-void TestBackupsDialog::opensTheFolder()
-{
-    const Backups backups;
-    const QString folder = backups.folder.path();
-    QCOMPARE(backups.dialog->findChild<QLabel*>(u"folder"_s)->text(),
-             u"Folder: "_s + QDir::toNativeSeparators(folder));
-    QDesktopServices::setUrlHandler(u"file"_s, this, "open");
-    backups.button(u"openFolder"_s)->click();
-    QDesktopServices::unsetUrlHandler(u"file"_s);
-    QCOMPARE(m_opened, QUrl::fromLocalFile(folder));
-}
-
-void TestBackupsDialog::storesNumberToKeepAtOnce()
-{
-    QSettings().setValue(u"Backups/Keep"_s, u"many"_s);
-    const Backups backups;
-    const QPushButton* older = backups.button(u"deleteOlder"_s);
-    QCOMPARE(backups.keep->value(), 5);
-    QCOMPARE(older->text(), u"Delete older backups"_s);
-    QVERIFY(!older->isEnabled());
-    backups.keep->setFocus();
-    backups.keep->selectAll();
-    QTest::keyClicks(backups.keep, u"2"_s);
-    QTest::keyClick(backups.keep, Qt::Key_Return);
-    QVERIFY(backups.dialog->isVisible());
-    QCOMPARE(older->text(), u"Delete the 2 older backup(s) (1 KiB)"_s);
-    QCOMPARE(QSettings().value(u"Backups/Keep"_s).toInt(), 2);
-    QCOMPARE(Backups().keep->value(), 2);
-}
-
-void TestBackupsDialog::removesAfterConsent_data()
-{
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<int>("keep");
-    QTest::addColumn<QString>("prompt");
-    QTest::addColumn<QString>("left");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("selected") << u"deleteSelected"_s << 5
-                              << u"Delete the 2 selected backup(s) (2 KiB)"_s << u"41"_s
-                              << u"Moved 2 backup(s) to the Recycle Bin (2 KiB)."_s;
-    QTest::newRow("older") << u"deleteOlder"_s << 3
-                           << u"Delete the 1 backups older than the newest 3 (1023 B)"_s << u"432"_s
-                           << u"Moved 1 backup(s) to the Recycle Bin (1023 B)."_s;
-    QTest::newRow("all, without a trash")
-        << u"deleteAll"_s << 5 << u"Delete all 4 backups (1.5 MiB)"_s << QString()
-        << u"Deleted 4 backup(s) (1.5 MiB)."_s;
-}
-
-void TestBackupsDialog::removesAfterConsent()
-{
-    QFETCH(QString, button);
-    QFETCH(QString, prompt);
-    QFETCH(int, keep);
-    QFETCH(QString, message);
-    const Backups backups;
-    qputenv("XDG_DATA_HOME", message.startsWith(u"Moved"_s)
-                                 ? backups.folder.filePath(u"data"_s).toLocal8Bit()
-                                 : "/dev/null");
-    backups.keep->setValue(keep);
-    backups.list->item(1)->setSelected(true);
-    backups.list->item(2)->setSelected(true);
-    const QSignalSpy told(backups.dialog.get(), &BackupsDialog::message);
-    const QString question = prompt + u"?\n\nThey are moved to the Recycle Bin where the system "
-                                      "has one, otherwise deleted."_s;
-    QCOMPARE(backups.clickAndAnswer(button, QMessageBox::No), question);
-    QCOMPARE(backups.list->count(), 4);
-    QCOMPARE(told.count(), 0);
-    QCOMPARE(backups.clickAndAnswer(button, QMessageBox::Yes), question);
-    QString left;
-    for (int row = 0; row < backups.list->count(); ++row) {
-        left += backups.list->item(row)->text().back();
-    }
-    QTEST(left, "left");
-    QCOMPARE(backups.dialog->focusWidget(), backups.list);
-    QCOMPARE(QDir(backups.folder.path()).entryList(QDir::Files).size(), left.size());
-    QString said = told.value(0).value(0).toString();
-#ifdef Q_OS_WIN
-    // Whether there is a Recycle Bin isn't for this test to say.
-    for (QString* text : {&said, &message}) {
-        text->remove(u" to the Recycle Bin"_s).replace(u"Moved"_s, u"Deleted"_s);
-    }
-#endif
-    QCOMPARE(said, message);
-}
-
-void TestBackupsDialog::tellsWhatCouldNotBeRemoved_data()
-{
-    addTextRows({"before > (1.5 MiB). 1 could not be removed.",
-                 "meanwhile > (1.5 MiB). 1 could not be removed.",
-                 "replaced > (1.5 MiB). 1 could not be removed.",
-                 "all > Deleted 0 backup(s) (0 B). 4 could not be removed."});
-}
-void TestBackupsDialog::tellsWhatCouldNotBeRemoved()
-{
-    QFETCH(const QStringList, cells);
-    const Backups backups;
-    backups.list->selectAll();
-    const QString victim = backups.list->item(2)->data(Qt::UserRole).toString();
-    const auto spoil = [&] {
-        QVERIFY(cells[0] == u"all"_s ? QDir(backups.folder.path()).removeRecursively()
-                                     : QFile::remove(victim));
-        QVERIFY(cells[0] != u"replaced"_s || QDir().mkdir(victim));
-    };
-    if (cells[0] == u"before"_s) {
-        spoil();
-    }
-    const QSignalSpy told(backups.dialog.get(), &BackupsDialog::message);
-    backups.clickAndAnswer(u"deleteSelected"_s, QMessageBox::Yes, [&] {
-        if (cells[0] != u"before"_s) {
-            spoil();
-        }
-    });
-    QVERIFY(told.value(0).value(0).toString().endsWith(cells[1]));
-    QCOMPARE(backups.header(), u"No backups of "_s + fileName + u'.');
-}
 
 KSE_TEST_MAIN(TestBackupsDialog)
 #include "TestBackupsDialog.moc"
