@@ -33,9 +33,9 @@ inline QByteArray contentOf(const QString& path)
 /// fixture that fails ends the test program.
 struct StoreFixture
 {
-    QTemporaryDir dir;
-    QString path =
-        QFileInfo(dir.path()).canonicalFilePath() + QStringLiteral("/core-001-pxi.settings");
+    QTemporaryDir dir{QDir(QDir::tempPath()).canonicalPath() +
+                      QStringLiteral("/J\u00fcrgen \u7528\u6237 \U0001f600 %1 XXXXXX")};
+    QString path = dir.filePath(QStringLiteral("core-001-pxi.settings"));
     DeletePolicy policy; ///< "Free" may be deleted, nothing else, with "Stays." as the reason.
     SettingsStore store;
 
@@ -72,9 +72,7 @@ struct StoreFixture
 
     XsdtNode& node(const char* nodePath)
     {
-        XsdtNode* const found = store.document.root.findByPath(QString::fromUtf8(nodePath));
-        require(found, QString::fromUtf8(nodePath));
-        return *found;
+        return *store.document.root.findByPath(QString::fromUtf8(nodePath));
     }
 
     /// Name and content of every file in the folder.
