@@ -17,7 +17,6 @@ class RandomUser : public QObject
 public:
     std::function<void(QWidget&)> onOpened; ///< Called for each dialog, menu or box as it comes.
     std::function<void(QWidget&)> onAnswer; ///< Called for each as it is about to be answered.
-    QStringList words;                      ///< What parts of are typed, beside the usual.
     QStringList log;                        ///< What was done.
     QRandomGenerator random;
 
@@ -50,16 +49,6 @@ public:
         }
     }
 
-    /// Triggers one of the commands that `window` has enabled.
-    void command(const QWidget& window)
-    {
-        QList<QAction*> actions = window.findChildren<QAction*>();
-        actions.removeIf([](const QAction* action) {
-            return !action->isEnabled() || action->text().isEmpty() || action->menu();
-        });
-        trigger(*pick(actions));
-    }
-
     void trigger(QAction& action)
     {
         log << u"command \"%1\""_s.arg(action.text());
@@ -68,65 +57,48 @@ public:
 
     void use(QWidget& widget)
     {
-        const QString target = kindOf(widget) + u" \""_s + widget.accessibleName().left(60) + u'"';
+        log << kindOf(widget) + u' ' + widget.accessibleName().left(60);
         if (hasMenu(widget) && (oneIn(3) || qobject_cast<SettingRow*>(&widget))) {
-            log << u"menu of "_s + target;
             askForMenu(widget, QPoint(5, 5));
         } else if (auto* view = qobject_cast<QAbstractItemView*>(&widget)) {
-            useView(*view, target);
-        } else if (auto* edit = qobject_cast<QLineEdit*>(&widget)) {
-            typeInto(*edit, target);
-        } else if (auto* spin = qobject_cast<QAbstractSpinBox*>(&widget)) {
-            const QString typed = QString::number(below(60) - 10);
-            log << u"type %1 into %2"_s.arg(typed, target);
-            spin->setFocus();
-            spin->selectAll();
-            QTest::keyClicks(spin, typed);
-            QTest::keyClick(spin, Qt::Key_Return);
+            useView(*view);
+        } else if (isOneOf<QLineEdit, QAbstractSpinBox>(&widget)) {
+            typeInto(widget);
         } else if (auto* combo = qobject_cast<QComboBox*>(&widget)) {
-            const int item = below(combo->count());
-            log << u"choose \"%1\" from %2"_s.arg(combo->itemText(item), target);
             combo->setFocus();
-            combo->setCurrentIndex(item);
-            emit combo->activated(item);
+            combo->setCurrentIndex(below(combo->count()));
+            log << u"  chooses "_s + combo->currentText();
+            emit combo->activated(combo->currentIndex());
         } else if (auto* tabs = qobject_cast<QTabBar*>(&widget)) {
             const int tab = below(tabs->count());
-            log << u"show "_s + tabs->tabText(tab);
+            log << u"  shows "_s + tabs->tabText(tab);
             QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab).center());
         } else {
-            log << u"press "_s + target;
             QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(8, widget.height() / 2));
         }
     }
 
 private:
-    static bool isInRow(const QWidget* widget)
+    template <typename... Widgets>
+    static bool isOneOf(const QObject* object)
     {
-        while (widget && !qobject_cast<const SettingRow*>(widget)) {
-            widget = widget->parentWidget();
-        }
-        return widget;
+        return (qobject_cast<const Widgets*>(object) || ...);
     }
 
     static bool hasMenu(const QWidget& widget)
     {
-        return qobject_cast<const SettingRow*>(&widget) ||
-               widget.contextMenuPolicy() == Qt::CustomContextMenu;
+        return isOneOf<SettingRow>(&widget) || widget.contextMenuPolicy() == Qt::CustomContextMenu;
     }
 
     static bool isTarget(const QWidget& widget)
     {
-        const QWidget* parent = widget.parentWidget();
         const bool isPart =
-            widget.objectName().startsWith("qt_"_L1) || qobject_cast<const QHeaderView*>(&widget) ||
-            qobject_cast<const QComboBox*>(parent) || qobject_cast<const QTabBar*>(parent) ||
-            qobject_cast<const QToolBar*>(parent) || qobject_cast<const QAbstractSpinBox*>(parent);
-        return hasMenu(widget) || qobject_cast<const QTabBar*>(&widget) ||
-               (!isPart && (qobject_cast<const QAbstractButton*>(&widget) ||
-                            qobject_cast<const QLineEdit*>(&widget) ||
-                            qobject_cast<const QComboBox*>(&widget) ||
-                            qobject_cast<const QAbstractSpinBox*>(&widget) ||
-                            qobject_cast<const QAbstractItemView*>(&widget)));
+            widget.objectName().startsWith("qt_"_L1) || isOneOf<QHeaderView>(&widget) ||
+            isOneOf<QComboBox, QTabBar, QToolBar, QAbstractSpinBox>(widget.parentWidget());
+        return hasMenu(widget) || isOneOf<QTabBar>(&widget) ||
+               (!isPart &&
+                isOneOf<QAbstractButton, QLineEdit, QComboBox, QAbstractSpinBox, QAbstractItemView>(
+                    &widget));
     }
 
     static QString kindOf(const QWidget& widget)
@@ -134,8 +106,7 @@ private:
         const auto* button = qobject_cast<const QAbstractButton*>(&widget);
         const QString name =
             widget.objectName().isEmpty() && button ? button->text() : widget.objectName();
-        return (isInRow(&widget) ? u"row "_s : QString()) +
-               QLatin1String(widget.metaObject()->className()) + u' ' + name;
+        return QLatin1String(widget.metaObject()->className()) + u' ' + name;
     }
 
     static void askForMenu(QWidget& widget, QPoint pos)
@@ -144,50 +115,34 @@ private:
         QApplication::sendEvent(&widget, &event);
     }
 
-    QString value()
-    {
-        static const QStringList texts{u"true"_s,  u"false"_s, u"0"_s,          u"7"_s,
-                                       u"-3"_s,    u"007"_s,   u" 12 "_s,       u"1.50"_s,
-                                       u"1e400"_s, u"1,5"_s,   u"4294967295"_s, u"2147483648"_s,
-                                       QString(),  u"nan"_s,   u"<b>&%1"_s,     u"two words"_s};
-        return oneIn(12) ? QString(150 + below(200), u'z') : pick(texts);
-    }
-
-    /// Part of a key or value of the file, nothing, or anything.
-    QString searchText()
-    {
-        if (words.isEmpty() || oneIn(4)) {
-            return oneIn(2) ? QString() : value();
-        }
-        return pick(words).left(oneIn(3) ? 20 : 1 + below(6));
-    }
-
     /// Now and then without Return.
-    void typeInto(QLineEdit& edit, const QString& target)
+    void typeInto(QWidget& widget)
     {
-        const bool isValue =
-            isInRow(&edit) || qobject_cast<QAbstractItemView*>(edit.parentWidget()->parentWidget());
-        const QString typed = oneIn(8) ? edit.text() : isValue ? value() : searchText();
+        static const QStringList texts{QString(),         u"e"_s,          u"Global"_s, u"pre"_s,
+                                       u"true"_s,         u"in"_s,         u"os co"_s,  u"/m"_s,
+                                       u"-3"_s,           u"007"_s,        u" 12 "_s,   u"1.50"_s,
+                                       u"1e400"_s,        u"4294967295"_s, u"7"_s,      u"0"_s,
+                                       u"nan"_s,          u"<b>&%1"_s,     u"false"_s,  u"1,5"_s,
+                                       QString(300, u'z')};
+        const QString text = pick(texts);
         const int end = below(8);
-        log << u"type \"%1\"%2 into %3"_s.arg(typed, end < 2 ? u" without Return"_s : u""_s,
-                                              target);
-        edit.setFocus();
-        edit.selectAll();
-        QTest::keyClick(&edit, Qt::Key_Backspace);
-        QTest::keyClicks(&edit, typed);
+        log << u"  types \"%1\", %2"_s.arg(text).arg(end);
+        widget.setFocus();
+        QTest::keyClick(&widget, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&widget, Qt::Key_Backspace);
+        QTest::keyClicks(&widget, text);
         if (end >= 2) {
-            QTest::keyClick(&edit, end == 2 ? Qt::Key_Escape : Qt::Key_Return);
+            QTest::keyClick(&widget, end == 2 ? Qt::Key_Escape : Qt::Key_Return);
         }
     }
 
-    void useView(QAbstractItemView& view, const QString& target)
+    void useView(QAbstractItemView& view)
     {
         QList<QModelIndex> rows;
-        const auto* tree = qobject_cast<QTreeView*>(&view);
-        const auto* list = qobject_cast<QListWidget*>(&view);
+        auto* tree = qobject_cast<QTreeView*>(&view);
         for (QModelIndex i = view.model()->index(0, 0); i.isValid();
              i = tree ? tree->indexBelow(i) : i.siblingAtRow(i.row() + 1)) {
-            if (!list || !list->isRowHidden(i.row())) {
+            if (!view.visualRect(i).isEmpty()) {
                 rows.append(i);
             }
         }
@@ -199,15 +154,12 @@ private:
         view.scrollTo(row);
         const QPoint place = view.visualRect(row).center();
         const int what = below(8);
-        log << u"%1 on \"%2\" of %3"_s.arg(QStringList{u"edit"_s, u"edit"_s, u"menu"_s, u"Space"_s,
-                                                       u"Delete"_s, u"click"_s, u"open or close"_s,
-                                                       u"double click"_s}[what],
-                                           row.data().toString(), target);
+        log << u"  %1 on \"%2\""_s.arg(what).arg(row.data().toString());
         const bool adds = what == 5 && oneIn(3);
         QTest::mouseClick(view.viewport(), Qt::LeftButton,
                           adds ? Qt::ControlModifier : Qt::NoModifier, place);
         if (what < 2) {
-            editRow(view, row, target);
+            editRow(view, row);
         } else if (what == 2) {
             askForMenu(*view.viewport(), place);
         } else if (what == 3 || what == 4) {
@@ -219,13 +171,13 @@ private:
         }
     }
 
-    void editRow(QAbstractItemView& view, const QModelIndex& row, const QString& target)
+    void editRow(QAbstractItemView& view, const QModelIndex& row)
     {
         view.setCurrentIndex(row.siblingAtColumn(row.model()->columnCount(row.parent()) > 1));
         QTest::keyClick(&view, Qt::Key_F2);
         QWidget* editor = view.window()->focusWidget();
-        if (auto* line = qobject_cast<QLineEdit*>(editor)) {
-            typeInto(*line, target);
+        if (isOneOf<QLineEdit>(editor)) {
+            typeInto(*editor);
         } else if (qobject_cast<QComboBox*>(editor)) {
             const QWidget* popup = QApplication::activePopupWidget();
             auto* list = popup ? popup->findChild<QAbstractItemView*>() : nullptr;
@@ -235,8 +187,6 @@ private:
         }
     }
 
-    // --- what asks ---
-
     void lookSoon()
     {
         QTimer::singleShot(2, this, [this] { look(); });
@@ -244,17 +194,17 @@ private:
 
     void look()
     {
-        lookSoon(); // first: what opens beneath this has its own event loop
+        lookSoon(); // first: what opens below this has its own event loop
         QWidget* popup = QApplication::activePopupWidget();
         const QPointer<QWidget> open = popup ? popup : QApplication::activeModalWidget();
         if (!open || !open->isVisible() || m_open.contains(open)) {
             return;
         }
         m_open.append(open);
-        if (!popup || qobject_cast<QMenu*>(popup)) { // not a list beneath a text
+        if (!popup || isOneOf<QMenu>(popup)) { // not a list below a text
             onOpened(*open);
             if (open && open->isVisible()) {
-                answer(*open);
+                popup ? choose(static_cast<QMenu&>(*popup)) : answer(*open);
             }
         }
         if (open && open->isVisible()) {
@@ -263,52 +213,45 @@ private:
         m_open.removeLast();
     }
 
-    void answer(QWidget& widget)
+    void choose(QMenu& menu)
     {
-        if (auto* menu = qobject_cast<QMenu*>(&widget)) {
-            QList<QAction*> choices = menu->actions();
-            choices.removeIf([](const QAction* action) { return action->isSeparator(); });
-            QAction* choice = pick(choices);
-            log << u"  menu: "_s + choice->text();
-            menu->setActiveAction(choice);
-            QTest::keyClick(menu, choice->isEnabled() ? Qt::Key_Return : Qt::Key_Escape);
-            return;
-        }
-        const QPointer<QWidget> open = &widget;
-        if (auto* files = qobject_cast<QFileDialog*>(&widget)) {
+        QList<QAction*> choices = menu.actions();
+        choices.removeIf([](const QAction* action) { return action->isSeparator(); });
+        QAction* choice = pick(choices);
+        log << u"  menu: "_s + choice->text();
+        menu.setActiveAction(choice);
+        QTest::keyClick(&menu, choice->isEnabled() ? Qt::Key_Return : Qt::Key_Escape);
+    }
+
+    void answer(QWidget& dialog)
+    {
+        const QPointer<QWidget> open = &dialog;
+        if (auto* files = qobject_cast<QFileDialog*>(&dialog)) {
             const QFileInfoList found = QDir(files->directory()).entryInfoList(QDir::Files);
             if (!found.isEmpty() && oneIn(2)) {
                 files->selectFile(pick(found).filePath());
             }
-        } else if (auto* colors = qobject_cast<QColorDialog*>(&widget)) {
+        } else if (auto* colors = qobject_cast<QColorDialog*>(&dialog)) {
             colors->setCurrentColor(QColor::fromRgba(random.generate()));
-        } else if (!qobject_cast<QMessageBox*>(&widget)) {
-            for (int i = below(4); i > 0 && open && open->isVisible(); --i) {
-                onAnswer(widget);
-                act(widget);
+        } else {
+            const bool isBox = isOneOf<QMessageBox>(&dialog);
+            for (int i = below(isBox ? 1 : 4); i > 0 && open && open->isVisible(); --i) {
+                onAnswer(dialog);
+                act(dialog);
             }
         }
-        if (open && open->isVisible()) {
-            onAnswer(widget);
-            press(widget);
-        }
-    }
-
-    void press(QWidget& dialog)
-    {
-        QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
-        buttons.removeIf([&dialog](const QPushButton* button) {
-            return !button->isVisible() || !button->isEnabled() || button->window() != &dialog;
-        });
-        const auto* box = qobject_cast<QMessageBox*>(&dialog);
-        if (box && box->checkBox() && oneIn(3)) {
-            box->checkBox()->click();
+        QList<QWidget*> buttons;
+        for (auto* button : open ? open->findChildren<QPushButton*>() : QList<QPushButton*>()) {
+            if (button->isVisible() && button->isEnabled() && button->window() == open) {
+                buttons.append(button);
+            }
         }
         if (!buttons.isEmpty()) {
-            QPushButton* button = pick(buttons);
-            log << u"  %1 \"%2\": %3"_s.arg(QLatin1String(dialog.metaObject()->className()),
-                                            dialog.windowTitle(), button->text());
-            button->click();
+            onAnswer(dialog);
+            if (auto* box = open->findChild<QCheckBox*>(); box && oneIn(3)) {
+                box->click();
+            }
+            use(*pick(buttons));
         }
     }
 

@@ -26,8 +26,8 @@ inline void write(const QString& path, const QByteArray& bytes)
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
 }
 
-/// Calls `command`, and in each dialog or menu that it opens calls `meanwhile` and presses the next
-/// of `buttons`, or closes it. Gives the title of each with its texts.
+/// Calls `command`, and in each dialog that it opens calls `meanwhile` and presses the next of
+/// `buttons`, or closes it. Gives the title of each with its texts.
 inline QStringList answer(
     const QStringList& buttons, const std::function<void()>& command,
     const std::function<void(QWidget&)>& meanwhile = [](QWidget&) {})
@@ -35,8 +35,7 @@ inline QStringList answer(
     QStringList asked;
     QTimer timer;
     timer.callOnTimeout([&] {
-        QWidget* popup = QApplication::activePopupWidget();
-        const QPointer<QWidget> open = popup ? popup : QApplication::activeModalWidget();
+        const QPointer<QWidget> open = QApplication::activeModalWidget();
         if (!open || !open->isVisible()) {
             return;
         }
@@ -77,8 +76,10 @@ protected:
     SettingsModel* model() const { return m_window->findChild<SettingsModel*>(); }
     QAction* action(const char* name) const { return find<QAction>(name); }
     XsdtNode* node(const QString& path) const { return model()->document()->root.findByPath(path); }
-    qsizetype pending() const { return model()->document()->pendingCount(); }
-    QString status() const { return m_window->statusBar()->currentMessage(); }
+    qsizetype pending() const
+    {
+        return model()->document() ? model()->document()->pendingCount() : 0;
+    }
     void poll() const { QMetaObject::invokeMethod(m_window.get(), "pollEnvironment"); }
 
     /// Brings the page to the front.
@@ -89,20 +90,17 @@ protected:
         return page;
     }
 
-    QModelIndex select(const QString& path, int column = SettingsModel::SettingColumn) const
+    void select(const QString& path, int column = SettingsModel::SettingColumn) const
     {
         auto* proxy = static_cast<QSortFilterProxyModel*>(tree()->model());
-        const QModelIndex index = proxy->mapFromSource(model()->indexForNode(node(path), column));
-        tree()->setCurrentIndex(index);
-        tree()->scrollTo(index);
-        return index;
+        tree()->setCurrentIndex(proxy->mapFromSource(model()->indexForNode(node(path), column)));
+        tree()->setFocus();
     }
 
     /// Opens the editor of the value at `path` and types `text` over it, without Enter.
     QWidget* type(const QString& path, const QString& text) const
     {
         select(path, SettingsModel::ValueColumn);
-        tree()->setFocus();
         QTest::keyClick(tree(), Qt::Key_F2);
         QWidget* editor = m_window->focusWidget();
         if (editor != tree()) {
@@ -120,7 +118,6 @@ protected:
     void pressDelete(const QString& path) const
     {
         select(path);
-        tree()->setFocus();
         m_window->activateWindow(); // which a box that closed here doesn't do
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
         QTest::keyClick(tree(), Qt::Key_Delete);
@@ -147,11 +144,10 @@ protected:
         m_folder = PixInsightEnv::settingsFolders().constFirst();
         QDir(m_folder).removeRecursively();
         QVERIFY(QDir().mkpath(m_folder));
-        for (const QString& name : {u"/core-001-pxi.settings"_s, u"/core-002-pxi.settings"_s}) {
-            QVERIFY(
-                QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples") + name, m_folder + name));
+        for (const QString& name : {u"/core-002-pxi.settings"_s, u"/core-001-pxi.settings"_s}) {
+            m_file = m_folder + name;
+            QVERIFY(QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples") + name, m_file));
         }
-        m_file = m_folder + u"/core-001-pxi.settings"_s;
         openWindow();
     }
 };

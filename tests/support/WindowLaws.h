@@ -3,11 +3,10 @@
 
 #include "document/Leaves.h"
 #include "schema/DeletePolicy.h"
-#include "schema/ModuleCatalog.h"
 #include "schema/SettingsSchema.h"
-#include "support/PlainWays.h"
 #include "support/TextRows.h"
 #include "support/WindowTwin.h"
+#include "views/search/SearchIndex.h"
 
 namespace kse {
 
@@ -24,42 +23,38 @@ public:
         }
     }
 
-    /// What doesn't hold. `isAsked`: nothing was edited since the last search.
-    QStringList faults(const MainWindow& window, bool isAsked)
+    /// What doesn't hold. Nothing was edited since the last search.
+    QStringList faults(const MainWindow& window)
     {
         m_faults.clear();
         m_window = &window;
         auto* model = window.findChild<SettingsModel*>();
         m_nodes = nodesOf(model->document());
         checkPending();
+        checkTree();
         checkPages();
         if (model->document()) {
             checkComparison(*model->document());
-            isAsked ? checkSearch(*model->document()) : checkRows(*model);
+            checkSearch(*model->document());
         }
         return m_faults;
     }
 
 private:
-    template <typename Widget>
+    template <typename Widget = QWidget>
     Widget* find(const char* page, const char* name) const
     {
         return m_window->findChild<QWidget*>(QLatin1String(page))
             ->findChild<Widget*>(QLatin1String(name));
     }
-    QString textOf(const char* page, const char* edit) const
+    QString textOf(const char* page, const char* name) const
     {
-        return find<QLineEdit>(page, edit)->text().trimmed();
+        return find(page, name)->property("text").toString().trimmed();
     }
-    bool isOn(const char* page, const char* box) const
+    bool isOn(const char* page, const char* name) const
     {
-        return find<QAbstractButton>(page, box)->isChecked();
+        return find(page, name)->property("checked").toBool();
     }
-    QList<int> numbersIn(const char* page, const char* label) const
-    {
-        return numbers(find<QLabel>(page, label)->text());
-    }
-
     static QList<int> numbers(const QString& text)
     {
         static const QRegularExpression digits(u"\\d+"_s);
@@ -99,10 +94,9 @@ private:
             const auto* banner = m_window->findChild<QLabel*>(u"bannerLabel"_s);
             expect("banner", numbers(banner->text()), unlessZero(pending));
         }
-        expect("revert", m_window->findChild<QAction*>(u"actRevert"_s)->isEnabled(), pending > 0);
     }
 
-    void checkPages()
+    void checkTree()
     {
         const QString filter = textOf("advancedPage", "treeFilter");
         const bool changedOnly = isOn("advancedPage", "changedOnly");
@@ -121,11 +115,14 @@ private:
         const auto rows = tree->model()->match(tree->model()->index(0, 0), Qt::DisplayRole, u""_s,
                                                -1, Qt::MatchContains | Qt::MatchRecursive);
         expect("the tree", rows.size(), shown.size());
+    }
 
+    void checkPages()
+    {
         const auto* list = find<QListWidget>("preferencesView", "pageList");
+        const auto* stack = find<QStackedWidget>("preferencesView", "pageStack");
         for (int i = 0; i < list->count(); ++i) {
             qsizetype changed = 0;
-            const auto* stack = find<QStackedWidget>("preferencesView", "pageStack");
             for (const SettingRow* row : stack->widget(i + 1)->findChildren<SettingRow*>()) {
                 changed += row->node()->isModified();
             }
@@ -133,92 +130,51 @@ private:
         }
 
         const auto* tabs = m_window->findChild<QTabWidget*>(u"tabs"_s);
-        const QList<int> findings = numbersIn("healthView", "summaryLabel");
+        const QList<int> findings = numbers(textOf("healthView", "summaryLabel"));
         expect("health", numbers(tabs->tabText(4)),
                unlessZero(findings.size() == 3 ? findings[0] + findings[1] : 0));
-
-        int ticked = 0;
-        int queued = 0;
-        for (QTreeWidgetItemIterator it(find<QTreeWidget>("cleanupView", "tree")); *it; ++it) {
-            const Qt::ItemFlags flags = (*it)->flags();
-            if (flags & Qt::ItemIsUserCheckable && !(flags & Qt::ItemIsAutoTristate)) {
-                ticked += (*it)->checkState(0) == Qt::Checked;
-                queued += !(*it)->text(3).isEmpty();
-            }
-        }
-        const QList<int> counts = numbersIn("cleanupView", "statusLabel");
-        expect("cleanup", counts.mid(0, 1),
-               counts.isEmpty() ? counts : QList<int>{ticked > 0 ? ticked : queued});
     }
 
     void checkComparison(const XsdtDocument& document)
     {
         XsdtDocument other;
         const QString path = find<QComboBox>("compareView", "fileCombo")->currentData().toString();
-        if (path.isEmpty() || !other.parse(FileState::of(path).bytes.value_or(QByteArray()))) {
+        if (path.isEmpty() || !other.parse(FileState::of(path).bytes)) {
             return;
         }
-        QList<int> counts{0, 0, 0, 0};
-        int copyable = 0;
-        for (const CompareEntry& entry : plainCompare(document, other)) {
-            const XsdtNode* node = entry.thisNode ? entry.thisNode : entry.otherNode;
-            const bool isNoise = isOn("compareView", "hideNoise") && m_policy.isCompareNoise(node);
-            ++counts[isNoise ? 3 : int(entry.state)];
-            copyable += !isNoise && entry.state == CompareState::Different &&
-                        node->isEditableType() && !node->isInsideDeletion() &&
-                        !m_policy.isCompareNoCopy(node);
+        QHash<QString, const XsdtNode*> others;
+        for (const XsdtNode* node : unmarkedValues(other.root)) {
+            others.insert(node->path(), node);
         }
-        expect("comparison", numbersIn("compareView", "summaryLabel"),
-               counts.mid(0, counts[3] > 0 ? 4 : 3));
-        if (isOn("compareView", "showDifferent") && textOf("compareView", "filterEdit").isEmpty()) {
-            expect("copies", numbers(find<QPushButton>("compareView", "copyAllButton")->text()),
-                   unlessZero(copyable));
+        int different = 0;
+        for (const XsdtNode* node : unmarkedValues(document.root)) {
+            const XsdtNode* like = others.value(node->path());
+            const bool isHidden = isOn("compareView", "hideNoise") && m_policy.isCompareNoise(node);
+            different += like && !isHidden &&
+                         (node->typeCode != like->typeCode || node->value != like->value);
         }
-
-        const QList<ModuleInfo> modules = ModuleCatalog::unusedModules(document);
-        const auto queued =
-            std::count_if(modules.begin(), modules.end(), [](const ModuleInfo& module) {
-                return std::any_of(module.nodes.begin(), module.nodes.end(),
-                                   [](const XsdtNode* node) { return node->isInsideDeletion(); });
-            });
-        const QList<int> shown = numbersIn("unusedModulesView", "summary");
-        expect("unused modules", shown.mid(0, 1) + shown.mid(qMax(1, shown.size() - 1)),
-               modules.isEmpty() ? QList<int>() : QList<int>{int(modules.size()), int(queued)});
+        expect("comparison", numbers(textOf("compareView", "summaryLabel")).value(0), different);
     }
 
     void checkSearch(const XsdtDocument& document)
     {
-        SearchQuery query;
-        query.terms = searchTerms(textOf("searchView", "queryEdit"));
-        query.names = isOn("searchView", "searchNames");
-        query.values = isOn("searchView", "searchValues");
-        query.descriptions = isOn("searchView", "searchDescriptions");
+        const QStringList terms = searchTerms(textOf("searchView", "queryEdit"));
         const bool changedOnly = isOn("searchView", "changedOnly");
         int found = 0;
-        const QList<SearchIndexEntry> index = buildSearchIndex(document, m_schema);
-        for (const qsizetype place : plainSearch(index, query)) {
-            const XsdtNode* node = index[place].node;
-            found += (!query.terms.isEmpty() || changedOnly) &&
-                     (node->isEditableType() || isOn("searchView", "includeProtected")) &&
-                     (!changedOnly || node->isModified() || node->isInsideDeletion());
+        for (const SearchIndexEntry& entry : buildSearchIndex(document, m_schema)) {
+            const XsdtNode& node = *entry.node;
+            const bool fits = std::all_of(terms.begin(), terms.end(), [&](const QString& term) {
+                return (isOn("searchView", "searchNames") && entry.haystack.contains(term)) ||
+                       (isOn("searchView", "searchDescriptions") &&
+                        entry.description.contains(term)) ||
+                       (isOn("searchView", "searchValues") && node.typeCode != u'B' &&
+                        node.value.contains(term, Qt::CaseInsensitive));
+            });
+            found += fits && (!terms.isEmpty() || changedOnly) &&
+                     (node.isEditableType() || isOn("searchView", "includeProtected")) &&
+                     (!changedOnly || node.isModified() || node.isInsideDeletion());
         }
-        expect("search", numbersIn("searchView", "summaryLabel").value(0), found);
-    }
-
-    /// Each row of a page that isn't asked again looks like one made just now.
-    void checkRows(SettingsModel& model)
-    {
-        for (const char* page : {"resultsContainer", "cardsContainer"}) {
-            for (SettingRow* row :
-                 m_window->findChild<QWidget*>(QLatin1String(page))->findChildren<SettingRow*>()) {
-                if (!row->isHidden()) {
-                    SettingRow twin(row->node(), m_schema.describe(*row->node()), &model);
-                    twin.setShowPath(true);
-                    twin.setReadOnly(model.isReadOnly());
-                    expect("rows", WindowText::ofPart(*row), WindowText::ofPart(twin));
-                }
-            }
-        }
+        expect("search", numbers(textOf("searchView", "summaryLabel")).value(0), found);
     }
 
     SettingsSchema m_schema;

@@ -8,31 +8,27 @@
 #include "views/model/SettingsModel.h"
 #include "views/rows/SettingRow.h"
 
-#include <optional>
-
 namespace kse {
 
-/// Content and time of a file; none is no file.
+/// Content and time of a file; null bytes are no file.
 struct FileState
 {
-    std::optional<QByteArray> bytes;
+    QByteArray bytes;
     QDateTime time;
 
     static FileState of(const QString& path)
     {
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly)) {
-            return {};
-        }
-        return {file.readAll(), QFileInfo(path).lastModified()};
+        return {file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray(),
+                QFileInfo(path).lastModified()};
     }
 
     void put(const QString& path) const
     {
         QFile file(path);
-        if (!bytes) {
+        if (bytes.isNull()) {
             file.remove();
-        } else if (!file.open(QIODevice::WriteOnly) || file.write(*bytes) != bytes->size() ||
+        } else if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
                    !file.flush() || !file.setFileTime(time, QFileDevice::FileModificationTime)) {
             qFatal("cannot write %s", qPrintable(path));
         }
@@ -61,30 +57,10 @@ inline void settle()
     }
 }
 
-/// Has a second window show what a first one does, as a user would bring it there: whatever can be
-/// chosen is found by its name, and by its place among those of the same name.
+/// Has a second window show what a first one does, as a user would bring it there.
 class WindowTwin
 {
 public:
-    /// Makes the choices of `from` in `to`: unless `isLoaded` just now, also what is open, current,
-    /// selected or ticked, which a new file doesn't keep.
-    static void carryChoices(const QWidget& from, QWidget& to, bool isLoaded = false)
-    {
-        lookForFiles(from);
-        lookForFiles(to);
-        const QMap<QString, QWidget*> chosen = choosers(from);
-        for (auto* set : {&setInput, &setToggle, &setView}) {
-            const QMap<QString, QWidget*> wanting = choosers(to);
-            for (auto it = wanting.begin(); it != wanting.end(); ++it) {
-                QWidget* like = chosen.value(it.key());
-                if (like && (set == &setInput || !isLoaded)) {
-                    set(*like, *it.value());
-                }
-            }
-            settle();
-        }
-    }
-
     /// A window on `path` that never was on the screen. It finds the file as it was `loaded`, and
     /// then as it is now; gets the pending changes of `document`; and nothing else.
     static std::unique_ptr<MainWindow> make(const QString& path, const FileState& loaded,
@@ -93,9 +69,7 @@ public:
         const FileState now = FileState::of(path);
         loaded.put(path);
         auto window = std::make_unique<MainWindow>(MainWindow::Messages::StandardError);
-        for (QTimer* timer : window->findChildren<QTimer*>()) {
-            timer->stop(); // the poll
-        }
+        window->findChild<QTimer*>(u"pollTimer"_s)->stop();
         window->openFile(path);
         now.put(path);
         QMetaObject::invokeMethod(window.get(), "pollEnvironment");
@@ -106,16 +80,25 @@ public:
         return window;
     }
 
-private:
-    /// A list of files may be as it was when it last opened.
-    static void lookForFiles(const QWidget& window)
+    /// Makes the choices of `from` in `to`: unless `isLoaded` just now, also what is open, current,
+    /// selected or ticked, which a new file doesn't keep.
+    static void carryChoices(QWidget& from, QWidget& to, bool isLoaded = false)
     {
-        if (auto* files = window.findChild<QComboBox*>(u"fileCombo"_s)) {
-            files->showPopup();
-            files->hidePopup();
+        for (QWidget* window : {&from, &to}) { // a list may be as it was when it last opened
+            if (auto* files = window->findChild<QComboBox*>(u"fileCombo"_s)) {
+                files->showPopup();
+                files->hidePopup();
+            }
+        }
+        carry(from, to, true);
+        settle();
+        if (!isLoaded) {
+            carry(from, to, false);
+            settle();
         }
     }
 
+private:
     static void carryChanges(XsdtDocument* from, SettingsModel& to)
     {
         const QList<XsdtNode*> nodes = nodesOf(from);
@@ -141,87 +124,75 @@ private:
         to.setReadOnly(wasReadOnly);
     }
 
-    /// Whatever can be chosen, but for the values of settings.
-    static QMap<QString, QWidget*> choosers(const QWidget& window)
+    /// Goes through the parts of both, which belong together by class, name and order: inputs, or
+    /// the rest. Leaves out the values of settings.
+    static void carry(QWidget& from, QWidget& to, bool inputs)
     {
-        QMap<QString, QWidget*> found;
-        QMap<QString, int> counts;
-        const std::function<void(const QWidget&, const QString&)> collect =
-            [&](const QWidget& widget, const QString& page) {
-                const bool isStack = qobject_cast<const QStackedWidget*>(&widget);
-                for (QWidget* part : partsOf(widget)) {
-                    if (qobject_cast<SettingRow*>(part)) {
-                        continue;
-                    }
-                    const QString key = page + u'/' + part->objectName();
-                    found.insert(u"%1#%2"_s.arg(key).arg(++counts[key], 4, 10, QChar(u'0')), part);
-                    if (!qobject_cast<QComboBox*>(part) &&
-                        !qobject_cast<QAbstractItemView*>(part)) {
-                        collect(*part, isStack && page.isEmpty() ? part->objectName() : page);
-                    }
-                }
-            };
-        collect(window, {});
-        return found;
-    }
-
-    static void setInput(QWidget& like, QWidget& widget)
-    {
-        if (auto* edit = qobject_cast<QLineEdit*>(&widget)) {
-            edit->setText(static_cast<QLineEdit&>(like).text());
-        } else if (qobject_cast<QCheckBox*>(&widget)) {
-            setToggle(like, widget);
-        } else if (auto* tabs = qobject_cast<QTabBar*>(&widget)) {
-            tabs->setCurrentIndex(static_cast<QTabBar&>(like).currentIndex());
-        } else if (auto* combo = qobject_cast<QComboBox*>(&widget)) {
-            const QComboBox& other = static_cast<QComboBox&>(like);
-            const int item = combo->findText(other.currentText());
-            if (item >= 0 && item != combo->currentIndex() && other.currentIndex() >= 0) {
-                combo->setCurrentIndex(item);
-                emit combo->activated(item);
+        if (qobject_cast<SettingRow*>(&to)) {
+            return;
+        }
+        auto* view = qobject_cast<QAbstractItemView*>(&to);
+        const bool isToggle = qobject_cast<QAbstractButton*>(&to) && !qobject_cast<QCheckBox*>(&to);
+        if (inputs == (!view && !isToggle)) {
+            view ? carryRows(static_cast<QAbstractItemView&>(from), {}, *view, {})
+                 : carryInput(from, to);
+        }
+        if (view || qobject_cast<QComboBox*>(&to)) {
+            return;
+        }
+        const auto nameOf = [](const QWidget* part) {
+            return QLatin1String(part->metaObject()->className()) + part->objectName();
+        };
+        QHash<QString, QList<QWidget*>> parts;
+        for (QWidget* part : partsOf(from)) {
+            parts[nameOf(part)].append(part);
+        }
+        for (QWidget* part : partsOf(to)) {
+            if (QList<QWidget*>& like = parts[nameOf(part)]; !like.isEmpty()) {
+                carry(*like.takeFirst(), *part, inputs);
             }
         }
     }
 
-    static void setToggle(QWidget& like, QWidget& widget)
+    static void carryInput(QWidget& from, QWidget& to)
     {
-        auto* button = qobject_cast<QAbstractButton*>(&widget);
-        if (button && button->isCheckable()) {
-            button->setChecked(static_cast<QAbstractButton&>(like).isChecked());
+        const QMetaProperty input = to.metaObject()->userProperty();
+        if (auto* tabs = qobject_cast<QTabBar*>(&to)) {
+            tabs->setCurrentIndex(static_cast<QTabBar&>(from).currentIndex());
+        } else if (const QVariant value = input.read(&from); value != input.read(&to)) {
+            input.write(&to, value);
+            auto* combo = qobject_cast<QComboBox*>(&to);
+            if (combo && input.read(&to) == value) {
+                emit combo->activated(combo->currentIndex());
+            }
         }
     }
 
-    static void setView(QWidget& like, QWidget& widget)
+    static void carryRows(const QAbstractItemView& from, const QModelIndex& fromParent,
+                          QAbstractItemView& to, const QModelIndex& toParent)
     {
-        if (auto* view = qobject_cast<QAbstractItemView*>(&widget)) {
-            setRows(static_cast<QAbstractItemView&>(like), {}, *view, {});
-        }
-    }
-
-    static void setRows(const QAbstractItemView& like, const QModelIndex& likeParent,
-                        QAbstractItemView& view, const QModelIndex& parent)
-    {
-        const int count = qMin(like.model()->rowCount(likeParent), view.model()->rowCount(parent));
-        auto* tree = qobject_cast<QTreeView*>(&view);
-        for (int row = 0; row < count; ++row) {
-            const QModelIndex from = like.model()->index(row, 0, likeParent);
-            const QModelIndex to = view.model()->index(row, 0, parent);
-            setRows(like, from, view, to); // a parent's box follows those beneath it
+        auto* tree = qobject_cast<QTreeView*>(&to);
+        for (int row = 0; row < to.model()->rowCount(toParent); ++row) {
+            const QModelIndex like = from.model()->index(row, 0, fromParent);
+            const QModelIndex index = to.model()->index(row, 0, toParent);
+            if (!like.isValid()) {
+                return;
+            }
+            carryRows(from, like, to, index); // a parent's box follows those below it
             if (tree) {
-                tree->setExpanded(to, static_cast<const QTreeView&>(like).isExpanded(from));
+                tree->setExpanded(index, static_cast<const QTreeView&>(from).isExpanded(like));
             }
-            const QVariant ticked = from.data(Qt::CheckStateRole);
-            const bool follows =
-                view.model()->rowCount(to) > 0 && to.flags() & Qt::ItemIsAutoTristate;
-            if (ticked.isValid() && !follows) {
-                view.model()->setData(to, ticked, Qt::CheckStateRole);
+            const QVariant ticked = like.data(Qt::CheckStateRole);
+            if (ticked.isValid() &&
+                !(to.model()->hasChildren(index) && index.flags() & Qt::ItemIsAutoTristate)) {
+                to.model()->setData(index, ticked, Qt::CheckStateRole);
             }
-            if (like.selectionModel()->isSelected(from)) {
-                view.selectionModel()->select(to, QItemSelectionModel::Select |
-                                                      QItemSelectionModel::Rows);
+            if (from.selectionModel()->isSelected(like)) {
+                to.selectionModel()->select(index, QItemSelectionModel::Select |
+                                                       QItemSelectionModel::Rows);
             }
-            if (like.currentIndex().siblingAtColumn(0) == from) {
-                view.selectionModel()->setCurrentIndex(to, QItemSelectionModel::NoUpdate);
+            if (from.currentIndex().siblingAtColumn(0) == like) {
+                to.selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
             }
         }
     }
