@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -13,22 +12,12 @@ namespace kse {
 class FakePixInsight
 {
 public:
-    explicit FakePixInsight(const QString& name = QStringLiteral("PixInsight"))
-        : m_program(QDir(m_dir.path()).filePath(name))
+    explicit FakePixInsight(const QString& name = QStringLiteral("PixInsight.exe"))
+        : m_program(m_dir.filePath(name))
     {
-#ifdef Q_OS_WIN
-        if (!name.endsWith(QLatin1String(".exe"), Qt::CaseInsensitive)) {
-            m_program += QStringLiteral(".exe"); // or it can't be started
-        }
-#endif
         m_copied = QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), m_program);
     }
-    ~FakePixInsight()
-    {
-        (void)stop();
-    }
-    FakePixInsight(const FakePixInsight&) = delete;
-    FakePixInsight& operator=(const FakePixInsight&) = delete;
+    ~FakePixInsight() { (void)stop(); }
 
     /// Starts it and waits until it runs.
     [[nodiscard]] bool start()
@@ -44,17 +33,10 @@ public:
         return m_process.state() == QProcess::NotRunning || m_process.waitForFinished();
     }
 
-    /// Path of the executable.
-    QString program() const
-    {
-        return m_program;
-    }
+    QString program() const { return m_program; }
 
     /// The process's id; 0 while it isn't running.
-    quint64 processId() const
-    {
-        return static_cast<quint64>(m_process.processId());
-    }
+    quint64 processId() const { return static_cast<quint64>(m_process.processId()); }
 
 private:
     QTemporaryDir m_dir;

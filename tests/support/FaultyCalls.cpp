@@ -26,93 +26,68 @@ Function* next(Function* /*ours*/, const char* name)
 }
 #define NEXT(function) next(&::function, #function)
 
-/// What a call is for: a path, or the file of a descriptor.
-struct Target
+/// The path of what a call is for.
+QByteArray pathOf(const QByteArray& path)
 {
-    explicit Target(int file)
-        : descriptor(file)
-    {
-    }
-    explicit Target(const char* name)
-        : path(name)
-    {
-    }
-
-    QByteArray name() const
-    {
-        char name[4096];
-        const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
-        const ssize_t size = path ? 0 : readlink(link.constData(), name, sizeof name);
-        return path ? QByteArray(path) : QByteArray(name, std::max<ssize_t>(size, 0));
-    }
-
-    /// The file's number; of a descriptor asked before the call, which may close it.
-    ino_t number() const
-    {
-        struct stat status = {};
-        return (path ? lstat(path, &status) : fstat(descriptor, &status)) == 0 ? status.st_ino : 0;
-    }
-
-    int descriptor = -1;
-    const char* path = nullptr;
-};
+    return path;
+}
+QByteArray pathOf(int file)
+{
+    return "/proc/self/fd/" + QByteArray::number(file);
+}
 
 template <typename Result>
 const Result failed = Result(-1);
 template <>
 char* const failed<char*> = nullptr;
 
-/// Does what `faults` say with a call; `make(half)` makes it, or half of it. The error code.
-template <typename Make, typename Result>
-int handle(kse::Faults& faults, const QByteArray& call, const Target& target,
-           const QByteArray& path, Make make, Result& result)
-{
-    const ino_t opened = target.path ? 0 : target.number();
-    const auto at = faults.calls.size() + 1;
-    const bool wrong = at == faults.at || (faults.lasting && at > faults.at);
-    const QByteArray kind = wrong ? faults.kind : QByteArray();
-    const bool half = (kind == "short" || kind == "torn") && (call == "read" || call == "write");
-    if (kind == "meanwhile") {
-        faults.meanwhile();
-    }
-    if (faults.named && (call == "name" || call == "unnamed")) {
-        errno = call == "name" ? EINVAL : EOPNOTSUPP;
-    } else if (kind == "lost" && call == "mode") {
-        result = Result();
-    } else if (kind != "error" || call == "close") { // a file is closed even if that fails
-        result = make(half);
-    }
-    int error = result == failed<Result> ? errno : 0;
-    if (kind == "error" || kind == "late") {
-        error = faults.code;
-        result = failed<Result>;
-    }
-    if (kind == "lost" && call == "write") {
-        (void)!ftruncate(target.descriptor, 0);
-    }
-    faults.calls.append({call, error, target.path ? target.number() : opened, path});
-    if (error == ENOENT && path.contains(".bak-")) {
-        faults.freeName = path;
-    }
-    if (kind == "kill" || kind == "torn") {
-        kill(getpid(), SIGKILL);
-    }
-    return error;
-}
-
+/// Makes a call by `make(half)`, unless it goes wrong otherwise.
 template <typename Make>
-auto watch(const char* call, const Target& target, Make make)
+auto watch(const QByteArray& call, const QByteArray& target, Make make)
 {
-    decltype(make(false)) result = failed<decltype(make(false))>;
+    auto result = failed<decltype(make(false))>;
     // Null meanwhile: what is called from here is no call of the program's.
     kse::Faults* const faults = std::exchange(kse::Faults::active, nullptr);
-    const QByteArray path = faults ? target.name() : QByteArray();
+    char link[4096];
+    const bool isOpen = target.startsWith("/proc/self/fd/");
+    const ssize_t size = faults && isOpen ? readlink(target.constData(), link, sizeof link) : 0;
+    const QByteArray path = isOpen ? QByteArray(link, std::max<ssize_t>(size, 0)) : target;
     if (!faults || !(path + '/').startsWith(faults->folder + '/')) {
         result = make(false);
         kse::Faults::active = faults;
         return result;
     }
-    const int error = handle(*faults, call, target, path, make, result);
+    const auto at = faults->calls.size() + 1;
+    const bool wrong = at == faults->at || (faults->lasting && at > faults->at);
+    const QByteArray kind = wrong ? faults->kind : QByteArray();
+    const bool half = (kind == "short" || kind == "torn") && (call == "read" || call == "write");
+    if (wrong) {
+        faults->meanwhile();
+    }
+    if (faults->named && (call == "name" || call == "unnamed")) {
+        errno = call == "name" ? EINVAL : EOPNOTSUPP;
+    } else if (kind == "lost" && call == "mode") {
+        result = {};
+    } else if (kind != "error" || call == "close") { // a file is closed even if that fails
+        result = make(half);
+    }
+    int error = result == failed<decltype(make(false))> ? errno : 0;
+    if (kind == "error" || kind == "late") {
+        error = faults->code;
+        result = failed<decltype(make(false))>;
+    }
+    if (kind == "lost" && call == "write") {
+        (void)!truncate(target.constData(), 0);
+    }
+    struct stat status = {};
+    (void)stat(target.constData(), &status);
+    faults->calls.append({call, error, status.st_ino, path});
+    if (error == ENOENT && path.contains(".bak-")) {
+        faults->freeName = path;
+    }
+    if (kind == "kill" || kind == "torn") {
+        kill(getpid(), SIGKILL);
+    }
     kse::Faults::active = faults;
     errno = error != 0 ? error : errno;
     return result;
@@ -123,7 +98,7 @@ auto watch(const char* call, const Target& target, Make make)
 #define WATCH(call, target, result, function, parameters, arguments)                               \
     result function parameters                                                                     \
     {                                                                                              \
-        return watch(call, Target(target),                                                         \
+        return watch(call, pathOf(target),                                                         \
                      [=]([[maybe_unused]] bool half) { return NEXT(function) arguments; });        \
     }
 
@@ -143,7 +118,7 @@ WATCH("time", file, int, futimens, (int file, const timespec* times) noexcept, (
 WATCH("status", file, int, fstat, (int file, struct stat* to) noexcept, (file, to))
 WATCH("status", path, int, stat, (const char* path, struct stat* to) noexcept, (path, to))
 WATCH("status", path, int, lstat, (const char* path, struct stat* to) noexcept, (path, to))
-WATCH("status", *path ? Target(path) : Target(folder), int, statx, (int folder, const char* path, int flags, unsigned mask, struct statx* to) noexcept, (folder, path, flags, mask, to))
+WATCH("status", *path ? QByteArray(path) : pathOf(folder), int, statx, (int folder, const char* path, int flags, unsigned mask, struct statx* to) noexcept, (folder, path, flags, mask, to))
 WATCH("access", path, int, access, (const char* path, int mode) noexcept, (path, mode))
 WATCH("link", path, ssize_t, readlink, (const char* path, char* to, std::size_t size) noexcept, (path, to, size))
 WATCH("link", path, char*, realpath, (const char* path, char* to) noexcept, (path, to))
@@ -155,7 +130,7 @@ WATCH("name", path, int, linkat, (int folder, const char* from, int to, const ch
 WATCH("name", path, int, renameat2, (int folder, const char* from, int to, const char* path, unsigned flags) noexcept, (folder, from, to, path, flags))
 
 // The disk isn't waited for: no test cuts its power.
-int fsync(int file) { return watch("flush", Target(file), [](bool) { return 0; }); }
+int fsync(int file) { return watch("flush", pathOf(file), [](bool) { return 0; }); }
 int fdatasync(int file) { return fsync(file); }
 
 int open(const char* path, int flags, ...)
@@ -165,7 +140,7 @@ int open(const char* path, int flags, ...)
     const bool unnamed = (flags & O_TMPFILE) == O_TMPFILE;
     const mode_t mode = unnamed || (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return watch(unnamed ? "unnamed" : "open", Target(path), [=](bool) { return NEXT(open)(path, flags, mode); });
+    return watch(unnamed ? "unnamed" : "open", pathOf(path), [=](bool) { return NEXT(open)(path, flags, mode); });
 }
 
 int fcntl(int file, int command, ...)
@@ -174,7 +149,7 @@ int fcntl(int file, int command, ...)
     va_start(arguments, command);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
-    return watch("control", Target(file), [=](bool) { return NEXT(fcntl)(file, command, argument); });
+    return watch("control", pathOf(file), [=](bool) { return NEXT(fcntl)(file, command, argument); });
 }
 
 } // extern "C"

@@ -24,10 +24,11 @@ struct Faults
     /// "error": the call isn't made, and fails with `code`; "late": it is made, and yet fails;
     /// "lost": a write or a change of mode has no effect, and yet seems to work; "short": a read or
     /// a write does half of its work; "kill": the process is killed after the call; "torn": after
-    /// half of it if it reads or writes; "meanwhile": before the call, `meanwhile` is called.
+    /// half of it if it reads or writes; all else: `meanwhile` is called before the call.
     QByteArray kind;
     int code = 0;
-    std::function<void()> meanwhile;
+    std::function<void()> meanwhile = [] {
+    };
     int at = 0;           ///< Which call goes wrong, from 1.
     bool lasting = false; ///< Whether all later ones go wrong too.
     bool named = false;   ///< Whether there are no files without a name and no hard links.
