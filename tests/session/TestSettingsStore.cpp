@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "session/SettingsStore.h"
 
-#include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
 #include "support/FakePixInsight.h"
 #include "support/StoreFixture.h"
@@ -33,7 +32,7 @@ struct TroubledStore : StoreFixture
     bool make(const QString& name)
     {
         edit("A/x", u"2"_s);
-        write(source, "<xsdt><i k=\"B\"/></xsdt>");
+        write(source, "<xsdt >\n<i k='B'/></xsdt>");
         bool made = false;
         const auto on = [&](const char* trouble, const std::function<bool()>& step) {
             made = made || (name == QLatin1String(trouble) && step());
@@ -41,6 +40,7 @@ struct TroubledStore : StoreFixture
         on("closed", [&] { return !(store.loaded = false); });
         on("running", [&] { return write(path, "<xsdt></xsdt>") && pixInsight.start(); });
         on("changed", [&] { return write(path, "<xsdt></xsdt>"); });
+        on("dangling", [&] { return QFile::remove(path) && QFile::link(u"nowhere"_s, path); });
         on("gone", [&] { return QFile::remove(path); });
         on("protected", [&] { return mark("Free") && mark("A/s"); });
         on("no policy", [&] { return mark("Free") && !(store.policy = nullptr); });
@@ -102,13 +102,13 @@ class TestSettingsStore : public QObject
 
 private slots:
     /// The trouble, what the messages of a save and of a restore hold ("-": it isn't tried; empty:
-    /// it works), what the remark holds, and how many backups are made.
+    /// it works), and what the remark holds.
     void leavesEverythingAsItWas_data()
     {
         addTextRows({
             "closed > No file is loaded. > No file is loaded.",
                 "running > is running. It keeps > is running. Close it before restoring",
-                "changed > changed on disk since it was loaded > -",
+                "changed > changed on disk since it was loaded > ",
                 "gone > changed on disk since it was loaded > -",
                 "protected > 'A/s' is protected and cannot be deleted. Stays. Nothing was > -",
                 "no policy > 'Free' is protected and cannot be deleted. > -",
@@ -117,14 +117,14 @@ private slots:
                 "no source > - > Cannot read %1.bak-old: ",
                 "text > - > The backup is not a valid settings file: Not a PixInsight",
 #if defined(Q_OS_LINUX)
+                "dangling > - > back up the current file first. > Cannot read %1: No such file",
                 "folder denied > create the backup %1.bak-%2. Nothing > back up the current file "
                 "first. Nothing > Reason: Permission denied",
                 "folder unlisted >  > -",
-                "mounted full > writing %1: No space left > writing %1: No space left > The file "
-                "is "
+                "mounted full > writing %1: No space left > writing %1: No space left > is "
                 "unchanged.",
 #elif defined(Q_OS_WIN)
-                "held > Error writing %1:  > Error writing %1:  > The backup %4 had been made > 1",
+                "held > Error writing %1:  > Error writing %1:  > had been made",
                 "read-only > Cannot open %1 for writing:  > Cannot open %1 for writing: ",
 #endif
         });
@@ -145,6 +145,7 @@ private slots:
             }
             const QString state = stateOf(f.store);
             const auto files = f.files();
+            const QByteArray bytes = contentOf(f.path);
             QString error;
             QString backup = u"none"_s;
             QString remark;
@@ -153,19 +154,25 @@ private slots:
             QCOMPARE(done, expected.isEmpty());
             QVERIFY2(error.replace(stamp, u"%2"_s).contains(expected.replace(u"%1"_s, f.path)),
                      qPrintable(error));
-            auto after = f.files();
-            const QStringList made = after.keys().filter(stamp);
-            QVERIFY2(remark.contains(cells.value(3).replace(u"%4"_s, made.value(0))) &&
+            QVERIFY2(remark.contains(QString(cells.value(3)).replace(u"%1"_s, f.path)) &&
                          remark.isEmpty() == cells.value(3).isEmpty(),
                      qPrintable(remark));
+            auto after = f.files();
+            const QStringList made = after.keys().filter(stamp);
+            QCOMPARE(made.size(), done && !files.isEmpty() ? 1 : cells.value(3).count(u"made"_s));
             for (const QString& name : made) {
-                QCOMPARE(after.take(name), StoreFixture::defaultBytes());
+                QCOMPARE(after.take(name), bytes);
+                QVERIFY(name.endsWith(u"-before-restore"_s) == restore &&
+                        (done || remark.contains(u"The backup %1 had been made"_s.arg(name))));
             }
-            if (!expected.isEmpty()) {
-                QCOMPARE(made.size(), cells.value(4).toInt());
+            if (!done) {
                 QCOMPARE(backup, u"none"_s);
                 QCOMPARE(stateOf(f.store), state);
                 QCOMPARE(after, files);
+            } else {
+                QCOMPARE(contentOf(restore ? f.path : backup),
+                         restore ? contentOf(f.source) : bytes);
+                QVERIFY(!f.store.isChangedOnDisk());
             }
         }
     }
@@ -207,11 +214,7 @@ private slots:
         QVERIFY(!f.store.isChangedOnDisk());
         f.write(f.path, StoreFixture::defaultBytes().replace('1', '2'));
         QVERIFY(f.store.isChangedOnDisk());
-        f.edit("A/x", u"2"_s);
-        f.edit("A/x", u"1"_s);
-        QString backup = u"none"_s;
-        QVERIFY(f.store.save(nullptr, &backup)); // nothing, whatever the file is like
-        QCOMPARE(backup, u"none"_s);
+        QVERIFY(f.store.save() && f.files().size() == 1); // since there is nothing to save
     }
 
     void keepsLinksModeAndOwner()
@@ -229,7 +232,7 @@ private slots:
         f.edit("A/x", u"2"_s);
         QString backup;
         QVERIFY(f.store.save(nullptr, &backup) && backup.startsWith(opened + u".bak-"_s));
-        QVERIFY(QFileInfo(link).isSymLink() && QFileInfo(opened).isSymLink());
+        QVERIFY(QFileInfo(opened).isSymLink());
         for (const QString& path : {f.path, backup}) {
             struct stat status = {};
             QCOMPARE(lstat(QFile::encodeName(path).constData(), &status), 0);
@@ -241,92 +244,39 @@ private slots:
 #endif
     }
 
-    void letsOthersReplaceWhatItReads()
-    {
-        const StoreFixture f;
-        QFile file;
-        QVERIFY(openRegular(file, f.path));
-        QVERIFY(QFile::rename(f.path, f.path + u".old"_s) && f.write(f.path, "new"));
-        QCOMPARE(file.readAll(), StoreFixture::defaultBytes());
-    }
-
     void datesABackupByItsMaking()
     {
         StoreFixture f;
-        const auto writeAt = [&f](const QString& path, int year) {
-            f.write(path, StoreFixture::defaultBytes());
-            QFile file(path);
-            const QDateTime time({year, 2, 3}, {4, 5, 6});
+        int year = 2001;
+        for (const QString& suffix : {u".bak-oldest"_s, QString(), u".bak-ahead"_s}) {
+            QFile file(f.path + suffix);
+            const QDateTime time({std::exchange(year, year + 40), 2, 3}, {4, 5, 6});
             QVERIFY(file.open(QIODevice::ReadWrite));
             QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
-        };
-        writeAt(f.path, 2001);
-        writeAt(f.path + u".bak-ahead"_s, 2090); // of a time when the clock was
-        writeAt(f.path + u".bak-oldest"_s, 2000);
+        }
         f.edit("A/x", u"2"_s);
         QString backup;
         QVERIFY(f.store.save(nullptr, &backup));
         QCOMPARE(PixInsightEnv::backupsOf(f.path).constFirst(), backup);
     }
 
-    void numbersBackupsOfOneSecond()
-    {
-        const StoreFixture f;
-        QString first;
-        QString second;
-        do { // until no second ends in between
-            first = f.store.backupName(u"why"_s);
-            f.write(first, {});
-            second = f.store.backupName(u"why"_s);
-        } while (!second.startsWith(first));
-        QCOMPARE(second, first + u"-2"_s);
-        static const QRegularExpression form(u"^\\.bak-20\\d{6}-\\d{6}-why$"_s);
-        QVERIFY(form.match(first.mid(f.path.size())).hasMatch());
-    }
-
-    void restoresTheBytesOfABackup()
-    {
-        StoreFixture f;
-        const QString backup = f.path + u".bak-%1"_s;
-        f.write(backup, "<xsdt >\n<v k='b' t='s'>\r\n</v></xsdt>\n");
-        f.edit("A/x", u"2"_s);
-        f.write(f.path, "changed meanwhile");
-        QString error;
-        QVERIFY2(f.store.restoreBackup(backup, &error), qPrintable(error));
-        QCOMPARE(contentOf(f.path), contentOf(backup));
-        QCOMPARE(treeText(f.store.document.root), u"b:s=\r\n\n"_s);
-        QVERIFY(f.store.loaded && !f.store.isChangedOnDisk() && f.files().size() == 3);
-        const QStringList copies = QDir(f.dir.path()).entryList({u"*-before-restore"_s});
-        QCOMPARE(contentOf(f.dir.filePath(copies.value(0))), "changed meanwhile");
-#ifdef Q_OS_UNIX
-        QString remark;
-        QVERIFY(QFile::remove(f.path) && QFile::link(u"nowhere"_s, f.path));
-        QVERIFY(!f.store.restoreBackup(backup, &error, &remark)); // the disk may just be missing
-        QVERIFY(error.startsWith(u"Could not back up the current file first."_s));
-        QVERIFY(remark.endsWith(u"Cannot read %1: No such file or directory"_s.arg(f.path)));
-#endif
-    }
-
     /// What is compared with <i k='g'><v k='a' t='s'>1</v></i>, and where it differs, if at all.
     void comparesTrees()
     {
+        const auto edited = documentFrom("<i k='gone'/><i k='g'><v k='gone' t='s'></v>"
+                                         "<v k='a' t='s'>1</v></i>");
+        edited->root.findByPath(u"gone")->markedForDeletion = true;
+        edited->root.findByPath(u"g/gone")->markedForDeletion = true;
         compareRows(
             {"<i k='g'><v k='a' t='s' v='1'/></i> > =", "<i k='g'/><i k='g'/> > ", "<i k='g'/> > g",
              "<i k='g'><i k='a'/></i> > g/a", "<i k='G'><v k='a' t='s'>1</v></i> > g",
              "<i k='g'><v k='A' t='s'>1</v></i> > g/a", "<i k='g'><v k='a' t='b'>1</v></i> > g/a",
              "<i k='g'><v k='a' t='s'>1 </v></i> > g/a"},
-            [](const QStringList& cells) {
-                const auto edited = documentFrom("<i k='gone'><i k='x'/></i><i k='g'><v k='gone' "
-                                                 "t='s'></v><v k='a' t='s'>1</v></i>");
-                edited->root.findByPath(u"gone")->markedForDeletion = true;
-                edited->root.findByPath(u"g/gone")->markedForDeletion = true;
+            [&edited](const QStringList& cells) {
                 QString at;
-                const bool same =
-                    sameTree(edited->root, documentFrom(cells[0].toUtf8())->root, &at);
-                return same ? u"="_s : at;
+                const auto parsed = documentFrom(cells[0].toUtf8());
+                return sameTree(edited->root, parsed->root, &at) ? u"="_s : at;
             });
-        const auto deep = documentFrom(deepFile(300'000));
-        QVERIFY(sameTree(deep->root, deep->root));
     }
 };
 

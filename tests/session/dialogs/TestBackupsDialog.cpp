@@ -5,7 +5,6 @@
 #include "support/TextRows.h"
 
 #include <QDateTime>
-#include <QDesktopServices>
 #include <QDir>
 #include <QLabel>
 #include <QListWidget>
@@ -13,7 +12,6 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 using namespace kse;
@@ -94,19 +92,7 @@ class TestBackupsDialog : public QObject
 {
     Q_OBJECT
 
-public slots:
-    void open(const QUrl& url) { m_opened = url; }
-
 private slots:
-    void opensTheFolder()
-    {
-        const Backups backups;
-        QDesktopServices::setUrlHandler(u"file"_s, this, "open");
-        backups.button(u"openFolder"_s)->click();
-        QDesktopServices::unsetUrlHandler(u"file"_s);
-        QCOMPARE(m_opened, QUrl::fromLocalFile(backups.folder.path()));
-    }
-
     void storesNumberToKeepAtOnce()
     {
         QSettings().setValue(u"Backups/Keep"_s, u"many"_s);
@@ -182,9 +168,6 @@ private slots:
 #endif
         QCOMPARE(backups.dialog->focusWidget()->objectName() + backups.said, expected);
     }
-
-private:
-    QUrl m_opened;
 };
 
 KSE_TEST_MAIN(TestBackupsDialog)
