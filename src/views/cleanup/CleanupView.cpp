@@ -16,11 +16,13 @@
 #include "widgets/WrappingRow.h"
 
 #include <QAccessible>
+#include <QEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -59,6 +61,7 @@ CleanupView::CleanupView(SettingsModel* model, QWidget* parent)
     createStatusRow();
     createLayout();
     connectWidgets();
+    updateIndentation();
     refreshStatus();
 }
 
@@ -119,6 +122,22 @@ void CleanupView::connectWidgets()
     connect(m_tree, &QTreeWidget::itemChanged, this, &CleanupView::refreshStatus);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CleanupView::onContextMenu);
     connect(m_model, &SettingsModel::edited, this, &CleanupView::refreshStatus);
+}
+
+void CleanupView::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        updateIndentation();
+    }
+}
+
+void CleanupView::updateIndentation()
+{
+    // A level without check boxes, so that its texts are not left of those of the level above.
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_tree) + 1;
+    m_tree->setIndentation(style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, m_tree) +
+                           2 * margin);
 }
 
 void CleanupView::setDocument(const XsdtDocument* document)

@@ -50,6 +50,9 @@ signals:
     /// The outcome of queueing or undoing, for the status line.
     void message(const QString& text);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private slots:
     void refreshStatus();
     void onUndo();
@@ -60,6 +63,7 @@ private:
     void createStatusRow();
     void createLayout();
     void connectWidgets();
+    void updateIndentation();
     void addWholeGroup(const CleanupOffer& offer);
     void addMatches(const CleanupOffer& offer);
     CleanupEntry* addNodeEntry(QTreeWidgetItem* parent, const QString& name, XsdtNode* node);
