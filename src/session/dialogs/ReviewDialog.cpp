@@ -23,6 +23,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QTextOption>
 #include <QTreeWidget>
@@ -126,7 +127,7 @@ ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, Q
     updateDetailHeight();
     updateRunning();
     populate();
-    resize(980, 640);
+    resize(980, std::min(640, screen()->availableGeometry().height() * 9 / 10));
     m_tree->setFocus();
 }
 
