@@ -136,13 +136,13 @@ struct Trial : StoreFixture
 
     /// Which call, from 1, was the last of that name before the `end`-th, or the last that gave a
     /// file this path; 0 if none was.
-    int last(const QByteArray& name, qsizetype end = INT_MAX, const QString& path = {}) const
+    int last(const QByteArray& name, qsizetype end = INT_MAX, const QString& result = {}) const
     {
         int place = 0;
         for (qsizetype i = 0; i < std::min(end - 1, faults.calls.size()); ++i) {
             const Faults::Call& call = faults.calls[i];
             const bool isAny =
-                path.isEmpty() || (call.error == 0 && QFile::decodeName(call.path) == path);
+                result.isEmpty() || (call.error == 0 && QFile::decodeName(call.path) == result);
             place = call.name == name && isAny ? int(i) + 1 : place;
         }
         return place;
