@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "session/dialogs/BackupsDialog.h"
-#include "session/dialogs/ReviewDialog.h"
 #include "support/FakePixInsight.h"
 #include "support/RandomUser.h"
-#include "support/SmallSettings.h"
 #include "support/TestMain.h"
-#include "support/WindowFixture.h"
 #include "support/WindowLaws.h"
 #include "support/WindowTwin.h"
 #include "views/health/HealthView.h"
@@ -19,6 +16,42 @@ using namespace kse;
 
 namespace {
 
+/// The bytes of a random part of `document`, with values changed here and there and some nodes that
+/// no settings file has. A group keeps about `most` of its children, those in it fewer. Now and
+/// then the file isn't in the compact layout.
+QByteArray smallSettings(XsdtDocument& document, QRandomGenerator& random, int most)
+{
+    static const QList<QByteArray> strange{
+        "<i k=\"a/b\"><v k=\"&amp;x&lt;b&gt;%1\" t=\"s\">1</v><i k=\"a\"/></i>",
+        "<i k=\"ModuleData\"><i k=\"Ostrand\"><v k=\"1\" t=\"i\" v=\"x\"/></i></i>",
+        "<i k=\"Geometry\"><v k=\"n&#10;l\" t=\"B\" v=\"AAAA\"/></i>",
+        "<v k=\"true\" t=\"q\" v=\"\"/><v k=\"true\" t=\"b\" v=\"true\"/>"};
+    const auto keepSome = [&random](XsdtNode& node, int kept) {
+        const int count = qMax(1, int(node.children.size()));
+        for (const auto& child : node.children) {
+            child->markedForDeletion = random.bounded(count) >= kept || random.bounded(30) == 0;
+        }
+    };
+    keepSome(document.root, most);
+    walkTree(document.root, [&](XsdtNode& node) {
+        keepSome(node, qMax(2, most / 3 / node.depth));
+        if (node.kind == XsdtNode::Kind::Value && random.bounded(8) == 0) {
+            node.value = node.typeCode == u's'   ? node.value + QString(random.bounded(250), u'y')
+                         : node.typeCode == u'b' ? QStringLiteral("false")
+                                                 : QString::number(random.bounded(9));
+        }
+        return Walk::Into;
+    });
+    QByteArray bytes = document.serialize();
+    for (int i = random.bounded(5); i > 0; --i) {
+        const qsizetype end = bytes.indexOf("</i>", random.bounded(int(bytes.size())));
+        if (end >= 0) {
+            bytes.insert(end, strange[random.bounded(int(strange.size()))]);
+        }
+    }
+    return random.bounded(4) == 0 ? bytes.replace("<i k=", "\n<i k=") : bytes;
+}
+
 /// A user who does whatever comes to mind in the real window over small real files, while these
 /// change and PixInsight comes and goes: the same for the same seed. After each step the window
 /// has to look exactly like one made just now on the same file, changes and choices.
@@ -28,11 +61,11 @@ public:
     explicit RandomSession(quint32 seed)
         : m_user(seed)
     {
-        m_user.onOpened = [this](QWidget&) {
-            onOpened();
+        m_user.onOpened = [this](QWidget& dialog) {
+            onOpened(dialog);
         };
-        m_user.onAnswer = [this](QWidget& dialog) {
-            onAnswer(dialog);
+        m_user.onAnswer = [this] {
+            m_kept = linesOf(model()->document(), &XsdtNode::value);
         };
         openSample();
         for (const QString& file : folder().keys()) {
@@ -41,20 +74,14 @@ public:
             write(file, newFile());
         }
         m_window = nullptr;
-        m_loaded = FileState::of(m_file);
+        m_loaded = contentOf(m_file);
         openWindow();
         find<QTimer>("pollTimer")->stop(); // polls are steps here
         const auto mode = QAbstractItemModelTester::FailureReportingMode::QtTest;
         new QAbstractItemModelTester(model(), mode, m_window.get());
         new QAbstractItemModelTester(tree()->model(), mode, m_window.get());
-        connect(model(), &SettingsModel::modelReset, this, [this] { noteLoaded(); });
+        connect(model(), &SettingsModel::modelReset, &m_user, [this] { noteLoaded(); });
         m_disk = folder();
-    }
-
-    ~RandomSession() override
-    {
-        model()->disconnect(this);
-        m_window.reset(); // before what its model would tell
     }
 
     /// Takes `count` steps, or those until the first whose outcome is wrong. Gives what is wrong
@@ -195,31 +222,16 @@ private:
 
     // --- dialogs ---
 
-    void onOpened()
+    void onOpened(QWidget& dialog)
     {
         ++m_dialogs;
+        m_prunes |= qobject_cast<BackupsDialog*>(&dialog) != nullptr;
         if (m_changes == 0 && !m_runs && m_user.oneIn(10)) {
             toggleRunning();
             changeFile();
             if (m_user.oneIn(2)) {
                 toggleRunning();
             }
-        }
-    }
-
-    void onAnswer(QWidget& dialog)
-    {
-        m_kept = linesOf(model()->document(), &XsdtNode::value);
-        std::unique_ptr<QDialog> twin;
-        if (qobject_cast<ReviewDialog*>(&dialog)) {
-            twin = std::make_unique<ReviewDialog>(model(), model()->document());
-        } else if (qobject_cast<BackupsDialog*>(&dialog)) {
-            twin = std::make_unique<BackupsDialog>(path());
-            m_prunes = true;
-        }
-        if (twin) {
-            WindowTwin::carryChoices(dialog, *twin);
-            compare(WindowText::of(dialog), WindowText::of(*twin));
         }
     }
 
@@ -255,13 +267,6 @@ private:
         return lines;
     }
 
-    bool isReadFrom(const QByteArray& bytes) const
-    {
-        XsdtDocument document;
-        return document.parse(bytes) && linesOf(&document, &XsdtNode::original) ==
-                                            linesOf(model()->document(), &XsdtNode::original);
-    }
-
     /// What a save would write.
     static QByteArray bytesOf(const SettingsModel* model)
     {
@@ -274,11 +279,12 @@ private:
         if (std::exchange(m_builtGeneration, model()->generation()) != model()->generation()) {
             m_hasSizesOfEdits = model()->document() && pending() > 0;
         }
-        const QStringList files = folder().keys() << path();
-        for (const QString& file : files) {
-            if (const FileState now = FileState::of(file);
-                model()->document() && isReadFrom(now.bytes)) {
-                m_loaded = now;
+        for (const QByteArray& bytes : folder()) {
+            XsdtDocument read;
+            if (model()->document() && read.parse(bytes) &&
+                linesOf(&read, &XsdtNode::original) ==
+                    linesOf(model()->document(), &XsdtNode::original)) {
+                m_loaded = bytes;
             }
         }
     }
@@ -335,9 +341,8 @@ private:
 
     void compareWithTwin()
     {
-        const FileState nonsense{QByteArray("nonsense"), QDateTime::currentDateTime()};
         const std::unique_ptr<MainWindow> twin = WindowTwin::make(
-            path(), model()->document() ? m_loaded : nonsense, model()->document());
+            path(), model()->document() ? m_loaded : QByteArray("nonsense"), model()->document());
         // A filter opens what it finds, which a new file closes.
         const bool isFiltered = !find<QLineEdit>("treeFilter")->text().trimmed().isEmpty() ||
                                 find<QWidget>("advancedPage")->findChild<QCheckBox*>()->isChecked();
@@ -354,7 +359,7 @@ private:
     void compare(QStringList lived, QStringList fresh)
     {
         QStringList open{u" \\(\\d+\\)"_s}; // of the last check, which the laws look at
-        if (!model()->document() || m_loaded.bytes != FileState::of(path()).bytes) {
+        if (!model()->document() || m_loaded != contentOf(path())) {
             open << u"\\d+ KiB, [-0-9]+ [:0-9]+"_s; // as it was when the list of files was made
         }
         if (m_hasSizesOfEdits) { // those of a new window are without
@@ -375,7 +380,7 @@ private:
     QList<QByteArray> m_samples;
     FakePixInsight m_pixInsight;
     WindowLaws m_laws;
-    FileState m_loaded;                   ///< The open file as the document was read from it.
+    QByteArray m_loaded;                  ///< The open file as the document was read from it.
     QMap<QString, QByteArray> m_disk;     ///< The folder after the last step.
     QMap<QString, QByteArray> m_versions; ///< What else was in its files during this one.
     QByteArray m_before;                  ///< What a save would have written then.

@@ -16,14 +16,14 @@ class RandomUser : public QObject
 {
 public:
     std::function<void(QWidget&)> onOpened; ///< Called for each dialog, menu or box as it comes.
-    std::function<void(QWidget&)> onAnswer; ///< Called for each as it is about to be answered.
+    std::function<void()> onAnswer;         ///< Called before a button of a dialog is pressed.
     QStringList log;                        ///< What was done.
     QRandomGenerator random;
 
     explicit RandomUser(quint32 seed)
         : random(seed)
     {
-        lookSoon();
+        look();
     }
 
     int below(qsizetype count) { return int(random.bounded(quint32(count))); }
@@ -69,12 +69,9 @@ public:
             combo->setCurrentIndex(below(combo->count()));
             log << u"  chooses "_s + combo->currentText();
             emit combo->activated(combo->currentIndex());
-        } else if (auto* tabs = qobject_cast<QTabBar*>(&widget)) {
-            const int tab = below(tabs->count());
-            log << u"  shows "_s + tabs->tabText(tab);
-            QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab).center());
         } else {
-            QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(8, widget.height() / 2));
+            const int x = qobject_cast<QTabBar*>(&widget) ? below(widget.width()) : 8;
+            QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(x, widget.height() / 2));
         }
     }
 
@@ -118,12 +115,10 @@ private:
     /// Now and then without Return.
     void typeInto(QWidget& widget)
     {
-        static const QStringList texts{QString(),         u"e"_s,          u"Global"_s, u"pre"_s,
-                                       u"true"_s,         u"in"_s,         u"os co"_s,  u"/m"_s,
-                                       u"-3"_s,           u"007"_s,        u" 12 "_s,   u"1.50"_s,
-                                       u"1e400"_s,        u"4294967295"_s, u"7"_s,      u"0"_s,
-                                       u"nan"_s,          u"<b>&%1"_s,     u"false"_s,  u"1,5"_s,
-                                       QString(300, u'z')};
+        static const QStringList texts =
+            u"|e|Global|pre|true|in|os co|/m|-3|007| 12 |1.50|1e400|4294967295|7|0|nan|<b>&%1|"
+            "false|1,5"_s.split(u'|')
+            << QString(300, u'z');
         const QString text = pick(texts);
         const int end = below(8);
         log << u"  types \"%1\", %2"_s.arg(text).arg(end);
@@ -155,9 +150,8 @@ private:
         const QPoint place = view.visualRect(row).center();
         const int what = below(8);
         log << u"  %1 on \"%2\""_s.arg(what).arg(row.data().toString());
-        const bool adds = what == 5 && oneIn(3);
         QTest::mouseClick(view.viewport(), Qt::LeftButton,
-                          adds ? Qt::ControlModifier : Qt::NoModifier, place);
+                          what == 5 ? Qt::ControlModifier : Qt::NoModifier, place);
         if (what < 2) {
             editRow(view, row);
         } else if (what == 2) {
@@ -176,25 +170,18 @@ private:
         view.setCurrentIndex(row.siblingAtColumn(row.model()->columnCount(row.parent()) > 1));
         QTest::keyClick(&view, Qt::Key_F2);
         QWidget* editor = view.window()->focusWidget();
+        const QWidget* popup = QApplication::activePopupWidget();
         if (isOneOf<QLineEdit>(editor)) {
             typeInto(*editor);
-        } else if (qobject_cast<QComboBox*>(editor)) {
-            const QWidget* popup = QApplication::activePopupWidget();
-            auto* list = popup ? popup->findChild<QAbstractItemView*>() : nullptr;
-            QWidget* keyboard = list ? list : editor;
-            QTest::keyClick(keyboard, oneIn(2) ? Qt::Key_Down : Qt::Key_Up);
-            QTest::keyClick(keyboard, Qt::Key_Return);
+        } else if (auto* list = popup ? popup->findChild<QAbstractItemView*>() : nullptr) {
+            QTest::keyClick(list, oneIn(2) ? Qt::Key_Down : Qt::Key_Up);
+            QTest::keyClick(list, Qt::Key_Return);
         }
-    }
-
-    void lookSoon()
-    {
-        QTimer::singleShot(2, this, [this] { look(); });
     }
 
     void look()
     {
-        lookSoon(); // first: what opens below this has its own event loop
+        QTimer::singleShot(2, this, &RandomUser::look); // first: what opens has its own event loop
         QWidget* popup = QApplication::activePopupWidget();
         const QPointer<QWidget> open = popup ? popup : QApplication::activeModalWidget();
         if (!open || !open->isVisible() || m_open.contains(open)) {
@@ -215,9 +202,7 @@ private:
 
     void choose(QMenu& menu)
     {
-        QList<QAction*> choices = menu.actions();
-        choices.removeIf([](const QAction* action) { return action->isSeparator(); });
-        QAction* choice = pick(choices);
+        QAction* choice = pick(menu.actions());
         log << u"  menu: "_s + choice->text();
         menu.setActiveAction(choice);
         QTest::keyClick(&menu, choice->isEnabled() ? Qt::Key_Return : Qt::Key_Escape);
@@ -236,18 +221,19 @@ private:
         } else {
             const bool isBox = isOneOf<QMessageBox>(&dialog);
             for (int i = below(isBox ? 1 : 4); i > 0 && open && open->isVisible(); --i) {
-                onAnswer(dialog);
+                onAnswer();
                 act(dialog);
             }
         }
-        QList<QWidget*> buttons;
-        for (auto* button : open ? open->findChildren<QPushButton*>() : QList<QPushButton*>()) {
-            if (button->isVisible() && button->isEnabled() && button->window() == open) {
-                buttons.append(button);
-            }
+        QList<QPushButton*> buttons;
+        if (open) {
+            buttons = open->findChildren<QPushButton*>();
+            buttons.removeIf([&](const QPushButton* button) {
+                return !button->isVisible() || !button->isEnabled() || button->window() != open;
+            });
         }
         if (!buttons.isEmpty()) {
-            onAnswer(dialog);
+            onAnswer();
             if (auto* box = open->findChild<QCheckBox*>(); box && oneIn(3)) {
                 box->click();
             }

@@ -3,6 +3,7 @@
 
 #include "app/MainWindow.h"
 #include "app/ThemeManager.h"
+#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "session/PixInsightEnv.h"
 #include "views/model/SettingsModel.h"
@@ -20,10 +21,28 @@ inline QByteArray contentOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// Null bytes are no file. One that holds `bytes` stays as old as it is.
 inline void write(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    if (bytes.isNull()) {
+        file.remove();
+    } else if (bytes != contentOf(path)) {
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+}
+
+/// The document's nodes in file order.
+inline QList<XsdtNode*> nodesOf(XsdtDocument* document)
+{
+    QList<XsdtNode*> nodes;
+    if (document) {
+        walkTree(document->root, [&nodes](XsdtNode& node) {
+            nodes.append(&node);
+            return Walk::Into;
+        });
+    }
+    return nodes;
 }
 
 /// Calls `command`, and in each dialog that it opens calls `meanwhile` and presses the next of
