@@ -24,6 +24,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QShowEvent>
 #include <QSignalBlocker>
 #include <QTextOption>
 #include <QTreeWidget>
@@ -127,7 +128,7 @@ ReviewDialog::ReviewDialog(SettingsModel* model, const XsdtDocument* document, Q
     updateDetailHeight();
     updateRunning();
     populate();
-    resize(980, std::min(640, screen()->availableGeometry().height() * 9 / 10));
+    resize(980, 640);
     m_tree->setFocus();
 }
 
@@ -228,6 +229,15 @@ void ReviewDialog::connectWidgets()
     connect(m_save, &QPushButton::clicked, this, &ReviewDialog::accept);
     connect(m_model, &SettingsModel::layoutChanged, this, &ReviewDialog::updateRunning);
     connect(m_model, &SettingsModel::modelReset, this, &ReviewDialog::onModelReset);
+}
+
+void ReviewDialog::showEvent(QShowEvent* event)
+{
+    if (!event->spontaneous()) {
+        const QSize frame(16, 40); // about: it is known only after the dialog is shown
+        resize(size().boundedTo(screen()->availableGeometry().size() - frame));
+    }
+    QDialog::showEvent(event);
 }
 
 void ReviewDialog::changeEvent(QEvent* event)

@@ -40,6 +40,7 @@ public:
                  const SettingsSchema* schema = nullptr);
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
