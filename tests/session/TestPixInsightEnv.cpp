@@ -8,10 +8,6 @@
 #include <QDateTime>
 #include <QRegularExpression>
 
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
-
 using namespace kse;
 using namespace Qt::StringLiterals;
 
@@ -148,23 +144,6 @@ private slots:
                                   u"/.local/share/Trash/files/x.settings.bak-1"_s) == toTrash);
 #endif
         }
-    }
-
-    void usesTheTrashOfAnotherDevice()
-    {
-#if defined(Q_OS_LINUX) && QT_VERSION < QT_VERSION_CHECK(6, 8, 0) // which needs one at home, too
-        const QTemporaryDir dir(u"/dev/shm/XXXXXX"_s);
-        const QString name = QFileInfo(dir.path()).fileName() + u".bak-1"_s; // nobody else's
-        const QString backup = dir.filePath(name);
-        touch(backup);
-        const QByteArray data = qgetenv("XDG_DATA_HOME");
-        qputenv("XDG_DATA_HOME", "/dev/null");
-        QVERIFY(PixInsightEnv::removeBackups(backup.chopped(6), {backup}, true).usedTrash);
-        qputenv("XDG_DATA_HOME", data);
-        const QString trash = u"/dev/shm/.Trash-%1/%2/"_s.arg(getuid());
-        QVERIFY(QFile::remove(trash.arg(u"files"_s) + name));
-        QVERIFY(QFile::remove(trash.arg(u"info"_s) + name + u".trashinfo"_s));
-#endif
     }
 };
 

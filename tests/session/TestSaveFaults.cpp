@@ -308,7 +308,9 @@ private:
         const QString what = (trial.died   ? u"killed"_s
                               : trial.done ? u"done"_s
                                            : u"failed"_s) +
-                             (byOthers ? u" where somebody else spoilt the file"_s : QString());
+                             (byOthers         ? u" where somebody else spoilt the file"_s
+                              : isOld || isNew ? QString()
+                                               : u" with a file that lost what was written"_s);
         ++m_counts[what];
         m_counts[u"temporary files left, "_s + what] += trial.found(u"*.??????"_s).size();
         (void)QFile::rename(m_awake, m_sleeper.program());

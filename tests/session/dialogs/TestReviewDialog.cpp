@@ -189,8 +189,7 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
              "select 2,select 3,select 4,select 5,select 6,select 7,press revert,alive > save tree",
              "undo,label summary,rows,alive > There are no changes to save. /  / tree",
              "reload,alive > ",
-             "running 1,alive > running save tree",
-             "running 1,running 0,alive > save tree",
+             "running 1,alive,running 0,alive > running save tree / save tree",
              "focus showEdits,return,focus detail,return,alive,focus filter,return,where > save "
              "tree / tree",
              "return,alive,saved >  / 1"},
