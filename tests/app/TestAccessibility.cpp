@@ -12,9 +12,6 @@ namespace {
 /// Those whose faint colours are wanted: what matters less.
 const QStringList quietTexts{u"descriptionLabel"_s, u"pathLabel"_s, u"notice"_s, u"caption"_s};
 
-/// In one menu, where the letter goes from one to the other, and Return chooses.
-const QString sharedOnPurpose = u"&Manage backups... takes its letter again"_s;
-
 bool isTabStop(const QWidget* widget)
 {
     return (widget->focusPolicy() & Qt::TabFocus) && widget->isEnabled() && !widget->focusProxy();
@@ -86,7 +83,6 @@ public:
     QStringList faults()
     {
         checkWidgets();
-        checkMnemonics();
         checkTabOrder();
         return m_faults;
     }
@@ -117,40 +113,6 @@ private:
                 isFaint(*widget)) {
                 fault(widget, u"is faint"_s);
             }
-        }
-    }
-
-    /// No letter is underlined twice: in the window with its menu bar, or in one menu.
-    void checkMnemonics()
-    {
-        QStringList texts;
-        for (const QWidget* widget : m_shown) {
-            const auto* label = qobject_cast<const QLabel*>(widget);
-            if (qobject_cast<const QAbstractButton*>(widget) || (label && label->buddy())) {
-                texts << widget->property("text").toString();
-            }
-        }
-        for (const QMenu* menu : m_window.findChildren<QMenu*>()) {
-            texts << (qobject_cast<QMenuBar*>(menu->parent()) ? menu->title() : QString());
-            QStringList entries;
-            for (const QAction* action : menu->actions()) {
-                entries << action->text();
-            }
-            checkMnemonics(entries);
-        }
-        checkMnemonics(texts);
-        m_faults.removeOne(sharedOnPurpose);
-    }
-
-    void checkMnemonics(const QStringList& texts)
-    {
-        QSet<QString> taken;
-        for (const QString& text : texts) {
-            const QString key = QKeySequence::mnemonic(text).toString();
-            if (!key.isEmpty() && taken.contains(key)) {
-                m_faults << text + u" takes its letter again"_s;
-            }
-            taken << key;
         }
     }
 

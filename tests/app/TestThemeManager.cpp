@@ -2,9 +2,6 @@
 #include "app/ThemeManager.h"
 #include "app/ToolbarIcons.h"
 #include "support/TestMain.h"
-#include "widgets/ColorButton.h"
-#include "widgets/PlainText.h"
-#include "widgets/WrappedLabel.h"
 #include "widgets/WrappingRow.h"
 
 #include <QtTest>
@@ -103,18 +100,6 @@ private slots:
             QVERIFY(up.width() > box.fontMetrics.ascent() / 2 + 4 && box.rect.contains(up));
             QVERIFY(!up.intersects(rectOf(QStyle::SC_SpinBoxEditField)));
         }
-    }
-
-    void showsWhatAFileHas()
-    {
-        WrappedLabel label(u"a"_s, Qt::PlainText, {});
-        const int height = label.heightForWidth(100);
-        label.setText(QString(50, u'a') + u" b c"_s);
-        QVERIFY(label.heightForWidth(100) > height);
-        ColorButton button;
-        button.setArgb(0x00ABCDEF);
-        QCOMPARE(button.text(), u"#00ABCDEF"_s);
-        QCOMPARE(shownName(u" "_s, u"key"_s), u"key"_s);
     }
 
 private:
