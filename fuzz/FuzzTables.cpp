@@ -4,7 +4,6 @@
 #include "FuzzInput.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
-#include "document/XsdtValueType.h"
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
 
@@ -23,21 +22,16 @@ constexpr char sample[] =
     R"(<i k="Geometry"/></i></i></i></i><i k=""><v k="" t="b" v="true"/></i><v k="**" t="B" v=""/>)"
     R"(<i k="*"><v k="X" t="f" v="1"/></i><i k="Global"><v k="X" t="t" v="1"/></i></xsdt>)";
 
-void requireDescribed(const SettingsSchema& schema, const XsdtNode& node)
+void requireDescribed(const VariableInfo& info)
 {
-    const VariableInfo info = schema.describe(node);
     require(std::isfinite(info.min) && std::isfinite(info.max), "the range is of numbers");
     require(info.hasRange || (info.min == 0 && info.max == 0), "no range");
     require(info.documented || !info.readOnly, "read-only by its documentation");
     require((info.kind == VariableKind::Choice) == !info.choices.isEmpty(), "choices");
-    require(info.choices.isEmpty() || node.typeCode == XsdtValueType::Integer ||
-                node.typeCode == XsdtValueType::Unsigned,
-            "choices are whole numbers");
 }
 
 void requirePages(const SettingsSchema& schema, const XsdtDocument& document)
 {
-    QList<XsdtNode*> shown;
     for (const PageSpec& page : schema.decoratedPages(document)) {
         require(!page.nodes.isEmpty() && page.nodes.size() == page.paths.size(), "no empty page");
         for (qsizetype i = 0; i < page.nodes.size(); ++i) {
@@ -45,35 +39,27 @@ void requirePages(const SettingsSchema& schema, const XsdtDocument& document)
                         page.nodes[i]->path() == page.paths[i],
                     "what is at the path");
         }
-        shown += page.nodes;
-    }
-    const XsdtNode* preferences = document.root.findByPath(u"Global/Preferences");
-    for (std::size_t i = 0; preferences && i < preferences->children.size(); ++i) {
-        XsdtNode* child = preferences->children[i].get();
-        require(shown.contains(child) || child->kind == XsdtNode::Kind::Value ||
-                    child->key == u"ProcessInterface"_s || child->key.contains(u'/') ||
-                    preferences->childByKey(child->key) != child || child->key.isEmpty(),
-                "each group has a page");
     }
 }
 
-void requirePolicy(const DeletePolicy& policy, XsdtDocument& document, bool isLoaded)
+void requireDecided(const DeletePolicy& policy, const XsdtNode& node, bool isLoaded)
 {
-    walkTree(document.root, [&](const XsdtNode& node) {
-        const DeleteDecision decision = policy.decide(&node);
-        require(isLoaded || decision.level == DeleteLevel::Never, "nothing of bad rules");
-        require(decision.level != DeleteLevel::Safe || policy.isCompareNoise(&node), "noise");
-        PathPattern own(node.path());
-        const PathSegments path = pathSegments(node);
-        if (!path.isEmpty() && !own.deep) {
-            require(own.matches(path), "a path matches itself");
-            own.deep = true;
-            require(!own.matches(path), "a deep pattern matches only beneath");
-        }
-        return Walk::Into;
-    });
+    const DeleteLevel level = policy.decide(&node).level;
+    require(isLoaded || level == DeleteLevel::Never, "nothing of bad rules");
+    require(level != DeleteLevel::Safe || policy.isCompareNoise(&node), "noise");
+    PathPattern own(node.path());
+    const PathSegments path = pathSegments(node);
+    if (!path.isEmpty() && !own.deep) {
+        require(own.matches(path), "a path matches itself");
+        own.deep = true;
+        require(!own.matches(path), "a deep pattern matches only beneath");
+    }
+}
+
+void requireFound(const DeletePolicy& policy, const XsdtDocument& document)
+{
     for (const CleanupGroup& group : policy.cleanupGroups()) {
-        require(isLoaded && !group.title.isEmpty() && !group.paths.isEmpty(), "cleanup group");
+        require(!group.title.isEmpty() && !group.paths.isEmpty(), "cleanup group");
         for (const QString& pattern : group.paths.mid(0, 20)) {
             const qsizetype depth = pattern.split(u'/', Qt::SkipEmptyParts).size();
             for (const XsdtNode* node : DeletePolicy::matchPattern(document, pattern)) {
@@ -93,20 +79,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QByteArrayList input = parts(data, size, 3);
     XsdtDocument document;
     require(document.parse(input[2]) || document.parse(sample), "the sample parses");
-    QString error;
     SettingsSchema schema;
-    const bool schemaIsLoaded = schema.load(input[0], input[1], &error);
-    require(error.isEmpty() == schemaIsLoaded, "message of the schema");
+    DeletePolicy policy;
+    QString schemaError;
+    QString policyError;
+    const bool hasSchema = schema.load(input[0], input[1], &schemaError);
+    const bool hasPolicy = policy.load(input[1], &policyError);
+    require(hasSchema == schemaError.isEmpty() && hasPolicy == policyError.isEmpty(), "messages");
+    require(hasPolicy || policy.cleanupGroups().isEmpty(), "no groups of bad rules");
     walkTree(document.root, [&](const XsdtNode& node) {
-        requireDescribed(schema, node);
-        require(schemaIsLoaded || !schema.isHidden(node), "hidden");
+        requireDescribed(schema.describe(node));
+        require(hasSchema || !schema.isHidden(node), "hidden");
+        requireDecided(policy, node, hasPolicy);
         return Walk::Into;
     });
     requirePages(schema, document);
-    error.clear();
-    DeletePolicy policy;
-    const bool policyIsLoaded = policy.load(input[1], &error);
-    require(error.isEmpty() == policyIsLoaded, "message of the policy");
-    requirePolicy(policy, document, policyIsLoaded);
+    requireFound(policy, document);
     return 0;
 }
