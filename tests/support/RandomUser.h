@@ -15,9 +15,9 @@ using namespace Qt::StringLiterals;
 class RandomUser : public QObject
 {
 public:
-    std::function<void(QWidget&)> onOpened; ///< Called for each dialog, menu or box as it comes.
-    std::function<void()> onAnswer;         ///< Called before a button of a dialog is pressed.
-    QStringList log;                        ///< What was done.
+    std::function<void()> onOpened; ///< Called for each dialog, menu or box as it comes.
+    std::function<void()> onAnswer; ///< Called before a button of a dialog is pressed.
+    QStringList log;                ///< What was done.
     QRandomGenerator random;
 
     explicit RandomUser(quint32 seed)
@@ -189,7 +189,7 @@ private:
         }
         m_open.append(open);
         if (!popup || isOneOf<QMenu>(popup)) { // not a list below a text
-            onOpened(*open);
+            onOpened();
             if (open && open->isVisible()) {
                 popup ? choose(static_cast<QMenu&>(*popup)) : answer(*open);
             }
