@@ -3,8 +3,7 @@
 # Builds the project and runs every test in Debian 13, which has a newer Qt (6.8). Needs root.
 #   scripts/debian13.sh [ARGUMENT FOR CTEST...]
 # The first run installs Debian 13 in the folder debian13 of KSE_CACHE (default:
-# ~/.cache/kestrane-settings-editor). Later runs reuse it, and what was built in it. DEBIAN_MIRROR
-# replaces the default mirror of debootstrap.
+# ~/.cache/kestrane-settings-editor). Later runs reuse it, and what was built in it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -27,7 +26,7 @@ if [[ ! -d $root ]]; then
     scripts/setup.sh debian13
     rm -rf "$root.part" # of an interrupted run
     mkdir -p "$root.part"
-    debootstrap --variant=minbase trixie "$root.part" ${DEBIAN_MIRROR:+"$DEBIAN_MIRROR"}
+    debootstrap --variant=minbase trixie "$root.part"
     mv "$root.part" "$root"
 fi
 cp /etc/resolv.conf "$root/etc/resolv.conf"
