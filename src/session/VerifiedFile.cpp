@@ -139,14 +139,14 @@ bool copyVerified(const QString& from, QByteArray& hash, const QDateTime& newerT
     if (!flushToDisk(copy, error) || !rewind(copy, error) || !readRest(copy, readBack, error)) {
         return false;
     }
-    return readBack == bytes || fail(error, u"The copy differs"_s);
+    if (readBack != bytes) {
+        return fail(error, u"The copy differs"_s);
+    }
+    return flushName(from, error); // else each attempt to save would leave a backup behind
 }
 
 bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error)
 {
-    if (!flushName(to, error)) { // else each attempt to save would leave a backup behind
-        return false;
-    }
     if (!renameTemporary(copy, to)) {
         return fail(error, reasonOf(copy));
     }

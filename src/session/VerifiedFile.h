@@ -20,15 +20,14 @@ namespace kse {
 [[nodiscard]] bool hasHash(const QString& path, const QByteArray& hash);
 
 /// Copies the file `from`, if it has the SHA-256 `hash`, to `copy`, a temporary file that is made
-/// beside it: through to the disk, and read back. An empty `hash` allows any content, and gets its
-/// SHA-256. The copy has the owner and mode of `from` where the system allows it, and a time later
-/// than `newerThan`, even if the clock was set back.
+/// beside it: through to the disk, and read back. Fails too if the folder can't be flushed. An
+/// empty `hash` allows any content, and gets its SHA-256. The copy has the owner and mode of `from`
+/// where the system allows it, and a time later than `newerThan`, even if the clock was set back.
 [[nodiscard]] bool copyVerified(const QString& from, QByteArray& hash, const QDateTime& newerThan,
                                 QTemporaryFile& copy, QString* error = nullptr);
 
 /// Renames the copy that `copyVerified` made to `to`, through to the disk. A file of that name is
-/// left alone, except on a file system without hard links: check just before. If the folder can't
-/// be flushed at all, nothing is renamed.
+/// left alone, except on a file system without hard links: check just before.
 [[nodiscard]] bool nameCopy(QTemporaryFile& copy, const QString& to, QString* error = nullptr);
 
 /// Writes `bytes`, through to the disk, to `file`, which `commitVerified` can put in the place of

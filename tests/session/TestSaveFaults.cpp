@@ -296,6 +296,10 @@ private:
             QVERIFY(!isReplaced || trial.gone ||
                     trial.remark.startsWith(u"The file had been replaced by then."_s));
             QVERIFY(fault[0] != u"start" || trial.error.contains(u"PixInsight is running"_s));
+            // It is asked about before the file is looked at.
+            const QByteArray opened = trial.faults.calls.value(trial.last("open") - 1).path;
+            QVERIFY(fault[0] != u"start" || backups.isEmpty() ||
+                    QFile::decodeName(opened) != trial.path);
             QVERIFY(fault != QStringList({u"error"_s, u"4"_s}) ||
                     !QByteArrayList({"open", "read", "write", "flush"}).contains(call));
         }
@@ -322,11 +326,12 @@ private:
     static void checkSuccess(const Trial& trial, const QString& name)
     {
         const QString folder = trial.linked ? u"real folder"_s : u"folder"_s;
-        QString steps = trial.gone ? QString() : u"write backup, flush backup, read backup, "_s;
+        QString steps =
+            trial.gone ? QString() : u"write backup, flush backup, read backup, flush folder, "_s;
         steps += u"write file, flush file, "_s;
         if (!trial.gone) {
-            steps += u"flush folder, %1 backup, flush folder, "_s.arg(
-                trial.faults.named ? u"rename"_s : u"name"_s);
+            steps +=
+                u"%1 backup, flush folder, "_s.arg(trial.faults.named ? u"rename"_s : u"name"_s);
         }
         steps += trial.gone && !trial.faults.named ? u"name file, "_s : u"rename file, "_s;
         if (trial.remark.isEmpty()) {
