@@ -144,14 +144,14 @@ private slots:
         const QByteArray sample =
             R"(<i k="B"><v k="x" t="i" v="1"/><v k="y" t="s">one
 two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
-&lt;b&gt;%1&amp;" t="s">&lt;i&gt;</v><v k="E" t="s">old  </v><i k="a"><v k="data" t="i" v="7"/>)"
+&lt;b&gt;%1&amp;" t="s">&lt;i&gt;</v><v k="E" t="s">old  </v><i k="a"><v k="BackColor" t="u" v="9"/>)"
             R"(<i k="in"><v k="z" t="s">%1 </v></i></i><v k="gone" t="B">QUJD</v>)";
         const QStringList edits{u"E=a \t\n\n"_s,    u"D\n<b>%1&=%2"_s, u"C=7"_s,
                                 u"BackColor=255"_s, u"B/y=new"_s,      u"B/x=2"_s};
         compareRows(
             {"alive,label summary > save tree / 6 edit(s) and 2 deletion(s) (3 values removed) "
              "will be written to the settings file.",
-             "expand,rows > Delete|a|2 value(s)|(removed) / |data|7|(removed) / |in/z|%1 "
+             "expand,rows > Delete|a|2 value(s)|(removed) / |BackColor|9|(removed) / |in/z|%1 "
              "|(removed) / Delete|gone|1 value(s)|(removed) / |gone|(4 characters of encoded "
              "data)|(removed) / Edit|B/x|1|2 / Edit|B/y|one⏎two|new / "
              "Edit|BackColor|4278190090|255 / Edit|C|1|7 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a "
@@ -180,7 +180,8 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
              "QUJD / %1 ",
              "at 6 2,tip > <span style=\"white-space:pre-wrap\">&lt;i&gt;</span>",
              "enlarge,height > 5",
-             "expand,select 1,press revert,changes > 0",
+             "expand,select 1,press revert,alive,label remark > revert save tree / Shown as "
+             "#00000009.",
              "select 0,select 1,select 3,select 5,press revert,changes,rows > 1 / Edit|B/x|1|2 / "
              "Edit|BackColor|4278190090|255 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a \t⏎⏎",
              "select 5,select 3,press revert,where,row,alive,space,detail > tree / 3 / save tree / "
