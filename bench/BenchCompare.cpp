@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "BenchSupport.h"
 #include "document/Leaves.h"
-#include "support/PlainWays.h"
 #include "views/compare/CompareEngine.h"
+
+#include <QHash>
 
 using namespace kse;
 
@@ -23,6 +24,33 @@ void measureCompare(benchmark::State& state, Compare compare)
         values[i + 50]->key += u'x';
     }
     measure(state, [&] { return compare(here, there); });
+}
+
+/// The obvious way, which the quick one has to outrun.
+QList<CompareEntry> plainCompare(const XsdtDocument& here, const XsdtDocument& there)
+{
+    QHash<QString, XsdtNode*> others;
+    for (XsdtNode* other : unmarkedValues(there.root)) {
+        others.insert(other->path(), other);
+    }
+    QHash<QString, XsdtNode*> missing = others;
+    QList<CompareEntry> entries;
+    for (XsdtNode* node : unmarkedValues(here.root)) {
+        const QString path = node->path();
+        XsdtNode* other = others.value(path);
+        missing.remove(path);
+        if (!other) {
+            entries.append({path, CompareState::OnlyThis, node, nullptr});
+        } else if (node->typeCode != other->typeCode || node->value != other->value) {
+            entries.append({path, CompareState::Different, node, other});
+        }
+    }
+    for (XsdtNode* other : unmarkedValues(there.root)) {
+        if (missing.contains(other->path())) {
+            entries.append({other->path(), CompareState::OnlyOther, nullptr, other});
+        }
+    }
+    return entries;
 }
 
 void compare(benchmark::State& state)

@@ -3,65 +3,103 @@
 
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
-#include "support/DocumentText.h"
+#include "support/DialogAnswerer.h"
+#include "support/SettingsTree.h"
+#include "support/TestMain.h"
 #include "support/TextRows.h"
 #include "views/model/SettingsModel.h"
 
-#include <QLabel>
-#include <QLayout>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <type_traits>
-#include <utility>
 
 namespace kse {
 
-/// A page of class `View` over a document, with the built-in tables and not shown yet.
-template <typename View>
-struct SettingsPage
+using namespace Qt::StringLiterals;
+
+/// A document of `nodes` as `addNodes` makes them, with the built-in tables and a model.
+struct ModelOf
 {
-    explicit SettingsPage(const QByteArray& content)
-        : SettingsPage(documentFrom(content))
-    {
-    }
-    explicit SettingsPage(std::unique_ptr<XsdtDocument> shown)
-        : document(std::move(shown))
+    explicit ModelOf(const QString& nodes)
     {
         const QByteArray overlay = builtInTable("overlay.json");
         if (!schema.load(builtInTable("globals.json"), overlay) || !policy.load(overlay)) {
             qFatal("the tables don't load");
         }
+        document.head = u"<xsdt>"_s;
+        addNodes(document, nodes);
         model.setPolicy(&policy);
-        model.setDocument(document.get());
-        view.setDocument(document.get());
-        view.resize(900, 600);
+        model.setDocument(&document);
     }
 
-    XsdtNode* node(const QString& path) const { return document->root.findByPath(path); }
+    XsdtNode* node(const QString& path) const { return document.root.findByPath(path); }
 
-    template <typename Widget>
-    Widget* child(const char* name) const
-    {
-        return view.template findChild<Widget*>(QLatin1String(name));
-    }
-
-    QString summary() const { return child<QLabel>("summaryLabel")->text(); }
-
-    /// What stands in the column in the container called `name`.
-    template <typename Widget>
-    QList<Widget*> column(const char* name) const
-    {
-        QList<Widget*> widgets;
-        const QLayout* layout = child<QWidget>(name)->layout();
-        for (int i = 0; i < layout->count() - 2; ++i) { // a button and a stretch come last
-            widgets.append(qobject_cast<Widget*>(layout->itemAt(i)->widget()));
-        }
-        return widgets;
-    }
-
-    std::unique_ptr<XsdtDocument> document;
+    XsdtDocument document;
     SettingsSchema schema;
     DeletePolicy policy;
     SettingsModel model;
+};
+
+/// A page of class `View` in sight, over such a document.
+template <typename View>
+struct SettingsPage : ModelOf
+{
+    explicit SettingsPage(const QString& nodes)
+        : ModelOf(nodes)
+    {
+        setDocument(&document);
+        view.resize(900, 600);
+        view.show();
+    }
+
+    void setDocument(XsdtDocument* shown)
+    {
+        model.setDocument(shown);
+        if constexpr (std::is_invocable_v<decltype(&View::setDocument), View&, XsdtDocument*>) {
+            view.setDocument(shown);
+        } else {
+            view.setDocument(shown, path);
+        }
+    }
+
+    /// As after a reload of the file: the same nodes again, without changes.
+    void reload()
+    {
+        document.revertAll();
+        const QByteArray bytes = document.serialize();
+        setDocument(nullptr);
+        QVERIFY(document.parse(bytes));
+        setDocument(&document);
+    }
+
+    template <typename Widget = QWidget>
+    Widget* child(const char* name, int place = 0) const
+    {
+        return view.template findChildren<Widget*>(QLatin1String(name)).value(place);
+    }
+    QString text(const char* label, int place = 0) const
+    {
+        return child(label, place)->property("text").toString();
+    }
+
+    /// Clicks the button of that name, calls `meanwhile` while the message box stands that comes,
+    /// and answers it. Gives its text, its details and "Cancel" or the like for its default button.
+    QString ask(
+        const char* button, QMessageBox::StandardButton choice,
+        const std::function<void()>& meanwhile = [] {})
+    {
+        QString text;
+        const DialogAnswerer<QMessageBox> answer([&](QMessageBox& box) {
+            text = box.text() + u'|' + box.detailedText() + u'|' + box.defaultButton()->text();
+            meanwhile();
+            box.button(choice)->click();
+        });
+        child<QPushButton>(button)->click();
+        return text.remove(u'&');
+    }
+
+    QString path; ///< Of the document's file, for a page that asks for it.
     View view = create(model, schema);
 
 private:
@@ -75,15 +113,66 @@ private:
     }
 };
 
-/// `count` strings, "Key0" and up, each `copies` times.
-inline QByteArray manyValues(int count, int copies = 1)
+/// A page whose content is a tree widget.
+template <typename View>
+struct TreePage : SettingsPage<View>
 {
-    QByteArray content;
-    for (int i = 0; i < count; ++i) {
-        const QByteArray value = "<v k=\"Key" + QByteArray::number(i) + "\" t=\"s\" v=\"\"/>";
-        content += value.repeated(copies);
+    using SettingsPage<View>::SettingsPage;
+
+    QTreeWidgetItem* item(const QString& text) const
+    {
+        return tree.findItems(text, Qt::MatchExactly | Qt::MatchRecursive).value(0);
     }
-    return content;
-}
+
+    /// The rows, between "; ": a dot for each level, "[ ]", "[-]" or "[x]" for a box, the texts
+    /// between bars, and "!" for what is disabled or greyed.
+    QString rows() const
+    {
+        QStringList lines;
+        for (QTreeWidgetItemIterator it(&tree); *it; ++it) {
+            QString line;
+            for (const QTreeWidgetItem* above = (*it)->parent(); above; above = above->parent()) {
+                line += u'.';
+            }
+            if (const QVariant box = (*it)->data(0, Qt::CheckStateRole); box.isValid()) {
+                line += u"[%1]"_s.arg(u" -x"_s.at(box.toInt()));
+            }
+            for (int column = 0; column < tree.columnCount(); ++column) {
+                line += (*it)->text(column) + u'|';
+            }
+            while (line.endsWith(u'|')) {
+                line.chop(1);
+            }
+            const bool grey = (*it)->isDisabled() || (*it)->data(0, Qt::ForegroundRole).isValid();
+            lines << line + (grey ? u"!"_s : u""_s);
+        }
+        return lines.join(u"; "_s);
+    }
+
+    /// Opens the menu of the row of that text by a right click, calls `meanwhile`, and chooses
+    /// `choice`. Gives what the menu offers, with "!" for what is disabled.
+    QString menu(
+        const QString& row, const QString& choice = {},
+        const std::function<void()>& meanwhile = [] {})
+    {
+        QStringList texts;
+        const DialogAnswerer<QMenu> answer([&](QMenu& menu) {
+            for (QAction* action : menu.actions()) {
+                texts << action->text() + (action->isEnabled() ? u""_s : u"!"_s);
+                if (action->text() == choice) {
+                    menu.setActiveAction(action);
+                }
+            }
+            meanwhile();
+            QTest::keyClick(&menu, Qt::Key_Return);
+        });
+        const QPoint pos = tree.visualItemRect(item(row)).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, pos, tree.viewport()->mapToGlobal(pos));
+        QApplication::sendEvent(tree.viewport(), &event);
+        return texts.join(u", "_s);
+    }
+
+    QTreeWidget& tree = *this->template child<QTreeWidget>("tree");
+};
 
 } // namespace kse

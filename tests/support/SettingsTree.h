@@ -13,19 +13,15 @@ inline XsdtNode* addNode(XsdtDocument& document, const QStringList& keys, QChar 
 {
     XsdtNode* node = &document.root;
     for (qsizetype i = 0; i < keys.size(); ++i) {
-        const bool last = i + 1 == keys.size();
-        XsdtNode* known = last ? nullptr : node->childByKey(keys[i]);
-        if (!known) {
-            auto made = std::make_unique<XsdtNode>();
-            made->key = keys[i];
-            if (last && !typeCode.isNull()) {
-                made->kind = XsdtNode::Kind::Value;
-                made->typeCode = typeCode;
-            }
-            known = node->append(std::move(made));
+        XsdtNode* next = i + 1 < keys.size() ? node->childByKey(keys[i]) : nullptr;
+        if (!next) {
+            next = node->append(std::make_unique<XsdtNode>());
+            next->key = keys[i];
         }
-        node = known;
+        node = next;
     }
+    node->kind = typeCode.isNull() ? XsdtNode::Kind::Group : XsdtNode::Kind::Value;
+    node->typeCode = typeCode;
     return node;
 }
 

@@ -1,48 +1,42 @@
 // SPDX-License-Identifier: MIT
-#include "support/SettingsPage.h"
-#include "support/TestMain.h"
-#include "support/TreePage.h"
 #include "views/cleanup/CleanupView.h"
-#include "views/cleanup/FormatBytes.h"
 
-#include <QTreeWidget>
+#include "support/SettingsPage.h"
 
-using namespace Qt::StringLiterals;
 using namespace kse;
 
 namespace {
 
-struct Page : SettingsPage<CleanupView>
+struct Page : TreePage<CleanupView>
 {
-    Page()
-        : SettingsPage("<i k='PixelClipboard'><v k='v' t='s' v='x'/><v k='w' t='s' v=''/></i>"
-                       "<i k='CommandHistory'><v k='v' t='i' v='1'/></i><v k='Other' t='s' v=''/>"
-                       "<i k='ModuleData'><i k='z'><i k='Interfaces'><i k='W'><i k='Geometry'>"
-                       "<v k='v' t='i' v='1'/></i></i></i></i>"
-                       "<i k='A'><i k='Interfaces'><i k='A'><i k='Geometry'>"
-                       "<v k='v' t='s' v=''/></i></i></i></i></i>")
+    explicit Page(const QString& nodes =
+                      u"PixelClipboard/v:s=x; PixelClipboard/w:s=; CommandHistory/v:i=1; Other:s=; "
+                      "ModuleData/z/Interfaces/W/Geometry/v:i=1; "
+                      "ModuleData/A/Interfaces/A/Geometry/v:s="_s)
+        : TreePage(nodes)
     {
-        view.show();
+        tree.expandAll();
     }
 
-    QTreeWidgetItem* item(const QString& text) { return treeItem(tree, text); }
-    void toggle(const QString& text)
+    /// Ticks the row of that text, or takes the tick away, by the keyboard.
+    QString toggle(const QString& row)
     {
-        tree.setCurrentItem(item(text));
+        tree.setCurrentItem(item(row));
         QTest::keyClick(&tree, Qt::Key_Space);
+        return text("statusLabel");
     }
-    QString status() const { return child<QLabel>("statusLabel")->text(); }
     /// What a row tells of its deletion by text and by look.
     QString state(const QString& text)
     {
         const QTreeWidgetItem* row = item(text);
-        return row->text(3) + (row->font(0).strikeOut() ? u" struck"_s : QString()) +
-               (row->background(2).color().alpha() == 60 ? u" red"_s : QString());
+        return row->text(3) + (row->font(0).strikeOut() ? u" struck"_s : u""_s) +
+               (row->background(2).color().alpha() == 60 ? u" red"_s : u""_s);
+    }
+    QString message()
+    {
+        return messages.isEmpty() ? QString() : messages.takeFirst()[0].toString();
     }
 
-    QTreeWidget& tree = *child<QTreeWidget>("tree");
-    QPushButton& queue = *child<QPushButton>("queueButton");
-    QPushButton& undo = *child<QPushButton>("undoButton");
     QSignalSpy messages{&view, &CleanupView::message};
 };
 
@@ -61,57 +55,55 @@ private slots:
     void listsWhatThePolicyOffers()
     {
         Page page;
-        QCOMPARE(treeLines(page.tree),
-                 QStringList({u"[ ]"_s + safeTier, u".[ ]"_s + windows + u"|2|83 B"_s,
-                              u"..[ ]A › A|1|41 B"_s, u"..[ ]z › W|1|42 B"_s,
-                              u".[ ]"_s + histories + u"|3|117 B"_s, u"..CommandHistory|1|48 B"_s,
-                              u"..PixelClipboard|2|69 B"_s, u"[ ]"_s + warnTier,
-                              u".[ ]ModuleData/A|1|89 B"_s, u".[ ]ModuleData/z|1|90 B"_s}));
-        page.view.setDocument(documentFrom({}).get());
-        QCOMPARE(treeLines(page.tree), QStringList({safeTier, u".Nothing to clean in this file."_s,
-                                                    warnTier, u".No tool settings found."_s}));
-        QCOMPARE(formatBytes(1023) + formatBytes(1024), u"1023 B1.0 KiB"_s);
-    }
-
-    void ticksWithTheKeyboard()
-    {
-        Page page;
-        page.item(windows)->setExpanded(true);
-        page.toggle(u"z › W"_s);
-        QVERIFY(treeLines(page.tree).contains(u".[-]"_s + windows + u"|2|83 B"_s));
-        QCOMPARE(page.status(), u"Ticked: 1 (about 42 B)"_s);
-        page.toggle(safeTier);
-        page.toggle(warnTier);
-        QCOMPARE(page.status(), u"Ticked: 5 (about 379 B)"_s);
+        QCOMPARE(page.rows(),
+                 u"[ ]%1; .[ ]%2|2|83 B; ..[ ]A › A|1|41 B; ..[ ]z › W|1|42 B; .[ ]%3|3|117 B; "
+                 "..CommandHistory|1|48 B; ..PixelClipboard|2|69 B; [ ]%4; .[ ]ModuleData/A|1|89 "
+                 "B; .[ ]ModuleData/z|1|90 B"_s.arg(safeTier, windows, histories, warnTier));
+        const QByteArray overlay = R"({"policy": {"delete": [{"path": "A/x", "level": "safe"},
+            {"path": "B", "level": "warn"}, {"path": "?/?", "level": "warn"}]},
+            "cleanup": [{"title": "T", "paths": ["B"]},
+            {"title": "E", "paths": ["A/?"], "each": true}]})";
+        QVERIFY(page.policy.load(
+            QByteArray(overlay).replace('?', '*'))); // which moc takes for a comment
+        XsdtDocument other;
+        addNodes(other, u"A/x; A/y; B/%1:s="_s.arg(QString(1024, u'k')));
+        page.setDocument(&other);
+        QCOMPARE(page.rows(), u"[ ]%1; .[ ]E (1)|0|13 B; ..[ ]A › x|0|13 B; [ ]%2; .[ ]A/y|0|13 "
+                              "B; .[ ]B|1|1.0 KiB"_s.arg(safeTier, warnTier));
     }
 
     void asksBeforeSettingsAreLost()
     {
         Page page;
-        page.view.tickAll(false);
+        QCOMPARE(page.toggle(u"z › W"_s), u"Ticked: 1 (about 42 B)"_s);
+        QVERIFY(page.rows().contains(u"[-]"_s + windows));
+        QCOMPARE(page.toggle(safeTier), u"Ticked: 3 (about 200 B)"_s);
+        QCOMPARE(page.toggle(warnTier), u"Ticked: 5 (about 379 B)"_s);
         page.toggle(u"ModuleData/z"_s);
         for (const auto answer : {QMessageBox::Cancel, QMessageBox::Yes}) {
             QVERIFY(page.messages.isEmpty());
-            const QStringList box = clickAndAnswer(page.view, u"queueButton"_s, answer);
-            QVERIFY(box.value(0).contains(u" 1 tool(s) or script(s)"_s));
-            QCOMPARE(box.mid(1), QStringList({u"ModuleData/A"_s, u"Cancel"_s}));
+            const QString box = page.ask("queueButton", answer);
+            QVERIFY(box.contains(u" 1 tool(s) or script(s)"));
+            QVERIFY(box.endsWith(u"|ModuleData/A|Cancel"));
         }
-        QCOMPARE(page.messages.takeFirst()[0], u"Queued for deletion: 5. Save to apply."_s);
-        QCOMPARE(page.status(), u"Queued for deletion: 4"_s);
+        QCOMPARE(page.message(), u"Queued for deletion: 5. Save to apply."_s);
+        QCOMPARE(page.text("statusLabel"), u"Queued for deletion: 4"_s);
+        page.view.tickAll(false);
+        page.child<QPushButton>("undoButton")->click();
         page.view.tickAll(true);
-        page.undo.click();
-        page.view.tickAll(true);
-        page.queue.click(); // without a question
+        page.child<QPushButton>("queueButton")->click(); // without a question
         QCOMPARE(page.messages.size(), 1);
+        page.view.tickAll(false);
+        QVERIFY(!page.ask("queueButton", QMessageBox::Yes, [&] { page.reload(); }).isEmpty());
+        QCOMPARE(page.document.pendingCount(), 0);
     }
 
     void showsWhatIsQueued()
     {
         Page page;
-        page.tree.expandAll();
         const QString history = u"CommandHistory"_s;
         const QString module = u"ModuleData/A"_s;
-        QCOMPARE(chooseInMenu(page.tree, history, {}), QStringList(u"Undo deletion!"_s));
+        QCOMPARE(page.menu(history), u"Undo deletion!"_s);
         for (const QString& path : {history, module}) {
             QVERIFY(page.model.markForDeletion(page.node(path)));
         }
@@ -119,36 +111,22 @@ private slots:
         QCOMPARE(page.state(history), u" struck red"_s);
         QCOMPARE(page.state(u"A › A"_s), u"Queued for deletion struck"_s);
         QCOMPARE(page.state(module), u"Queued for deletion struck red"_s);
-        QCOMPARE(chooseInMenu(page.tree, u"A › A"_s, {}),
-                 QStringList(u"Inside a group marked for deletion!"_s));
+        QCOMPARE(page.menu(u"A › A"_s), u"Inside a group marked for deletion!"_s);
+        auto* undo = page.child<QPushButton>("undoButton");
         for (const auto& [row, text] : {std::pair(u"A › A"_s, u"lies inside a group"_s),
                                         {u"z › W"_s, u"Nothing that is ticked"_s}}) {
             page.toggle(row);
-            page.undo.click();
-            QVERIFY(page.messages.takeFirst()[0].toString().contains(text));
+            undo->click();
+            QVERIFY(page.message().contains(text) && !undo->isEnabled());
         }
+        page.toggle(module);
         page.view.setReadOnly(true);
-        chooseInMenu(page.tree, module, u"Undo deletion"_s);
-        QCOMPARE(page.document->pendingCount(), 2);
+        QVERIFY(!undo->isEnabled());
+        QCOMPARE(page.menu(module), u"Undo deletion!"_s);
         page.view.setReadOnly(false);
-        chooseInMenu(page.tree, module, u"Undo deletion"_s);
-        chooseInMenu(page.tree, histories, u"Undo deletion"_s);
-        QCOMPARE(page.document->pendingCount(), 0);
-    }
-
-    void dropsTheAnswerWhenTheTreeIsGone()
-    {
-        Page page;
-        page.view.tickAll(false);
-        const auto reload = [&page] {
-            page.view.setDocument(nullptr);
-            page.model.setDocument(nullptr);
-            QVERIFY(page.document->parse(page.document->serialize()));
-            page.model.setDocument(page.document.get());
-            page.view.setDocument(page.document.get());
-        };
-        QVERIFY(!clickAndAnswer(page.view, u"queueButton"_s, QMessageBox::Yes, reload).isEmpty());
-        QCOMPARE(page.document->pendingCount(), 0);
+        page.menu(module, u"Undo deletion"_s);
+        page.menu(histories, u"Undo deletion"_s);
+        QCOMPARE(page.document.pendingCount(), 0);
     }
 };
 

@@ -1,69 +1,31 @@
 // SPDX-License-Identifier: MIT
-#include "support/SettingsTree.h"
-#include "support/StoreFixture.h"
-#include "support/TestMain.h"
-#include "support/TextRows.h"
-#include "support/TreePage.h"
 #include "views/compare/CompareView.h"
-#include "views/model/SettingsModel.h"
-#include "widgets/PlainText.h"
 
-#include <QtTest>
-#include <QtWidgets>
+#include "support/SettingsPage.h"
+#include "support/StoreFixture.h"
 
-using namespace Qt::StringLiterals;
 using namespace kse;
 
 namespace {
 
-// The page over a document of the first nodes, compared with a file of the others.
-struct Page
+/// The page with a file of `nodes`, compared with another of `otherNodes`.
+struct Page : TreePage<CompareView>
 {
     explicit Page(const QString& nodes = u"G/A/x:i=1; G/A/y:s=a; Mine/v:i=1"_s,
                   const QString& otherNodes = u"G/A/x:i=2; G/A/y:s=b; Yours/v:i=1"_s)
+        : TreePage(nodes)
     {
-        XsdtDocument other;
-        document.head = other.head = u"<xsdt>"_s;
-        addNodes(document, nodes);
-        addNodes(other, otherNodes);
-        StoreFixture::write(otherPath, other.serialize());
+        path = dir.filePath(u"core-001-pxi.settings"_s);
         StoreFixture::write(path, document.serialize());
-        model.setPolicy(&policy);
-        const bool read = policy.load("{\"compareNoCopy\": [\"Lock/**\"]}");
+        StoreFixture::write(otherPath, ModelOf(otherNodes).document.serialize());
         setDocument(&document);
-        view.show();
-        if (!read || !view.compareWith(otherPath)) {
-            qFatal("The fixture failed");
+        if (!view.compareWith(otherPath)) {
+            qFatal("the other file isn't read");
         }
     }
 
-    void setDocument(XsdtDocument* shown)
-    {
-        model.setDocument(shown);
-        view.setDocument(shown, path);
-    }
-
-    // The same again with new nodes, as after a reload of the file.
-    void reload()
-    {
-        setDocument(nullptr);
-        QVERIFY(document.parse(document.serialize()));
-        setDocument(&document);
-    }
-
-    QTreeWidgetItem* item(const QString& text) const { return treeItem(*tree, text); }
-    QPushButton* button(const QString& name) const { return view.findChild<QPushButton*>(name); }
-    QString summary() const { return view.findChild<QLabel*>(u"summaryLabel"_s)->text(); }
-
     QTemporaryDir dir;
-    QString path = dir.filePath(u"core-001-pxi.settings"_s);
     QString otherPath = dir.filePath(u"other %1.settings"_s);
-    DeletePolicy policy;
-    XsdtDocument document;
-    SettingsModel model;
-    CompareView view{&model};
-    QTreeWidget* tree = view.findChild<QTreeWidget*>(u"tree"_s);
-    QComboBox* combo = view.findChild<QComboBox*>(u"fileCombo"_s);
     QSignalSpy messages{&view, &CompareView::message};
     QSignalSpy reveals{&view, &CompareView::revealRequested};
 };
@@ -75,68 +37,70 @@ class TestCompareView : public QObject
     Q_OBJECT
 
 private slots:
-    void listsDifferences_data()
-    {
-        addTextRows({"a:i=1 > a:i=1 > 0 0 0 > Nothing to show with the current filters.",
-                     "a/b:s=1 > a/b:i=1 > 1 0 0 > a; .b|1|1|Different (type s / i)",
-                     "a/b/c:i=1 > a:i=2 > 0 1 1 > a/b; .c|1||Only in this file; (top level); "
-                     ".a||2|Only in the other file",
-                     "a:B=xyz; Lock/v:i=1 > a:B=x; Lock/v:i=2 > 2 0 0 > (top level); .a|(3 "
-                     "characters of encoded data)|(1 characters of encoded data)|Different!; Lock; "
-                     ".v|1|2|Different!"});
-    }
+    /// The nodes of both files, and the rows with all states shown.
     void listsDifferences()
     {
-        QFETCH(QStringList, cells);
-        const Page page(cells[0], cells[1]);
-        for (QCheckBox* box : page.view.findChildren<QCheckBox*>()) {
-            box->setChecked(true);
-        }
-        const QStringList counts = cells[2].split(u' ');
-        QCOMPARE(page.summary(),
-                 u"%1 different, %2 only in this file, %3 only in the other file"_s.arg(
-                     counts[0], counts[1], counts[2]));
-        QCOMPARE(treeLines(*page.tree), cells[3].split(u"; "_s));
+        const auto rows = [](const QStringList& cells) {
+            Page page(cells[0], cells[1]);
+            page.view.setStateFilters(true, true, true);
+            return page.rows();
+        };
+        compareRows(
+            {"a:F=1.0 > a:F=1.0; b > Nothing to show with the current filters.",
+             "a:F=1.0; new/x/y:b=1; b:i=7; a:F=1.00 > old/x:b=1; b:u=7; a:F=1.00 > (top level); "
+             ".a|1.0|1.00|Different; .b|7|7|Different (type i / u); new/x; .y|1||Only in this "
+             "file; old; .x||1|Only in the other file",
+             "a:i=1; a:i=2; a:i=3 > a:i=1; x:i=0; a:i=2; x:i=1 > (top level); .a|1|2|Different; "
+             ".a|3|2|Different; .x||0|Only in the other file; .x||1|Only in the other file",
+             "g/a:i=1 deleted; h deleted; h/b:i=1; c:i=1 > g/a:i=2; h/b:i=2; c:i=2 deleted > (top "
+             "level); .c|1||Only in this file; g; .a||2|Only in the other file; h; .b||2|Only in "
+             "the other file",
+             "/e:i=1; //c:i=2 > a//d:i=1; //e:i=1; c:i=3 > (top level); .c|2|3|Different; a/; "
+             ".d||1|Only in the other file",
+             "Global/Preferences/A/b/c:i=1; Global/a/b/c:i=1 > Global/Preferences/A/b/c:i=2; "
+             "Global/a/b/c:i=2 > Global/Preferences/A; .b/c|1|2|Different; Global/a; "
+             ".b/c|1|2|Different",
+             "a:B=xyz; Modules/v:i=1; MainWindow/Layout:i=1 > a:B=x; Modules/v:i=2; "
+             "MainWindow/Layout:i=2 > (top level); .a|(3 characters of encoded data)|(1 "
+             "characters of encoded data)|Different!"},
+            rows);
     }
 
-    void copiesAllShownAfterConsent()
+    void copiesAfterConsent()
     {
         Page page;
-        QPushButton* copy = page.button(u"copyAllButton"_s);
-        const int width = copy->sizeHint().width();
-        QVERIFY(clickAndAnswer(page.view, copy->objectName(), QMessageBox::No)[0].startsWith(
-            u"Copy 2 value(s) from other %1.settings into this file?"));
-        clickAndAnswer(page.view, copy->objectName(), QMessageBox::Yes, [&] { page.reload(); });
+        QVERIFY(page.ask("copyAllButton", QMessageBox::No)
+                    .startsWith(u"Copy 2 value(s) from other %1.settings into this file?"));
+        page.ask("copyAllButton", QMessageBox::Yes, [&] { page.reload(); });
         QVERIFY(page.messages.isEmpty());
-        clickAndAnswer(page.view, copy->objectName(), QMessageBox::Yes);
+        page.ask("copyAllButton", QMessageBox::Yes);
         QVERIFY(page.messages[0][0].toString().startsWith(u"Copied 2 value(s)"));
-        QTRY_VERIFY(!copy->isEnabled());
-        QCOMPARE(copy->sizeHint().width(), width); // its neighbour stays where it is
+        QCOMPARE(page.node(u"G/A/y"_s)->value, u"b"_s);
+        QTRY_VERIFY(!page.child("copyAllButton")->isEnabled());
     }
 
     void offersMenu()
     {
         Page page;
         page.view.setStateFilters(false, false, true);
-        QCOMPARE(chooseInMenu(*page.tree, u"v"_s, u"Copy setting path"_s),
-                 QStringList({u"Use the other file's value!"_s, u"Show in All settings!"_s,
-                              u"Copy setting path"_s}));
+        QCOMPARE(page.menu(u"v"_s, u"Copy setting path"_s),
+                 u"Use the other file's value!, Show in All settings!, Copy setting path"_s);
         QCOMPARE(QApplication::clipboard()->text(), u"Yours/v"_s);
         page.view.setStateFilters(true, false, false);
         page.view.setReadOnly(true);
-        QVERIFY(!page.button(u"copyAllButton"_s)->isEnabled());
-        QCOMPARE(chooseInMenu(*page.tree, u"x"_s, u"Show in All settings"_s)[0],
-                 u"Use the other file's value!"_s);
-        const QPoint place = page.tree->visualItemRect(page.item(u"x"_s)).center();
-        QTest::mouseClick(page.tree->viewport(), Qt::LeftButton, {}, place);
-        QTest::mouseDClick(page.tree->viewport(), Qt::LeftButton, {}, place);
-        XsdtNode* node = page.document.root.findByPath(u"G/A/x");
+        QVERIFY(!page.child("copyAllButton")->isEnabled());
+        QVERIFY(page.menu(u"x"_s, u"Show in All settings"_s)
+                    .startsWith(u"Use the other file's value!"));
+        const QPoint place = page.tree.visualItemRect(page.item(u"x"_s)).center();
+        QTest::mouseClick(page.tree.viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(page.tree.viewport(), Qt::LeftButton, {}, place);
+        XsdtNode* node = page.node(u"G/A/x"_s);
         const QVariantList revealed{QVariant::fromValue(node)};
         QCOMPARE(page.reveals, QList<QVariantList>({revealed, revealed}));
         page.view.setReadOnly(false);
-        chooseInMenu(*page.tree, u"x"_s, u"Use the other file's value"_s);
+        page.menu(u"x"_s, u"Use the other file's value"_s);
         QCOMPARE(node->value, u"2"_s);
-        chooseInMenu(*page.tree, u"y"_s, u"Show in All settings"_s, [&] { page.reload(); });
+        page.menu(u"y"_s, u"Show in All settings"_s, [&] { page.reload(); });
         QCOMPARE(page.reveals.size(), 2);
     }
 
@@ -144,44 +108,38 @@ private slots:
     {
         Page page;
         const QString bad = page.dir.filePath(u"%2"_s);
-        const auto faultOf = [&page](const QString& path) {
-            QString error;
-            return page.view.compareWith(path, &error) ? QString() : error;
-        };
-        QVERIFY(faultOf(page.path).startsWith(u"That is the file being edited"));
-        QVERIFY(faultOf(bad).startsWith(u"Cannot read %1: "_s.arg(bad)));
+        QString error;
+        QVERIFY(!page.view.compareWith(page.path, &error) && error.contains(u"being edited"));
+        QVERIFY(!page.view.compareWith(bad, &error) && error.startsWith(u"Cannot read "_s + bad));
         QVERIFY(page.item(u"x"_s));
         StoreFixture::write(bad, "<nothing");
-        QVERIFY(faultOf(bad).startsWith(bad + u" is not a valid PixInsight settings file: "_s));
-        QVERIFY(page.summary().startsWith(u"Pick another"));
+        QVERIFY(!page.view.compareWith(bad, &error) &&
+                error.startsWith(bad + u" is not a valid"_s));
+        QVERIFY(page.text("summaryLabel").startsWith(u"Pick another"));
     }
 
     void choosesFromTheList()
     {
         Page page;
-        const QString backup = page.path + u".bak-1"_s;
-        StoreFixture::write(backup, page.document.serialize());
-        const auto choose = [&page](int index) { // the list looks for files when it opens
-            page.combo->setFocus();
-            QTest::keyClick(page.combo, Qt::Key_Down);
-            page.combo->view()->setCurrentIndex(page.combo->model()->index(index, 0));
-            QTest::keyClick(page.combo->view(), Qt::Key_Return);
-            return page.summary();
+        StoreFixture::write(page.path + u".bak-1"_s, page.document.serialize());
+        auto* combo = page.child<QComboBox>("fileCombo");
+        const auto choose = [&](int index) { // the list looks for files when it opens
+            combo->setFocus();
+            QTest::keyClick(combo, Qt::Key_Down);
+            combo->view()->setCurrentIndex(combo->model()->index(index, 0));
+            QTest::keyClick(combo->view(), Qt::Key_Return);
+            return page.text("summaryLabel").left(11) + combo->currentText().section(u' ', 0, 1);
         };
-        QVERIFY(choose(1).startsWith(u"0 different, 0 only"));
-        QVERIFY(page.combo->currentText().startsWith(u"Backup: core-001-pxi.settings.bak-1"));
+        QCOMPARE(choose(1), u"0 differentBackup: core-001-pxi.settings.bak-1"_s);
         for (const QString& picked : {page.otherPath, page.path, QString()}) {
             const DialogAnswerer<QFileDialog> dialog([&](QFileDialog& browse) {
                 auto* name = browse.findChild<QLineEdit*>();
                 name->setText(picked);
                 QTest::keyClick(name, picked.isEmpty() ? Qt::Key_Escape : Qt::Key_Return);
             });
-            QVERIFY(choose(page.combo->count() - 1).startsWith(u"2 different"));
-            QCOMPARE(page.combo->currentData().toString(), page.otherPath);
+            QCOMPARE(choose(combo->count() - 1), u"2 differentother %1.settings"_s);
         }
         QCOMPARE(page.messages.size(), 1);
-        page.view.setDocument(&page.document, page.otherPath);
-        QVERIFY(page.summary().startsWith(u"Pick another"));
     }
 
     void keepsItsPlaceThroughEdits()
@@ -191,36 +149,23 @@ private slots:
             nodes += u"G/%1/v%2:i=1; "_s.arg(i / 100).arg(i);
         }
         Page page(nodes, QString(nodes).replace(u"=1"_s, u"=2"_s));
+        auto* copy = page.child<QPushButton>("copySelectedButton");
         QVERIFY(!page.item(u"G/1"_s)->isExpanded()); // of so many none is
         page.item(u"G/1"_s)->setExpanded(true);
-        page.tree->setCurrentItem(page.item(u"v150"_s));
-        page.tree->verticalScrollBar()->setValue(40);
-        page.button(u"copySelectedButton"_s)->click();
+        page.tree.setCurrentItem(page.item(u"v150"_s));
+        page.tree.verticalScrollBar()->setValue(40);
+        copy->click();
         QTRY_VERIFY(!page.item(u"v150"_s));
         QVERIFY(page.item(u"G/1"_s)->isExpanded() && !page.item(u"G/0"_s)->isExpanded());
-        QCOMPARE(page.tree->currentItem(), page.item(u"v151"_s));
-        QCOMPARE(page.tree->verticalScrollBar()->value(), 40);
+        QCOMPARE(page.tree.currentItem(), page.item(u"v151"_s));
+        QCOMPARE(page.tree.verticalScrollBar()->value(), 40);
         for (const QString& text : {u"A/c"_s, u"x"_s, u"z"_s}) {
             page.item(text)->setSelected(true);
         }
-        QVERIFY(page.model.setValue(page.document.root.findByPath(u"A/b/x"), u"2"_s));
+        QVERIFY(page.model.setValue(page.node(u"A/b/x"_s), u"2"_s));
         QTRY_VERIFY(!page.item(u"x"_s));
-        QVERIFY(page.item(u"A/c"_s)->isSelected() && page.item(u"z"_s)->isSelected());
-        page.button(u"copySelectedButton"_s)->click();
+        copy->click(); // what was selected still is
         QTRY_VERIFY(!page.item(u"v"_s) && !page.item(u"z"_s) && page.item(u"y"_s));
-    }
-
-    void showsAndCopiesWholeValues()
-    {
-        const QString value = u"<a> "_s.repeated(50);
-        const Page page(u"v:s=%1; w:s=short"_s.arg(value), u"v:s=b; w:s=c"_s);
-        QCOMPARE(page.item(u"v"_s)->toolTip(1), asMarkup(value));
-        QCOMPARE(page.item(u"v"_s)->toolTip(2) + page.item(u"w"_s)->toolTip(1), QString());
-        page.tree->setCurrentItem(page.item(u"v"_s), 1);
-        page.tree->setFocus();
-        QVERIFY(QTest::qWaitForWindowActive(page.tree));
-        QTest::keyClick(page.tree, Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(QApplication::clipboard()->text(), value);
     }
 };
 

@@ -2,7 +2,6 @@
 #include "views/health/HealthChecker.h"
 
 #include "schema/SettingsSchema.h"
-#include "support/DocumentText.h"
 #include "support/SettingsTree.h"
 #include "support/TestMain.h"
 #include "support/TextRows.h"
@@ -21,51 +20,45 @@ private slots:
     {
         QVERIFY(m_schema.load(R"({"variables": {"RFile": {"readOnly": true}}})",
                               R"({"variables": {"N": {"min": 1}, "R": {"min": 0.1, "max": 10},
-                              "C": {"choices": [[0, "a"]]}, "D": {"choices": [[1, "%3"], [2, "b, c"]]}}})"));
+                              "C": {"choices": [[0, "a"]]}, "D": {"choices": [[1, "%3"], [2, "b"]]}}})"));
     }
 
-    /// Nodes, what exists on the computer, and the only finding: parts of its text, in order.
-    void explainsItself_data()
-    {
-        addTextRows(
-            {"Global/Preferences/PDirectory:s=C:/%1 >  > Warning > P directory: the folder > C:/%1 "
-             "is not on this",
-             "Global/ColorManagement/PFile:s=//a >  > Warning > P file: the file does",
-             "Global/R:F=10.5 >  > Problem > R is outside > is 10.5; PixInsight documents 0.1 to "
-             "10.",
-             "Global/D:u=%2 >  > Warning > D has an option > %2; the known options are: 1 = %3, 2 "
-             "= b, c.",
-             "Global/Preferences/Process/MaxProcessors:i=9 >  > Warning > Maximum processors > is "
-             "9 and this computer has 8",
-             "Modules >  > Note > not checked > Looked in: C:/PixInsight.",
-             "Modules/a:s=@pxi_bin_dir/Foo-pxm.dll; Modules/b:s=D:/%n > C:/PixInsight/bin > "
-             "Warning > 2 registered > C:/PixInsight/bin: Foo, D:/%n.",
-             "Global/A/%2:s=x; Global/A/%2:s=x >  > Warning > \"%2\" appears 2 times in Global/A",
-             "B/x:s=x; %2/Interfaces/B; %2/y:s=x; Global/Statistics/Process/B/z:s=x >  > Note > 2 "
-             "module(s) > %2, B (4 values",
-             "Global/Preferences/Security/AllowUnsignedScriptExecution:b=true; "
-             "Global/Preferences/Security/AllowInsecureRepositories:b=true >  > Note > allow "
-             "unsigned > on: allow insecure repositories; allow unsigned script execution."});
-    }
+    /// Nodes, what exists on the computer, and the only finding: its severity, title, and the
+    /// detail from the values on.
     void explainsItself()
     {
-        QFETCH(QStringList, cells);
-        const auto findings = check(cells[0], computerWith(cells[1]));
-        QCOMPARE(findings.size(), 1);
-        const QString text = HealthChecker::severityName(findings[0].severity) + u'\n' +
-                             findings[0].title + u'\n' +
-                             QDir::fromNativeSeparators(findings[0].detail);
-        qsizetype end = 0;
-        for (const QString& part : cells.mid(2)) {
-            end = text.indexOf(part, end);
-            QVERIFY2(end >= 0, qPrintable(part + u" is not in "_s + text));
-        }
+        const auto text = [this](const QStringList& cells) {
+            const auto findings = check(cells[0], computerWith(cells[1]));
+            return findings.size() != 1
+                       ? namesAndPaths(findings, &Finding::id)
+                       : HealthChecker::severityName(findings[0].severity) + u": "_s +
+                             findings[0].title + u": "_s +
+                             QDir::fromNativeSeparators(findings[0].detail).section(u'.', 0, 0);
+        };
+        compareRows(
+            {"Global/Preferences/PDirectory:s=C:/%1 >  > Warning: P directory: the folder does not "
+             "exist: C:/%1 is not on this computer",
+             "Global/D:u=%2 >  > Warning: D has an option value that is not recognised: The value "
+             "is %2; the known options are: 1 = %3, 2 = b",
+             "Modules/a:s=@pxi_bin_dir/Foo-pxm.dll; Modules/b:s=D:/%n > C:/PixInsight/bin > "
+             "Warning: "
+             "2 registered module(s) have no file on this computer: Listed in the module registry "
+             "but not in C:/PixInsight/bin: Foo, D:/%n",
+             "Global/A/%2:s=x; Global/A/%2:s=x >  > Warning: \"%2\" appears 2 times in Global/A: A "
+             "key should "
+             "occur once",
+             "B/x:s=x; %2/Interfaces/B; %2/y:s=x; Global/Statistics/Process/B/z:s=x >  > Note: 2 "
+             "module(s) have saved data but are not in the module list: %2, B (4 values in all)"},
+            text);
     }
 
     /// Nodes, what exists on the computer, and the findings with their nodes.
-    void findsNeitherMoreNorLess_data()
+    void findsNeitherMoreNorLess()
     {
-        addTextRows(
+        const auto found = [this](const QStringList& cells) {
+            return namesAndPaths(check(cells[0], computerWith(cells[1])), &Finding::id);
+        };
+        compareRows(
             {"Global/Preferences/ADirectory:s=/a; Global/Preferences/BDirectory:s=@x/b; "
              "Global/Preferences/CFile:s= ; Global/Preferences/RFile:s=C:/r; Global/DFile:s=C:/d; "
              "Global/Preferences/EFile:s=C:/there; Global/Preferences/FFile:B=C:/f; "
@@ -77,7 +70,12 @@ private slots:
              "Global/Preferences/Process/MaxProcessors:i=9 deleted; "
              "Global/Preferences/Security/AllowInsecureRepositories:b=true deleted; "
              "Global/Preferences/Security/AllowUnsignedRepositories:b=True >  > ",
-             "/Global/N:i=0 >  > out-of-range Global/N; unused-modules",
+             "Global/ColorManagement/PFile:s=//a; Global/R:F=11; Global/D:u=0; "
+             "Global/Preferences/Process/MaxProcessors:i=9; "
+             "Global/Preferences/Security/AllowInsecureRepositories:b=true >  > out-of-range "
+             "Global/R; path-missing Global/ColorManagement/PFile; unknown-option Global/D; "
+             "too-many-processors Global/Preferences/Process/MaxProcessors; unsigned-allowed "
+             "Global/Preferences/Security/AllowInsecureRepositories",
              "Modules/1:s=@pxi_bin_dir/A-pxm.dll; Modules/2:s=/opt/B-pxm.so; Modules/3:s=C:/c "
              "deleted; Modules/4:s=@pxi_bin_dir/D-pxm.dll; A; D > C:/PixInsight/bin, "
              "C:/PixInsight/bin/A-pxm.dll > module-file-missing Modules/4",
@@ -85,37 +83,35 @@ private slots:
              "a; duplicate-key B/c B/c B/c; duplicate-key B/c/d B/c/d; unused-modules",
              "Global/Q; Global/P:s=1 deleted; Global/Q; Global/P:s=2; Global/P:s=3; Global/N:i=0; "
              "Modules >  > out-of-range Global/N; duplicate-key Global/Q Global/Q; duplicate-key "
-             "Global/P Global/P; modules-unchecked"});
-    }
-    void findsNeitherMoreNorLess()
-    {
-        QFETCH(QStringList, cells);
-        QCOMPARE(namesAndPaths(check(cells[0], computerWith(cells[1])), &Finding::id), cells[2]);
+             "Global/P Global/P; modules-unchecked"},
+            found);
     }
 
     /// Settings, what exists, the known program folder, and what is told of the search.
-    void looksForTheProgramFolder_data()
+    void looksForTheProgramFolder()
     {
-        addTextRows(
+        const auto told = [this](const QStringList& cells) {
+            HealthEnv env = computerWith(cells[1]);
+            env.binFolder = cells[2];
+            const auto findings =
+                check(cells[0] + u"; Modules/1:s=@pxi_bin_dir/Foo-pxm.dll"_s, env);
+            return QString(findings.value(0).detail)
+                .replace(u'\\', u'/')
+                .section(u". P"_s, 0, 0)
+                .section(u" in"_s, -1);
+        };
+        compareRows(
             {"Global/FavoriteProcesses/1/Icon:s=D:\\x\\pixinsight\\RSC\\i; "
              "Global/ColorManagement/A:s=C:/a/PixInsight/color/p; "
              "Global/Preferences/B:s=C:/a/PixInsight/bin/p; Global/C:s=C:/c/PixInsight/bin/p; "
              "Global/Preferences/D:b=C:/d/PixInsight/bin/p; "
              "Global/Preferences/E:s=/opt/PixInsight/bin/p; Global/Preferences/F:s=C:/f/rsc/p >  > "
-             "C:/PixInsight > in: C:/PixInsight, C:/a/PixInsight, D:/x/pixinsight.",
+             "C:/PixInsight > : C:/PixInsight, C:/a/PixInsight, D:/x/pixinsight.",
              "Global/Preferences/Application/A:s=C:/Astro/rsc/rsc/p > C:/Astro/rsc/bin, C:/bin >  "
-             "> in C:/Astro/rsc/bin: Foo.",
-             "Global/Preferences/A:s=C:/a/PixInsight/lib/p > C:/a/PixInsight/bin, D:/b > D:/b > in "
-             "D:/b: Foo."});
-    }
-    void looksForTheProgramFolder()
-    {
-        QFETCH(QStringList, cells);
-        HealthEnv env = computerWith(cells[1]);
-        env.binFolder = cells[2];
-        const auto findings = check(cells[0] + u"; Modules/1:s=@pxi_bin_dir/Foo-pxm.dll"_s, env);
-        const QString detail = findings.value(0).detail;
-        QVERIFY2(QString(detail).replace(u'\\', u'/').contains(cells[3]), qPrintable(detail));
+             ">  C:/Astro/rsc/bin: Foo",
+             "Global/Preferences/A:s=C:/a/PixInsight/lib/p > C:/a/PixInsight/bin, D:/b > D:/b >  "
+             "D:/b: Foo"},
+            told);
     }
 
     void judgesByTheComputerItRunsOn()
@@ -128,34 +124,15 @@ private slots:
         HealthEnv here = HealthEnv::system();
         QVERIFY(here.processors > 0 && !here.installFolders.isEmpty());
         here.processors = 0;
-        QCOMPARE(namesAndPaths(check(nodes.arg(QDir::tempPath()), here), &Finding::id)
-                     .section(u';', 0, 0),
-                 u"path-missing Global/Preferences/BDirectory"_s);
+        QVERIFY(namesAndPaths(check(nodes.arg(QDir::tempPath()), here), &Finding::id)
+                    .startsWith(u"path-missing Global/Preferences/BDirectory; "));
 #ifndef Q_OS_WIN
         QVERIFY(here.exists(u"~/."_s) && !here.exists(u"~/missing"_s));
 #endif
     }
 
-    void survivesDeepAndWideFiles()
-    {
-        constexpr int levels = 20'000; // the paths of all values are 2 GB
-        constexpr int pairs = 10'000;
-        const QByteArray value = R"(<v k="value" t="i" v="1"/>)";
-        const auto document = documentFrom("<i k=\"Global\">" +
-                                           deepFile(levels).replace(value, value + value) + "</i>");
-        for (int i = 0; i < 10 * pairs; ++i) {
-            addNode(*document, QStringList{QString::number(i % (9 * pairs))});
-        }
-        const auto findings = HealthChecker::run(*document, m_schema, computerWith({}));
-        QCOMPARE(findings.size(), levels + pairs + 1);
-        const QString& title = findings[pairs + levels - 1].title;
-        QVERIFY(title.startsWith(u"\"value\" appears 2 times in …"));
-        QVERIFY(title.endsWith(u"/level/level") && title.size() < 1100);
-    }
-
 private:
-    /// A Windows computer with eight processors and exactly the files and folders that `files`
-    /// lists.
+    /// A Windows computer with eight processors and the files and folders that `files` lists.
     static HealthEnv computerWith(const QString& files)
     {
         HealthEnv env;
@@ -175,8 +152,7 @@ private:
     }
 
     SettingsSchema m_schema;
-    std::unique_ptr<XsdtDocument>
-        m_document; ///< Of the last `check`, whose findings point into it.
+    std::unique_ptr<XsdtDocument> m_document; ///< Of the last `check`; its findings point into it.
 };
 
 KSE_GUILESS_TEST_MAIN(TestHealthChecker)

@@ -2,89 +2,38 @@
 #include "views/model/SettingsModel.h"
 
 #include "document/TreeWalk.h"
-#include "document/XsdtDocument.h"
-#include "schema/DeletePolicy.h"
 #include "support/DocumentText.h"
-#include "support/TestMain.h"
+#include "support/SettingsPage.h"
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsFilterProxy.h"
 #include "views/model/TreePosition.h"
 
-#include <QtTest>
-#include <QtWidgets>
-
-using namespace Qt::StringLiterals;
-
-namespace kse {
+using namespace kse;
 
 namespace {
 
-const QByteArray content =
-    "<i k='Alpha'><v k='Use' t='b' v='true'/><v k='LastVersion' t='i' v='7'/>"
-    "<v k='Count' t='i' v='7'/><v k='Data' t='B'>Count</v></i>"
-    "<i k='Old'><v k='%1&lt;b&gt;' t='s'>a&#10;b</v><i k='Empty'/></i>"
-    "<v k='Top' t='s'>count me</v>";
-
-const QByteArray rules = QByteArray("{'policy': {'defaultReason': 'Needed.', 'delete': ["
-                                    "{'path': 'Old', 'level': 'safe', 'reason': 'Left behind.'},"
-                                    "{'path': 'Old/**', 'level': 'warn', 'reason': 'Part of it.'},"
-                                    "{'path': 'r/**', 'level': 'safe', 'reason': 'Free.'}]},"
-                                    "'editLocked': ['Alpha/LastVersion']}")
-                             .replace('\'', '"');
-
-/// A model of `content`, or of another document, with a policy.
-struct Fixture
+/// A view of the filtered tree of all nodes.
+struct Filtered : ModelOf
 {
-    explicit Fixture(const QByteArray& xml = content)
-        : document(documentFrom(xml))
+    explicit Filtered(const QString& nodes)
+        : ModelOf(nodes)
     {
-        if (!policy.load(rules)) {
-            qFatal("the policy doesn't load");
-        }
-        model.setPolicy(&policy);
-        model.setDocument(document.get());
         proxy.setSourceModel(&model);
+        view.setModel(&proxy);
     }
 
-    XsdtNode* node(const QString& path) { return document->root.findByPath(path); }
-    bool edit(XsdtNode* node, const QString& text)
-    {
-        return model.setData(model.indexForNode(node, SettingsModel::ValueColumn), text);
-    }
-
-    std::unique_ptr<XsdtDocument> document;
-    DeletePolicy policy;
-    SettingsModel model;
     SettingsFilterProxy proxy;
+    QTreeView view;
 };
 
-/// The keys that `model` shows, one line a row, indented by level.
-QString shownKeys(const QAbstractItemModel& model, const QModelIndex& parent = {}, int level = 0)
+/// Whether the filter shows `node`, by its plain definition.
+bool isWanted(const XsdtNode& node, const QString& filter, bool changedOnly)
 {
-    QString text;
-    for (int row = 0; row < model.rowCount(parent); ++row) {
-        const QModelIndex index = model.index(row, 0, parent);
-        text += QString(level, u' ') + index.data().toString() + u'\n' +
-                shownKeys(model, index, level + 1);
-    }
-    return text;
-}
-
-/// The same by the plain definition of the filter.
-QString expectedKeys(const XsdtNode& group, const QString& filter, bool changedOnly, int level = 0)
-{
-    QString text;
-    for (const auto& node : group.children) {
-        const QString below = expectedKeys(*node, filter, changedOnly, level + 1);
-        const bool found =
-            node->path().contains(filter, Qt::CaseInsensitive) ||
-            (node->isEditableType() && node->value.contains(filter, Qt::CaseInsensitive));
-        const bool changed = node->isModified() || node->markedForDeletion;
-        if (!below.isEmpty() || (found && (changed || !changedOnly))) {
-            text += QString(level, u' ') + node->key + u'\n' + below;
-        }
-    }
-    return text;
+    const bool holds = node.path().contains(filter, Qt::CaseInsensitive) ||
+                       (node.isEditableType() && node.value.contains(filter, Qt::CaseInsensitive));
+    return (holds && (!changedOnly || node.isModified() || node.markedForDeletion)) ||
+           std::any_of(node.children.begin(), node.children.end(),
+                       [&](const auto& child) { return isWanted(*child, filter, changedOnly); });
 }
 
 } // namespace
@@ -94,194 +43,187 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    void cutsLongTexts();
-    void marksAndRestores();
-    void tellsOfManyChangesOnce();
-    void filterFollowsChanges();
-    void filterKeepsPlaceInView();
-    void copesWithDeepFile();
+    void cutsLongTexts()
+    {
+        XsdtNode node;
+        QCOMPARE(displayValue(node, QString(199, u'\n') + u"\U0001F600"_s, 200),
+                 QString(199, QChar(0x23CE)) + u'\u2026');
+        const ModelOf f(QString(1'000'000, u'k'));
+        const QModelIndex row = f.model.index(0, 0);
+        QVERIFY(row.data().toString().endsWith(u"k\u2026 (999000 more characters)"));
+        QVERIFY(row.data(Qt::ToolTipRole).toString().size() < 2000);
+    }
+
+    void marksAndRestores()
+    {
+        ModelOf f(u"Tool/a:i=7; Tool/b; Global/v:s=; PixelClipboard"_s);
+        QSignalSpy edited(&f.model, &SettingsModel::edited);
+        XsdtNode* tool = f.node(u"Tool"_s);
+        const auto mark = [&f](const QString& path) {
+            QString reason;
+            return f.model.markForDeletion(f.node(path), &reason) ? u"marked"_s : reason;
+        };
+        QVERIFY(mark(u"Global/v"_s).startsWith(u"Core PixInsight data"));
+        f.model.setReadOnly(true);
+        QVERIFY(mark(u"Tool"_s).startsWith(u"PixInsight is running"));
+        f.model.setReadOnly(false);
+        const auto toolTip = [&f](const QString& path) {
+            return f.model.indexForNode(f.node(path)).data(Qt::ToolTipRole).toString();
+        };
+        QVERIFY(toolTip(u"PixelClipboard"_s).contains(u"\nCan be deleted: "));
+        QVERIFY(toolTip(u"Tool"_s).contains(u"\nCan be deleted: "));
+        QVERIFY(!f.model.setValue(f.node(u"Tool/a"_s), u" 7 "_s)); // the same number
+        QCOMPARE(mark(u"Tool"_s), u"marked"_s);
+        QVERIFY(!f.model.setValue(f.node(u"Tool/a"_s), u"8"_s));
+        QCOMPARE(mark(u"Tool/b"_s), u"marked"_s); // it is inside already
+        f.model.undoDeletion(f.node(u"Tool/b"_s));
+        QCOMPARE(f.document.pendingCount(), 1);
+        const QModelIndex inside = f.model.indexForNode(f.node(u"Tool/b"_s));
+        QVERIFY(inside.data(Qt::FontRole).value<QFont>().strikeOut());
+        f.model.setReadOnly(true);
+        const QSignalSpy changed(&f.model, &SettingsModel::dataChanged);
+        f.model.undoDeletion(tool);
+        QCOMPARE(changed.count(), 2); // what is in it looks different, too
+        QCOMPARE(f.document.pendingCount(), 0);
+        QCOMPARE(edited.count(), 2);
+    }
+
+    void tellsOfManyChangesOnce()
+    {
+        ModelOf f(u"A/a:i=7; B/b:i=7"_s);
+        QString told;
+        connect(&f.model, &SettingsModel::edited, this, [&] { told += u'e'; });
+        connect(&f.model, &SettingsModel::dataChanged, this, [&] { told += u'd'; });
+        connect(&f.model, &SettingsModel::layoutChanged, this, [&] { told += u'l'; });
+        connect(&f.model, &SettingsModel::modelReset, this, [&] { told += u'r'; });
+        {
+            const SettingsModel::Batch outer(f.model);
+            {
+                const SettingsModel::Batch inner(f.model);
+            }
+            QVERIFY(f.model.setValue(f.node(u"A/a"_s), u"1"_s));
+            QVERIFY(f.model.markForDeletion(f.node(u"B"_s)));
+            f.model.revertValue(f.node(u"A/a"_s));
+            QCOMPARE(told, QString());
+        }
+        QCOMPARE(told, u"lddde"_s); // one for each group that has rows
+        {
+            const SettingsModel::Batch nothing(f.model);
+        }
+        f.model.revertAll();
+        QCOMPARE(told, u"ldddere"_s);
+        f.model.setReadOnly(true); // nothing can be edited any more
+        QCOMPARE(told, u"lddderelddd"_s);
+    }
+
+    /// Whatever is changed under a filter, in whatever order, the proxy shows what the plain
+    /// definition says, and tells its views of every step.
+    void filterFollowsChanges()
+    {
+        QString text;
+        for (const char key : QByteArray("abcdefgh")) {
+            text += u"r/%1/deep/1:s=x; r/%1/2:B=zz; r/%1/2:s=y; "_s.arg(QLatin1Char(key));
+        }
+        Filtered f(text);
+        const QAbstractItemModelTester tester(&f.proxy);
+        QList<XsdtNode*> nodes;
+        walkTree(f.document.root, [&nodes](XsdtNode& node) {
+            nodes.append(&node);
+            return Walk::Into;
+        });
+        const QStringList filters = u"  , B/DEEP ,c/,zz,p/1,Y,none,2/"_s.split(u',');
+        QString filter;
+        QRandomGenerator random(4711);
+        XsdtNode* node = nodes[0];
+        const auto value = [&random] {
+            return random.bounded(2) ? u"zz"_s : u"x"_s;
+        };
+        const QList<std::function<void()>> steps{
+            [&] { f.proxy.setFilterText(filter = filters.at(random.bounded(filters.size()))); },
+            [&] { f.proxy.setChangedOnly(random.bounded(3) > 0); },
+            [&] { f.view.expandAll(); },
+            [&] {
+                const SettingsModel::Batch batch(f.model);
+                for (XsdtNode* each : nodes) {
+                    f.model.setValue(each, value());
+                }
+            },
+            [&] { (void)f.model.markForDeletion(node); },
+            [&] { f.model.undoDeletion(node); },
+            [&] { f.model.revertValue(node); },
+            [&] { f.model.setValue(node, value()); },
+            [&] { f.model.setValue(node, value()); },
+            [&] {
+                random.bounded(20) > 0 ? f.model.undoDeletion(node) : f.model.revertAll();
+            }};
+        for (int i = 0; i < 1500; ++i) {
+            node = nodes.at(random.bounded(nodes.size()));
+            steps.at(random.bounded(steps.size()))();
+            QString shown;
+            QString wanted;
+            for (const XsdtNode* each : nodes) {
+                const QModelIndex row = f.proxy.mapFromSource(f.model.indexForNode(each));
+                shown += row.isValid() ? each->path() + u'\n' : QString();
+                wanted += isWanted(*each, filter.trimmed(), f.proxy.isChangedOnly())
+                              ? each->path() + u'\n'
+                              : QString();
+            }
+            QCOMPARE(shown, wanted);
+        }
+    }
+
+    void filterKeepsPlaceInView()
+    {
+        QString nodes;
+        for (int i = 0; i < 300; ++i) {
+            nodes += u"group%1/%2:b=true; "_s.arg(i).arg(i % 3 ? u"odd"_s : u"even"_s);
+        }
+        Filtered f(nodes);
+        f.view.resize(400, 300);
+        f.view.show();
+        f.view.expandAll();
+        const auto shown = [&f](const QString& path) {
+            return f.proxy.mapFromSource(f.model.indexForNode(f.node(path)));
+        };
+        f.view.setCurrentIndex(shown(u"group150/even"_s));
+        f.view.scrollTo(shown(u"group120/even"_s), QAbstractItemView::PositionAtTop);
+        for (const QString& text : {u"even"_s, u"e"_s, u""_s}) {
+            const TreePosition position(f.view, f.proxy);
+            f.proxy.setFilterText(text);
+            f.view.expandAll();
+            position.restore();
+            QCOMPARE(f.view.indexAt({0, 0}), shown(u"group120/even"_s));
+            QCOMPARE(f.view.currentIndex(), shown(u"group150/even"_s));
+            QVERIFY(f.view.selectionModel()->isSelected(f.view.currentIndex()));
+        }
+    }
+
+    void copesWithDeepFile()
+    {
+        Filtered f({});
+        f.model.setDocument(nullptr);
+        QVERIFY(f.document.parse(fileBytes(deepFile(1'000'000).replace("v=\"1\"", "v=\"x\""))));
+        f.model.setDocument(&f.document);
+        f.view.expandAll();
+        int shown = 0;
+        for (QModelIndex row = f.proxy.index(0, 0); row.isValid(); row = f.view.indexBelow(row)) {
+            ++shown;
+        }
+        QCOMPARE(shown, 2 * SettingsModel::maximumDepth - 1);
+        f.proxy.setFilterText(u"level/level/level"_s);
+        QCOMPARE(f.proxy.rowCount(), 1);
+        XsdtNode* last = f.document.root.children.front().get();
+        while (last->children.size() > 1) {
+            last = last->children.back().get();
+        }
+        QVERIFY(!f.model.indexForNode(last).isValid());
+        QVERIFY(f.model.markForDeletion(last));
+        QVERIFY(f.model.markForDeletion(f.node(u"level/level"_s)));
+        QCOMPARE(f.document.pendingCount(), 1);
+        f.model.revertAll();
+        QCOMPARE(f.document.pendingCount(), 0);
+    }
 };
 
-void TestSettingsModel::cutsLongTexts()
-{
-    XsdtNode node;
-    node.typeCode = u's';
-    QCOMPARE(displayValue(node, QString(199, u'\n') + u"\U0001F600"_s, 200),
-             QString(199, QChar(0x23CE)) + u'\u2026');
-    Fixture f("<i k='" + QByteArray(1'000'000, 'k') + "'/>");
-    QVERIFY(f.model.index(0, 0).data().toString().endsWith(u"k\u2026 (999000 more characters)"));
-    QVERIFY(f.model.index(0, 0).data(Qt::ToolTipRole).toString().size() < 1100);
-}
-
-void TestSettingsModel::marksAndRestores()
-{
-    Fixture f;
-    QSignalSpy edited(&f.model, &SettingsModel::edited);
-    const auto mark = [&f](XsdtNode* node) {
-        QString reason;
-        return f.model.markForDeletion(node, &reason) ? u"marked"_s : reason;
-    };
-    QCOMPARE(mark(f.node(u"Top"_s)), u"Needed."_s);
-    f.model.setReadOnly(true);
-    QVERIFY(mark(f.node(u"Old"_s)).startsWith(u"PixInsight is running"));
-    f.model.setReadOnly(false);
-    const QModelIndex old = f.model.indexForNode(f.node(u"Old"_s));
-    QVERIFY(old.data(Qt::ToolTipRole).toString().endsWith(u"\nCan be deleted: Left behind."));
-    QVERIFY(!f.edit(f.node(u"Alpha/Count"_s), u" 7 "_s)); // the same number
-    QCOMPARE(mark(f.node(u"Old"_s)), u"marked"_s);
-    QVERIFY(!f.edit(f.node(u"Old/%1<b>"_s), u"x"_s));
-    QCOMPARE(mark(f.node(u"Old/Empty"_s)), u"marked"_s); // it is inside already
-    f.model.undoDeletion(f.node(u"Old/Empty"_s));
-    QCOMPARE(f.document->pendingCount(), 1);
-    f.model.setReadOnly(true);
-    const QSignalSpy changed(&f.model, &SettingsModel::dataChanged);
-    f.model.undoDeletion(f.node(u"Old"_s));
-    QCOMPARE(changed.count(), 2); // what is in it looks different, too
-    QCOMPARE(f.document->pendingCount(), 0);
-    QCOMPARE(edited.count(), 2);
-}
-
-void TestSettingsModel::tellsOfManyChangesOnce()
-{
-    Fixture f;
-    QString told;
-    connect(&f.model, &SettingsModel::edited, this, [&] { told += u'e'; });
-    connect(&f.model, &SettingsModel::dataChanged, this, [&] { told += u'd'; });
-    connect(&f.model, &SettingsModel::layoutChanged, this, [&] { told += u'l'; });
-    connect(&f.model, &SettingsModel::modelReset, this, [&] { told += u'r'; });
-    {
-        const SettingsModel::Batch outer(f.model);
-        {
-            const SettingsModel::Batch inner(f.model);
-        }
-        QVERIFY(f.edit(f.node(u"Alpha/Count"_s), u"1"_s));
-        QVERIFY(f.model.markForDeletion(f.node(u"Old"_s)));
-        f.model.revertValue(f.node(u"Alpha/Count"_s));
-        QCOMPARE(told, QString());
-    }
-    QCOMPARE(told, u"lddde"_s); // one for each group that has rows
-    {
-        const SettingsModel::Batch nothing(f.model);
-    }
-    f.model.revertAll();
-    QCOMPARE(told, u"ldddere"_s);
-    QCOMPARE(f.document->pendingCount(), 0);
-}
-
-/// Whatever is changed under a filter, in whatever order, the proxy shows what the plain
-/// definition says, and tells its views of every step.
-void TestSettingsModel::filterFollowsChanges()
-{
-    QByteArray xml;
-    for (const char key : QByteArray("abcdefgh")) {
-        xml += QByteArray("<i k='") + key + "'><i k='deep'><v k='1' t='s'>x</v></i>" +
-               "<v k='2' t='B'>zz</v><v k='2' t='s'>y</v></i>";
-    }
-    Fixture f("<i k='r'>" + xml + "</i>");
-    QAbstractItemModelTester tester(&f.proxy);
-    QTreeView view;
-    view.setModel(&f.proxy);
-    QList<XsdtNode*> nodes;
-    walkTree(f.document->root, [&nodes](XsdtNode& node) {
-        nodes.append(&node);
-        return Walk::Into;
-    });
-    const QStringList texts{u"  "_s, u" B/DEEP "_s, u"c/"_s, u"zz"_s, u"p/1"_s, u"Y"_s, u"none"_s};
-    QString filter;
-    QRandomGenerator random(4711);
-    for (int step = 0; step < 1500; ++step) {
-        XsdtNode* node = nodes.at(random.bounded(nodes.size()));
-        const int action = random.bounded(10);
-        if (action == 0) {
-            filter = texts.at(random.bounded(texts.size()));
-            f.proxy.setFilterText(filter);
-        } else if (action == 1) {
-            f.proxy.setChangedOnly(random.bounded(3) > 0);
-        } else if (action == 2) {
-            view.expandAll();
-        } else if (action == 3) {
-            const SettingsModel::Batch batch(f.model);
-            for (XsdtNode* each : nodes) {
-                f.edit(each, random.bounded(2) ? u"zz"_s : u"y"_s);
-            }
-        } else if (action <= 5) {
-            (void)f.model.markForDeletion(node); // the top of the tree stays
-        } else if (action == 6) {
-            f.model.undoDeletion(node);
-        } else if (action == 7) {
-            f.model.revertValue(node);
-        } else if (random.bounded(40) > 0) {
-            f.edit(node, random.bounded(2) ? u"zz"_s : u"x"_s);
-        } else {
-            f.model.revertAll();
-        }
-        QCOMPARE(shownKeys(f.proxy),
-                 expectedKeys(f.document->root, filter.trimmed(), f.proxy.isChangedOnly()));
-    }
-}
-
-void TestSettingsModel::filterKeepsPlaceInView()
-{
-    QByteArray xml;
-    for (int i = 0; i < 300; ++i) {
-        xml += "<i k='group" + QByteArray::number(i) + "'><v k='" + (i % 3 ? "odd" : "even") +
-               "' t='b' v='true'/></i>";
-    }
-    Fixture f(xml);
-    QTreeView view;
-    view.setModel(&f.proxy);
-    view.resize(400, 300);
-    view.show();
-    view.expandAll();
-    const auto shown = [&f](const QString& path) {
-        return f.proxy.mapFromSource(f.model.indexForNode(f.node(path)));
-    };
-    view.setCurrentIndex(shown(u"group150/even"_s));
-    view.scrollTo(shown(u"group120/even"_s), QAbstractItemView::PositionAtTop);
-    for (const QString& text : {u"even"_s, u"e"_s, u""_s}) {
-        const TreePosition position(view, f.proxy);
-        f.proxy.setFilterText(text);
-        view.expandAll();
-        position.restore();
-        QCOMPARE(view.indexAt({0, 0}), shown(u"group120/even"_s));
-        QCOMPARE(view.currentIndex(), shown(u"group150/even"_s));
-        QVERIFY(view.selectionModel()->isSelected(view.currentIndex()));
-    }
-}
-
-void TestSettingsModel::copesWithDeepFile()
-{
-    constexpr int depth = 1'000'000;
-    Fixture f(QByteArray("<i k='r'>").repeated(depth) + "<v k='v' t='s'>x</v>" +
-              QByteArray("</i>").repeated(depth));
-    QTreeView view;
-    view.setModel(&f.proxy);
-    view.show();
-    view.expandAll();
-    int shown = 0;
-    for (QModelIndex row = f.proxy.index(0, 0); row.isValid(); row = view.indexBelow(row)) {
-        ++shown;
-    }
-    QCOMPARE(shown, SettingsModel::maximumDepth);
-    f.proxy.setFilterText(u"r/r/r"_s);
-    QCOMPARE(f.proxy.rowCount(), 1);
-    f.proxy.setFilterText(u"x"_s); // the value lies beneath what is shown
-    QCOMPARE(f.proxy.rowCount(), 0);
-    f.proxy.setFilterText({});
-
-    XsdtNode* last = f.document->root.children.front().get();
-    while (!last->children.empty()) {
-        last = last->children.front().get();
-    }
-    QVERIFY(!f.model.indexForNode(last).isValid());
-    QVERIFY(f.model.markForDeletion(last));
-    QVERIFY(f.model.markForDeletion(f.node(u"r/r"_s)));
-    QCOMPARE(f.document->pendingCount(), 1);
-    f.model.revertAll();
-    QCOMPARE(f.document->pendingCount(), 0);
-}
-
-} // namespace kse
-
-KSE_TEST_MAIN(kse::TestSettingsModel)
+KSE_TEST_MAIN(TestSettingsModel)
 #include "TestSettingsModel.moc"

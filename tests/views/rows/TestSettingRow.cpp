@@ -1,31 +1,47 @@
 // SPDX-License-Identifier: MIT
 #include "views/rows/SettingRow.h"
 
-#include "schema/DeletePolicy.h"
-#include "support/DialogAnswerer.h"
-#include "support/DocumentText.h"
-#include "support/TestMain.h"
-#include "views/model/SettingsModel.h"
+#include "support/SettingsPage.h"
 #include "views/rows/NodeContextMenu.h"
 
-#include <QtTest>
-#include <QtWidgets>
-
-using namespace Qt::StringLiterals;
-
-namespace kse {
+using namespace kse;
 
 namespace {
 
+using Kind = VariableKind;
+
 /// What is known of the setting; a range only where `max` isn't 0.
-VariableInfo infoOf(VariableKind kind, double min = 0, double max = 0)
+VariableInfo infoOf(Kind kind, double min = 0, double max = 0)
 {
     return {u"A & B"_s, {}, kind, false, false, max != 0, min, max, {{1, u"one"_s}, {2, u"two"_s}}};
 }
 
+/// A row over the first value at `path`, in a window of its own.
+struct Row : ModelOf
+{
+    Row(const VariableInfo& info, const QString& nodes, const QString& path = u"Tool/Key"_s)
+        : ModelOf(nodes)
+        , value(node(path))
+        , row(new SettingRow(value, info, &model, &window))
+    {
+        row->resize(700, 100);
+        window.show();
+        window.activateWindow();
+    }
+
+    template <typename Widget = QWidget>
+    Widget* part(const char* name) const
+    {
+        return row->findChild<Widget*>(QLatin1String(name));
+    }
+
+    QWidget window;
+    XsdtNode* value;
+    QPointer<SettingRow> row;
+};
+
 } // namespace
 
-/// One row in a window of its own, over the value "Group/Sub/Key" of a real model.
 class TestSettingRow : public QObject
 {
     Q_OBJECT
@@ -33,329 +49,231 @@ class TestSettingRow : public QObject
 private slots:
     /// Its minus sign is on no keyboard, and the file knows nothing of it.
     void initTestCase() { QLocale::setDefault(QLocale::Persian); }
-    void init();
-    void cleanup() { m_window.reset(); }
-    void writesWhatIsTypedAndNothingElse_data();
-    void writesWhatIsTypedAndNothingElse();
-    void keepsAValueWithoutAName();
-    void tellsWhyItIsLocked();
-    void wheelNeedsFocus();
-    void picksFolderAndColor();
-    void givesUpWhenDocumentIsReplacedUnderDialog();
-    void readsNoNodeOfAReplacedDocument();
-    void namesItsPartsAndMatches();
-    void offersMenu();
 
-private:
-    void makeRow(char type, const QString& value, const VariableInfo& info);
-    template <typename T>
-    T* part(const char* name)
+    /// What is known, type and value, what is typed instead of what is shown before Return; and
+    /// what was shown, what is shown then, what is stored, and the message. "*" is a long text.
+    void writesWhatIsTypedAndNothingElse()
     {
-        return m_row->findChild<T*>(QLatin1String(name));
-    }
-
-    std::unique_ptr<XsdtDocument> m_document;
-    std::unique_ptr<QWidget> m_window;
-    std::unique_ptr<SettingsModel> m_model;
-    DeletePolicy m_policy;
-    XsdtNode* m_node = nullptr;
-    QPointer<SettingRow> m_row;
-};
-
-void TestSettingRow::init()
-{
-    const QByteArray rules = "{'policy': {'defaultReason': 'Needed <b>.', 'delete': ["
-                             "{'path': 'Group/Sub', 'level': 'warn', 'reason': 'Saved data.'},"
-                             "{'path': 'Group', 'level': 'safe', 'reason': 'Left behind.'}]},"
-                             "'editLocked': ['Group/Sub/Locked']}";
-    QVERIFY(m_policy.load(QByteArray(rules).replace('\'', '"')));
-    m_document = documentFrom("<i k='Group'><i k='Sub'><v k='Key' t='s' v=''/></i></i>");
-    m_node = m_document->root.findByPath(u"Group/Sub/Key");
-    m_model = std::make_unique<SettingsModel>();
-    m_model->setPolicy(&m_policy);
-    m_model->setDocument(m_document.get());
-    m_window = std::make_unique<QWidget>();
-}
-
-void TestSettingRow::makeRow(char type, const QString& value, const VariableInfo& info)
-{
-    m_node->typeCode = QLatin1Char(type);
-    m_node->value = m_node->original = value;
-    delete m_row;
-    m_row = new SettingRow(m_node, info, m_model.get(), m_window.get());
-    m_row->resize(700, 100);
-    m_window->show();
-    m_window->activateWindow();
-}
-
-void TestSettingRow::writesWhatIsTypedAndNothingElse_data()
-{
-    QTest::addColumn<QString>("typeAndValue");
-    QTest::addColumn<VariableInfo>("info");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<QString>("typed"); // instead of what is shown; nothing: the Enter key alone
-    QTest::addColumn<QString>("stored");
-    const auto row = [](const char* name, const VariableInfo& info, const QString& typeAndValue,
-                        const QString& shown, const QString& typed, const QString& stored) {
-        QTest::newRow(name) << typeAndValue << info << shown << typed << stored;
-    };
-    using K = VariableKind;
-    const QString many(40'000, u'y');
-    const QString tooMany(1'000'001, u'y');
-    const VariableInfo small = infoOf(K::Integer, 1, 10);
-    row("integer", infoOf(K::Integer), u"i7"_s, u"7"_s, u"-12"_s, u"-12"_s);
-    row("zero over no integer", infoOf(K::Integer), u"imany"_s, u"0"_s, u"00"_s, u"0"_s);
-    row("below its range", small, u"i0"_s, u"0"_s, {}, u"0"_s);
-    row("no integer", small, u"imany"_s, u"0"_s, {}, u"many"_s);
-    row("unsigned", infoOf(K::Unsigned), u"u7"_s, u"7"_s, u"4294967295"_s, u"4294967295"_s);
-    row("above its range", infoOf(K::Unsigned), u"u99999999999"_s, u"99999999999"_s, {},
-        u"99999999999"_s);
-    row("real", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1"_s, u"1"_s);
-    row("real too small", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"-0.1"_s,
-        u"A & B: -0.1 is outside the allowed range 0 to 1"_s);
-    row("real just out of range", infoOf(K::Real, 0, 1), u"F0.5"_s, u"0.5"_s, u"1.0000001"_s,
-        u"A & B: 1.0000001 is outside the allowed range 0 to 1"_s);
-    row("other form", infoOf(K::Real), u"F 1e0"_s, u" 1e0"_s, {}, u" 1e0"_s);
-    row("text", infoOf(K::Text), u"sa"_s, u"a"_s, u"b"_s, u"b"_s);
-    row("lines", infoOf(K::FilePath), u"sa\nb"_s, u"a\nb"_s, {}, u"a\nb"_s);
-    row("long", infoOf(K::Text), u"s"_s + many, many, {}, many);
-    row("too long", infoOf(K::Text), u"s"_s + tooMany, many.left(1000), {}, tooMany);
-    row("time", infoOf(K::Text), u"ta\nb"_s, u"a\u23CEb"_s, {}, u"a\nb"_s);
-    row("block", infoOf(K::Text), u"Babc"_s, u"(3 characters of encoded data)"_s, {}, u"abc"_s);
-}
-
-void TestSettingRow::writesWhatIsTypedAndNothingElse()
-{
-    QFETCH(QString, typeAndValue);
-    QFETCH(VariableInfo, info);
-    QFETCH(QString, shown);
-    QFETCH(QString, typed);
-    QFETCH(QString, stored); // or the message of a refusal
-    const QString value = typeAndValue.mid(1);
-    makeRow(typeAndValue.at(0).toLatin1(), value, info);
-    QSignalSpy edited(m_model.get(), &SettingsModel::edited);
-    QString message;
-    const auto note = [&message](const QString& text) {
-        message += text;
-    };
-    connect(m_row, &SettingRow::rejected, m_row, note);
-    connect(m_model.get(), &SettingsModel::editRejected, m_row, note);
-
-    auto* line = part<QWidget>("editorHost")->findChild<QLineEdit*>();
-    QCOMPARE(line->text(), shown);
-    if (!typed.isEmpty() && !line->isReadOnly()) {
-        QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(line, u"1"_s);
-        QTest::keyClick(line, Qt::Key_Escape);
-        QCOMPARE(line->text(), shown);
-        QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(line, typed);
-    }
-    QTest::keyClick(line, Qt::Key_Return);
-    const bool refused = m_node->value == value && stored != value;
-    QVERIFY2(refused ? message.startsWith(stored) : m_node->value == stored, qPrintable(message));
-    QCOMPARE(message.isEmpty(), !refused);
-    QCOMPARE(line->text(), refused || typed.isEmpty() || stored == value ? shown : stored);
-    QCOMPARE(edited.count(), m_node->value == value ? 0 : 1);
-}
-
-void TestSettingRow::keepsAValueWithoutAName()
-{
-    makeRow('i', u"7"_s, infoOf(VariableKind::Choice));
-    auto* combo = part<QComboBox>("comboBox");
-    QTest::keyClick(combo, Qt::Key_Up);
-    QCOMPARE(m_node->value, u"2"_s);
-    QTest::mouseClick(part<QToolButton>("revertButton"), Qt::LeftButton);
-    QCOMPARE(combo->currentText(), u"Other (7)"_s);
-    m_model->setReadOnly(true); // the poll tells the page of it later
-    QSignalSpy rejected(m_row, &SettingRow::rejected);
-    QTest::keyClick(combo, Qt::Key_Up);
-    m_model->setReadOnly(false);
-    QCOMPARE(m_node->value + QString::number(rejected.count()), u"71"_s);
-    QCOMPARE(combo->count(), 3);
-    m_node->value = u"<seven>"_s;
-    m_row->refresh();
-    QCOMPARE(combo->currentText(), u"Other (<seven>)"_s);
-    QCOMPARE(combo->toolTip(), u"Stored text: <seven>"_s);
-    emit combo->activated(2); // it stands for the value, which is no number
-    QCOMPARE(m_node->value, u"<seven>"_s);
-}
-
-void TestSettingRow::tellsWhyItIsLocked()
-{
-    const auto toolTip = [this](char type, bool documentedReadOnly) {
-        VariableInfo info = infoOf(VariableKind::Text);
-        info.readOnly = documentedReadOnly;
-        makeRow(type, u"abc"_s, info);
-        auto* host = part<QWidget>("editorHost");
-        return host->isEnabled() ? u"enabled"_s : host->toolTip();
-    };
-    QCOMPARE(toolTip('s', false), u"enabled"_s);
-    QCOMPARE(toolTip('s', true), u"Documented by PixInsight as read-only or write-only."_s);
-    QCOMPARE(toolTip('B', false), u"Protected value type: shown for reference only."_s);
-    m_node->parent->markedForDeletion = true;
-    QCOMPARE(toolTip('s', false), QString());
-    QVERIFY(part<QLabel>("nameLabel")->font().strikeOut());
-    m_node->value = u"edited"_s;
-    m_row->refresh();
-    QVERIFY(!part<QToolButton>("revertButton")->isEnabled());
-    m_node->key = u"Locked"_s;
-    QCOMPARE(toolTip('s', false),
-             u"Module registry and version records are locked against editing."_s);
-}
-
-void TestSettingRow::wheelNeedsFocus()
-{
-    makeRow('i', u"7"_s, infoOf(VariableKind::Integer));
-    QScrollArea page;
-    page.setWidget(m_row);
-    m_row->resize(700, 1000);
-    page.show();
-    auto* spin = part<QSpinBox>("spinBox");
-    const auto turn = [spin](int angle) {
-        QWheelEvent wheel({5, 5}, spin->mapToGlobal(QPointF(5, 5)), {}, {0, angle}, {}, {},
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(spin, &wheel);
-    };
-    turn(-120);
-    QCOMPARE(m_node->value, u"7"_s);
-    const int scrolled = page.verticalScrollBar()->value();
-    QVERIFY(scrolled > 0);
-    QVERIFY(QTest::qWaitForWindowActive(&page));
-    QTest::mouseClick(spin, Qt::LeftButton);
-    QTRY_VERIFY(spin->hasFocus());
-    turn(120);
-    QCOMPARE(m_node->value, u"8"_s);
-    QCOMPARE(page.verticalScrollBar()->value(), scrolled);
-}
-
-void TestSettingRow::picksFolderAndColor()
-{
-    const QString folder = QDir::homePath() + u"/chosen"_s;
-    QVERIFY(QDir().mkpath(folder));
-    makeRow('s', QDir::homePath(), infoOf(VariableKind::Directory));
-    DialogAnswerer<QFileDialog> file([&](QFileDialog& dialog) {
-        QCOMPARE(dialog.windowTitle(), u"A & B"_s);
-        QCOMPARE(dialog.directory().path(), QDir::homePath());
-        dialog.findChild<QLineEdit*>()->setText(folder);
-        static_cast<QDialog&>(dialog).accept();
-    });
-    part<QToolButton>("browseButton")->click();
-    QCOMPARE(m_node->value, folder);
-
-    makeRow('u', u"2147549183"_s, infoOf(VariableKind::Color));
-    auto* button = part<QPushButton>("colorButton");
-    QCOMPARE(button->text(), u"#8000FFFF"_s);
-    DialogAnswerer<QColorDialog> color([](QColorDialog& dialog) {
-        QCOMPARE(dialog.currentColor(), QColor(0, 255, 255, 128));
-        dialog.setCurrentColor(QColor(1, 2, 3, 4));
-        dialog.accept();
-    });
-    QTest::mouseClick(button, Qt::LeftButton);
-    QCOMPARE(m_node->value, QString::number(0x04010203));
-    QCOMPARE(button->text(), u"#04010203"_s);
-}
-
-void TestSettingRow::givesUpWhenDocumentIsReplacedUnderDialog()
-{
-    for (const bool rowDies : {false, true}) {
-        makeRow('s', u"old"_s, infoOf(VariableKind::FilePath));
-        DialogAnswerer<QFileDialog> file([&](QFileDialog& dialog) {
-            if (rowDies) {
-                delete m_row;
+        const QMap<QString, VariableInfo> infos{
+            {u"integer"_s, infoOf(Kind::Integer)},   {u"small"_s, infoOf(Kind::Integer, 1, 10)},
+            {u"unsigned"_s, infoOf(Kind::Unsigned)}, {u"real"_s, infoOf(Kind::Real, 0, 1)},
+            {u"text"_s, infoOf(Kind::Text)},         {u"path"_s, infoOf(Kind::FilePath)}};
+        const QString many(40'000, u'y');
+        const auto outcome = [&](const QStringList& cells) {
+            const Row f(
+                infos[cells[0]],
+                u"Tool/Key:%1=%2"_s.arg(cells[1][0]).arg(cells[1].mid(1).replace(u'*', many)));
+            QString message;
+            const auto note = [&message](const QString& text) {
+                message = text;
+            };
+            connect(f.row, &SettingRow::rejected, f.row, note);
+            connect(&f.model, &SettingsModel::editRejected, f.row, note);
+            auto* line = f.part("editorHost")->findChild<QLineEdit*>();
+            const QString shown = line->text();
+            for (const QString& text : {u"1"_s, cells[2]}) {
+                if (!line->isReadOnly() && !text.isEmpty()) {
+                    QTest::keyClick(line, Qt::Key_Escape);
+                    message += line->text() == shown ? u""_s : u"no escape"_s;
+                    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
+                    QTest::keyClicks(line, text);
+                }
             }
-            m_model->setDocument(m_document.get());
-            dialog.findChild<QLineEdit*>()->setText(QCoreApplication::applicationFilePath());
+            QTest::keyClick(line, cells[2].isEmpty() ? Qt::Key_Escape : Qt::Key_Return);
+            QTest::keyClick(line, Qt::Key_Return);
+            const QString texts = QStringList{shown, line->text(), f.value->value}.join(u'|');
+            return QString(texts).replace(many, u"*"_s).replace(many.left(1000), u"~"_s) + message;
+        };
+        compareRows(
+            {"integer > i7 > -12 > 7|-12|-12", "integer > imany > 00 > 0|0|0",
+             "integer > imany >  > 0|0|many", "small > i0 >  > 0|0|0",
+             "unsigned > u7 > 4294967295 > 7|4294967295|4294967295",
+             "unsigned > u99999999999 >  > 99999999999|99999999999|99999999999",
+             "real > F0.5 > 1 > 0.5|1|1",
+             "real > F0.5 > -0.1 > 0.5|0.5|0.5A & B: -0.1 is outside the allowed range 0 to 1",
+             "real > F0.5 > 1.0000001 > 0.5|0.5|0.5A & B: 1.0000001 is outside the allowed range 0 "
+             "to 1",
+             "real > F0.5 > x > 0.5|0.5|0.5Key: Expected a real number.",
+             "real > F 1e0 >  >  1e0| "
+             "1e0| 1e0",
+             "text > sa > b > a|b|b", "path > sa\nb >  > a\nb|a\nb|a\nb", "text > s* >  > *|*|*",
+             "text > s************************** > x > "
+             "~|~|**************************",
+             "text > ta\nb > x > a\u23CEb|a\u23CEb|a\nb",
+             "text > Babc > x > (3 characters of encoded data)|(3 characters of encoded data)|abc"},
+            outcome);
+    }
+
+    void keepsAValueWithoutAName()
+    {
+        const Row f(infoOf(Kind::Choice), u"Tool/Key:i=7"_s);
+        auto* combo = f.part<QComboBox>("comboBox");
+        QTest::keyClick(combo, Qt::Key_Up);
+        QCOMPARE(f.value->value, u"2"_s);
+        f.part<QToolButton>("revertButton")->click();
+        QCOMPARE(combo->currentText(), u"Other (7)"_s);
+        QCOMPARE(combo->count(), 3);
+        f.value->value = u"<seven>"_s;
+        f.row->refresh();
+        QCOMPARE(combo->toolTip(), u"Stored text: <seven>"_s);
+        emit combo->activated(2); // it stands for the value, which is no number
+        QCOMPARE(f.value->value, u"<seven>"_s);
+    }
+
+    void writesNothingOnceReadOnly()
+    {
+        Row f(infoOf(Kind::Boolean), u"Tool/Key:b=false"_s);
+        QSignalSpy rejected(f.row, &SettingRow::rejected);
+        f.model.setReadOnly(true); // the poll tells the page of it later
+        f.part<QCheckBox>("checkBox")->click();
+        QVERIFY(f.value->value == u"false" && rejected.count() == 1);
+        QVERIFY(!f.part<QCheckBox>("checkBox")->isChecked());
+    }
+
+    /// Path and type, whether it is documented as read-only, and the first words of the reason.
+    void tellsWhyItIsLocked()
+    {
+        const auto reason = [](const QStringList& cells) {
+            VariableInfo info = infoOf(Kind::Text);
+            info.readOnly = !cells[1].isEmpty();
+            const Row f(info, u"A:s=; B:B=; LastVersion:s=; Gone deleted; Gone/C:s="_s, cells[0]);
+            const auto* host = f.part("editorHost");
+            return host->isEnabled() ? u"enabled"_s : host->toolTip().section(u' ', 0, 1);
+        };
+        compareRows({"A >  > enabled", "A > read-only > Documented by", "B >  > Protected value",
+                     "LastVersion >  > Module registry", "Gone/C >  > "},
+                    reason);
+    }
+
+    void wheelNeedsFocus()
+    {
+        const Row f(infoOf(Kind::Integer), u"Tool/Key:i=7"_s);
+        QScrollArea page;
+        page.setWidget(f.row);
+        f.row->resize(700, 1000);
+        page.show();
+        auto* spin = f.part("spinBox");
+        const auto turn = [&](int angle) {
+            QWheelEvent wheel({5, 5}, spin->mapToGlobal(QPointF(5, 5)), {}, {0, angle}, {}, {},
+                              Qt::NoScrollPhase, false);
+            QApplication::sendEvent(spin, &wheel);
+            return f.value->value + (page.verticalScrollBar()->value() > 0 ? u" below"_s : u""_s);
+        };
+        QCOMPARE(turn(-120), u"7 below"_s);
+        QVERIFY(QTest::qWaitForWindowActive(&page));
+        QTest::mouseClick(spin, Qt::LeftButton);
+        QTRY_VERIFY(spin->hasFocus());
+        QCOMPARE(turn(120), u"8 below"_s);
+    }
+
+    void picksFolderAndColor()
+    {
+        const QString folder = QDir::homePath() + u"/chosen"_s;
+        QVERIFY(QDir().mkpath(folder));
+        const Row f(infoOf(Kind::Directory), u"Tool/Key:s="_s + QDir::homePath());
+        const DialogAnswerer<QFileDialog> file([&](QFileDialog& dialog) {
+            QCOMPARE(dialog.directory().path(), QDir::homePath());
+            dialog.findChild<QLineEdit*>()->setText(folder);
             static_cast<QDialog&>(dialog).accept();
         });
-        part<QToolButton>("browseButton")->click();
-        QVERIFY(file.wasAsked());
-        QCOMPARE(m_node->value, u"old"_s);
-    }
-}
+        f.part<QToolButton>("browseButton")->click();
+        QCOMPARE(f.value->value, folder);
 
-void TestSettingRow::readsNoNodeOfAReplacedDocument()
-{
-    makeRow('s', u"old"_s, infoOf(VariableKind::Text));
-    connect(m_model.get(), &SettingsModel::edited, m_row, [this] {
-        m_model->setDocument(m_document.get());
-        m_node->value = u"another's"_s;
-    });
-    auto* line = part<QLineEdit>("lineEdit");
-    QTest::keyClicks(line, u"new "_s);
-    QTest::keyClick(line, Qt::Key_Return);
-    QTest::keyClick(line, Qt::Key_Escape);
-    QVERIFY(m_node->value == u"another's"_s);
-    QVERIFY(line->text().contains(u"new "_s));
-}
-
-void TestSettingRow::namesItsPartsAndMatches()
-{
-    m_node->key = u"<b>Key"_s;
-    makeRow('s', u"value"_s, infoOf(VariableKind::Directory));
-    QCOMPARE(part<QWidget>("lineEdit")->accessibleName(), u"A & B"_s);
-    QCOMPARE(part<QWidget>("revertButton")->accessibleName(), u"Revert A & B"_s);
-    QVERIFY(m_row->toolTip().contains(u"Group/Sub/&lt;b&gt;Key\n(not documented"_s));
-    m_row->setShowPath(true);
-    QCOMPARE(part<QLabel>("pathLabel")->text(), u"Group \u203A Sub"_s);
-    QVERIFY(m_row->matches(u"a & b"_s) && m_row->matches(u">key"_s) && m_row->matches(u"Val"_s));
-    QVERIFY(!m_row->matches(u"Group"_s));
-    m_node->typeCode = u't';
-    QVERIFY(!m_row->matches(u"Val"_s));
-}
-
-void TestSettingRow::offersMenu()
-{
-    makeRow('s', u"old"_s, infoOf(VariableKind::Text));
-    XsdtNode* group = m_document->root.children.front().get();
-    group->append(std::make_unique<XsdtNode>())->key = u"Other"_s;
-    QString done;
-    const auto note = [&done](const QString& what) {
-        return [&done, what](const XsdtNode* target) {
-            done = what + target->key;
-        };
-    };
-    // What the menu of `path` offers, in brackets what can't be chosen, and what the first
-    // entry that can be chosen does.
-    const auto menu = [&](const QString& path, bool readOnly, bool replaceDocument = false) {
-        m_node->value = u"new"_s;
-        m_row->refresh(); // or an editor that loses the focus writes what it shows
-        done.clear();
-        QStringList entries;
-        DialogAnswerer<QMenu> answer([&](QMenu& shown) {
-            for (QAction* action : shown.actions()) {
-                const QString text = action->isSeparator() ? u"-"_s : action->text();
-                entries << (action->isEnabled() ? text : u"["_s + text + u"]"_s);
-            }
-            if (replaceDocument) {
-                m_model->setDocument(m_document.get());
-            }
-            do { // on Windows the keys stop at the others too
-                QTest::keyClick(&shown, Qt::Key_Down);
-            } while (shown.activeAction() && !shown.activeAction()->isEnabled());
-            QTest::keyClick(&shown, Qt::Key_Return);
+        const Row g(infoOf(Kind::Color), u"Tool/Key:u=2147549183"_s);
+        const DialogAnswerer<QColorDialog> color([](QColorDialog& dialog) {
+            QCOMPARE(dialog.currentColor(), QColor(0, 255, 255, 128));
+            dialog.setCurrentColor(QColor(1, 2, 3, 4));
+            dialog.accept();
         });
-        DialogAnswerer<QMessageBox> box(
-            [&](QMessageBox& shown) { done = shown.windowTitle() + u": "_s + shown.text(); });
-        showNodeContextMenu(m_row, m_model.get(), m_document->root.findByPath(path), {10, 10},
-                            readOnly, {note(u"delete "_s), note(u"undo "_s), note(u"reveal "_s)});
-        entries.removeOne(u"Show in All settings"_s); // always the last
-        return entries.join(u'|') + (done.isEmpty() ? m_node->value : done);
-    };
-    const QString key = u"Group/Sub/Key"_s;
-    QCOMPARE(menu(key, false), u"Revert this value|-|Why can't this be deleted?|-old"_s);
-    QCOMPARE(menu(key, false, true), u"Revert this value|-|Why can't this be deleted?|-new"_s);
-    QCOMPARE(menu(u"Group/Other"_s, false), u"Why can't this be deleted?|-Cannot delete: "
-                                            u"Group/Other\n\nNeeded <b>."_s);
-    QCOMPARE(menu(u"Group"_s, false), u"Delete this group|-delete Group"_s);
-    QCOMPARE(menu(u"Group/Sub"_s, true), u"[Delete this group...]|-reveal Sub"_s);
-    group->markedForDeletion = true;
-    QCOMPARE(menu(u"Group"_s, true), u"Undo deletion|-undo Group"_s);
-    QCOMPARE(menu(key, false), u"[Revert this value]|-|[Inside a group marked for deletion]|-"
-                               u"reveal Key"_s);
-}
+        g.part<QPushButton>("colorButton")->click();
+        QCOMPARE(g.value->value, QString::number(0x04010203));
+        QCOMPARE(g.part<QPushButton>("colorButton")->text(), u"#04010203"_s);
+    }
 
-} // namespace kse
+    void touchesNoNodeOfAReplacedDocument()
+    {
+        for (const bool rowDies : {false, true}) {
+            Row f(infoOf(Kind::FilePath), u"Tool/Key:s=old"_s);
+            auto* line = f.part<QLineEdit>("lineEdit");
+            const DialogAnswerer<QFileDialog> file([&](QFileDialog& dialog) {
+                delete (rowDies ? f.row.data() : nullptr);
+                f.model.setDocument(&f.document);
+                dialog.findChild<QLineEdit*>()->setText(QCoreApplication::applicationFilePath());
+                static_cast<QDialog&>(dialog).accept();
+            });
+            f.part<QToolButton>("browseButton")->click();
+            QVERIFY(file.wasAsked() && f.value->value == u"old");
+            if (!rowDies) {
+                f.value->value = u"another's"_s;
+                QTest::keyClicks(line, u"new "_s);
+                QTest::keyClick(line, Qt::Key_Return);
+                QTest::keyClick(line, Qt::Key_Escape);
+                QVERIFY(f.value->value == u"another's" && line->text().contains(u"new "));
+            }
+        }
+    }
 
-KSE_TEST_MAIN(kse::TestSettingRow)
+    void matchesWhatItShows()
+    {
+        for (const QString& type : {u"s"_s, u"t"_s}) {
+            const Row f(infoOf(Kind::Text), u"Tool/Key:%1=Value"_s.arg(type));
+            QVERIFY(f.row->matches(u"a & b"_s) && f.row->matches(u"kEY"_s));
+            QVERIFY(f.row->matches(u"vaLue"_s) == (type == u"s") && !f.row->matches(u"Tool"_s));
+        }
+    }
+
+    /// The path, what is so or happens meanwhile; then what the menu offers, in brackets what can't
+    /// be chosen, and what the first that can does.
+    void offersMenu()
+    {
+        const auto menu = [](const QStringList& cells) {
+            Row f(infoOf(Kind::Text), u"Tool/Key:s=old; PixelClipboard; Global/X; Gone deleted; "
+                                      "Gone/v:s=old"_s);
+            XsdtNode* node = f.node(cells[0]);
+            node->value = node->original.isEmpty() ? QString() : u"new"_s;
+            f.row->refresh(); // or an editor that loses the focus writes what it shows
+            QString done;
+            const auto note = [&](const QString& what) {
+                return [&done, what](const XsdtNode* target) {
+                    done = what + target->key;
+                };
+            };
+            QStringList entries;
+            const DialogAnswerer<QMenu> answer([&](QMenu& shown) {
+                for (QAction* action : shown.actions()) {
+                    if (!action->isSeparator()) {
+                        const QString text = action->text();
+                        entries << (action->isEnabled() ? text : u"["_s + text + u"]"_s);
+                    }
+                }
+                f.model.setReadOnly(cells[1] == u"starts");
+                if (cells[1] == u"loads") {
+                    f.model.setDocument(&f.document);
+                }
+                do { // on Windows the keys stop at the others too
+                    QTest::keyClick(&shown, Qt::Key_Down);
+                } while (shown.activeAction() && !shown.activeAction()->isEnabled());
+                QTest::keyClick(&shown, Qt::Key_Return);
+            });
+            const DialogAnswerer<QMessageBox> box(
+                [&](QMessageBox& shown) { done = shown.text().section(u'\n', 0, 0); });
+            showNodeContextMenu(f.row, &f.model, node, {10, 10}, cells[1] == u"runs",
+                                {note(u"delete "_s), note(u"undo "_s), note(u"reveal "_s)});
+            entries.removeOne(u"Show in All settings"_s); // always the last
+            return entries.join(u", "_s) + u": "_s + (done.isEmpty() ? node->value : done);
+        };
+        compareRows({"Tool/Key >  > Revert this value, Delete this setting...: old",
+                     "Tool/Key > starts > Revert this value, Delete this setting...: new",
+                     "Tool/Key > loads > Revert this value, Delete this setting...: new",
+                     "Global/X >  > Why can't this be deleted?: Global/X",
+                     "PixelClipboard >  > Delete this group: delete PixelClipboard",
+                     "Tool > runs > [Delete this group...]: reveal Tool",
+                     "Gone > runs > Undo deletion: undo Gone",
+                     "Gone/v >  > [Revert this value], [Inside a group marked for deletion]: "
+                     "reveal v"},
+                    menu);
+    }
+};
+
+KSE_TEST_MAIN(TestSettingRow)
 #include "TestSettingRow.moc"
