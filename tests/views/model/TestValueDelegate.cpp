@@ -78,22 +78,6 @@ private slots:
                      "true > Down Escape > true", "TRUE > Return > TRUE"},
                     stored);
     }
-
-    /// Also that a closed list isn't changed by the wheel.
-    void closesListWithItsDocument()
-    {
-        Editing f(u'b', u"true"_s);
-        QTRY_VERIFY(f.combo->view()->isVisible());
-        f.combo->hidePopup();
-        QWheelEvent wheel({5, 5}, f.combo->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(f.combo, &wheel);
-        QCOMPARE(f.combo->currentText(), u"true"_s);
-        f.combo->showPopup();
-        f.model.setDocument(nullptr);
-        QVERIFY(!QApplication::activePopupWidget());
-        QTRY_VERIFY(!f.combo);
-    }
 };
 
 KSE_TEST_MAIN(TestValueDelegate)
