@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Makes every system call of a save and of a restore fail, and prints the figures of
-# docs/reliability.md. Takes ten minutes.
+# docs/reliability.md. Takes about ten minutes.
 #   scripts/faults.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
