@@ -2,6 +2,7 @@
 #include "views/cleanup/UnusedModulesView.h"
 
 #include "support/SettingsPage.h"
+#include "views/rows/SettingRow.h"
 
 using namespace kse;
 
@@ -88,6 +89,14 @@ private slots:
         page.ask("queueButton", QMessageBox::Yes, [&] { page.reload(); });
         QCOMPARE(page.messages.size(), 1);
         QCOMPARE(page.document.pendingCount(), 0);
+    }
+
+    void staysWithinLimits()
+    {
+        Page page(u"ModuleData/A/a:s=1; A/a:s=1; "_s.repeated(401));
+        page.view.expandCard(u"A"_s);
+        QCOMPARE(page.view.findChildren<SettingRow*>().size(), 400);
+        QVERIFY(page.text("moreLabel").startsWith(u"...and 402 more values."));
     }
 };
 
