@@ -22,6 +22,7 @@ run() {
 
 build/bench/bench/BenchStart >"$folder/Start.md"
 build/bench/bench/BenchMemory >"$folder/Memory.md"
+build/bench/bench/BenchActions >"$folder/Actions.md"
 run Document Document --benchmark_repetitions=3 --benchmark_min_time=0.15
 run Store Store --benchmark_repetitions=3 --benchmark_min_time=0.1
 TMPDIR=/dev/shm run StoreInMemory Store --benchmark_repetitions=3 --benchmark_min_time=0.1

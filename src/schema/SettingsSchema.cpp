@@ -95,6 +95,22 @@ QList<PageSpec> readPages(const QJsonValue& value)
     return pages;
 }
 
+QStringView withoutPrefix(QStringView path)
+{
+    for (const QLatin1String prefix : {"Global/"_L1, "Preferences/"_L1}) {
+        if (path.startsWith(prefix)) {
+            path = path.sliced(prefix.size());
+        }
+    }
+    return path;
+}
+
+/// What stands before the first slash of `id`.
+QString firstPart(QStringView id)
+{
+    return id.first(std::max(id.indexOf(u'/'), qsizetype{0})).toString();
+}
+
 } // namespace
 
 bool SettingsSchema::load(const QByteArray& globalsJson, const QByteArray& overlayJson,
@@ -116,6 +132,9 @@ bool SettingsSchema::load(const QByteArray& globalsJson, const QByteArray& overl
     const QJsonObject refinements = overlay["variables"_L1].toObject();
     for (auto it = refinements.begin(); it != refinements.end(); ++it) {
         m_overlay.insert(it.key(), it.value().toObject());
+    }
+    for (const QString& id : m_globals.keys() + m_overlay.keys()) {
+        m_subjects.insert(firstPart(id));
     }
     m_pages = readPages(overlay["pages"_L1]);
     const QStringList hidden = toStringList(overlay["hide"_L1]);
@@ -196,14 +215,14 @@ void SettingsSchema::refine(const QString& id, VariableInfo& info) const
 
 QString SettingsSchema::variableId(const XsdtNode& node)
 {
-    const QString path = node.path();
-    QStringView id = path;
-    for (const QLatin1String prefix : {"Global/"_L1, "Preferences/"_L1}) {
-        if (id.startsWith(prefix)) {
-            id = id.sliced(prefix.size());
-        }
-    }
-    return id.toString();
+    return withoutPrefix(node.path()).toString();
+}
+
+bool SettingsSchema::mayDescribeIn(const XsdtNode& group) const
+{
+    const QString start = group.path() + u'/';
+    const QString subject = firstPart(withoutPrefix(start));
+    return subject.isEmpty() || m_subjects.contains(subject);
 }
 
 bool SettingsSchema::isHidden(const XsdtNode& node) const

@@ -90,12 +90,16 @@ public:
     /// Then comes one page for each group of `Global/Preferences` that isn't on another page.
     [[nodiscard]] QList<PageSpec> decoratedPages(const XsdtDocument& document) const;
 
+    /// False if no child of `group` can be in the tables, so that it has only its key and type.
+    [[nodiscard]] bool mayDescribeIn(const XsdtNode& group) const;
+
 private:
     void describeDocumented(const QString& id, VariableInfo& info) const;
     void refine(const QString& id, VariableInfo& info) const;
 
     QHash<QString, GlobalVariableRecord> m_globals;
     QHash<QString, QJsonObject> m_overlay;
+    QSet<QString> m_subjects; ///< The first parts of the ids in both tables.
     QList<PageSpec> m_pages;
     QSet<QString> m_hide;
 };

@@ -135,6 +135,9 @@ void CollapsibleSection::setExpanded(bool expanded)
 void CollapsibleSection::setLazyBuilder(std::function<void()> builder)
 {
     m_lazyBuilder = std::move(builder);
+    if (m_toggleButton->isChecked()) {
+        setExpanded(true);
+    }
 }
 
 void CollapsibleSection::setContextMenuHandler(std::function<void(const QPoint&)> handler)

@@ -38,7 +38,8 @@ public:
     bool startExpanded() const { return m_startExpanded; }
     void setExpanded(bool expanded);
 
-    /// Runs `builder` once, when the section is first expanded, to fill it.
+    /// Runs `builder` once, when the section is first expanded, to fill it; at once if it is
+    /// already.
     void setLazyBuilder(std::function<void()> builder);
 
     /// Calls `handler` with the global position when the user asks for the title's context menu.

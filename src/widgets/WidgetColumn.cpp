@@ -5,20 +5,35 @@
 #include "widgets/TabOrder.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFocusEvent>
 #include <QFocusFrame>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace kse {
+
+namespace {
+
+constexpr qint64 sliceTime = 8; // milliseconds; half a frame
+
+} // namespace
 
 WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     : QScrollArea(parent)
     , m_lastTabStop(this)
     , m_focusFrame(new QFocusFrame(this))
 {
+    m_idleTimer.setInterval(0);
+    connect(&m_idleTimer, &QTimer::timeout, this, [this] {
+        QElapsedTimer timer;
+        timer.start();
+        createUntil([&timer] { return timer.hasExpired(sliceTime); });
+    });
     auto* container = new QWidget(this);
     m_showMoreButton = named(u"showMoreButton"_s, new QPushButton(container));
     m_showMoreButton->hide();
@@ -26,6 +41,8 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     m_layout = new QVBoxLayout(container);
     m_layout->setContentsMargins({});
     m_layout->setSpacing(spacing);
+    m_missingSpace = new QSpacerItem(0, 0);
+    m_layout->addItem(m_missingSpace);
     m_layout->addWidget(m_showMoreButton);
     m_layout->addStretch();
     setFrameShape(QFrame::NoFrame);
@@ -34,20 +51,59 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     setWidget(container);
 }
 
-void WidgetColumn::append(const QList<QWidget*>& widgets)
+void WidgetColumn::append(qsizetype count, std::function<QWidget*(qsizetype)> create)
 {
-    for (QWidget* widget : widgets) {
+    complete();
+    m_create = std::move(create);
+    m_missing = count;
+    m_created = 0;
+    int height = 0;
+    createUntil([&] {
+        height += m_items.constLast()->sizeHint().height();
+        return height > window()->height(); // the column itself may not be laid out yet
+    });
+}
+
+void WidgetColumn::complete()
+{
+    createUntil([] { return false; });
+}
+
+/// Creates the next widgets, at least one, until `isEnough`.
+void WidgetColumn::createUntil(const std::function<bool()>& isEnough)
+{
+    if (m_missing == 0) {
+        return;
+    }
+    const qsizetype before = m_items.size();
+    do {
+        QWidget* widget = m_create(m_created++);
+        --m_missing;
         // Saves a second layout when it is shown.
         widget->resize(viewport()->width(), widget->height());
-        m_layout->insertWidget(m_layout->count() - 2, widget);
-    }
-    m_items += widgets;
-    m_lastTabStop = continueTabOrder(m_lastTabStop, widgets);
+        m_layout->insertWidget(m_layout->count() - 3, widget);
+        m_items.append(widget);
+    } while (m_missing > 0 && !isEnough());
+    m_lastTabStop = continueTabOrder(m_lastTabStop, m_items.sliced(before));
     setTabOrder(m_lastTabStop, m_showMoreButton);
+    if (m_missing == 0) {
+        m_idleTimer.stop();
+        m_create = nullptr;
+    } else {
+        m_idleTimer.start();
+    }
+    // The missing ones get about the room that they will take, so that the scroll bar doesn't jump.
+    const int height = m_items.constFirst()->sizeHint().height();
+    m_missingSpace->changeSize(0, int(m_missing) * (height + m_layout->spacing()));
+    m_layout->invalidate();
 }
 
 void WidgetColumn::clear()
 {
+    m_missing = 0;
+    m_create = nullptr;
+    m_idleTimer.stop();
+    m_missingSpace->changeSize(0, 0);
     m_lastTabStop = this;
     // The focus stays in the column instead of going from row to row as they are hidden.
     if (isAncestorOf(QApplication::focusWidget())) {
@@ -69,6 +125,12 @@ void WidgetColumn::setMoreText(const QString& text)
     }
     m_showMoreButton->setText(text);
     m_showMoreButton->setVisible(!text.isEmpty());
+}
+
+bool WidgetColumn::focusNextPrevChild(bool next)
+{
+    complete();
+    return QScrollArea::focusNextPrevChild(next);
 }
 
 void WidgetColumn::focusInEvent(QFocusEvent* event)

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "document/TreeWalk.h"
 #include "schema/DeletePolicy.h"
+#include "schema/SettingsSchema.h"
 #include "support/FakePixInsight.h"
 #include "support/RandomUser.h"
 #include "support/TestMain.h"
@@ -65,7 +67,8 @@ public:
         m_user.onAnswer = [this] {
             m_kept = linesOf(model()->document(), &XsdtNode::value);
         };
-        QVERIFY(m_policy.load(builtInTable("overlay.json")));
+        const QByteArray overlay = builtInTable("overlay.json");
+        QVERIFY(m_policy.load(overlay) && m_schema.load(builtInTable("globals.json"), overlay));
         openSample();
         for (const QString& file : folder().keys()) {
             m_samples.append(contentOf(file));
@@ -118,7 +121,7 @@ private:
         ++m_parts;
         m_partGeneration = model()->generation();
         m_window->activateWindow(); // which a box that closed here doesn't do
-        QCoreApplication::processEvents();
+        settle();
         auto* tabs = find<QTabWidget>("tabs");
         const int kind = m_user.below(100);
         if (kind < 6 && action("actSave")->isEnabled()) {
@@ -396,19 +399,38 @@ private:
                                         Qt::MatchContains | Qt::MatchRecursive);
         expect("the tree", shown.size(), rows.size());
 
+        QList<int> counts;
         const auto* list = find<QListWidget>("pageList");
         for (int i = 0; i < list->count(); ++i) {
-            qsizetype changed = 0;
-            for (const SettingRow* row :
-                 find<QStackedWidget>("pageStack")->widget(i + 1)->findChildren<SettingRow*>()) {
-                changed += row->node()->isModified();
-            }
-            expect("preferences", list->item(i)->text().section(u'●', 1).toLongLong(), changed);
+            counts.append(list->item(i)->text().section(u'●', 1).toInt());
         }
+        expect("preferences", counts, changesByPage());
         const auto* summary = find<QWidget>("healthView")->findChild<QLabel*>(u"summaryLabel"_s);
         const QList<int> findings = numbers(summary->text());
         expect("health", numbers(find<QTabWidget>("tabs")->tabText(4)).value(0),
                findings.value(0) + findings.value(1));
+    }
+
+    QList<int> changesByPage()
+    {
+        QList<int> changes;
+        for (const PageSpec& page : model()->document()
+                                        ? m_schema.decoratedPages(*model()->document())
+                                        : QList<PageSpec>()) {
+            bool isEmpty = true;
+            int changed = 0;
+            for (const XsdtNode* group : page.nodes) {
+                walkTree(*group, [&](const XsdtNode& node) {
+                    isEmpty = isEmpty && (!node.isEditableType() || m_schema.isHidden(node));
+                    changed += node.isModified() && !m_schema.isHidden(node);
+                    return m_schema.isHidden(node) ? Walk::Over : Walk::Into;
+                });
+            }
+            if (!isEmpty) {
+                changes.append(changed);
+            }
+        }
+        return changes;
     }
 
     /// Faults for the first few lines that differ.
@@ -436,6 +458,7 @@ private:
     QList<QByteArray> m_samples;
     FakePixInsight m_pixInsight;
     DeletePolicy m_policy;
+    SettingsSchema m_schema;
     QByteArray m_loaded;                  ///< The open file as the document was read from it.
     QMap<QString, QByteArray> m_disk;     ///< The folder after the last step.
     QMap<QString, QByteArray> m_versions; ///< What else was in its files during this one.

@@ -8,6 +8,7 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 #include "views/model/SettingsModel.h"
+#include "widgets/WidgetColumn.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -73,10 +74,20 @@ struct SettingsPage : ModelOf
         setDocument(&document);
     }
 
+    /// Also those that the page would create later.
+    template <typename Widget = QWidget>
+    QList<Widget*> children(const char* name = nullptr) const
+    {
+        for (WidgetColumn* column : view.template findChildren<WidgetColumn*>()) {
+            column->complete();
+        }
+        QCoreApplication::sendPostedEvents(); // which show them
+        return view.template findChildren<Widget*>(QLatin1String(name));
+    }
     template <typename Widget = QWidget>
     Widget* child(const char* name, int place = 0) const
     {
-        return view.template findChildren<Widget*>(QLatin1String(name)).value(place);
+        return children<Widget>(name).value(place);
     }
     QString text(const char* label, int place = 0) const
     {

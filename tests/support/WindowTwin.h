@@ -3,12 +3,17 @@
 
 #include "support/WindowFixture.h"
 #include "views/rows/SettingRow.h"
+#include "widgets/WidgetColumn.h"
 
 namespace kse {
 
 /// The widgets in `widget`, in the order in which its layout shows them.
 inline QList<QWidget*> partsOf(const QWidget& widget)
 {
+    const auto* stack = qobject_cast<const QStackedWidget*>(&widget);
+    if (stack && stack->objectName() == "pageStack"_L1) {
+        return {stack->currentWidget()}; // its other pages may not have their widgets yet
+    }
     QList<QWidget*> parts;
     const std::function<void(QLayout*)> append = [&](QLayout* layout) {
         for (int i = 0; layout && i < layout->count(); ++i) {
@@ -129,9 +134,14 @@ private:
     QStringList m_lines;
 };
 
-/// Lets everything posted happen, and what is to die later die.
+/// Lets everything posted happen, what is to die later die, and columns get all their rows.
 inline void settle()
 {
+    for (QWidget* widget : QApplication::allWidgets()) {
+        if (auto* column = qobject_cast<WidgetColumn*>(widget)) {
+            column->complete();
+        }
+    }
     for (int i = 0; i < 3; ++i) {
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -211,6 +221,9 @@ private:
     {
         if (qobject_cast<SettingRow*>(&to)) {
             return;
+        }
+        if (auto* column = qobject_cast<WidgetColumn*>(&to)) {
+            column->complete();
         }
         auto* view = qobject_cast<QAbstractItemView*>(&to);
         const bool isToggle = qobject_cast<QAbstractButton*>(&to) && !qobject_cast<QCheckBox*>(&to);

@@ -34,6 +34,7 @@ namespace {
 
 constexpr QLatin1String keepKey("Backups/Keep");
 constexpr int defaultKeep = 5;
+constexpr int sizeRole = Qt::UserRole + 1; // a backup's bytes
 
 // A stored text that isn't a number gives the default: 0 would offer every backup for deletion.
 int storedKeep()
@@ -186,6 +187,7 @@ void BackupsDialog::refresh()
                 .arg(time, formatSize(file.size()).rightJustified(9), file.fileName()),
             m_list);
         item->setData(Qt::UserRole, path);
+        item->setData(sizeRole, file.size());
     }
     updateSelectionButton();
     const QString name = QFileInfo(m_settingsPath).fileName();
@@ -199,13 +201,16 @@ void BackupsDialog::refresh()
 
 void BackupsDialog::updateOlderButton()
 {
-    const BackupPruneSet older =
-        PixInsightEnv::backupsOlderThanNewest(m_settingsPath, m_keep->value());
-    m_deleteOlder->setText(older.paths.isEmpty() ? tr("Delete older backups")
-                                                 : tr("Delete the %1 older backup(s) (%2)")
-                                                       .arg(QString::number(older.paths.size()),
-                                                            formatSize(older.totalBytes)));
-    m_deleteOlder->setEnabled(!older.paths.isEmpty());
+    qsizetype older = 0;
+    qint64 bytes = 0;
+    for (int i = m_keep->value(); i < m_list->count(); ++i) {
+        ++older;
+        bytes += m_list->item(i)->data(sizeRole).toLongLong();
+    }
+    m_deleteOlder->setText(older == 0 ? tr("Delete older backups")
+                                      : tr("Delete the %1 older backup(s) (%2)")
+                                            .arg(QString::number(older), formatSize(bytes)));
+    m_deleteOlder->setEnabled(older > 0);
 }
 
 void BackupsDialog::updateSelectionButton()
@@ -228,7 +233,7 @@ void BackupsDialog::onOpenFolder()
 void BackupsDialog::onKeepChanged(int keep)
 {
     QSettings().setValue(keepKey, keep);
-    refresh();
+    updateOlderButton(); // thousands of files aren't listed again for a digit
 }
 
 void BackupsDialog::onDeleteSelected()

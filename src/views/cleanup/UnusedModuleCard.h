@@ -23,7 +23,6 @@ public:
     /// `rowSet` makes the rows. It isn't owned.
     UnusedModuleCard(const ModuleInfo& module, SettingRowSet* rowSet, QWidget* parent);
 
-    const ModuleInfo& module() const { return m_module; }
     bool isTicked() const;
 
     /// Emits nothing, so that whoever ticks many cards brings a summary up to date once.

@@ -2,7 +2,6 @@
 #include "views/cleanup/UnusedModulesView.h"
 
 #include "document/XsdtDocument.h"
-#include "schema/ModuleCatalog.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/cleanup/UnusedModuleCard.h"
 #include "views/model/SettingsModel.h"
@@ -18,7 +17,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -113,20 +111,24 @@ void UnusedModulesView::refresh()
     m_contents.forgetAll();
     m_cards.clear();
     m_column->clear();
-    m_column->widget()->hide(); // while visible, each new card would lay out all
-    if (m_document) {
-        QList<QWidget*> widgets;
-        const QList<ModuleInfo> modules = ModuleCatalog::unusedModules(*m_document);
-        for (const ModuleInfo& module : modules) {
-            auto* card = new UnusedModuleCard(module, m_rowSet, m_column->widget());
-            connect(card, &UnusedModuleCard::toggled, this, &UnusedModulesView::updateSummary);
-            m_cards.append(card);
-            widgets.append(card);
-        }
-        m_column->append(widgets);
-    }
-    m_column->widget()->show();
+    m_modules = m_document ? ModuleCatalog::unusedModules(*m_document) : QList<ModuleInfo>();
+    m_ticked.assign(size_t(m_modules.size()), false);
     updateSummary();
+    m_column->append(m_modules.size(), [this](qsizetype i) { return createCard(i); });
+}
+
+UnusedModuleCard* UnusedModulesView::createCard(qsizetype i)
+{
+    const ModuleInfo& module = m_modules.at(i);
+    auto* card = new UnusedModuleCard(module, m_rowSet, m_column->widget());
+    card->setTicked(m_ticked[size_t(i)]);
+    card->refresh(m_contents.of(module));
+    connect(card, &UnusedModuleCard::toggled, this, [this, card, i] {
+        m_ticked[size_t(i)] = card->isTicked();
+        updateSummary();
+    });
+    m_cards.append(card);
+    return card;
 }
 
 void UnusedModulesView::setReadOnly(bool readOnly)
@@ -138,8 +140,8 @@ void UnusedModulesView::setReadOnly(bool readOnly)
 QStringList UnusedModulesView::moduleNames() const
 {
     QStringList names;
-    for (const UnusedModuleCard* card : m_cards) {
-        names.append(card->module().name);
+    for (const ModuleInfo& module : m_modules) {
+        names.append(module.name);
     }
     return names;
 }
@@ -148,6 +150,7 @@ void UnusedModulesView::expandCard(const QString& name)
 {
     const qsizetype index = moduleNames().indexOf(name);
     if (index >= 0) {
+        m_column->complete();
         m_cards.at(index)->expand();
     }
 }
@@ -157,66 +160,77 @@ void UnusedModulesView::updateSummary()
     int queued = 0;
     int ticked = 0;
     qint64 tickedBytes = 0;
-    for (UnusedModuleCard* card : std::as_const(m_cards)) {
-        const ModuleContent content = m_contents.of(card->module());
-        card->refresh(content);
+    for (qsizetype i = 0; i < m_modules.size(); ++i) {
+        const ModuleContent content = m_contents.of(m_modules.at(i));
         queued += content.queuedGroups > 0 ? 1 : 0;
-        if (card->isTicked()) {
+        if (m_ticked[size_t(i)]) {
             ++ticked;
             tickedBytes += content.bytes;
+        }
+        if (i < m_cards.size()) {
+            m_cards.at(i)->refresh(content);
         }
     }
     const bool canQueue = !m_rowSet->isReadOnly() && ticked > 0;
     setEnabledOrPass(*m_queueButton, canQueue, *m_column);
     setEnabledOrPass(*m_undoButton, canQueue, *m_column);
-    m_tickAllButton->setEnabled(!m_cards.isEmpty());
+    m_tickAllButton->setEnabled(!m_modules.isEmpty());
     if (!m_document) {
         m_summary->clear();
-    } else if (m_cards.isEmpty()) {
+    } else if (m_modules.isEmpty()) {
         m_summary->setText(
             tr("No unused module data: every module with saved data is in the module list."));
     } else if (ticked == 0) {
         m_summary->setText(tr("%1 unused module(s); %2 queued for deletion")
-                               .arg(QString::number(m_cards.size()), QString::number(queued)));
+                               .arg(QString::number(m_modules.size()), QString::number(queued)));
     } else {
         m_summary->setText(tr("%1 unused module(s); %2 ticked (about %3); %4 queued for deletion")
-                               .arg(QString::number(m_cards.size()), QString::number(ticked),
+                               .arg(QString::number(m_modules.size()), QString::number(ticked),
                                     formatBytes(tickedBytes), QString::number(queued)));
     }
 }
 
-QList<UnusedModuleCard*> UnusedModulesView::tickedCards() const
+QList<ModuleInfo> UnusedModulesView::tickedModules() const
 {
-    QList<UnusedModuleCard*> cards;
-    std::copy_if(m_cards.begin(), m_cards.end(), std::back_inserter(cards),
-                 [](const UnusedModuleCard* card) { return card->isTicked(); });
-    return cards;
+    QList<ModuleInfo> modules;
+    for (qsizetype i = 0; i < m_modules.size(); ++i) {
+        if (m_ticked[size_t(i)]) {
+            modules.append(m_modules.at(i));
+        }
+    }
+    return modules;
 }
 
-/// Unticks the cards and returns their nodes.
+void UnusedModulesView::setTicks(bool ticked)
+{
+    m_ticked.assign(m_ticked.size(), ticked);
+    for (UnusedModuleCard* card : std::as_const(m_cards)) {
+        card->setTicked(ticked);
+    }
+}
+
+/// Unticks the modules and returns their nodes.
 QList<XsdtNode*> UnusedModulesView::takeTicked()
 {
     QList<XsdtNode*> nodes;
-    for (UnusedModuleCard* card : tickedCards()) {
-        nodes += card->module().nodes;
-        card->setTicked(false);
+    for (const ModuleInfo& module : tickedModules()) {
+        nodes += module.nodes;
     }
+    setTicks(false);
     return nodes;
 }
 
 void UnusedModulesView::onTickAll()
 {
-    for (UnusedModuleCard* card : std::as_const(m_cards)) {
-        card->setTicked(true);
-    }
+    setTicks(true);
     updateSummary();
 }
 
 void UnusedModulesView::onQueue()
 {
     QStringList names;
-    for (const UnusedModuleCard* card : tickedCards()) {
-        names.append(abbreviated(card->module().name, lineLimit));
+    for (const ModuleInfo& module : tickedModules()) {
+        names.append(abbreviated(module.name, lineLimit));
     }
     const int modules = static_cast<int>(names.size());
     const QString text = tr("This removes the saved data of %n module(s) that are not in the "

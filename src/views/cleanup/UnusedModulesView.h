@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "schema/ModuleCatalog.h"
 #include "views/cleanup/ModuleContents.h"
 
 #include <QList>
 #include <QStringList>
 #include <QWidget>
+
+#include <vector>
 
 class QLabel;
 class QPushButton;
@@ -63,13 +66,17 @@ private:
     void createWidgets();
     QWidget* createButtonRow();
     void connectWidgets();
-    QList<UnusedModuleCard*> tickedCards() const;
+    UnusedModuleCard* createCard(qsizetype i);
+    QList<ModuleInfo> tickedModules() const;
+    void setTicks(bool ticked);
     QList<XsdtNode*> takeTicked();
 
     SettingsModel* m_model = nullptr;
     const XsdtDocument* m_document = nullptr;
     SettingRowSet* m_rowSet = nullptr;
-    QList<UnusedModuleCard*> m_cards;
+    QList<ModuleInfo> m_modules;
+    std::vector<bool> m_ticked;       ///< For each of `m_modules`.
+    QList<UnusedModuleCard*> m_cards; ///< For the first of `m_modules`.
     ModuleContents m_contents;
     QLabel* m_summary = nullptr;
     WidgetColumn* m_column = nullptr;

@@ -150,12 +150,10 @@ void HealthView::removeCards()
 void HealthView::addCards()
 {
     const qsizetype total = m_findings.size();
-    const qsizetype shown = qMin(total, m_cards->count() + cardStep);
-    QList<QWidget*> cards;
-    for (qsizetype i = m_cards->count(); i < shown; ++i) {
-        cards.append(buildCard(m_findings[i]));
-    }
-    m_cards->append(cards);
+    const qsizetype first = m_cards->count();
+    const qsizetype shown = qMin(total, first + cardStep);
+    m_cards->append(shown - first,
+                    [this, first](qsizetype i) { return buildCard(m_findings[first + i]); });
     m_cards->setMoreText(shown < total ? tr("Show more findings (%1 more)").arg(total - shown)
                                        : QString());
 }

@@ -14,7 +14,6 @@
 #include "widgets/WidgetColumn.h"
 
 #include <QEvent>
-#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -24,6 +23,7 @@
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -33,10 +33,10 @@ namespace kse {
 namespace {
 
 constexpr int maximumNesting = 16; // of sections in one another
-// Many times the number of real preferences; Qt lays out no more in time. The limit of a page keeps
-// one swollen group from displacing the other pages.
-constexpr int maximumRows = 5000;
+// Many times the numbers of real preferences; Qt lays out no more in time.
 constexpr int maximumPageRows = 2000;
+constexpr size_t maximumPages = 500;
+constexpr qsizetype longPage = 300; // rows
 
 /// Adds room around a title as a part of its row: spacing between rows can't be clicked.
 class PageDelegate : public QStyledItemDelegate
@@ -62,40 +62,7 @@ protected:
     }
 };
 
-/// Shows the rows that match `text` and hides the others. True if any matches.
-bool filterRows(const QList<SettingRow*>& rows, const QString& text)
-{
-    bool found = false;
-    for (SettingRow* row : rows) {
-        const bool matches = row->matches(text);
-        row->setVisible(matches);
-        found = found || matches;
-    }
-    return found;
-}
-
-bool showsContent(const CollapsibleSection& section)
-{
-    const QBoxLayout* layout = section.bodyLayout();
-    for (int i = 0; i < layout->count(); ++i) {
-        if (!layout->itemAt(i)->widget()->isHidden()) {
-            return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
-
-/// The visible part of a group.
-struct PreferencesView::Group
-{
-    XsdtNode* node = nullptr;
-    QList<XsdtNode*> values;
-    std::vector<Group> groups; // none is empty
-
-    bool isEmpty() const { return values.isEmpty() && groups.empty(); }
-};
 
 PreferencesView::PreferencesView(SettingsModel* model, const SettingsSchema* schema,
                                  QWidget* parent)
@@ -112,7 +79,10 @@ PreferencesView::PreferencesView(SettingsModel* model, const SettingsSchema* sch
 void PreferencesView::connectWidgets(const SettingsModel* model)
 {
     connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_isListDragged = true; });
-    connect(m_searchEdit, &QLineEdit::textChanged, this, &PreferencesView::applyFilter);
+    connect(m_searchEdit, &QLineEdit::textChanged, this, &PreferencesView::onSearchChanged);
+    m_debounce.setSingleShot(true);
+    m_debounce.setInterval(200);
+    connect(&m_debounce, &QTimer::timeout, this, &PreferencesView::applyFilter);
     connect(m_pageList, &QListWidget::currentRowChanged, this, &PreferencesView::showPage);
     connect(m_rowSet, &SettingRowSet::message, this, &PreferencesView::message);
     connect(m_rowSet, &SettingRowSet::deleteRequested, this, &PreferencesView::deleteRequested);
@@ -170,8 +140,18 @@ void PreferencesView::createLayout()
 
 void PreferencesView::fitPageList()
 {
-    const int width = qBound(170, fontMetrics().averageCharWidth() * 30, 300);
-    m_splitter->setSizes({width, m_splitter->width() - m_splitter->handleWidth() - width});
+    // In a narrow window the settings need the room more.
+    const int wanted = std::min(fontMetrics().averageCharWidth() * 30, width() / 4);
+    const int listWidth = qBound(170, wanted, 300);
+    m_splitter->setSizes({listWidth, m_splitter->width() - m_splitter->handleWidth() - listWidth});
+}
+
+void PreferencesView::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    if (!m_isListDragged) {
+        fitPageList();
+    }
 }
 
 void PreferencesView::changeEvent(QEvent* event)
@@ -189,7 +169,7 @@ void PreferencesView::setDocument(const XsdtDocument* document)
         return;
     }
     for (const PageSpec& spec : m_schema->decoratedPages(*document)) {
-        buildPage(spec);
+        addPage(spec);
     }
     m_limitLabel->setVisible(m_isCut);
     QList<QWidget*> pages;
@@ -198,8 +178,8 @@ void PreferencesView::setDocument(const XsdtDocument* document)
     }
     continueTabOrder(m_pageList, pages);
     updatePageCounts();
-    if (m_searchEdit->text().trimmed().isEmpty()) {
-        m_pageList->setCurrentRow(0); // showing each row by itself would lay out all pages
+    if (searchText().isEmpty()) {
+        m_pageList->setCurrentRow(0);
     } else {
         applyFilter(); // selects the first page that matches
     }
@@ -208,99 +188,123 @@ void PreferencesView::setDocument(const XsdtDocument* document)
 void PreferencesView::discardPages()
 {
     m_rowSet->clear();
-    m_pages.clear();
-    m_rowsLeft = maximumRows;
     m_isCut = false;
     m_limitLabel->hide();
     m_pageList->clear();
     showPage(-1);
-    for (int i = m_pageStack->count() - 1; i > 0; --i) {
-        QWidget* page = m_pageStack->widget(i);
-        m_pageStack->removeWidget(page);
-        page->hide();
-        page->deleteLater();
+    for (const Page& page : m_pages) {
+        m_pageStack->removeWidget(page.column);
+        page.column->hide();
+        page.column->clear();
+        page.column->setEnabled(false); // not even a screen reader may open a section any more
+        page.column->deleteLater();
     }
+    m_pages.clear();
 }
 
 // NOLINTNEXTLINE(misc-no-recursion): maximumNesting limits the depth, here and below.
 PreferencesView::Group PreferencesView::visiblePart(XsdtNode* node, int depth)
 {
-    Group part{node, {}, {}};
+    Group part;
+    part.node = node;
     for (const auto& child : node->children) {
-        const bool isGroup = child->kind == XsdtNode::Kind::Group && depth < maximumNesting;
-        if ((!isGroup && !child->isEditableType()) || m_schema->isHidden(*child)) {
+        if (!child->isEditableType() || m_schema->isHidden(*child)) {
             continue;
         }
-        if (!isGroup) {
-            if (m_rowsLeft == 0 || m_pageRowsLeft == 0) {
-                m_isCut = true;
-                break;
-            }
-            --m_rowsLeft;
-            --m_pageRowsLeft;
-            part.values.append(child.get());
-        } else if (Group below = visiblePart(child.get(), depth + 1); !below.isEmpty()) {
+        if (m_pageRowsLeft == 0) {
+            m_isCut = true;
+            break;
+        }
+        --m_pageRowsLeft;
+        part.values.append(child.get());
+    }
+    for (const auto& child : node->children) {
+        if (child->kind != XsdtNode::Kind::Group || depth == maximumNesting ||
+            m_schema->isHidden(*child)) {
+            continue;
+        }
+        if (Group below = visiblePart(child.get(), depth + 1); below.count() > 0) {
             part.groups.push_back(std::move(below));
         }
     }
     return part;
 }
 
-void PreferencesView::buildPage(const PageSpec& spec)
+void PreferencesView::addPage(const PageSpec& spec)
 {
-    const bool several = spec.nodes.size() > 1;
     m_pageRowsLeft = maximumPageRows;
-    std::vector<Group> groups;
+    Page page;
     for (XsdtNode* node : spec.nodes) {
-        if (Group group = visiblePart(node, several ? 1 : 0); !group.isEmpty()) {
-            groups.push_back(std::move(group));
+        if (Group group = visiblePart(node, spec.nodes.size() > 1 ? 1 : 0); group.count() > 0) {
+            page.groups.push_back(std::move(group));
         }
     }
-    if (groups.empty()) {
+    if (page.groups.empty()) {
         return;
     }
-
-    auto* column = new WidgetColumn(0, m_pageStack);
-    Page page;
-    page.title = shownName(abbreviated(spec.title, titleLimit), spec.nodes.constFirst()->key);
-    column->setAccessibleName(page.title);
-    page.column = column;
-    for (const Group& group : groups) {
-        column->append(several ? QList<QWidget*>{buildSection(group, true, column->widget(), page)}
-                               : buildGroup(group, column->widget(), page));
+    if (m_pages.size() == maximumPages) {
+        m_isCut = true;
+        return;
     }
-    m_pageStack->addWidget(column);
+    page.title = shownName(abbreviated(spec.title, titleLimit), spec.nodes.constFirst()->key);
+    page.column = new WidgetColumn(0, m_pageStack);
+    page.column->setAccessibleName(page.title);
+    page.isSections = spec.nodes.size() > 1;
+    m_pageStack->addWidget(page.column);
     page.item = new QListWidgetItem(page.title, m_pageList);
     m_pages.push_back(std::move(page));
 }
 
-// NOLINTNEXTLINE(misc-no-recursion)
-QList<QWidget*> PreferencesView::buildGroup(const Group& group, QWidget* parent, Page& page)
+void PreferencesView::buildPage(Page& page)
 {
-    QList<QWidget*> widgets;
-    for (XsdtNode* value : group.values) {
-        page.rows.append(m_rowSet->add(value, parent));
-        widgets.append(page.rows.constLast());
+    page.isBuilt = true;
+    QWidget* parent = page.column->widget();
+    std::vector<Group>& groups = page.groups;
+    if (page.isSections) {
+        page.column->append(qsizetype(groups.size()), [this, &groups, parent](qsizetype i) {
+            return createSection(groups[size_t(i)], true, parent);
+        });
+    } else {
+        Group& group = groups.front();
+        page.column->append(group.count(), [this, &group, parent](qsizetype i) {
+            return createPart(group, i, parent);
+        });
     }
-    for (const Group& below : group.groups) {
-        widgets.append(buildSection(below, false, parent, page));
-    }
-    return widgets;
 }
 
-// NOLINTNEXTLINE(misc-no-recursion)
-QWidget* PreferencesView::buildSection(const Group& group, bool expanded, QWidget* parent,
-                                       Page& page)
+/// The widget for the value or the group `i` of `group`, as the search shows it.
+QWidget* PreferencesView::createPart(Group& group, qsizetype i, QWidget* parent)
+{
+    const qsizetype values = group.values.size();
+    if (i >= values) {
+        return createSection(group.groups[size_t(i - values)], false, parent);
+    }
+    XsdtNode* value = group.values.at(i);
+    SettingRow* row = m_rowSet->add(value, parent);
+    if (!matches(*value, searchText())) {
+        row->hide();
+    }
+    group.rows.append(row);
+    return row;
+}
+
+QWidget* PreferencesView::createSection(Group& group, bool expanded, QWidget* parent)
 {
     XsdtNode* node = group.node;
     auto* section =
         new CollapsibleSection(shownName(prettyName(node->key), node->key), expanded, parent);
+    group.section = section;
     section->setContextMenuHandler(
         [this, node](const QPoint& globalPos) { m_rowSet->showMenu(node, globalPos); });
-    page.sections.append(section);
-    QBoxLayout* layout = section->bodyLayout();
-    for (QWidget* widget : buildGroup(group, layout->parentWidget(), page)) {
-        layout->addWidget(widget);
+    section->setLazyBuilder([this, section, &group] {
+        QBoxLayout* layout = section->bodyLayout();
+        for (qsizetype i = 0; i < group.count(); ++i) {
+            layout->addWidget(createPart(group, i, layout->parentWidget()));
+        }
+    });
+    updateChangeCounts(group);
+    if (const QString text = searchText(); !text.isEmpty()) {
+        filterGroup(group, text);
     }
     return section;
 }
@@ -325,22 +329,27 @@ void PreferencesView::setSearchText(const QString& text)
     m_searchEdit->setText(text);
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
+qsizetype PreferencesView::updateChangeCounts(const Group& group)
+{
+    auto changed = std::count_if(group.values.begin(), group.values.end(),
+                                 [](const XsdtNode* value) { return value->isModified(); });
+    for (const Group& below : group.groups) {
+        changed += updateChangeCounts(below);
+    }
+    if (group.section) {
+        group.section->setChangeCount(changed);
+    }
+    return changed;
+}
+
 void PreferencesView::updatePageCounts()
 {
     for (const Page& page : m_pages) {
-        const QWidget* content = page.column->widget();
-        QHash<const QWidget*, qsizetype> changedWithin;
-        for (const SettingRow* row : page.rows) {
-            const QWidget* above = row->node()->isModified() ? row : content;
-            while (above != content) {
-                above = above->parentWidget();
-                ++changedWithin[above];
-            }
+        qsizetype changed = 0;
+        for (const Group& group : page.groups) {
+            changed += updateChangeCounts(group);
         }
-        for (CollapsibleSection* section : page.sections) {
-            section->setChangeCount(changedWithin.value(section));
-        }
-        const qsizetype changed = changedWithin.value(content);
         QFont font; // sets only the weight; the rest is the list's font
         font.setWeight(changed > 0 ? QFont::Bold : QFont::Normal);
         page.item->setFont(font);
@@ -349,21 +358,42 @@ void PreferencesView::updatePageCounts()
     }
 }
 
+QString PreferencesView::searchText() const
+{
+    return m_searchEdit->text().trimmed();
+}
+
+bool PreferencesView::matches(const XsdtNode& value, const QString& text) const
+{
+    return text.isEmpty() || SettingRow::matches(value, m_schema->describe(value), text);
+}
+
+// NOLINTNEXTLINE(misc-no-recursion)
+bool PreferencesView::matches(const Group& group, const QString& text) const
+{
+    return std::any_of(group.values.begin(), group.values.end(),
+                       [&](const XsdtNode* value) { return matches(*value, text); }) ||
+           std::any_of(group.groups.begin(), group.groups.end(),
+                       [&](const Group& below) { return matches(below, text); });
+}
+
+/// A page that takes long to lay out is filtered once the user pauses.
+void PreferencesView::onSearchChanged()
+{
+    const int row = m_pageList->currentRow();
+    const bool isLong = row >= 0 && m_pages[size_t(row)].column->count() > longPage;
+    isLong ? m_debounce.start() : applyFilter();
+}
+
 void PreferencesView::applyFilter()
 {
-    const QString text = m_searchEdit->text().trimmed();
+    m_debounce.stop();
+    const QString text = searchText();
     QListWidgetItem* firstFound = nullptr;
-    for (const Page& page : m_pages) {
-        page.column->widget()->hide(); // else each row shown or hidden lays out all
-        const bool found = filterRows(page.rows, text);
-        for (auto it = page.sections.rbegin(); it != page.sections.rend(); ++it) {
-            CollapsibleSection* section = *it;
-            const bool finds = !text.isEmpty() && showsContent(*section);
-            section->setVisible(finds || text.isEmpty());
-            section->setExpanded(text.isEmpty() ? section->startExpanded() : finds);
-        }
-        page.column->widget()->show();
-        page.column->verticalScrollBar()->setValue(0);
+    for (Page& page : m_pages) {
+        page.isFiltered = false;
+        const bool found = std::any_of(page.groups.begin(), page.groups.end(),
+                                       [&](const Group& group) { return matches(group, text); });
         page.item->setHidden(!found);
         if (found && !firstFound) {
             firstFound = page.item;
@@ -376,8 +406,44 @@ void PreferencesView::applyFilter()
     showPage(m_pageList->currentRow());
 }
 
+/// Shows what matches `text` in the widgets of `group`, and opens the sections that hold it.
+/// Without a text, all of it, and the sections as they were first.
+// NOLINTNEXTLINE(misc-no-recursion)
+void PreferencesView::filterGroup(const Group& group, const QString& text) const
+{
+    if (CollapsibleSection* section = group.section) {
+        const bool found = matches(group, text);
+        section->setVisible(found);
+        section->setExpanded(text.isEmpty() ? section->startExpanded() : found);
+        if (!found) {
+            return;
+        }
+    }
+    for (SettingRow* row : group.rows) {
+        row->setVisible(matches(*row->node(), text));
+    }
+    for (const Group& below : group.groups) {
+        filterGroup(below, text);
+    }
+}
+
 void PreferencesView::showPage(int index)
 {
+    if (index >= 0) {
+        Page& page = m_pages[static_cast<size_t>(index)];
+        if (!page.isBuilt) {
+            buildPage(page);
+        }
+        if (!page.isFiltered) {
+            page.isFiltered = true;
+            page.column->widget()->hide(); // else each row shown or hidden lays out all
+            for (const Group& group : page.groups) {
+                filterGroup(group, searchText());
+            }
+            page.column->widget()->show();
+            page.column->verticalScrollBar()->setValue(0);
+        }
+    }
     m_pageStack->setCurrentIndex(index + 1);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QList>
+#include <QTimer>
 #include <QWidget>
 
 #include <vector>
@@ -25,9 +26,10 @@ struct PageSpec;
 struct XsdtDocument;
 struct XsdtNode;
 
-/// The preferences, in pages, with their descriptions. Leaves to the tree of all settings what it
-/// doesn't show: types that can't be edited, hidden values, groups nested more than 16 deep, and
-/// all that comes after the first 5,000 settings.
+/// The preferences, in pages, with their descriptions. The widgets of a page and of a section are
+/// created when they are first shown. Leaves to the tree of all settings what it doesn't show:
+/// types that can't be edited, hidden values, groups nested more than 16 deep, all but the first
+/// 2,000 settings of a page, and all but the first 500 pages.
 class PreferencesView : public QWidget
 {
     Q_OBJECT
@@ -58,18 +60,32 @@ signals:
     void restoreRequested(kse::XsdtNode* node);
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
+    /// The visible part of a group, and the widgets that show it so far.
+    struct Group
+    {
+        XsdtNode* node = nullptr;
+        QList<XsdtNode*> values;
+        std::vector<Group> groups;             ///< None is empty.
+        QList<SettingRow*> rows;               ///< Of the first of `values`.
+        CollapsibleSection* section = nullptr; ///< Null at the top of a page as well.
+
+        qsizetype count() const { return values.size() + qsizetype(groups.size()); }
+    };
+
     struct Page
     {
         QString title;
         QListWidgetItem* item = nullptr;
         WidgetColumn* column = nullptr;
-        QList<SettingRow*> rows;
-        QList<CollapsibleSection*> sections; ///< Outer ones before those inside them.
+        std::vector<Group> groups;
+        bool isSections = false; ///< Each of `groups` has a section.
+        bool isBuilt = false;
+        bool isFiltered = true; ///< Its widgets show what the search finds.
     };
-    struct Group;
 
     void createNavigation();
     void createPages();
@@ -78,16 +94,24 @@ private:
     void fitPageList();
     void discardPages();
     Group visiblePart(XsdtNode* node, int depth);
-    void buildPage(const PageSpec& spec);
-    QList<QWidget*> buildGroup(const Group& group, QWidget* parent, Page& page);
-    QWidget* buildSection(const Group& group, bool expanded, QWidget* parent, Page& page);
+    void addPage(const PageSpec& spec);
+    void buildPage(Page& page);
+    QWidget* createPart(Group& group, qsizetype i, QWidget* parent);
+    QWidget* createSection(Group& group, bool expanded, QWidget* parent);
+    static qsizetype updateChangeCounts(const Group& group);
     void updatePageCounts();
+    QString searchText() const;
+    bool matches(const Group& group, const QString& text) const;
+    bool matches(const XsdtNode& value, const QString& text) const;
+    void onSearchChanged();
     void applyFilter();
+    void filterGroup(const Group& group, const QString& text) const;
     void showPage(int index);
 
     const SettingsSchema* m_schema = nullptr;
     SettingRowSet* m_rowSet = nullptr;
     QLineEdit* m_searchEdit = nullptr;
+    QTimer m_debounce;
     QListWidget* m_pageList = nullptr;
     QSplitter* m_splitter = nullptr;
     bool m_isListDragged = false;          ///< The user has set the width of the list.
@@ -95,8 +119,7 @@ private:
     QLabel* m_emptyLabel = nullptr;
     QLabel* m_limitLabel = nullptr;
     std::vector<Page> m_pages;
-    int m_rowsLeft = 0;     ///< That may still be added, while pages are built.
-    int m_pageRowsLeft = 0; ///< The same for the current page.
+    int m_pageRowsLeft = 0; ///< That may still be added to the page that is being added.
     bool m_isCut = false;   ///< The document has more rows than are shown.
 };
 

@@ -129,14 +129,13 @@ void SettingRow::setShowPath(bool showPath)
     refreshDescription(m_node->isModified());
 }
 
-bool SettingRow::matches(const QString& text) const
+bool SettingRow::matches(const XsdtNode& node, const VariableInfo& info, const QString& text)
 {
     const auto holds = [&text](const QString& whole) {
         return whole.contains(text, Qt::CaseInsensitive);
     };
-    return text.isEmpty() || holds(m_info.label) || holds(m_node->key) ||
-           holds(m_info.description) ||
-           (m_node->typeCode == XsdtValueType::String && holds(m_node->value));
+    return holds(shownName(info.label, node.key)) || holds(node.key) || holds(info.description) ||
+           (node.typeCode == XsdtValueType::String && holds(node.value));
 }
 
 void SettingRow::commit(const QString& text)

@@ -39,8 +39,9 @@ public:
     void setShowPath(bool showPath);
 
     /// Whether the label, the key, the description or the value of a string contains `text`,
-    /// ignoring case.
-    [[nodiscard]] bool matches(const QString& text) const;
+    /// ignoring case. `info` describes `node`, which needs no row.
+    [[nodiscard]] static bool matches(const XsdtNode& node, const VariableInfo& info,
+                                      const QString& text);
 
 signals:
     /// The row refused a value before it reached the model.

@@ -202,20 +202,33 @@ QStringList searchTerms(const QString& text)
 QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const SettingsSchema& schema)
 {
     QList<SearchIndexEntry> index;
+    QHash<QString, QString> labels; // of keys, most of which repeat
+    const XsdtNode* group = nullptr;
+    bool isDescribed = false; // something in `group` may be
     LowerCasePath path(document.root);
     walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
         QStringView here = path.moveTo(node);
         if (node.kind != XsdtNode::Kind::Value) {
             return Walk::Into;
         }
+        if (node.parent != group) {
+            group = node.parent;
+            isDescribed = node.depth <= deepestWholePath && schema.mayDescribeIn(*group);
+        }
         SearchIndexEntry entry{&node, {}, {}, {}};
-        if (node.depth > deepestWholePath) {
-            here = here.last(std::min(here.size(), shortPathLength));
-            entry.label = prettyName(node.key);
-        } else {
+        if (isDescribed) {
             const VariableInfo info = schema.describe(node);
             entry.label = info.label;
             entry.description = info.description.toLower();
+        } else {
+            QString& label = labels[node.key];
+            if (label.isNull()) {
+                label = prettyName(node.key);
+            }
+            entry.label = label;
+        }
+        if (node.depth > deepestWholePath) {
+            here = here.last(std::min(here.size(), shortPathLength));
         }
         entry.haystack.reserve(here.size() + 1 + entry.label.size());
         entry.haystack += here;

@@ -254,13 +254,13 @@ void SearchView::addRows()
 {
     const qsizetype total = m_results.size();
     const qsizetype shown = qMin(total, m_limit);
-    QList<QWidget*> rows;
-    for (qsizetype i = m_resultsArea->count(); i < shown; ++i) {
-        SettingRow* row = m_rowSet->add(m_index[m_results[i]].node, m_resultsArea->widget());
+    const qsizetype first = m_resultsArea->count();
+    m_resultsArea->append(shown - first, [this, first](qsizetype i) {
+        XsdtNode* node = m_index[m_results[first + i]].node;
+        SettingRow* row = m_rowSet->add(node, m_resultsArea->widget());
         row->setShowPath(true);
-        rows.append(row);
-    }
-    m_resultsArea->append(rows);
+        return row;
+    });
     m_resultsArea->setMoreText(shown < total ? tr("Show more results (%1 more)").arg(total - shown)
                                              : QString());
     if (total == 0) {

@@ -95,7 +95,7 @@ private slots:
     {
         Page page(u"ModuleData/A/a:s=1; A/a:s=1; "_s.repeated(401));
         page.view.expandCard(u"A"_s);
-        QCOMPARE(page.view.findChildren<SettingRow*>().size(), 400);
+        QCOMPARE(page.children<SettingRow>().size(), 400);
         QVERIFY(page.text("moreLabel").startsWith(u"...and 402 more values."));
     }
 };

@@ -43,6 +43,7 @@ private slots:
         const auto rows = [](const QStringList& cells) {
             Page page(cells[0], cells[1]);
             page.view.setStateFilters(true, true, true);
+            page.child<QCheckBox>("hideNoise")->setChecked(!cells[0].startsWith(u"Modules"));
             return page.rows();
         };
         compareRows(
@@ -60,6 +61,8 @@ private slots:
              "Global/Preferences/A/b/c:i=1; Global/a/b/c:i=1 > Global/Preferences/A/b/c:i=2; "
              "Global/a/b/c:i=2 > Global/Preferences/A; .b/c|1|2|Different; Global/a; "
              ".b/c|1|2|Different",
+             "Modules/v:i=1; MainWindow/Layout:i=1 > Modules/v:i=2; MainWindow/Layout:i=2 > "
+             "Modules; .v|1|2|Different!; MainWindow; .Layout|1|2|Different!",
              "a:B=xyz; Modules/v:i=1; MainWindow/Layout:i=1 > a:B=x; Modules/v:i=2; "
              "MainWindow/Layout:i=2 > (top level); .a|(3 characters of encoded data)|(1 "
              "characters of encoded data)|Different!"},

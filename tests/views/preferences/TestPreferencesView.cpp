@@ -30,7 +30,7 @@ struct Page : SettingsPage<PreferencesView>
             }
         }
         QStringList texts;
-        for (const QWidget* widget : stack->currentWidget()->findChildren<QWidget*>()) {
+        for (const QWidget* widget : children()) {
             const QString name = widget->objectName();
             if (widget->isVisible() && (name == "nameLabel"_L1 || name == "toggleButton"_L1)) {
                 texts.append(widget->property("text").toString());

@@ -136,11 +136,15 @@ private slots:
             VariableInfo info = infoOf(Kind::Text);
             info.readOnly = !cells[1].isEmpty();
             const Row f(info, u"A:s=; B:B=; LastVersion:s=; Gone deleted; Gone/C:s="_s, cells[0]);
+            f.value->value = u"new"_s;
+            f.row->refresh();
             const auto* host = f.part("editorHost");
-            return host->isEnabled() ? u"enabled"_s : host->toolTip().section(u' ', 0, 1);
+            return (host->isEnabled() ? u"enabled"_s : host->toolTip().section(u' ', 0, 1)) +
+                   (f.part("revertButton")->isEnabled() ? u", reverts"_s : u""_s);
         };
-        compareRows({"A >  > enabled", "A > read-only > Documented by", "B >  > Protected value",
-                     "LastVersion >  > Module registry", "Gone/C >  > "},
+        compareRows({"A >  > enabled, reverts", "A > read-only > Documented by, reverts",
+                     "B >  > Protected value, reverts", "LastVersion >  > Module registry, reverts",
+                     "Gone/C >  > "},
                     reason);
     }
 
@@ -215,9 +219,12 @@ private slots:
     void matchesWhatItShows()
     {
         for (const QString& type : {u"s"_s, u"t"_s}) {
-            const Row f(infoOf(Kind::Text), u"Tool/Key:%1=Value"_s.arg(type));
-            QVERIFY(f.row->matches(u"a & b"_s) && f.row->matches(u"kEY"_s));
-            QVERIFY(f.row->matches(u"vaLue"_s) == (type == u"s") && !f.row->matches(u"Tool"_s));
+            const ModelOf f(u"Tool/Key:%1=Value"_s.arg(type));
+            const auto matches = [&f](const QString& text) {
+                return SettingRow::matches(*f.node(u"Tool/Key"_s), infoOf(Kind::Text), text);
+            };
+            QVERIFY(matches(u"a & b"_s) && matches(u"kEY"_s) && !matches(u"Tool"_s));
+            QVERIFY(matches(u"vaLue"_s) == (type == u"s"));
         }
     }
 

@@ -23,7 +23,7 @@ struct Page : SettingsPage<SearchView>
     {
         QList<SettingRow*> rows;
         const QLayout* layout = child("resultsContainer")->layout();
-        for (int i = 0; i < layout->count() - 2; ++i) { // a button and a stretch come last
+        for (int i = 0; i < layout->count() - 3; ++i) { // a space, a button and a stretch come last
             rows.append(qobject_cast<SettingRow*>(layout->itemAt(i)->widget()));
         }
         return rows;
@@ -71,7 +71,7 @@ private slots:
                      " > \"mask light\" > ", " > \u00C9t\u00E9 > ÉTÉ été", " > 12 > MaskOn y",
                      " > fast 12 > ", "\u0020>  > ", "searchNames > mask > Light b Top",
                      "searchValues > light > Light",
-                     "searchNames searchValues > Zoom > WheelDirection",
+                     "searchNames searchValues > \"Zoom direction\" > WheelDirection",
                      "searchNames searchValues searchDescriptions > mask > ",
                      "includeProtected > 12 > MaskOn y x", "includeProtected > block > Block",
                      "changedOnly >  > Gone MaskOn", "changedOnly > gone > Gone"},
