@@ -15,6 +15,7 @@
 #include "views/preferences/PreferencesView.h"
 #include "views/search/SearchView.h"
 #include "views/tree/AllSettingsView.h"
+#include "widgets/WidgetColumn.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -193,6 +194,9 @@ void Screenshots::grabTree()
 
 void Screenshots::grab(QWidget& widget, const QString& name)
 {
+    for (WidgetColumn* column : widget.findChildren<WidgetColumn*>()) {
+        column->complete(); // the same picture on a slow computer
+    }
     // The first round shows new widgets and posts the events that lay them out.
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();

@@ -27,7 +27,8 @@ void FittedWindow::fitMinimumWidth(int minimum)
     if (isForced && !isMaximized() && !isFullScreen()) {
         resize(std::max(minimum, m_chosenWidth), height());
     }
-    if (m_chosenWidth < minimum) {
+    const bool isForcedHeight = height() <= minimumSizeHint().height(); // by larger text
+    if (m_chosenWidth < minimum || isForcedHeight) {
         keepOnScreen();
     }
 }

@@ -16,6 +16,9 @@ void setMayBeTabStop(QWidget& widget);
 /// window. Returns the last widget that takes the focus, or `before` if none does.
 QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets);
 
+/// The last widget in `widget`, or itself, that takes the focus at times; null if there is none.
+QWidget* lastTabStop(QWidget& widget);
+
 /// Enables or disables `widget`. If that takes the focus from it, `heir` gets the focus: Qt would
 /// give it to the next widget, which may be another command.
 void setEnabledOrPass(QWidget& widget, bool enabled, QWidget& heir);

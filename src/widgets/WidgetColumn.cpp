@@ -19,13 +19,14 @@ namespace kse {
 
 namespace {
 
-constexpr qint64 sliceTime = 8; // milliseconds; half a frame
+// Milliseconds.
+constexpr qint64 sliceTime = 8; // half a frame
+constexpr qint64 longestStart = 40;
 
 } // namespace
 
 WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     : QScrollArea(parent)
-    , m_lastTabStop(this)
     , m_focusFrame(new QFocusFrame(this))
 {
     m_idleTimer.setInterval(0);
@@ -57,10 +58,17 @@ void WidgetColumn::append(qsizetype count, std::function<QWidget*(qsizetype)> cr
     m_create = std::move(create);
     m_missing = count;
     m_created = 0;
+    QElapsedTimer timer;
+    timer.start();
     int height = 0;
     createUntil([&] {
-        height += m_items.constLast()->sizeHint().height();
-        return height > window()->height(); // the column itself may not be laid out yet
+        const QWidget* last = m_items.constLast();
+        if (!last->isHidden() || !last->testAttribute(Qt::WA_WState_ExplicitShowHide)) {
+            height += last->sizeHint().height() + m_layout->spacing();
+        }
+        m_itemHeight = height / int(m_created);
+        // The column itself may not be laid out yet, and many rows may be hidden.
+        return height > window()->height() || timer.hasExpired(longestStart);
     });
 }
 
@@ -84,8 +92,8 @@ void WidgetColumn::createUntil(const std::function<bool()>& isEnough)
         m_layout->insertWidget(m_layout->count() - 3, widget);
         m_items.append(widget);
     } while (m_missing > 0 && !isEnough());
-    m_lastTabStop = continueTabOrder(m_lastTabStop, m_items.sliced(before));
-    setTabOrder(m_lastTabStop, m_showMoreButton);
+    QWidget* stop = before > 0 ? lastTabStop(*m_items.at(before - 1)) : nullptr;
+    setTabOrder(continueTabOrder(stop ? stop : this, m_items.sliced(before)), m_showMoreButton);
     if (m_missing == 0) {
         m_idleTimer.stop();
         m_create = nullptr;
@@ -93,8 +101,7 @@ void WidgetColumn::createUntil(const std::function<bool()>& isEnough)
         m_idleTimer.start();
     }
     // The missing ones get about the room that they will take, so that the scroll bar doesn't jump.
-    const int height = m_items.constFirst()->sizeHint().height();
-    m_missingSpace->changeSize(0, int(m_missing) * (height + m_layout->spacing()));
+    m_missingSpace->changeSize(0, int(m_missing) * m_itemHeight);
     m_layout->invalidate();
 }
 
@@ -104,7 +111,6 @@ void WidgetColumn::clear()
     m_create = nullptr;
     m_idleTimer.stop();
     m_missingSpace->changeSize(0, 0);
-    m_lastTabStop = this;
     // The focus stays in the column instead of going from row to row as they are hidden.
     if (isAncestorOf(QApplication::focusWidget())) {
         setFocus();
@@ -121,7 +127,8 @@ void WidgetColumn::clear()
 void WidgetColumn::setMoreText(const QString& text)
 {
     if (text.isEmpty() && m_showMoreButton->hasFocus()) {
-        focusPreviousChild(); // from where Tab leads to what has just been appended
+        QScrollArea::focusNextPrevChild(
+            false); // from where Tab leads to what has just been appended
     }
     m_showMoreButton->setText(text);
     m_showMoreButton->setVisible(!text.isEmpty());
@@ -129,7 +136,12 @@ void WidgetColumn::setMoreText(const QString& text)
 
 bool WidgetColumn::focusNextPrevChild(bool next)
 {
-    complete();
+    if (isVisible()) { // not while it is being hidden
+        complete();
+        for (QWidget* item : std::as_const(m_items)) { // shows those that are new
+            QCoreApplication::sendPostedEvents(item, QEvent::MetaCall);
+        }
+    }
     return QScrollArea::focusNextPrevChild(next);
 }
 

@@ -56,12 +56,12 @@ private:
     QVBoxLayout* m_layout = nullptr; ///< The widgets, `m_missingSpace`, the button, a stretch.
     QSpacerItem* m_missingSpace = nullptr;
     QPushButton* m_showMoreButton = nullptr;
-    QWidget* m_lastTabStop = nullptr; ///< Before the button.
     QFocusFrame* m_focusFrame = nullptr;
     QList<QWidget*> m_items;
     std::function<QWidget*(qsizetype)> m_create;
     qsizetype m_missing = 0; ///< How many calls of `m_create` are still to come.
     qsizetype m_created = 0; ///< How many there were.
+    int m_itemHeight = 0;    ///< The mean of the first ones.
     QTimer m_idleTimer;
 };
 

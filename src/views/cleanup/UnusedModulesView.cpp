@@ -109,7 +109,9 @@ void UnusedModulesView::refresh()
 {
     m_rowSet->clear();
     m_contents.forgetAll();
-    m_cards.clear();
+    for (UnusedModuleCard* card : std::exchange(m_cards, {})) {
+        card->disconnect(this); // it is deleted later
+    }
     m_column->clear();
     m_modules = m_document ? ModuleCatalog::unusedModules(*m_document) : QList<ModuleInfo>();
     m_ticked.assign(size_t(m_modules.size()), false);

@@ -36,7 +36,7 @@ constexpr int maximumNesting = 16; // of sections in one another
 // Many times the numbers of real preferences; Qt lays out no more in time.
 constexpr int maximumPageRows = 2000;
 constexpr size_t maximumPages = 500;
-constexpr qsizetype longPage = 300; // rows
+constexpr int manyRows = 1000; // in all pages
 
 /// Adds room around a title as a part of its row: spacing between rows can't be clicked.
 class PageDelegate : public QStyledItemDelegate
@@ -80,6 +80,11 @@ void PreferencesView::connectWidgets(const SettingsModel* model)
 {
     connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_isListDragged = true; });
     connect(m_searchEdit, &QLineEdit::textChanged, this, &PreferencesView::onSearchChanged);
+    connect(m_searchEdit, &QLineEdit::editingFinished, this, [this] {
+        if (m_debounce.isActive()) {
+            applyFilter(); // before the focus is in a row
+        }
+    });
     m_debounce.setSingleShot(true);
     m_debounce.setInterval(200);
     connect(&m_debounce, &QTimer::timeout, this, &PreferencesView::applyFilter);
@@ -187,7 +192,12 @@ void PreferencesView::setDocument(const XsdtDocument* document)
 
 void PreferencesView::discardPages()
 {
+    for (const Page& page : m_pages) {
+        page.column->clear(); // creates no more rows
+    }
+    m_debounce.stop();
     m_rowSet->clear();
+    m_rowCount = 0;
     m_isCut = false;
     m_limitLabel->hide();
     m_pageList->clear();
@@ -195,7 +205,6 @@ void PreferencesView::discardPages()
     for (const Page& page : m_pages) {
         m_pageStack->removeWidget(page.column);
         page.column->hide();
-        page.column->clear();
         page.column->setEnabled(false); // not even a screen reader may open a section any more
         page.column->deleteLater();
     }
@@ -246,6 +255,7 @@ void PreferencesView::addPage(const PageSpec& spec)
         m_isCut = true;
         return;
     }
+    m_rowCount += maximumPageRows - m_pageRowsLeft;
     page.title = shownName(abbreviated(spec.title, titleLimit), spec.nodes.constFirst()->key);
     page.column = new WidgetColumn(0, m_pageStack);
     page.column->setAccessibleName(page.title);
@@ -327,6 +337,7 @@ bool PreferencesView::selectPage(int index)
 void PreferencesView::setSearchText(const QString& text)
 {
     m_searchEdit->setText(text);
+    applyFilter();
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)
@@ -377,12 +388,10 @@ bool PreferencesView::matches(const Group& group, const QString& text) const
                        [&](const Group& below) { return matches(below, text); });
 }
 
-/// A page that takes long to lay out is filtered once the user pauses.
+/// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
 void PreferencesView::onSearchChanged()
 {
-    const int row = m_pageList->currentRow();
-    const bool isLong = row >= 0 && m_pages[size_t(row)].column->count() > longPage;
-    isLong ? m_debounce.start() : applyFilter();
+    m_rowCount > manyRows ? m_debounce.start() : applyFilter();
 }
 
 void PreferencesView::applyFilter()

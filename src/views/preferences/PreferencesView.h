@@ -120,6 +120,7 @@ private:
     QLabel* m_limitLabel = nullptr;
     std::vector<Page> m_pages;
     int m_pageRowsLeft = 0; ///< That may still be added to the page that is being added.
+    int m_rowCount = 0;     ///< Settings in all pages.
     bool m_isCut = false;   ///< The document has more rows than are shown.
 };
 

@@ -51,7 +51,8 @@ void SettingRowSet::setReadOnly(bool readOnly)
         return;
     }
     m_readOnly = readOnly;
-    for (SettingRow* row : std::as_const(m_rows)) {
+    const auto rows = m_rows;
+    for (SettingRow* row : rows) {
         row->setReadOnly(readOnly);
     }
 }
@@ -78,12 +79,13 @@ void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex&
     if (m_rows.isEmpty()) {
         return;
     }
+    const auto rows = m_rows; // a focus that moves on may create rows
     const XsdtNode* parent = m_model->nodeForIndex(topLeft.parent());
     const int first = topLeft.row();
     const int last = bottomRight.row();
     // Loops over the fewer: the rows in this set, or the rows of the model that changed.
-    if (last - first >= m_rows.size()) {
-        for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
+    if (last - first >= rows.size()) {
+        for (auto row = rows.cbegin(); row != rows.cend(); ++row) {
             const XsdtNode* node = row.key();
             if (node->parent == parent && node->rowInParent() >= first &&
                 node->rowInParent() <= last) {
@@ -94,7 +96,7 @@ void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex&
     }
     for (int i = first; i <= last; ++i) {
         const XsdtNode* node = parent->children[static_cast<std::size_t>(i)].get();
-        for (auto row = m_rows.constFind(node); row != m_rows.cend() && row.key() == node; ++row) {
+        for (auto row = rows.constFind(node); row != rows.cend() && row.key() == node; ++row) {
             row.value()->refresh();
         }
     }
@@ -103,7 +105,8 @@ void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex&
 /// Nodes deeper than the model shows have no index, so `dataChanged` can't report them.
 void SettingRowSet::refreshDeepRows()
 {
-    for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
+    const auto rows = m_rows;
+    for (auto row = rows.cbegin(); row != rows.cend(); ++row) {
         if (row.key()->depth > SettingsModel::maximumDepth) {
             row.value()->refresh();
         }
@@ -112,7 +115,8 @@ void SettingRowSet::refreshDeepRows()
 
 void SettingRowSet::refreshAll()
 {
-    for (SettingRow* row : std::as_const(m_rows)) {
+    const auto rows = m_rows;
+    for (SettingRow* row : rows) {
         row->refresh();
     }
 }

@@ -207,6 +207,20 @@ void SearchView::onShowMore()
     addRows();
 }
 
+void SearchView::buildIndex()
+{
+    if (m_document && !m_indexBuilt) {
+        m_index = buildSearchIndex(*m_document, *m_schema);
+        m_indexBuilt = true;
+    }
+}
+
+void SearchView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    QTimer::singleShot(0, this, &SearchView::buildIndex); // before the first letter is typed
+}
+
 void SearchView::populate()
 {
     m_debounce.stop();
@@ -221,10 +235,7 @@ void SearchView::populate()
                                    "setting in the file."));
         return;
     }
-    if (!m_indexBuilt) {
-        m_index = buildSearchIndex(*m_document, *m_schema);
-        m_indexBuilt = true;
-    }
+    buildIndex();
     m_results = search(m_index, wanted);
     m_resultsArea->verticalScrollBar()->setValue(0); // the best come first
     addRows();
@@ -253,8 +264,8 @@ void SearchView::clearRows()
 void SearchView::addRows()
 {
     const qsizetype total = m_results.size();
-    const qsizetype shown = qMin(total, m_limit);
     const qsizetype first = m_resultsArea->count();
+    const qsizetype shown = qMax(first, qMin(total, m_limit)); // a new query may still be waiting
     m_resultsArea->append(shown - first, [this, first](qsizetype i) {
         XsdtNode* node = m_index[m_results[first + i]].node;
         SettingRow* row = m_rowSet->add(node, m_resultsArea->widget());

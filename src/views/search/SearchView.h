@@ -56,6 +56,9 @@ signals:
     void restoreRequested(kse::XsdtNode* node);
     void revealRequested(kse::XsdtNode* node);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private slots:
     void onQueryChanged();
     void onShowMore();
@@ -68,6 +71,7 @@ private:
     void connectWidgets();
 
     void dropRestriction();
+    void buildIndex();
     void populate();
     SearchQuery query() const;
     void clearRows();
