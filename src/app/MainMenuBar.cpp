@@ -15,7 +15,7 @@ namespace kse {
 namespace {
 
 /// Ctrl+= is how Ctrl++ is typed on many keyboards; where the platform binds it to zooming in
-/// already, naming it twice would make it ambiguous and dead.
+/// already, naming it twice would make it ambiguous, and it would do nothing.
 QList<QKeySequence> zoomInKeys()
 {
     QList<QKeySequence> keys = QKeySequence::keyBindings(QKeySequence::ZoomIn);

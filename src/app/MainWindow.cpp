@@ -255,7 +255,7 @@ void MainWindow::attachViews()
 {
     XsdtDocument* document = m_store.loaded ? &m_store.document : nullptr;
     m_model->setDocument(document);
-    setPagesReadOnly(); // first: what is built now is built by it
+    setPagesReadOnly(); // first: the pages create their rows by it
     forEachPage([&](auto* page) { giveDocument(page, document, openPath()); });
     m_advancedPage->resetExpansion();
     rebuildFileBox();

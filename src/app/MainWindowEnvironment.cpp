@@ -41,7 +41,7 @@ void MainWindow::pollEnvironment()
         m_openEditor->commit();
     }
     if (wasRunning && !m_running && m_staleOnDisk && pendingCount() == 0) {
-        // PixInsight has just written its settings, and nobody has anything to lose.
+        // PixInsight has just written its settings, and there are no pending changes to lose.
         openFile(m_store.path);
     }
     m_model->setReadOnly(m_running);

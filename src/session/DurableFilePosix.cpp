@@ -169,7 +169,7 @@ bool canBeReplaced(const QString& path, QString* error)
     struct stat folder = {};
     if (::lstat(QFile::encodeName(path).constData(), &file) != 0 ||
         ::stat(QFile::encodeName(QFileInfo(path).absolutePath()).constData(), &folder) != 0) {
-        return true; // which whoever opens it will find out
+        return true; // opening it will fail with the reason
     }
     // In a folder such as /tmp only the owner of a file, or of the folder, may rename over it.
     const uid_t user = ::geteuid();

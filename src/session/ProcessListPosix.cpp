@@ -30,7 +30,7 @@ ProcessEntry parseLine(const std::string& line)
 std::vector<ProcessEntry> listProcesses()
 {
     std::vector<ProcessEntry> processes;
-    // As wide as need be: else some cut the lines at the width that COLUMNS gives.
+    // `-ww` allows lines of any length: some systems cut them at the width in COLUMNS.
     std::FILE* const output = popen("ps -A -ww -o pid=,stat=,comm= 2>/dev/null", "r");
     if (!output) {
         return processes;

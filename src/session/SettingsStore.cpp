@@ -92,7 +92,7 @@ struct Replacement
                 remark = !isNew && isUntouched() ? u"The file is unchanged."_s : QString();
                 return Outcome::Failed;
             }
-            backup = store.backupName(suffix); // somebody may have taken the other meanwhile
+            backup = store.backupName(suffix); // the first name may be taken by now
         }
         if (!isCopied || (!isNew && !nameCopy(copy, backup, &reason))) {
             const bool isNamed = !copy.autoRemove() || hasHash(backup, formerHash);

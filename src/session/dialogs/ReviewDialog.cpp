@@ -81,7 +81,7 @@ QTreeWidgetItem* createRow(const QStringList& texts, ReviewDialog::RowKind kind,
     return row;
 }
 
-// The text of a cell as the file has or gets it; what the row says of itself as it stands.
+// The full text of a cell: a value as it is in the file or will be, any other text as shown.
 QVariant wholeText(const QModelIndex& index)
 {
     const QModelIndex first = index.siblingAtColumn(ChangeColumn);
@@ -465,7 +465,7 @@ void ReviewDialog::onRevert()
     if (firstRow < 0) {
         return;
     }
-    // The button goes dead under the focus: the list goes on where it was.
+    // The button is about to be disabled and would lose the focus. The list keeps its place.
     m_tree->setFocus();
     populate();
     const int lastRow = m_tree->topLevelItemCount() - 1;

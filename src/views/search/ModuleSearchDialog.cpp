@@ -38,7 +38,7 @@ ModuleSearchDialog::ModuleSearchDialog(const QStringList& moduleNames, QWidget* 
     m_nameEdit->setFocus();
 }
 
-/// Neither cuts a text, nor keeps the room of a larger font.
+/// Resizes the dialog to its texts: none is cut off, and no room is left from a larger font.
 void ModuleSearchDialog::fitToTexts()
 {
     layout()->activate(); // else the former minimum stays
