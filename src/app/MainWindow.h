@@ -106,7 +106,7 @@ private:
         return done;
     }
 
-    /// Calls `operation` with each page but the tree, which shows the model and nothing else.
+    /// Calls `operation` with each page but the tree, which shows the model and holds no document.
     template <typename Operation>
     void forEachPage(Operation&& operation)
     {

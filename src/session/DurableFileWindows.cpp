@@ -14,9 +14,9 @@
 #include <io.h>
 #include <windows.h>
 
-namespace kse {
-
 using namespace Qt::StringLiterals;
+
+namespace kse {
 
 namespace {
 

@@ -13,9 +13,9 @@
 
 #include <algorithm>
 
-namespace kse::PixInsightEnv {
-
 using namespace Qt::StringLiterals;
+
+namespace kse::PixInsightEnv {
 
 namespace {
 

@@ -17,9 +17,9 @@
 #include <future>
 #include <vector>
 
-namespace kse {
-
 using namespace Qt::StringLiterals;
+
+namespace kse {
 
 namespace {
 

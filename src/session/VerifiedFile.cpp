@@ -11,9 +11,9 @@
 #include <QSaveFile>
 #include <QTemporaryFile>
 
-namespace kse {
-
 using namespace Qt::StringLiterals;
+
+namespace kse {
 
 namespace {
 

@@ -136,11 +136,12 @@ void WidgetColumn::setMoreText(const QString& text)
 
 bool WidgetColumn::focusNextPrevChild(bool next)
 {
-    if (isVisible()) { // not while it is being hidden
+    if (isVisible() && m_missing > 0) { // not while it is being hidden
         complete();
         for (QWidget* item : std::as_const(m_items)) { // shows those that are new
             QCoreApplication::sendPostedEvents(item, QEvent::MetaCall);
         }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // and places them
     }
     return QScrollArea::focusNextPrevChild(next);
 }

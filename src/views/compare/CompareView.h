@@ -88,7 +88,7 @@ private:
     std::vector<bool> m_isNoise; ///< For each entry. Too slow to find out for each key typed.
     QList<int> m_shown;          ///< Indices of the entries that are listed.
     int m_copyableRows = 0;      ///< How many of those can be copied.
-    quint64 m_comparison = 0;    ///< Rises whenever the entries go.
+    quint64 m_comparison = 0;    ///< Rises whenever the entries go, also after an edit.
     bool m_readOnly = false;
     QTimer m_refreshTimer; ///< Active while a new comparison is due.
     CompareFileBox* m_fileCombo = nullptr;

@@ -208,7 +208,7 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
     for (qsizetype i = 0; i < qMin(nodeLimit, count); ++i) {
         XsdtNode* node = finding.nodes[i];
         if (node->kind == XsdtNode::Kind::Group) {
-            layout->addWidget(buildGroupLine(node, i + 1, count, card));
+            layout->addWidget(createGroupLine(node, i + 1, count, card));
             continue;
         }
         SettingRow* row = m_rowSet->add(node, card);
@@ -222,8 +222,8 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
 }
 
 /// A group has no editor, but can be shown in the tree or deleted.
-GroupLine* HealthView::buildGroupLine(XsdtNode* node, qsizetype number, qsizetype count,
-                                      QWidget* card)
+GroupLine* HealthView::createGroupLine(XsdtNode* node, qsizetype number, qsizetype count,
+                                       QWidget* card)
 {
     auto* line = named(u"groupLine"_s, new GroupLine(node, *m_model, number, count, card));
     line->refresh(m_rowSet->isReadOnly());
