@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "app/AboutDialog.h"
+#include "session/dialogs/BackupsDialog.h"
+#include "session/dialogs/ReviewDialog.h"
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
+#include "views/compare/CompareView.h"
+#include "views/search/ModuleSearchDialog.h"
 #include "views/search/SearchView.h"
+#include "widgets/WidgetColumn.h"
 
 using namespace kse;
 
@@ -16,6 +21,105 @@ const QString numberPath = u"Global/Preferences/Process/MaxConsoleLines"_s;
 
 const auto pressReturn = [](QWidget& dialog) {
     QTest::keyClick(&dialog, Qt::Key_Return);
+};
+
+/// Waits until layouts in layouts have settled.
+void settle()
+{
+    for (int i = 0; i < 5; ++i) {
+        QCoreApplication::processEvents();
+    }
+}
+
+/// What can change while the window stands.
+struct Look
+{
+    ThemeMode theme = ThemeMode::Light;
+    double scale = 0.8;
+    Qt::LayoutDirection direction = Qt::LeftToRight;
+    int screen = 0;
+    bool running = false;
+};
+
+/// The program in use, with a change and with dialogs open.
+class StandingProgram
+{
+public:
+    StandingProgram(const QString& otherFile, int screen)
+    {
+        m_model->setReadOnly(false); // for the change
+        m_model->setValue(m_model->document()->root.findByPath(stringPath), u"x"_s);
+        m_window.findChild<QLineEdit*>(u"queryEdit"_s)->setText(u"thread"_s);
+        (void)m_window.findChild<CompareView*>()->compareWith(otherFile);
+        moveTo(screen);
+        for (QWidget* window : m_windows) {
+            window->show();
+        }
+        (void)looks();
+    }
+
+    void moveTo(int screen)
+    {
+        for (QWidget* window : m_windows) {
+            window->move(QGuiApplication::screens().at(screen)->geometry().topLeft());
+        }
+    }
+
+    /// What the look of each widget in sight is made of, page by page and in the dialogs.
+    QSet<QString> looks()
+    {
+        QMetaObject::invokeMethod(&m_window, "pollEnvironment");
+        settle();
+        QSet<QString> looks;
+        auto* tabs = m_window.findChild<QTabWidget*>(u"tabs"_s);
+        auto* pages = m_window.findChild<QListWidget*>(u"pageList"_s);
+        for (int i = 0; i < tabs->count() + pages->count(); ++i) {
+            tabs->setCurrentIndex(qMax(0, i - pages->count()));
+            pages->setCurrentRow(qMin(i, pages->count() - 1));
+            for (auto* column : m_window.findChildren<WidgetColumn*>()) {
+                column->complete();
+            }
+            settle();
+            const auto widgets = m_window.findChildren<QWidget*>() << &m_window;
+            for (const QWidget* widget : widgets) {
+                if (widget->isVisible()) {
+                    looks.insert(lookOf(*widget));
+                }
+            }
+        }
+        return looks;
+    }
+
+private:
+    static QString lookOf(const QWidget& widget)
+    {
+        const auto* button = qobject_cast<const QAbstractButton*>(&widget);
+        const auto* label = qobject_cast<const QLabel*>(&widget);
+        const qreal ratio = widget.devicePixelRatio();
+        const QPixmap picture = button  ? button->icon().pixmap(button->iconSize(), ratio)
+                                : label ? label->pixmap(Qt::ReturnByValue)
+                                        : QPixmap();
+        QByteArray palette;
+        QDataStream stream(&palette, QIODevice::WriteOnly);
+        stream << widget.palette() << picture;
+        const bool isOurs = !qobject_cast<QLineEdit*>(widget.parentWidget());
+        QString look;
+        QDebug debug(&look);
+        debug << (isOurs && !picture.isNull() && picture.devicePixelRatio() < ratio ? "blurred"
+                                                                                    : "")
+              << widget.metaObject()->className() << widget.objectName() << widget.font()
+              << widget.size() << widget.mapTo(widget.window(), QPoint()) << widget.minimumSize()
+              << widget.layoutDirection() << ratio << qHash(palette);
+        return look;
+    }
+
+    MainWindow m_window;
+    SettingsModel* m_model = m_window.findChild<SettingsModel*>();
+    AboutDialog m_about{{}, {}, &m_window};
+    BackupsDialog m_backups{u"/none"_s, &m_window};
+    ReviewDialog m_review{m_model, m_model->document(), &m_window};
+    ModuleSearchDialog m_find{{}, &m_window};
+    QList<QWidget*> m_windows{&m_window, &m_about, &m_backups, &m_review, &m_find};
 };
 
 } // namespace
@@ -304,30 +408,41 @@ private slots:
         QCOMPARE(QDir(m_folder).entryList(QDir::Files).size(), 2);
     }
 
-    void followsThemeAndTextSize()
+    void looksAsIfStartedSo()
     {
-        auto& theme = ThemeManager::instance();
-        theme.setMode(ThemeMode::Light, false);
-        theme.setFontScale(0.8, false);
-        AboutDialog about({}, {});
-        about.show();
-        m_window->resize(1, 1); // as narrow as it gets, at the right of the screen
-        const QRect screen = m_window->screen()->geometry();
-        m_window->move(screen.width() - m_window->frameGeometry().width(), 0);
-        const auto* box = find<QComboBox>("fileBox");
-        const int height = box->sizeHint().height();
-        const auto icon = [this] {
-            return action("actOpen")->icon().pixmap(18).toImage();
+        m_window.reset();
+        FakePixInsight process;
+        const auto apply = [&process](const Look& look) {
+            ThemeManager::instance().setMode(look.theme, false);
+            ThemeManager::instance().setFontScale(look.scale, false);
+            QApplication::setLayoutDirection(look.direction);
+            return look.running ? process.start() : process.stop();
         };
-        const QImage light = icon();
-        theme.setMode(ThemeMode::Dark, false);
-        theme.setFontScale(2.2, false);
+        const Look plain;
+        const Look other{ThemeMode::Dark, 2.2, Qt::RightToLeft,
+                         int(QGuiApplication::screens().size() - 1), true};
+        QVERIFY(apply(other));
+        const QString file = m_folder + u"/core-002-pxi.settings"_s;
+        StandingProgram live(file, other.screen);
+        for (const Look& look : {plain, other}) {
+            QVERIFY(apply(look));
+            live.moveTo(look.screen);
+            const QSet<QString> seen = live.looks();
+            const QSet<QString> expected = StandingProgram(file, look.screen).looks();
+            QCOMPARE((seen - expected).values().value(0), (expected - seen).values().value(0));
+            QVERIFY(!seen.values().join(u' ').contains("blurred"_L1));
+        }
+    }
+
+    void staysOnItsScreenWithLargerText()
+    {
+        ThemeManager::instance().setFontScale(0.8, false);
+        m_window->resize(1, 1); // at the lower right of the screen
+        const QRect screen = m_window->screen()->geometry();
+        m_window->move(screen.bottomRight() -
+                       QPoint(m_window->frameGeometry().width(), m_window->height() + 10));
+        ThemeManager::instance().setFontScale(2.2, false);
         QTRY_VERIFY(screen.contains(m_window->frameGeometry()));
-        QVERIFY(icon() != light);
-        AboutDialog fresh({}, {});
-        fresh.show();
-        QTRY_COMPARE(about.size(), fresh.size());
-        QVERIFY(box->sizeHint().height() > height + height / 4);
     }
 
 private:
