@@ -437,10 +437,9 @@ private slots:
     void staysOnItsScreenWithLargerText()
     {
         ThemeManager::instance().setFontScale(0.8, false);
-        m_window->resize(1, 1); // at the lower right of the screen
         const QRect screen = m_window->screen()->geometry();
-        m_window->move(screen.bottomRight() -
-                       QPoint(m_window->frameGeometry().width(), m_window->height() + 10));
+        m_window->resize(screen.width(), 1); // as low as it gets, at the lower edge
+        m_window->move(screen.left(), screen.bottom() - m_window->height());
         ThemeManager::instance().setFontScale(2.2, false);
         QTRY_VERIFY(screen.contains(m_window->frameGeometry()));
     }
