@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "document/ShortPath.h"
 
+#include "document/Depth.h"
+#include "document/XsdtNode.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -8,7 +11,7 @@ namespace kse {
 
 QString shortPath(const XsdtNode& node)
 {
-    if (node.depth <= deepestWholePath) {
+    if (node.depth <= deepestShownLevel) {
         return node.path();
     }
     std::vector<const XsdtNode*> nodes;

@@ -12,8 +12,6 @@ namespace kse {
 
 namespace {
 
-constexpr qsizetype valueLimit = 120;
-
 /// What the editor of a choice or a colour shows for `value`; empty where that is the value itself.
 QString editorText(const VariableInfo& info, const QString& value)
 {
@@ -28,7 +26,7 @@ QString editorText(const VariableInfo& info, const QString& value)
             return choice.text;
         }
     }
-    return ReviewDialog::tr("Other (%1)").arg(firstCharacters(value, valueLimit));
+    return ReviewDialog::tr("Other (%1)").arg(firstCharacters(value, reviewedValueLimit));
 }
 
 /// What ends `text` unseen, as "2 blank(s), 1 line end(s)"; empty if nothing does.

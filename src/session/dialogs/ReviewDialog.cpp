@@ -40,7 +40,6 @@ namespace {
 
 enum Column { ChangeColumn, SettingColumn, BeforeColumn, AfterColumn };
 
-constexpr qsizetype valueLimit = 120;
 constexpr qsizetype toolTipLimit = 500;
 constexpr qsizetype detailLimit = 100'000;  // each text; Qt lays out a longer line too slowly
 constexpr qsizetype wordWrapLimit = 10'000; // and needs quadratic time to look for its words
@@ -64,7 +63,7 @@ QString rowPath(const QString& path)
 
 QString rowValue(const XsdtNode& node, const QString& text)
 {
-    return displayValue(node, text, valueLimit);
+    return displayValue(node, text, reviewedValueLimit);
 }
 
 QString rowToolTip(const QString& text)

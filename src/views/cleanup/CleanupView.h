@@ -34,6 +34,7 @@ public:
     /// pointers: pass null before the tree is replaced.
     void setDocument(const XsdtDocument* document);
 
+    /// While set, which is while PixInsight runs, nothing on the page changes the document.
     void setReadOnly(bool readOnly);
 
     /// Whether to ask before saved settings are queued. On at the start.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/cleanup/UnusedModulesView.h"
 
+#include "document/Depth.h"
 #include "document/XsdtDocument.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/cleanup/UnusedModuleCard.h"
@@ -90,7 +91,7 @@ void UnusedModulesView::connectWidgets()
     connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_contents.forgetAll(); });
     connect(m_model, &SettingsModel::edited, this, [this] {
         // `dataChanged` can't name nodes deeper than the model shows.
-        m_contents.forgetDeeperThan(SettingsModel::maximumDepth);
+        m_contents.forgetDeeperThan(deepestShownLevel);
         updateSummary();
     });
     connect(m_model, &SettingsModel::modelReset, this, [this] {

@@ -41,7 +41,7 @@ public:
     /// Lists the modules again, all closed and none ticked.
     void refresh();
 
-    /// While PixInsight runs.
+    /// While set, which is while PixInsight runs, nothing on the page changes the document.
     void setReadOnly(bool readOnly);
 
     QStringList moduleNames() const;

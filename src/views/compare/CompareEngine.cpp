@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/compare/CompareEngine.h"
 
+#include "document/Depth.h"
 #include "document/OpenGroups.h"
 #include "document/ShortPath.h"
 #include "document/TreeWalk.h"
@@ -92,7 +93,7 @@ struct NumberedValue
 /// The path to show for a value.
 QString shownPath(const XsdtNode& node, const XsdtNode& top)
 {
-    return node.depth > deepestWholePath ? top.path() + u'/' + shortPath(node) : node.path();
+    return node.depth > deepestShownLevel ? top.path() + u'/' + shortPath(node) : node.path();
 }
 
 /// The values of `document` that aren't marked. `number` returns the number of the path of a key

@@ -27,8 +27,8 @@ struct CompareEntry
 /// counts as removed. First those of `thisDocument` in its order, then those that only
 /// `otherDocument` has, in its order. Of duplicates in the other file the last counts; each one in
 /// this file is an entry of its own. Paths are compared whole and as strings, so a key `a/b` equals
-/// a group `a` with a child `b`. Below `deepestWholePath` levels an entry has only both ends of its
-/// path.
+/// a group `a` with a child `b`. Below `deepestShownLevel` levels an entry has only both ends of
+/// its path.
 [[nodiscard]] QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
                                                    const XsdtDocument& otherDocument);
 

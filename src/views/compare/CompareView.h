@@ -40,7 +40,7 @@ public:
     /// tree is replaced.
     void setDocument(XsdtDocument* document, const QString& path);
 
-    /// While PixInsight runs.
+    /// While set, which is while PixInsight runs, nothing on the page changes the document.
     void setReadOnly(bool readOnly);
 
     /// Reads the file at `path` to compare with. On failure `error`, unless null, gets the reason,

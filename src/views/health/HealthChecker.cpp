@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/health/HealthChecker.h"
 
+#include "document/Depth.h"
 #include "document/Leaves.h"
 #include "document/ShortPath.h"
 #include "document/XsdtDocument.h"
@@ -36,7 +37,7 @@ QList<XsdtNode*> unmarkedSettings(const XsdtNode& root)
             settings += unmarkedValues(*child);
         }
     }
-    settings.removeIf([](const XsdtNode* node) { return node->depth > deepestWholePath; });
+    settings.removeIf([](const XsdtNode* node) { return node->depth > deepestShownLevel; });
     return settings;
 }
 

@@ -30,7 +30,7 @@ public:
     /// is replaced.
     void setDocument(const XsdtDocument* document);
 
-    /// While PixInsight runs.
+    /// While set, which is while PixInsight runs, nothing on the page changes the document.
     void setReadOnly(bool readOnly);
 
     /// Checks now.

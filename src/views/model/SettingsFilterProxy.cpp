@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsFilterProxy.h"
 
+#include "document/Depth.h"
 #include "document/OpenGroups.h"
 #include "document/TreeWalk.h"
 #include "views/model/SettingsModel.h"
@@ -122,7 +123,7 @@ void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
                  up = up->parent) {
             }
         }
-        if (node.children.empty() || node.depth == SettingsModel::maximumDepth) {
+        if (node.children.empty() || node.depth == deepestShownLevel) {
             return Walk::Over;
         }
         groups.enter(node, {path.size(), pathMatches});

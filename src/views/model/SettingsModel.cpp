@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsModel.h"
 
+#include "document/Depth.h"
 #include "document/Fail.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
@@ -50,7 +51,7 @@ void SettingsModel::setReadOnly(bool readOnly)
 
 QModelIndex SettingsModel::indexForNode(const XsdtNode* node, int column) const
 {
-    if (!node || !node->parent || node->depth > maximumDepth) {
+    if (!node || !node->parent || node->depth > deepestShownLevel) {
         return {};
     }
     return createIndex(static_cast<int>(node->rowInParent()), column, node);
@@ -187,7 +188,7 @@ QModelIndex SettingsModel::parent(const QModelIndex& index) const
 int SettingsModel::rowCount(const QModelIndex& parent) const
 {
     const XsdtNode* node = parent.column() > 0 ? nullptr : nodeForIndex(parent);
-    if (!node || node->children.empty() || node->depth >= maximumDepth) {
+    if (!node || node->children.empty() || node->depth >= deepestShownLevel) {
         return 0;
     }
     return static_cast<int>(node->children.size());

@@ -14,8 +14,7 @@ struct XsdtDocument;
 /// The tree of a document for Qt's views, and the only writer of its nodes: every view edits,
 /// reverts and marks for deletion through it. Changes are kept on the nodes, not in a list.
 ///
-/// Qt's views and proxies recurse, so the model ends at 1,000 levels. Deeper nodes stay in the
-/// document and are saved with it.
+/// The model ends at `deepestShownLevel`.
 class SettingsModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -23,7 +22,6 @@ class SettingsModel : public QAbstractItemModel
 public:
     enum Column { SettingColumn, ValueColumn, TypeColumn, ColumnCount };
     enum Role { NodeRole = Qt::UserRole + 1 }; ///< The `XsdtNode*` of the row.
-    static constexpr quint32 maximumDepth = 1000;
 
     /// Collects changes for commands that change many nodes. When the outermost batch ends, the
     /// views get one `refreshAll` and one `edited` for all of them, or nothing if nothing changed.

@@ -42,7 +42,7 @@ public:
     /// replaced.
     void setDocument(const XsdtDocument* document);
 
-    /// While PixInsight runs.
+    /// While set, which is while PixInsight runs, nothing on the page changes the document.
     void setReadOnly(bool readOnly);
 
     /// Number of pages, including those that the search hides.

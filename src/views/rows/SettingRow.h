@@ -32,7 +32,7 @@ public:
     /// Shows the present state of the node. Writes nothing.
     void refresh();
 
-    /// While PixInsight runs.
+    /// While set, which is while PixInsight runs, the setting can be read but not changed.
     void setReadOnly(bool readOnly);
 
     /// Shows a line with the groups above the setting, for lists from all over the tree.

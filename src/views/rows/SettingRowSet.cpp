@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/rows/SettingRowSet.h"
 
+#include "document/Depth.h"
 #include "document/XsdtNode.h"
 #include "schema/SettingsSchema.h"
 #include "views/model/SettingsModel.h"
@@ -107,7 +108,7 @@ void SettingRowSet::refreshDeepRows()
 {
     const auto rows = m_rows;
     for (auto row = rows.cbegin(); row != rows.cend(); ++row) {
-        if (row.key()->depth > SettingsModel::maximumDepth) {
+        if (row.key()->depth > deepestShownLevel) {
             row.value()->refresh();
         }
     }

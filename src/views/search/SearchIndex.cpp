@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/search/SearchIndex.h"
 
+#include "document/Depth.h"
 #include "document/LowerCasePath.h"
 #include "document/ShortPath.h"
 #include "document/TextOrder.h"
@@ -176,7 +177,7 @@ QList<qsizetype> orderByPath(const QList<SearchIndexEntry>& index, const std::ve
         // begins.
         if (isAscii(entry.haystack)) {
             paths.append(QStringView(entry.haystack).chopped(entry.label.size() + 1));
-        } else if (entry.node->depth > deepestWholePath) {
+        } else if (entry.node->depth > deepestShownLevel) {
             paths.append(entry.haystack);
         } else {
             built.append(entry.node->path());
@@ -213,7 +214,7 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
         }
         if (node.parent != group) {
             group = node.parent;
-            isDescribed = node.depth <= deepestWholePath && schema.mayDescribeIn(*group);
+            isDescribed = node.depth <= deepestShownLevel && schema.mayDescribeIn(*group);
         }
         SearchIndexEntry entry{&node, {}, {}, {}};
         if (isDescribed) {
@@ -227,7 +228,7 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
             }
             entry.label = label;
         }
-        if (node.depth > deepestWholePath) {
+        if (node.depth > deepestShownLevel) {
             here = here.last(std::min(here.size(), shortPathLength));
         }
         entry.haystack.reserve(here.size() + 1 + entry.label.size());

@@ -38,7 +38,7 @@ struct SearchQuery
 
 /// An entry for every value of `document`, of any type, in file order. Edits leave the index valid,
 /// because it holds no values; it is invalid once the tree is replaced. Deeper than
-/// `deepestWholePath` levels, an entry holds only the last `shortPathLength` characters of its
+/// `deepestShownLevel` levels, an entry holds only the last `shortPathLength` characters of its
 /// path, by which it is also sorted, and a label made from its key without the schema.
 [[nodiscard]] QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document,
                                                        const SettingsSchema& schema);

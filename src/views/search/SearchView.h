@@ -32,7 +32,7 @@ public:
     /// tree is replaced. The query and the check boxes stay; a restriction ends.
     void setDocument(const XsdtDocument* document);
 
-    /// While PixInsight runs.
+    /// While set, which is while PixInsight runs, nothing on the page changes the document.
     void setReadOnly(bool readOnly);
 
     /// Searches for `text` at once.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsModel.h"
 
+#include "document/Depth.h"
 #include "document/TreeWalk.h"
 #include "support/DocumentText.h"
 #include "support/SettingsPage.h"
@@ -202,7 +203,7 @@ private slots:
         for (QModelIndex row = f.proxy.index(0, 0); row.isValid(); row = f.view.indexBelow(row)) {
             ++shown;
         }
-        QCOMPARE(shown, 2 * SettingsModel::maximumDepth - 1);
+        QCOMPARE(shown, 2 * deepestShownLevel - 1);
         f.proxy.setFilterText(u"level/level/level"_s);
         QCOMPARE(f.proxy.rowCount(), 1);
     }
