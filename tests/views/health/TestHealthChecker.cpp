@@ -11,6 +11,12 @@
 using namespace Qt::StringLiterals;
 using namespace kse;
 
+namespace {
+
+const QString group = u"Global/Preferences/"_s; ///< "~" in the tables.
+
+} // namespace
+
 class TestHealthChecker : public QObject
 {
     Q_OBJECT
@@ -23,32 +29,44 @@ private slots:
                               "C": {"choices": [[0, "a"]]}, "D": {"choices": [[1, "%3"], [2, "b"]]}}})"));
     }
 
-    /// Nodes, what exists on the computer, and the only finding: its severity, title, and the
-    /// detail from the values on.
+    /// Nodes, what exists on the computer and, after a star, the known program folder; then the
+    /// only finding: its severity, title, and the detail from the values on.
     void explainsItself()
     {
         const auto text = [this](const QStringList& cells) {
             const auto findings = check(cells[0], computerWith(cells[1]));
-            return findings.size() != 1
-                       ? namesAndPaths(findings, &Finding::id)
-                       : HealthChecker::severityName(findings[0].severity) + u": "_s +
-                             findings[0].title + u": "_s +
-                             QDir::fromNativeSeparators(findings[0].detail).section(u'.', 0, 0);
+            return findings.size() != 1 ? namesAndPaths(findings, &Finding::id)
+                                        : HealthChecker::severityName(findings[0].severity) +
+                                              u": "_s + findings[0].title + u": "_s +
+                                              QString(findings[0].detail)
+                                                  .replace(u'\\', u'/')
+                                                  .section(u"files. "_s, -1)
+                                                  .section(u". "_s, 0, 0);
         };
         compareRows(
-            {"Global/Preferences/PDirectory:s=C:/%1 >  > Warning: P directory: the folder does not "
-             "exist: C:/%1 is not on this computer",
+            {"~PDirectory:s=C:/%1 >  > Warning: P directory: the folder does not exist: C:/%1 is "
+             "not on this computer",
              "Global/D:u=%2 >  > Warning: D has an option value that is not recognised: The value "
-             "is %2; the known options are: 1 = %3, 2 = b",
+             "is %2; the known options are: 1 = %3, 2 = b.",
              "Modules/a:s=@pxi_bin_dir/Foo-pxm.dll; Modules/b:s=D:/%n > C:/PixInsight/bin > "
-             "Warning: "
-             "2 registered module(s) have no file on this computer: Listed in the module registry "
-             "but not in C:/PixInsight/bin: Foo, D:/%n",
+             "Warning: 2 registered module(s) have no file on this computer: Listed in the module "
+             "registry but not in C:/PixInsight/bin: Foo, D:/%n",
              "Global/A/%2:s=x; Global/A/%2:s=x >  > Warning: \"%2\" appears 2 times in Global/A: A "
-             "key should "
-             "occur once",
+             "key should occur once",
              "B/x:s=x; %2/Interfaces/B; %2/y:s=x; Global/Statistics/Process/B/z:s=x >  > Note: 2 "
-             "module(s) have saved data but are not in the module list: %2, B (4 values in all)"},
+             "module(s) have saved data but are not in the module list: %2, B (4 values in all)",
+             "Global/FavoriteProcesses/1/Icon:s=D:\\x\\pixinsight\\RSC\\i; "
+             "Global/ColorManagement/A:s=C:/a/PixInsight/color/p; ~B:s=C:/a/PixInsight/bin/p; "
+             "Global/C:s=C:/c/PixInsight/bin/p; ~D:b=C:/d/PixInsight/bin/p; Modules; "
+             "~E:s=/opt/PixInsight/bin/p; ~F:s=C:/f/rsc/p > *C:/PixInsight > Note: Module files "
+             "were not checked: Looked in: C:/PixInsight, C:/a/PixInsight, D:/x/pixinsight.",
+             "~Application/A:s=C:/Astro/rsc/rsc/p; Modules/1:s=C:/m > C:/Astro/rsc/bin, C:/bin > "
+             "Warning: 1 registered module(s) have no file on this computer: Listed in the module "
+             "registry but not in C:/Astro/rsc/bin: C:/m",
+             "~A:s=C:/a/PixInsight/lib/p; Modules/1:s=C:/m > C:/a/PixInsight/bin, D:/b*D:/b > "
+             "Warning: "
+             "1 registered module(s) have no file on this computer: Listed in the module registry "
+             "but not in D:/b: C:/m"},
             text);
     }
 
@@ -56,26 +74,21 @@ private slots:
     void findsNeitherMoreNorLess()
     {
         const auto found = [this](const QStringList& cells) {
-            return namesAndPaths(check(cells[0], computerWith(cells[1])), &Finding::id);
+            return namesAndPaths(check(cells[0], computerWith(cells[1])), &Finding::id)
+                .replace(group, u"~"_s);
         };
         compareRows(
-            {"Global/Preferences/ADirectory:s=/a; Global/Preferences/BDirectory:s=@x/b; "
-             "Global/Preferences/CFile:s= ; Global/Preferences/RFile:s=C:/r; Global/DFile:s=C:/d; "
-             "Global/Preferences/EFile:s=C:/there; Global/Preferences/FFile:B=C:/f; "
-             "Global/Preferences/G:s=C:/g; Global/Preferences/HFile:s=C:h > C:/there > ",
-             "Global/Preferences/A/BFile:s=\\\\a\\b deleted; Global/Preferences/A/CFile:s=\\\\a\\b "
-             ">  > path-missing Global/Preferences/A/CFile",
-             "Global/R:F=10; Global/N:i=1; Global/Preferences/N:i=soon; Global/C:i=soon; R:F=11; "
-             "Global/Preferences/R:F=0.1; Global/Preferences/Process/MaxProcessors:i=8 >  > ",
-             "Global/Preferences/Process/MaxProcessors:i=9 deleted; "
-             "Global/Preferences/Security/AllowInsecureRepositories:b=true deleted; "
-             "Global/Preferences/Security/AllowUnsignedRepositories:b=True >  > ",
+            {"~ADirectory:s=/a; ~BDirectory:s=@x/b; ~CFile:s= ; ~RFile:s=C:/r; "
+             "Global/DFile:s=C:/d; ~EFile:s=C:/there; ~FFile:B=C:/f; ~G:s=C:/g; ~HFile:s=C:h; "
+             "~A/BFile:s=\\\\a\\b deleted; ~A/CFile:s=\\\\a\\b > C:/there > path-missing ~A/CFile",
+             "Global/R:F=10; Global/N:i=1; ~N:i=soon; Global/C:i=soon; R:F=11; ~R:F=0.1; "
+             "~Process/MaxProcessors:i=8; ~Security/AllowInsecureRepositories:b=true deleted; "
+             "~Security/AllowUnsignedRepositories:b=True >  > ",
              "Global/ColorManagement/PFile:s=//a; Global/R:F=11; Global/D:u=0; "
-             "Global/Preferences/Process/MaxProcessors:i=9; "
-             "Global/Preferences/Security/AllowInsecureRepositories:b=true >  > out-of-range "
-             "Global/R; path-missing Global/ColorManagement/PFile; unknown-option Global/D; "
-             "too-many-processors Global/Preferences/Process/MaxProcessors; unsigned-allowed "
-             "Global/Preferences/Security/AllowInsecureRepositories",
+             "~Process/MaxProcessors:i=9; ~Security/AllowInsecureRepositories:b=true >  > "
+             "out-of-range Global/R; path-missing Global/ColorManagement/PFile; unknown-option "
+             "Global/D; too-many-processors ~Process/MaxProcessors; unsigned-allowed "
+             "~Security/AllowInsecureRepositories",
              "Modules/1:s=@pxi_bin_dir/A-pxm.dll; Modules/2:s=/opt/B-pxm.so; Modules/3:s=C:/c "
              "deleted; Modules/4:s=@pxi_bin_dir/D-pxm.dll; A; D > C:/PixInsight/bin, "
              "C:/PixInsight/bin/A-pxm.dll > module-file-missing Modules/4",
@@ -87,43 +100,14 @@ private slots:
             found);
     }
 
-    /// Settings, what exists, the known program folder, and what is told of the search.
-    void looksForTheProgramFolder()
-    {
-        const auto told = [this](const QStringList& cells) {
-            HealthEnv env = computerWith(cells[1]);
-            env.binFolder = cells[2];
-            const auto findings =
-                check(cells[0] + u"; Modules/1:s=@pxi_bin_dir/Foo-pxm.dll"_s, env);
-            return QString(findings.value(0).detail)
-                .replace(u'\\', u'/')
-                .section(u". P"_s, 0, 0)
-                .section(u" in"_s, -1);
-        };
-        compareRows(
-            {"Global/FavoriteProcesses/1/Icon:s=D:\\x\\pixinsight\\RSC\\i; "
-             "Global/ColorManagement/A:s=C:/a/PixInsight/color/p; "
-             "Global/Preferences/B:s=C:/a/PixInsight/bin/p; Global/C:s=C:/c/PixInsight/bin/p; "
-             "Global/Preferences/D:b=C:/d/PixInsight/bin/p; "
-             "Global/Preferences/E:s=/opt/PixInsight/bin/p; Global/Preferences/F:s=C:/f/rsc/p >  > "
-             "C:/PixInsight > : C:/PixInsight, C:/a/PixInsight, D:/x/pixinsight.",
-             "Global/Preferences/Application/A:s=C:/Astro/rsc/rsc/p > C:/Astro/rsc/bin, C:/bin >  "
-             ">  C:/Astro/rsc/bin: Foo",
-             "Global/Preferences/A:s=C:/a/PixInsight/lib/p > C:/a/PixInsight/bin, D:/b > D:/b >  "
-             "D:/b: Foo"},
-            told);
-    }
-
     void judgesByTheComputerItRunsOn()
     {
         const QString nodes = u"Modules/1:s=C:/a-pxm.dll; Global/Preferences/ADirectory:s=%1; "
-                              "Global/Preferences/BDirectory:s=%1/kse-missing; "
-                              "Global/Preferences/Process/MaxProcessors:i=9"_s;
+                              "Global/Preferences/BDirectory:s=%1/kse-missing"_s;
         QCOMPARE(namesAndPaths(check(nodes.arg(u"C:/a"_s), {}), &Finding::id),
                  u"modules-unchecked"_s); // nothing is known of it
-        HealthEnv here = HealthEnv::system();
+        const HealthEnv here = HealthEnv::system();
         QVERIFY(here.processors > 0 && !here.installFolders.isEmpty());
-        here.processors = 0;
         QVERIFY(namesAndPaths(check(nodes.arg(QDir::tempPath()), here), &Finding::id)
                     .startsWith(u"path-missing Global/Preferences/BDirectory; "));
 #ifndef Q_OS_WIN
@@ -132,13 +116,15 @@ private slots:
     }
 
 private:
-    /// A Windows computer with eight processors and the files and folders that `files` lists.
+    /// A Windows computer with eight processors, the files and folders that `files` lists, and the
+    /// program folder after a star.
     static HealthEnv computerWith(const QString& files)
     {
         HealthEnv env;
-        env.exists = [existing = files.split(u", "_s)](const QString& path) {
+        env.exists = [existing = files.section(u'*', 0, 0).split(u", "_s)](const QString& path) {
             return existing.contains(path);
         };
+        env.binFolder = files.section(u'*', 1);
         env.processors = 8;
         env.installFolders = QStringList{u"C:/PixInsight"_s};
         return env;
@@ -147,7 +133,7 @@ private:
     QList<Finding> check(const QString& nodes, const HealthEnv& env)
     {
         m_document = std::make_unique<XsdtDocument>();
-        addNodes(*m_document, nodes);
+        addNodes(*m_document, QString(nodes).replace(u"~"_s, group));
         return HealthChecker::run(*m_document, m_schema, env);
     }
 

@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsModel.h"
 
-#include "document/Depth.h"
 #include "document/TreeWalk.h"
 #include "support/DocumentText.h"
 #include "support/SettingsPage.h"
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsFilterProxy.h"
 #include "views/model/TreePosition.h"
+#include "views/model/ValueDelegate.h"
 
 using namespace kse;
 
 namespace {
 
-/// A view of the filtered tree of all nodes.
+/// A view of the filtered tree of all nodes, in which values can be edited.
 struct Filtered : ModelOf
 {
     explicit Filtered(const QString& nodes)
@@ -21,9 +21,23 @@ struct Filtered : ModelOf
     {
         proxy.setSourceModel(&model);
         view.setModel(&proxy);
+        view.setItemDelegateForColumn(SettingsModel::ValueColumn, &delegate);
+        view.resize(400, 300);
+        view.show();
     }
 
+    /// The editor on the only value.
+    template <typename Widget>
+    QPointer<Widget> edit()
+    {
+        (void)QTest::qWaitForWindowActive(&view);
+        view.edit(proxy.index(0, SettingsModel::ValueColumn));
+        return view.viewport()->findChild<Widget*>();
+    }
+    QString value() const { return document.root.children.front()->value; }
+
     SettingsFilterProxy proxy;
+    ValueDelegate delegate;
     QTreeView view;
 };
 
@@ -44,70 +58,50 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    void cutsLongTexts()
+    /// One after the other: what is done to which node; then which signals tell of it by their
+    /// first letters, how many changes are pending, and the first words of a reason.
+    void tellsOfChanges()
     {
-        XsdtNode node;
-        QCOMPARE(displayValue(node, QString(199, u'\n') + u"\U0001F600"_s, 200),
-                 QString(199, QChar(0x23CE)) + u'\u2026');
-        const ModelOf f(QString(1'000'000, u'k'));
-        const QModelIndex row = f.model.index(0, 0);
-        QVERIFY(row.data().toString().endsWith(u"k\u2026 (999000 more characters)"));
-        QVERIFY(row.data(Qt::ToolTipRole).toString().size() < 2000);
-    }
-
-    void marksAndRestores()
-    {
-        ModelOf f(u"Tool/a:i=7; Tool/b; Global/v:s=; PixelClipboard"_s);
-        QSignalSpy edited(&f.model, &SettingsModel::edited);
-        XsdtNode* tool = f.node(u"Tool"_s);
-        const auto mark = [&f](const QString& path) {
-            QString reason;
-            return f.model.markForDeletion(f.node(path), &reason) ? u"marked"_s : reason;
-        };
-        QVERIFY(mark(u"Global/v"_s).startsWith(u"Core PixInsight data"));
-        f.model.setReadOnly(true);
-        QVERIFY(mark(u"Tool"_s).startsWith(u"PixInsight is running"));
-        f.model.setReadOnly(false);
-        const auto toolTip = [&f](const QString& path) {
-            return f.model.indexForNode(f.node(path)).data(Qt::ToolTipRole).toString();
-        };
-        QVERIFY(toolTip(u"PixelClipboard"_s).contains(u"\nCan be deleted: "));
-        QVERIFY(toolTip(u"Tool"_s).contains(u"\nCan be deleted: "));
-        QVERIFY(!f.model.setValue(f.node(u"Tool/a"_s), u" 7 "_s)); // the same number
-        QCOMPARE(mark(u"Tool"_s), u"marked"_s);
-        QVERIFY(!f.model.setValue(f.node(u"Tool/a"_s), u"8"_s));
-        QCOMPARE(mark(u"Tool/b"_s), u"marked"_s); // it is inside already
-        f.model.undoDeletion(f.node(u"Tool/b"_s));
-        QCOMPARE(f.document.pendingCount(), 1);
-        const QModelIndex inside = f.model.indexForNode(f.node(u"Tool/b"_s));
-        QVERIFY(inside.data(Qt::FontRole).value<QFont>().strikeOut());
-        f.model.setReadOnly(true);
-        const QSignalSpy changed(&f.model, &SettingsModel::dataChanged);
-        f.model.undoDeletion(tool);
-        QCOMPARE(changed.count(), 2); // what is in it looks different, too
-        QCOMPARE(f.document.pendingCount(), 0);
-        QCOMPARE(edited.count(), 2);
-    }
-
-    void tellsOfManyChangesOnce()
-    {
-        ModelOf f(u"A/a:i=7; B/b:i=7"_s);
+        ModelOf f(u"A/a:i=7; A/b; B/b:i=7; Global/v:s="_s);
         QString told;
         connect(&f.model, &SettingsModel::edited, this, [&] { told += u'e'; });
         connect(&f.model, &SettingsModel::dataChanged, this, [&] { told += u'd'; });
         connect(&f.model, &SettingsModel::layoutChanged, this, [&] { told += u'l'; });
         connect(&f.model, &SettingsModel::modelReset, this, [&] { told += u'r'; });
-        {
-            const SettingsModel::Batch batch(f.model);
-            QVERIFY(f.model.setValue(f.node(u"A/a"_s), u"1"_s));
-            QVERIFY(f.model.markForDeletion(f.node(u"B"_s)));
-            f.model.revertValue(f.node(u"A/a"_s));
-            QCOMPARE(told, QString());
-        }
-        QCOMPARE(told, u"lddde"_s); // one for each group that has rows
-        f.model.revertAll();
-        f.model.setReadOnly(true); // nothing can be edited any more
-        QCOMPARE(told, u"lddderelddd"_s);
+        const auto outcome = [&](const QStringList& cells) {
+            XsdtNode* node = f.node(cells[1]);
+            QString reason;
+            told.clear();
+            if (cells[0] == u"mark") {
+                (void)f.model.markForDeletion(node, &reason);
+            } else if (cells[0] == u"undo") {
+                f.model.undoDeletion(node);
+            } else if (cells[0] == u"revert") {
+                f.model.revertAll();
+            } else if (cells[0] == u"do much") {
+                const SettingsModel::Batch batch(f.model);
+                f.model.setValue(node, u"1"_s);
+                (void)f.model.markForDeletion(f.node(u"B"_s));
+                f.model.revertValue(node);
+                told += u' ';
+            } else if (cells[1].isEmpty()) {
+                f.model.setReadOnly(cells[0] == u"run");
+            } else {
+                f.model.setValue(node, cells[0]);
+            }
+            const QVariant font = f.model.indexForNode(node).data(Qt::FontRole);
+            return u"%1 %2 "_s.arg(told).arg(f.document.pendingCount()) +
+                   (font.value<QFont>().strikeOut() ? u"struck"_s : reason.section(u' ', 0, 1));
+        };
+        compareRows({"mark > Global/v >  0 Core PixInsight", "run >  > ldddd 0 ",
+                     "mark > A >  0 PixInsight is", "end >  > ldddd 0 ", " 7 > A/a >  0 ",
+                     "08 > A/a > de 1 ", "mark > A > dde 1 struck", "9 > A/a >  1 struck",
+                     "mark > A/b >  1 struck", "undo > A/b >  1 struck", "run >  > ldddd 1 ",
+                     "undo > A > dde 1 ", "end >  > ldddd 1 ", "do much > A/a >  ldddde 1 ",
+                     "revert >  > re 0 "},
+                    outcome);
+        QVERIFY(
+            f.model.index(0, 0).data(Qt::ToolTipRole).toString().contains(u"\nCan be deleted: "));
     }
 
     /// Whatever is changed under a filter, in whatever order, the proxy shows what the plain
@@ -129,8 +123,8 @@ private slots:
         QString filter;
         QRandomGenerator random(4711);
         XsdtNode* node = nodes[0];
-        const auto value = [&random] {
-            return random.bounded(2) ? u"zz"_s : u"x"_s;
+        const auto change = [&](XsdtNode* each) {
+            f.model.setValue(each, random.bounded(2) ? u"zz"_s : u"x"_s);
         };
         const QList<std::function<void()>> steps{
             [&] { f.proxy.setFilterText(filter = filters.at(random.bounded(filters.size()))); },
@@ -138,31 +132,24 @@ private slots:
             [&] { f.view.expandAll(); },
             [&] {
                 const SettingsModel::Batch batch(f.model);
-                for (XsdtNode* each : nodes) {
-                    f.model.setValue(each, value());
-                }
+                std::for_each(nodes.begin(), nodes.end(), change);
             },
             [&] { (void)f.model.markForDeletion(node); },
             [&] { f.model.undoDeletion(node); },
             [&] { f.model.revertValue(node); },
-            [&] { f.model.setValue(node, value()); },
-            [&] { f.model.setValue(node, value()); },
+            [&] { change(node); },
             [&] {
                 random.bounded(20) > 0 ? f.model.undoDeletion(node) : f.model.revertAll();
             }};
         for (int i = 0; i < 1500; ++i) {
             node = nodes.at(random.bounded(nodes.size()));
             steps.at(random.bounded(steps.size()))();
-            QString shown;
-            QString wanted;
             for (const XsdtNode* each : nodes) {
                 const QModelIndex row = f.proxy.mapFromSource(f.model.indexForNode(each));
-                shown += row.isValid() ? each->path() + u'\n' : QString();
-                wanted += isWanted(*each, filter.trimmed(), f.proxy.isChangedOnly())
-                              ? each->path() + u'\n'
-                              : QString();
+                QVERIFY2(row.isValid() ==
+                             isWanted(*each, filter.trimmed(), f.proxy.isChangedOnly()),
+                         qPrintable(filter + u" at "_s + each->path()));
             }
-            QCOMPARE(shown, wanted);
         }
     }
 
@@ -173,8 +160,6 @@ private slots:
             nodes += u"group%1/%2:b=true; "_s.arg(i).arg(i % 3 ? u"odd"_s : u"even"_s);
         }
         Filtered f(nodes);
-        f.view.resize(400, 300);
-        f.view.show();
         f.view.expandAll();
         const auto shown = [&f](const QString& path) {
             return f.proxy.mapFromSource(f.model.indexForNode(f.node(path)));
@@ -196,16 +181,50 @@ private slots:
     {
         Filtered f({});
         f.model.setDocument(nullptr);
-        QVERIFY(f.document.parse(fileBytes(deepFile(100'000).replace("v=\"1\"", "v=\"x\""))));
+        QVERIFY(f.document.parse(fileBytes(deepFile(100'000))));
         f.model.setDocument(&f.document);
         f.view.expandAll();
-        int shown = 0;
-        for (QModelIndex row = f.proxy.index(0, 0); row.isValid(); row = f.view.indexBelow(row)) {
-            ++shown;
-        }
-        QCOMPARE(shown, 2 * deepestShownLevel - 1);
         f.proxy.setFilterText(u"level/level/level"_s);
         QCOMPARE(f.proxy.rowCount(), 1);
+    }
+
+    /// Type and value, what is typed in front of it before Return, and what is stored. "*" is a
+    /// long text.
+    void writesWhatWasTypedAndNothingElse()
+    {
+        const QString many(40'000, u'y');
+        const auto stored = [&many](const QStringList& cells) {
+            Filtered f(u"Option:%1=%2"_s.arg(cells[0][0]).arg(cells[0].mid(1).replace(u'*', many)));
+            const QSignalSpy rejected(&f.model, &SettingsModel::editRejected);
+            const auto line = f.edit<QLineEdit>();
+            const QString was = f.value().left(line->isReadOnly() ? 1000 : -1);
+            QString text = line->text() == was ? u""_s : u"shown otherwise"_s;
+            QTest::keyClick(line, Qt::Key_Home);
+            QTest::keyClicks(line, cells[1]);
+            QTest::keyClick(line, Qt::Key_Return);
+            text += QTest::qWaitFor([&line] { return !line; }) ? f.value() : u"open"_s;
+            return text.replace(many, u"*"_s) + (rejected.isEmpty() ? u""_s : u" rejected"_s);
+        };
+        compareRows({"sone\r\ntwo\u2028three\tfour > a > aone\r\ntwo\u2028three\tfour", "s* >  > *",
+                     "s************************** > a > **************************",
+                     "i 007 >  >  007", "i7 > x > 7 rejected", "i7 > 1 > 17"},
+                    stored);
+    }
+
+    void choosesBooleanFromOpenList()
+    {
+        const auto stored = [&](const QStringList& cells) {
+            Filtered f(u"Option:b="_s + cells[0]);
+            const auto combo = f.edit<QComboBox>();
+            (void)QTest::qWaitFor([&combo] { return combo->view()->isVisible(); });
+            for (const QString& key : cells[1].split(u' ')) {
+                QTest::keyClick(combo->view(), QKeySequence(key)[0].key());
+            }
+            return QTest::qWaitFor([&combo] { return !combo; }) ? f.value() : u"open"_s;
+        };
+        compareRows({"true > Down Return > false", "false > Up Tab > true",
+                     "true > Down Esc > true", "TRUE > Return > TRUE"},
+                    stored);
     }
 };
 

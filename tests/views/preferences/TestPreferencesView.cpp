@@ -7,13 +7,11 @@ using namespace kse;
 
 namespace {
 
-const QString application = u"Global/Preferences/Application/"_s;
+const QString group = u"Global/Preferences/"_s;
 const QString nodes =
-    u"Global/Preferences/Application/S&b/Deep/Needle:s=hay; Global/Preferences/Application/Fast:"
-    "b=true; Global/Preferences/Application/Data:B=Needle; Global/Preferences/Identifiers/Max:s=x; "
-    "Global/Preferences/GUI/Icon:s=%1&; Global/Preferences/ScriptEditor/Cache/c:s=1; "
-    "Global/Preferences/ScriptEditor/Tab:s=x; Global/Preferences/Security/Keys/k:T=2020; "
-    "Global/Preferences//e:s=1; Global/ColorManagement/On:b=true"_s;
+    u"~Application/S&b/Deep/Needle:s=hay; ~Application/Fast:b=true; ~Application/Data:B=Needle; "
+    "~Identifiers/Max:s=x; ~GUI/Icon:s=%1&; ~ScriptEditor/Cache/c:s=1; ~ScriptEditor/Tab:s=x; "
+    "~Security/Keys/k:T=2020; ~/e:s=1; Global/ColorManagement/On:b=true"_s.replace(u"~"_s, group);
 
 struct Page : SettingsPage<PreferencesView>
 {
@@ -25,8 +23,7 @@ struct Page : SettingsPage<PreferencesView>
         QStringList titles;
         for (int i = 0; i < list->count(); ++i) {
             if (!list->item(i)->isHidden()) {
-                const QString title = list->item(i)->text();
-                titles.append(i == list->currentRow() ? u'[' + title + u']' : title);
+                titles << (i == list->currentRow() ? u"[%1]"_s : u"%1"_s).arg(title(i));
             }
         }
         QStringList texts;
@@ -36,15 +33,11 @@ struct Page : SettingsPage<PreferencesView>
                 texts.append(widget->property("text").toString());
             }
         }
-        return titles.join(u", "_s) + u": "_s + texts.join(u" > "_s);
+        return titles.join(u", "_s) + u": "_s + texts.join(u"; "_s);
     }
 
-    QToolButton* toggle() const
-    {
-        return stack->currentWidget()->findChild<QToolButton*>(u"toggleButton"_s);
-    }
+    QString title(int i) const { return list->item(i)->text(); }
 
-    QStackedWidget* stack = child<QStackedWidget>("pageStack");
     QListWidget* list = child<QListWidget>("pageList");
 };
 
@@ -59,14 +52,14 @@ private slots:
     {
         Page page(nodes);
         QCOMPARE(page.shown(), u"[Application], Color Management, Script Editor, Identifiers and "
-                               "GUI, (no name): Fast > S&&b"_s);
-        page.toggle()->click();
-        QVERIFY(page.shown().endsWith(u": Fast > S&&b > Deep"));
+                               "GUI, (no name): Fast; S&&b"_s);
+        page.child<QToolButton>("toggleButton")->click();
+        QVERIFY(page.shown().endsWith(u": Fast; S&&b; Deep"));
         QTest::keyClick(page.list, Qt::Key_Down);
         QVERIFY(page.shown().endsWith(u": On"));
         QVERIFY(page.view.selectPage(2) && page.shown().endsWith(u": Tab"));
         QVERIFY(page.view.selectPage(3) && !page.view.selectPage(5) && !page.view.selectPage(-1));
-        QVERIFY(page.shown().endsWith(u": Identifiers > Max > GUI > Icon"));
+        QVERIFY(page.shown().endsWith(u": Identifiers; Max; GUI; Icon"));
         QTest::mouseClick(page.list->viewport(), Qt::LeftButton, Qt::ControlModifier,
                           page.list->visualItemRect(page.list->item(4)).center());
         QTest::mouseClick(page.list->viewport(), Qt::LeftButton, {}, {5, 550});
@@ -77,27 +70,33 @@ private slots:
     {
         QString many = nodes;
         for (int i = 0; i < 50; ++i) {
-            many += u"; "_s + application + u"Key%1:s="_s.arg(i);
+            many += u"; %1Application/Key%2:s="_s.arg(group).arg(i);
         }
         Page page(many);
-        XsdtNode* node = page.node(application + u"S&b/Deep/Needle"_s);
-        QVERIFY(page.model.setValue(node, u"straw"_s));
-        QCOMPARE(page.list->item(0)->text() + page.toggle()->text(),
-                 u"Application   ● 1S&&b   ● 1"_s);
+        const auto counts = [&page] {
+            return page.title(0) + page.text("toggleButton");
+        };
+        page.model.setValue(page.node(group + u"Application/S&b/Deep/Needle"_s), u"straw"_s);
+        QCOMPARE(counts(), u"Application   ● 1S&&b   ● 1"_s);
         page.document.commitEdits();
         page.model.refreshAll(); // as after a save
-        QCOMPARE(page.list->item(0)->text() + page.toggle()->text(), u"ApplicationS&&b"_s);
+        QCOMPARE(counts(), u"ApplicationS&&b"_s);
 
-        auto* bar = qobject_cast<QScrollArea*>(page.stack->widget(1))->verticalScrollBar();
+        auto* bar = page.child("pageStack")->findChild<QScrollArea*>()->verticalScrollBar();
         bar->setValue(bar->maximum());
         page.view.setSearchText(u"straw"_s);
         QCOMPARE(bar->value(), 0);
-        QCOMPARE(page.shown(), u"[Application]: S&&b > Deep > Needle"_s);
-        page.view.setSearchText(u"Icon"_s);
-        QCOMPARE(page.shown(), u"[Identifiers and GUI]: GUI > Icon"_s);
+        const auto found = [&page](const QStringList& cells) {
+            page.view.setSearchText(cells[0]);
+            return page.shown();
+        };
+        compareRows({"straw > [Application]: S&&b; Deep; Needle",
+                     "true > : ", "ICON > [Identifiers and GUI]: GUI; Icon",
+                     "%1& > [Identifiers and GUI]: GUI; Icon"},
+                    found);
         page.view.setSearchText({});
         QVERIFY(page.view.selectPage(0));
-        QVERIFY(page.shown().endsWith(u" > S&&b")); // the section is closed, as at first
+        QVERIFY(page.shown().endsWith(u"; S&&b")); // the section is closed, as at first
     }
 };
 
