@@ -33,7 +33,6 @@ class TestPixInsightEnv : public QObject
 private slots:
     void knowsTheNamesOfPixInsight()
     {
-        const QList<quint64> before = PixInsightEnv::runningProcessIds();
         QStringList names{u"pixinsight.EXE"_s};
 #ifndef Q_OS_WIN // where what has no extension doesn't start
         names += u"PIXINSIGHT"_s;
@@ -41,12 +40,11 @@ private slots:
         for (const QString& name : std::as_const(names)) {
             FakePixInsight process(name);
             QVERIFY(process.start());
-            QCOMPARE(PixInsightEnv::runningProcessIds().count(process.processId()), 1);
-            QVERIFY(process.stop());
+            QVERIFY(PixInsightEnv::runningProcessIds().contains(process.processId()));
         }
         FakePixInsight other(u"PixInsight2.exe"_s);
         QVERIFY(other.start());
-        QCOMPARE(PixInsightEnv::runningProcessIds(), before);
+        QVERIFY(!PixInsightEnv::runningProcessIds().contains(other.processId()));
     }
 
     /// The platform, home, APPDATA and generic configuration folder, and what comes of them.
@@ -98,52 +96,33 @@ private slots:
         QVERIFY(QDir::setCurrent(QDir::rootPath()));
     }
 
-    void listsBackupsByTheirTime()
+    void listsAndRemovesBackupsAlone()
     {
         const QTemporaryDir dir;
         const QString settings = dir.filePath(u".a[b].settings"_s);
         const QString stem = settings + u".bak-"_s;
-        touch(settings);
+        const QStringList others{settings, settings + u".BAK-1"_s,
+                                 dir.filePath(u".ab.settings.bak-1"_s),
+                                 dir.filePath(u"other/.a[b].settings.bak-1"_s), stem + u"folder"_s};
+        for (const QString& path : others.first(4)) {
+            touch(path);
+        }
+        QVERIFY(QDir().mkdir(others[4]));
         touch(stem + u"20260311-120000"_s, 9, 1);
         touch(stem + u"20260311-120001"_s, 9, 2);
         touch(stem + u"notes.txt"_s, 5, 4);
         touch(stem + u"1.bak-2"_s, 70, 8);
-        touch(settings + u".BAK-1"_s);
-        touch(dir.filePath(u".ab.settings.bak-1"_s));
-        QVERIFY(QDir().mkdir(stem + u"folder"_s));
         QStringList all = PixInsightEnv::backupsOf(settings);
         const BackupPruneSet older = PixInsightEnv::backupsOlderThanNewest(settings, 2);
         QVERIFY(older.paths == all.mid(2) && older.totalBytes == 9);
         QCOMPARE(PixInsightEnv::backupsOlderThanNewest(settings, -1).paths, all);
+        const BackupRemoval result = PixInsightEnv::removeBackups(settings, others + all, false);
+        QVERIFY(result.removed == 4 && result.failed == 5 && result.freedBytes == 15);
+        QVERIFY(result.failedPaths == others && !result.usedTrash);
+        QVERIFY(PixInsightEnv::backupsOf(settings).isEmpty());
+        QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden).size(), 2 + 5);
         QCOMPARE(all.replaceInStrings(stem, QString()).join(u' '),
                  u"notes.txt 20260311-120001 20260311-120000 1.bak-2"_s);
-    }
-
-    void removesBackupsAlone()
-    {
-        for (const bool toTrash : {false, true}) {
-            const QTemporaryDir dir(QDir::homePath() + u"/XXXXXX"_s); // beside the trash
-            const QString settings = dir.filePath(u"x.settings"_s);
-            const QStringList refused{settings, settings + u".BAK-9"_s,
-                                      dir.filePath(u"other/x.settings.bak-1"_s),
-                                      settings + u".bak-folder"_s, settings + u".bak-gone"_s};
-            for (const QString& path : refused.first(3)) {
-                touch(path);
-            }
-            QVERIFY(QDir().mkdir(refused[3]));
-            touch(settings + u".bak-1"_s, 0, 3);
-            touch(settings + u".bak-2"_s, 0, 4);
-            const BackupRemoval result = PixInsightEnv::removeBackups(
-                settings, refused + PixInsightEnv::backupsOf(settings), toTrash);
-            QVERIFY(result.removed == 2 && result.failed == 5 && result.freedBytes == 7);
-            QCOMPARE(result.failedPaths, refused);
-            QCOMPARE(QDir(dir.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size(), 4);
-#ifdef Q_OS_LINUX
-            QVERIFY(result.usedTrash == toTrash &&
-                    QFile::exists(QDir::homePath() +
-                                  u"/.local/share/Trash/files/x.settings.bak-1"_s) == toTrash);
-#endif
-        }
     }
 };
 

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "session/ProcessList.h"
 
+#include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
+
 #include <sys/wait.h>
 #endif
 
@@ -26,13 +26,9 @@ private slots:
     {
         qputenv("COLUMNS", "8"); // which `ps` heeds
         for (const QString& name : {u"Pix Insight.exe"_s, u"a) Z (b.EXE"_s}) {
-            const QTemporaryDir dir;
-            const QString program = dir.filePath(name);
-            QVERIFY(QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), program));
-            QProcess process;
-            process.start(program, QStringList());
-            QVERIFY(process.waitForReadyRead());
-            const auto id = static_cast<quint64>(process.processId());
+            FakePixInsight process(name);
+            QVERIFY(process.start());
+            const quint64 id = process.processId();
             const auto isListed = [&] {
                 const auto all = listProcesses();
                 return std::any_of(all.begin(), all.end(), [&](const ProcessEntry& entry) {
@@ -41,15 +37,15 @@ private slots:
             };
             QVERIFY(isListed());
 #ifdef Q_OS_UNIX
-            QVERIFY(QFile::remove(program)); // as an update does with a program that runs
+            QVERIFY(QFile::remove(process.program())); // as an update does with one that runs
             QVERIFY(isListed());
-            process.kill();
+            const auto child = static_cast<pid_t>(id);
+            QCOMPARE(kill(child, SIGKILL), 0);
             siginfo_t ended = {};
-            QCOMPARE(waitid(P_PID, static_cast<id_t>(id), &ended, WEXITED | WNOWAIT), 0);
+            QCOMPARE(waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
             QVERIFY(!isListed()); // although nobody has asked for its status yet
 #endif
-            process.kill();
-            QVERIFY(process.waitForFinished());
+            QVERIFY(process.stop());
             QVERIFY(!isListed());
         }
     }

@@ -11,7 +11,6 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QSignalSpy>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
@@ -35,7 +34,9 @@ struct Review
         (void)schema.load({}, R"({"variables": {"C": {"choices": [[1, "one"], [2, "two"]]}}})");
         dialog = std::make_unique<ReviewDialog>(&model, document.get(), nullptr, &schema);
         tree = dialog->findChild<QTreeWidget*>(u"tree"_s);
+        tree->expandAll();
         dialog->show();
+        (void)QTest::qWaitForWindowActive(dialog.get()); // else no shortcut works
     }
 
     template <typename Widget>
@@ -64,37 +65,28 @@ struct Review
             const auto say = [&answers](const QString& text) {
                 answers << text;
             };
-            on("expand", [&] { tree->expandAll(); });
             on("type", [&] { QTest::keyClicks(child<QWidget>(u"filter"_s), rest); });
             on("press", [&] { child<QAbstractButton>(rest)->click(); });
             on("select", [&] { row(number)->setSelected(true); });
             on("at", [&] { tree->setCurrentItem(row(number), column); });
             on("focus", [&] { child<QWidget>(rest)->setFocus(); });
-            on("return", [&] { QTest::keyClick(dialog->focusWidget(), Qt::Key_Return); });
-            on("space", [&] { QTest::keyClick(dialog->focusWidget(), Qt::Key_Space); });
+            on("key", [&] {
+                const QKeyCombination keys = QKeySequence(rest)[0];
+                QTest::keyClick(dialog->focusWidget(), keys.key(), keys.keyboardModifiers());
+            });
             on("running", [&] { model.setReadOnly(number != 0); });
             on("undo", [&] { model.revertAll(); });
             on("reload", [&] { model.setDocument(document.get()); });
-            on("enlarge", [&] { dialog->setFont(QFont(dialog->font().family(), 30)); });
             on("rows", [&] { say(rows()); });
             on("alive", [&] { say(alive()); });
-            on("label", [&] { say(child<QLabel>(rest)->text()); });
+            on("text", [&] { say(child<QLabel>(rest)->text()); });
             on("detail", [&] { say(child<QPlainTextEdit>(u"detail"_s)->toPlainText()); });
             on("tip", [&] { say(tree->currentItem()->toolTip(tree->currentColumn())); });
-            on("where", [&] { say(dialog->focusWidget()->objectName()); });
-            on("row", [&] { say(QString::number(tree->currentIndex().row())); });
-            on("saved", [&] { say(QString::number(dialog->result())); });
-            on("changes", [&] { say(QString::number(changes.size())); });
-            on("height", [&] {
-                say(QString::number(child<QWidget>(u"detail"_s)->maximumHeight() /
-                                    dialog->fontMetrics().lineSpacing()));
+            on("where", [&] {
+                say(dialog->focusWidget()->objectName() +
+                    QString::number(tree->currentIndex().row()));
             });
-            on("copy", [&] {
-                tree->setFocus();
-                QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
-                QTest::keyClick(tree, Qt::Key_C, Qt::ControlModifier);
-                say(QApplication::clipboard()->text());
-            });
+            on("copied", [&] { say(QApplication::clipboard()->text()); });
         }
         return answers.join(u" / "_s).replace(u'\n', u" / "_s);
     }
@@ -103,30 +95,27 @@ struct Review
     QString rows() const
     {
         QStringList lines;
-        for (int i = 0; row(i); ++i) {
-            QStringList texts;
-            for (int column = 0; column < 4; ++column) {
-                texts << row(i)->text(column);
-            }
-            lines << texts.join(u'|');
+        for (QTreeWidgetItemIterator row(tree); *row; ++row) {
+            lines << (*row)->text(0) + u'|' + (*row)->text(1) + u'|' + (*row)->text(2) + u'|' +
+                         (*row)->text(3);
         }
         return lines.join(u'\n');
     }
 
-    /// Which of these are visible and enabled.
+    /// Which of these are visible and enabled, and whether the dialog has ended with a save.
     QString alive() const
     {
-        QStringList names{u"running"_s, u"hidden"_s, u"revert"_s, u"save"_s, u"tree"_s};
-        names.removeIf([this](const QString& name) {
-            return !child<QWidget>(name)->isVisible() || !child<QWidget>(name)->isEnabled();
-        });
+        QStringList names(dialog->result(), u"saved"_s);
+        for (const QString& name : {u"running"_s, u"hidden"_s, u"revert"_s, u"save"_s, u"tree"_s}) {
+            const auto* widget = child<QWidget>(name);
+            names += QStringList(widget->isVisible() && widget->isEnabled(), name);
+        }
         return names.join(u' ');
     }
 
     std::unique_ptr<XsdtDocument> document;
     SettingsSchema schema;
     SettingsModel model;
-    QSignalSpy changes{&model, &SettingsModel::edited};
     std::unique_ptr<ReviewDialog> dialog;
     QTreeWidget* tree = nullptr;
 };
@@ -149,51 +138,53 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
         const QStringList edits{u"E=a \t\n\n"_s,    u"D\n<b>%1&=%2"_s, u"C=7"_s,
                                 u"BackColor=255"_s, u"B/y=new"_s,      u"B/x=2"_s};
         compareRows(
-            {"alive,label summary > save tree / 6 edit(s) and 2 deletion(s) (3 values removed) "
+            {"alive,text summary > save tree / 6 edit(s) and 2 deletion(s) (3 values removed) "
              "will be written to the settings file.",
-             "expand,rows > Delete|a|2 value(s)|(removed) / |BackColor|9|(removed) / |in/z|%1 "
+             "rows > Delete|a|2 value(s)|(removed) / |BackColor|9|(removed) / |in/z|%1 "
              "|(removed) / Delete|gone|1 value(s)|(removed) / |gone|(4 characters of encoded "
              "data)|(removed) / Edit|B/x|1|2 / Edit|B/y|one⏎two|new / "
              "Edit|BackColor|4278190090|255 / Edit|C|1|7 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a "
              "\t⏎⏎",
-             "type  b/X ,rows,label hidden,alive > Edit|B/x|1|2 / The filters hide 7 change(s). "
+             "type  b/X ,rows,text hidden,alive > Edit|B/x|1|2 / The filters hide 7 change(s). "
              "Save writes them too. / hidden save tree",
              "type TW,rows > Edit|B/y|one⏎two|new",
              "type New,rows > Edit|B/y|one⏎two|new",
-             "type QUJD,rows,label hidden > |Nothing matches the filters.|| / The filters hide 8 "
+             "type QUJD,rows,text hidden > |Nothing matches the filters.|| / The filters hide 8 "
              "change(s). Save writes them too.",
              "press showEdits,type GO,rows > Delete|gone|1 value(s)|(removed)",
-             "select 0,press revert,press showDeletions,alive,label hidden > hidden save tree / "
+             "select 0,press revert,press showDeletions,alive,text hidden > hidden save tree / "
              "The filters hide 1 change(s). Save writes them too.",
-             "select 0,detail,label remark > a / The whole entry is removed (2 value(s)). Expand "
+             "select 0,detail,text remark > a / The whole entry is removed (2 value(s)). Expand "
              "the row to see them. / ",
-             "expand,select 2,detail,label remark > a/in/z / Removed value: %1  / The value ends "
+             "select 2,detail,text remark > a/in/z / Removed value: %1  / The value ends "
              "in 1 blank(s).",
-             "expand,select 4,detail,alive >  / revert save tree",
-             "select 3,detail,select 0,detail > B/y / Before: one / two / After:  new / 2 changes "
+             "select 4,detail,alive >  / revert save tree",
+             "select 6,detail,select 0,detail > B/y / Before: one / two / After:  new / 2 changes "
              "selected.",
-             "at 2,label remark,at 4,label remark,at 5,label remark >  / Shown as #FF00000A before "
+             "at 5,text remark,at 7,text remark,at 8,text remark >  / Shown as #FF00000A before "
              "and #000000FF after. / Shown as one before and Other (7) after.",
-             "at 7,label remark > Before ends in 2 blank(s). After ends in 2 blank(s), 2 line "
+             "at 10,text remark > Before ends in 2 blank(s). After ends in 2 blank(s), 2 line "
              "end(s).",
-             "at 6 1,copy,at 3 2,copy,expand,at 4 2,copy,at 2 2,tip > D / <b>%1& / one / two / "
+             "at 9 1,key Ctrl+C,copied,at 6 2,key Ctrl+C,copied,at 4 2,key Ctrl+C,copied,at 2 "
+             "2,tip > D / <b>%1& / one / two / "
              "QUJD / %1 ",
-             "at 6 2,tip > <span style=\"white-space:pre-wrap\">&lt;i&gt;</span>",
-             "enlarge,height > 5",
-             "expand,select 1,press revert,alive,label remark > revert save tree / Shown as "
+             "at 9 2,tip > <span style=\"white-space:pre-wrap\">&lt;i&gt;</span>",
+             "select 1,press revert,alive,text remark > revert save tree / Shown as "
              "#00000009.",
-             "select 0,select 1,select 3,select 5,press revert,changes,rows > 1 / Edit|B/x|1|2 / "
+             "select 0,select 3,select 6,select 8,press revert,rows > Edit|B/x|1|2 / "
              "Edit|BackColor|4278190090|255 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a \t⏎⏎",
-             "select 5,select 3,press revert,where,row,alive,space,detail > tree / 3 / save tree / "
+             "select 8,select 6,press revert,where,alive,key Space,detail > tree3 / save tree / "
              "BackColor / Before: 4278190090 / After:  255",
-             "select 7,press revert,row > 6",
-             "select 2,select 3,select 4,select 5,select 6,select 7,press revert,alive > save tree",
-             "undo,label summary,rows,alive > There are no changes to save. /  / tree",
+             "select 10,press revert,where > tree6",
+             "select 5,select 6,select 7,select 8,select 9,select 10,press revert,alive > save "
+             "tree",
+             "undo,text summary,rows,alive > There are no changes to save. /  / tree",
              "reload,alive > ",
              "running 1,alive,running 0,alive > running save tree / save tree",
-             "focus showEdits,return,focus detail,return,alive,focus filter,return,where > save "
-             "tree / tree",
-             "return,alive,saved >  / 1"},
+             "focus showEdits,key Return,focus detail,key Return,alive,focus filter,key "
+             "Return,where > save "
+             "tree / tree0",
+             "key Return,alive > saved"},
             [&](const QStringList& cells) {
                 return Review(sample, edits, {u"gone"_s, u"a"_s}).play(cells[0]);
             });
@@ -204,12 +195,13 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
         const QByteArray many = QByteArray("<v k=\"v\" t=\"i\" v=\"1\"/>").repeated(301);
         Review review("<i k=\"many\">" + many + "</i><v k=\"x\" t=\"s\"></v>",
                       {u"x="_s + QString(1'000'000, u'v')}, {u"many"_s});
-        QCOMPARE(review.play(u"expand,at 302 3,tip"_s).size(), 500);
+        QCOMPARE(review.play(u"at 302 3,tip"_s).size(), 500);
         QCOMPARE(review.row(302)->text(3), QString(120, u'v') + QChar(0x2026));
         QCOMPARE(review.play(u"detail"_s).count(u'v'), 100'000);
         QVERIFY(review.play(u"detail"_s).contains(u"900000"_s));
-        QCOMPARE(review.play(u"copy"_s).size(), 1'000'000);
-        QCOMPARE(review.play(u"at 301 1,copy,at 300 2,copy"_s), u"...and 1 more values / 1"_s);
+        QCOMPARE(review.play(u"key Ctrl+C,copied"_s).size(), 1'000'000);
+        QCOMPARE(review.play(u"at 301 1,key Ctrl+C,copied,at 300 2,key Ctrl+C,copied"_s),
+                 u"...and 1 more values / 1"_s);
     }
 };
 
