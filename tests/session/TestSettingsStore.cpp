@@ -149,7 +149,8 @@ private slots:
             QVERIFY2(remark.contains(doubt) && remark.isEmpty() == doubt.isEmpty(),
                      qPrintable(said));
             auto after = f.files();
-            const QStringList made = after.keys().filter(stamp);
+            const QStringList names = after.keys();
+            const QStringList made = names.filter(stamp);
             QCOMPARE(made.size(), done && !files.isEmpty() ? 1 : doubt.count(u"made"_s));
             for (const QString& name : made) {
                 QCOMPARE(after.take(name), bytes);

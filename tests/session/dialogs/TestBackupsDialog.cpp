@@ -35,7 +35,7 @@ struct Backups
         dialog = std::make_unique<BackupsDialog>(folder.filePath(fileName));
         list = dialog->findChild<QListWidget*>(u"list"_s);
         keep = dialog->findChild<QSpinBox*>(u"keep"_s);
-        QObject::connect(dialog.get(), &BackupsDialog::message,
+        QObject::connect(dialog.get(), &BackupsDialog::message, dialog.get(),
                          [this](const QString& text) { said += text; });
         dialog->show();
     }
