@@ -70,7 +70,7 @@ void indexPaths(benchmark::State& state)
         walkTree(searched.document.root, [&](XsdtNode& node) {
             const QString& here = path.moveTo(node);
             if (node.kind == XsdtNode::Kind::Value) {
-                index.append({&node, {}, QString(here.data(), here.size()), {}});
+                index.append({&node, {}, QString(here.data(), here.size()), here.size(), {}});
             }
             return Walk::Into;
         });
@@ -85,7 +85,7 @@ void indexPathsPlainly(benchmark::State& state)
         QList<SearchIndexEntry> index;
         walkTree(searched.document.root, [&](XsdtNode& node) {
             if (node.kind == XsdtNode::Kind::Value) {
-                index.append({&node, {}, node.path().toLower(), {}});
+                index.append({&node, {}, node.path().toLower(), 0, {}});
             }
             return Walk::Into;
         });

@@ -7,9 +7,6 @@
 
 namespace kse {
 
-/// The same as `text += addition.toLower()`, but without a temporary string if `addition` is ASCII.
-void appendLowerCase(QString& text, const QString& addition);
-
 /// Makes the lower-case paths of nodes during a depth-first walk. Each key is converted once, not
 /// once for every value below it.
 class LowerCasePath

@@ -2,6 +2,7 @@
 #include "views/compare/CompareView.h"
 
 #include "document/Fail.h"
+#include "document/InheritedAnswer.h"
 #include "schema/DeletePolicy.h"
 #include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
@@ -30,6 +31,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -224,11 +226,7 @@ void CompareView::refresh(const CompareTreeState& state)
     clearEntries();
     if (m_document && !m_otherPath.isEmpty()) {
         m_entries = compareDocuments(*m_document, m_other);
-        const DeletePolicy* policy = m_model->policy();
-        m_isNoise.reserve(size_t(m_entries.size()));
-        for (const CompareEntry& entry : std::as_const(m_entries)) {
-            m_isNoise.push_back(policy && policy->isCompareNoise(entry.node()));
-        }
+        findNoise();
         populate(state);
         return;
     }
@@ -236,6 +234,21 @@ void CompareView::refresh(const CompareTreeState& state)
         m_document ? tr("Pick another settings file to see how it differs from this one.")
                    : QString());
     updateButtons();
+}
+
+void CompareView::findNoise()
+{
+    // Patterns have fewer keys, so none tells nodes apart whose first keys are the same.
+    constexpr quint16 levels = 16;
+    const DeletePolicy* policy = m_model->policy();
+    const auto own = [policy](const XsdtNode& node) {
+        return node.depth > levels ? std::nullopt : std::optional(policy->isCompareNoise(&node));
+    };
+    InheritedAnswer isNoise;
+    m_isNoise.reserve(size_t(m_entries.size()));
+    for (const CompareEntry& entry : std::as_const(m_entries)) {
+        m_isNoise.push_back(policy && isNoise.of(*entry.node(), own));
+    }
 }
 
 void CompareView::populate(const CompareTreeState& state)

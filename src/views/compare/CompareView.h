@@ -73,6 +73,7 @@ private:
     void clearEntries();
     void forgetOther();
     void refresh(const CompareTreeState& state = {});
+    void findNoise();
     void populate(const CompareTreeState& treeState = {});
     void addRows(const CompareTreeState& state);
     void updateButtons();

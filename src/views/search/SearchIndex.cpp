@@ -2,6 +2,7 @@
 #include "views/search/SearchIndex.h"
 
 #include "document/Depth.h"
+#include "document/InheritedAnswer.h"
 #include "document/LowerCasePath.h"
 #include "document/ShortPath.h"
 #include "document/TextOrder.h"
@@ -18,6 +19,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -97,17 +99,16 @@ private:
         return elsewhere ? 1 : 0;
     }
 
-    int nameScore(const SearchIndexEntry& entry, const Term& term)
+    static int nameScore(const SearchIndexEntry& entry, const Term& term)
     {
-        m_key.truncate(0);
-        appendLowerCase(m_key, entry.node->key);
-        if (m_key == term.text) {
+        const QString key = entry.node->key.toLower();
+        if (key == term.text) {
             return 10;
         }
-        if (m_key.startsWith(term.text)) {
+        if (key.startsWith(term.text)) {
             return 6;
         }
-        if (term.exact.indexIn(m_key) >= 0) {
+        if (term.exact.indexIn(key) >= 0) {
             return 4;
         }
         return term.anyCase.indexIn(entry.label) >= 0 ? 3 : 2;
@@ -115,54 +116,19 @@ private:
 
     const SearchQuery& m_query;
     std::vector<Term> m_terms;
-    QString m_key; ///< A member to reuse its memory.
 };
 
-/// Tells whether nodes are inside a deletion, and looks at each group only once.
-class Deletions
-{
-public:
-    bool hold(const XsdtNode& node)
-    {
-        m_climbed.clear();
-        bool inside = node.markedForDeletion;
-        for (const XsdtNode* group = node.parent; group && !inside; group = group->parent) {
-            const auto known = m_groups.constFind(group);
-            if (known != m_groups.cend()) {
-                inside = *known;
-                break;
-            }
-            m_climbed.push_back(group);
-            inside = group->markedForDeletion;
-        }
-        for (const XsdtNode* group : m_climbed) {
-            m_groups.insert(group, inside);
-        }
-        return inside;
-    }
-
-private:
-    QHash<const XsdtNode*, bool> m_groups;
-    std::vector<const XsdtNode*> m_climbed; ///< A member to reuse its memory.
-};
-
-bool isWanted(XsdtNode* node, const SearchQuery& query, Deletions& deletions)
+bool isWanted(XsdtNode* node, const SearchQuery& query, InheritedAnswer& isDeleted)
 {
     if (query.restriction ? !query.restriction->contains(node)
                           : !query.includeProtected && !node->isEditableType()) {
         return false;
     }
-    return !query.changedOnly || node->isModified() || deletions.hold(*node);
-}
-
-bool isAscii(const QString& text)
-{
-    // Without an early exit, so that the compiler can vectorise the loop.
-    char16_t bits = 0;
-    for (const QChar unit : text) {
-        bits |= unit.unicode();
-    }
-    return bits < 0x80;
+    const auto own = [](const XsdtNode& one) {
+        return one.markedForDeletion || !one.parent ? std::optional(one.markedForDeletion)
+                                                    : std::nullopt;
+    };
+    return !query.changedOnly || node->isModified() || isDeleted.of(*node, own);
 }
 
 /// The places in `hits`, which are in file order, sorted by path.
@@ -170,19 +136,9 @@ QList<qsizetype> orderByPath(const QList<SearchIndexEntry>& index, const std::ve
 {
     QList<QStringView> paths;
     paths.reserve(static_cast<qsizetype>(hits.size()));
-    QStringList built; // the views point into these
     for (const Hit& hit : hits) {
         const SearchIndexEntry& entry = index[hit.place];
-        // In ASCII, lower case sorts like the path itself, and its length tells where the label
-        // begins.
-        if (isAscii(entry.haystack)) {
-            paths.append(QStringView(entry.haystack).chopped(entry.label.size() + 1));
-        } else if (entry.node->depth > deepestShownLevel) {
-            paths.append(entry.haystack);
-        } else {
-            built.append(entry.node->path());
-            paths.append(built.constLast());
-        }
+        paths.append(QStringView(entry.haystack).first(entry.pathLength));
     }
     return orderIgnoringCase(paths);
 }
@@ -216,7 +172,8 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
             group = node.parent;
             isDescribed = node.depth <= deepestShownLevel && schema.mayDescribeIn(*group);
         }
-        SearchIndexEntry entry{&node, {}, {}, {}};
+        SearchIndexEntry entry;
+        entry.node = &node;
         if (isDescribed) {
             const VariableInfo info = schema.describe(node);
             entry.label = info.label;
@@ -231,10 +188,11 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
         if (node.depth > deepestShownLevel) {
             here = here.last(std::min(here.size(), shortPathLength));
         }
+        entry.pathLength = here.size();
         entry.haystack.reserve(here.size() + 1 + entry.label.size());
         entry.haystack += here;
         entry.haystack += u' ';
-        appendLowerCase(entry.haystack, entry.label);
+        entry.haystack += entry.label.toLower();
         index.append(std::move(entry));
         return Walk::Over;
     });
@@ -244,10 +202,10 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
 QList<qsizetype> search(const QList<SearchIndexEntry>& index, const SearchQuery& query)
 {
     Scorer scorer(query);
-    Deletions deletions;
+    InheritedAnswer isDeleted;
     std::vector<Hit> hits;
     for (qsizetype i = 0; i < index.size(); ++i) {
-        if (isWanted(index[i].node, query, deletions)) {
+        if (isWanted(index[i].node, query, isDeleted)) {
             const int score = scorer.score(index[i]);
             if (score >= 0) {
                 hits.push_back({i, score});

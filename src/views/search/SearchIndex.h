@@ -16,9 +16,10 @@ struct XsdtNode;
 struct SearchIndexEntry
 {
     XsdtNode* node = nullptr;
-    QString label;       ///< From the schema, in its own case.
-    QString haystack;    ///< Path, one blank, label; lower case. Of a deep path only the end.
-    QString description; ///< Lower case.
+    QString label;            ///< From the schema, in its own case.
+    QString haystack;         ///< Path, one blank, label; lower case. Of a deep path only the end.
+    qsizetype pathLength = 0; ///< Of `haystack`.
+    QString description;      ///< Lower case.
 };
 
 /// What to search for, and where.
