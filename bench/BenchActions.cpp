@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "BenchSupport.h"
+#include "Element.h"
 #include "SettingsHome.h"
 #include "app/MainWindow.h"
 #include "app/ThemeManager.h"
 #include "document/Leaves.h"
+#include "views/cleanup/UnusedModulesView.h"
 #include "views/compare/CompareView.h"
 #include "views/model/SettingsModel.h"
 #include "views/preferences/PreferencesView.h"
 #include "views/search/SearchView.h"
 #include "views/tree/AllSettingsView.h"
+#include "widgets/CollapsibleSection.h"
 
 #include <QtWidgets>
 
@@ -56,14 +59,29 @@ void measureTyping(const char* name, QWidget* page, const QString& edit)
     measure("- clear", [line] { line->clear(); });
 }
 
+/// A file with `values` values, and a page of preferences that has as many as a page shows.
+QByteArray settingsWithPage(qsizetype values)
+{
+    Element global{"Global", 0, {}, {}};
+    Element& page = global.group("Preferences/Bench");
+    for (int i = 0; i < 2000; ++i) {
+        Element& group = i < 1000 ? page : page.group("Inner");
+        group.set("Value" + QByteArray::number(i), "bis"[i % 3], i % 3 == 0 ? "true" : "1");
+    }
+    QByteArray element;
+    appendElement(element, global);
+    QByteArray bytes = generateSettings({GenerateOptions::Shape::Values, values});
+    return bytes.insert(bytes.indexOf("<i "), element);
+}
+
 class Session
 {
 public:
-    explicit Session(qsizetype values)
-        : m_path(placeSettings(generateSettings({GenerateOptions::Shape::Values, values})))
+    explicit Session(const QByteArray& bytes)
+        : m_path(placeSettings(bytes))
     {
         XsdtDocument document;
-        require(document.parse(generateSettings({GenerateOptions::Shape::Values, values})));
+        require(document.parse(bytes));
         const QList<XsdtNode*> nodes = valuesOf(document.root);
         for (qsizetype i = 0; i < nodes.size(); i += 100) {
             nodes.at(i)->value += u'1';
@@ -106,7 +124,23 @@ private:
             measure(name.constData(), [&] { m_tabs->setCurrentIndex(i); });
         }
         auto* list = m_window->findChild<QListWidget*>(u"pageList"_s);
-        measure("Preferences: next page", [&] { list->setCurrentRow(1); });
+        measure("Preferences: another page", [&] { list->setCurrentRow(1); });
+        measure("- one of 2,000 settings", [&] { list->setCurrentRow(0); });
+        measure("- a section of 1,000", [this] { open(page<PreferencesView>()); });
+        m_tabs->setCurrentWidget(page<UnusedModulesView>());
+        measure("Unused modules: a module's settings", [this] { open(page<UnusedModulesView>()); });
+    }
+
+    /// Opens the first section of `view` that hasn't been open.
+    void open(QWidget* view)
+    {
+        for (auto* section : view->findChildren<CollapsibleSection*>()) {
+            if (section->bodyLayout()->isEmpty()) {
+                section->setExpanded(true);
+                return;
+            }
+        }
+        require(false);
     }
 
     void useTree()
@@ -178,6 +212,6 @@ int main(int argc, char** argv)
     useAsHome(home);
     QApplication application(argc, argv);
     application.setApplicationName(u"BenchActions"_s);
-    Session(argc > 1 ? QByteArray(argv[1]).toLongLong() : 60'000).run();
+    Session(settingsWithPage(argc > 1 ? QByteArray(argv[1]).toLongLong() : 60'000)).run();
     return 0;
 }

@@ -3,13 +3,11 @@
 
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
-#include "widgets/TabOrder.h"
 
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolButton>
 #include <QToolTip>
-#include <QVBoxLayout>
 
 #include <utility>
 
@@ -39,7 +37,7 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
     : QWidget(parent)
     , m_toggleButton(named(u"toggleButton"_s, new TitleButton(this)))
     , m_body(named(u"body"_s, new QWidget(this)))
-    , m_bodyLayout(new QVBoxLayout(m_body))
+    , m_bodyLayout(new GradualLayout(m_toggleButton, m_body))
     , m_startExpanded(expanded)
 {
     m_toggleButton->setCheckable(true);
@@ -126,7 +124,6 @@ void CollapsibleSection::setExpanded(bool expanded)
     if (expanded) {
         if (const auto build = std::exchange(m_lazyBuilder, nullptr)) {
             build();
-            continueTabOrder(m_toggleButton, {m_body});
         }
     }
     m_body->setVisible(expanded);

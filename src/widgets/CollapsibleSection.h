@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "widgets/GradualLayout.h"
+
 #include <QWidget>
 
 #include <functional>
 
 class QPoint;
-class QVBoxLayout;
 
 namespace kse {
 
@@ -32,8 +33,8 @@ public:
     /// In pixels, for widgets beside the title.
     int titleHeight() const;
 
-    /// The layout for the content. The layout's parent widget is the parent for the content.
-    QVBoxLayout* bodyLayout() const { return m_bodyLayout; }
+    /// The layout for the content, and with it the content's parent widget.
+    GradualLayout* bodyLayout() const { return m_bodyLayout; }
 
     bool startExpanded() const { return m_startExpanded; }
     void setExpanded(bool expanded);
@@ -56,7 +57,7 @@ private:
 
     TitleButton* m_toggleButton = nullptr;
     QWidget* m_body = nullptr;
-    QVBoxLayout* m_bodyLayout = nullptr;
+    GradualLayout* m_bodyLayout = nullptr;
     QString m_title;
     qsizetype m_changeCount = 0;
     Deletion m_deletion = Deletion::None;

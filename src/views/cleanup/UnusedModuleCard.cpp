@@ -3,6 +3,7 @@
 
 #include "document/Leaves.h"
 #include "document/NamedNode.h"
+#include "document/XsdtNode.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/cleanup/ModuleContents.h"
 #include "views/rows/SettingRow.h"
@@ -15,6 +16,8 @@
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -61,34 +64,44 @@ UnusedModuleCard::UnusedModuleCard(const ModuleInfo& module, SettingRowSet* rowS
 
 void UnusedModuleCard::createRows()
 {
-    QVBoxLayout* layout = m_section->bodyLayout();
+    // The titles of the groups, each followed by its values, and a remark if there are more.
+    QList<XsdtNode*> parts;
     int shown = 0;
     qsizetype total = 0;
-    for (const auto& [path, node] : sortedByPath(m_module.nodes)) {
-        const QList<XsdtNode*> values = valuesOf(*node);
+    for (const NamedNode& group : sortedByPath(m_module.nodes)) {
+        parts.append(group.node);
+        const QList<XsdtNode*> values = valuesOf(*group.node);
         total += values.size();
-        addGroupTitle(tr("%1  (%n value(s))", nullptr, static_cast<int>(values.size()))
-                          .arg(withoutMiddle(path, lineLimit)),
-                      node);
-        for (XsdtNode* value : values) {
-            if (shown == rowLimit) {
-                break;
-            }
-            layout->addWidget(m_rowSet->add(value, layout->parentWidget()));
-            ++shown;
-        }
+        const qsizetype count = std::min(values.size(), qsizetype(rowLimit - shown));
+        parts.append(values.first(count));
+        shown += int(count);
     }
     if (shown < total) {
-        addLabel(tr("...and %1 more values. Use \"Show in All settings\" from the right-click "
-                    "menu to see the rest.")
-                     .arg(total - shown),
-                 u"moreLabel"_s, {4, 4, 0, 4});
+        parts.append(nullptr);
     }
+    QWidget* body = m_section->bodyLayout()->parentWidget();
+    m_section->bodyLayout()->append(
+        parts.size(), [this, parts, more = total - shown, body](qsizetype i) -> QWidget* {
+            XsdtNode* node = parts.at(i);
+            if (!node) {
+                return createLabel(tr("...and %1 more values. Use \"Show in All settings\" from "
+                                      "the right-click menu to see the rest.")
+                                       .arg(more),
+                                   u"moreLabel"_s, {4, 4, 0, 4});
+            }
+            if (node->kind == XsdtNode::Kind::Group) {
+                return createGroupTitle(node);
+            }
+            return m_rowSet->add(node, body);
+        });
 }
 
-void UnusedModuleCard::addGroupTitle(const QString& text, XsdtNode* group)
+QWidget* UnusedModuleCard::createGroupTitle(XsdtNode* group)
 {
-    QLabel* label = addLabel(text, u"groupLabel"_s, {4, 8, 0, 2});
+    const auto values = static_cast<int>(valuesOf(*group).size());
+    QLabel* label = createLabel(
+        tr("%1  (%n value(s))", nullptr, values).arg(withoutMiddle(group->path(), lineLimit)),
+        u"groupLabel"_s, {4, 8, 0, 2});
     QFont font; // sets the weight alone: the size still follows the application's
     font.setWeight(QFont::Bold);
     label->setFont(font);
@@ -99,15 +112,15 @@ void UnusedModuleCard::addGroupTitle(const QString& text, XsdtNode* group)
     connect(label, &QWidget::customContextMenuRequested, this, [this, label, group](QPoint pos) {
         m_rowSet->showMenu(group, label->mapToGlobal(pos));
     });
+    return label;
 }
 
-QLabel* UnusedModuleCard::addLabel(const QString& text, const QString& objectName,
-                                   const QMargins& margins)
+QLabel* UnusedModuleCard::createLabel(const QString& text, const QString& objectName,
+                                      const QMargins& margins)
 {
-    QVBoxLayout* layout = m_section->bodyLayout();
-    auto* label = new WrappedLabel(text, Qt::PlainText, objectName, layout->parentWidget());
+    QWidget* body = m_section->bodyLayout()->parentWidget();
+    auto* label = new WrappedLabel(text, Qt::PlainText, objectName, body);
     label->setContentsMargins(margins);
-    layout->addWidget(label);
     return label;
 }
 

@@ -40,8 +40,8 @@ private:
     class Tick;
 
     void createRows();
-    void addGroupTitle(const QString& text, XsdtNode* group);
-    QLabel* addLabel(const QString& text, const QString& objectName, const QMargins& margins);
+    QWidget* createGroupTitle(XsdtNode* group);
+    QLabel* createLabel(const QString& text, const QString& objectName, const QMargins& margins);
 
     const ModuleInfo m_module;
     SettingRowSet* m_rowSet = nullptr;

@@ -307,10 +307,10 @@ QWidget* PreferencesView::createSection(Group& group, bool expanded, QWidget* pa
     section->setContextMenuHandler(
         [this, node](const QPoint& globalPos) { m_rowSet->showMenu(node, globalPos); });
     section->setLazyBuilder([this, section, &group] {
-        QBoxLayout* layout = section->bodyLayout();
-        for (qsizetype i = 0; i < group.count(); ++i) {
-            layout->addWidget(createPart(group, i, layout->parentWidget()));
-        }
+        QWidget* body = section->bodyLayout()->parentWidget();
+        section->bodyLayout()->append(group.count(), [this, &group, body](qsizetype i) {
+            return createPart(group, i, body);
+        });
     });
     updateChangeCounts(group);
     if (const QString text = searchText(); !text.isEmpty()) {
