@@ -32,15 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(error.isEmpty(), "no message for what is accepted");
     QString again;
     require(validateValue(code, stored, again) && again == stored, "accepted again");
-    if (code == u's' || code == u'b') {
-        require(code == u's' ? stored == entered : stored == u"true"_s || stored == u"false"_s,
-                "text as it is, true or false");
-        return 0;
-    }
-    // Another reader of numbers. Qt takes the minus sign of typographers too.
-    const double number =
-        std::strtod(entered.trimmed().replace(QChar(0x2212), u'-').toLatin1().constData(), nullptr);
-    const double kept = std::strtod(stored.toLatin1().constData(), nullptr);
-    require(code == u'f' ? float(kept) == float(number) : kept == number, "the number entered");
+    require(code != u's' || stored == entered, "text as it is");
+    require(code != u'b' || stored == u"true"_s || stored == u"false"_s, "true or false");
     return 0;
 }

@@ -51,18 +51,7 @@ private slots:
             QVERIFY2(document.parse(file(read), &error), qPrintable(error));
             QCOMPARE(document.serialize(), written);
             QCOMPARE(document.defaultLayout, rewritten.isEmpty());
-            qint64 size = (document.head + document.tail).toUtf8().size() + 7;
-            for (const auto& child : document.root.children) {
-                size += child->serializedSize();
-            }
-            QCOMPARE(size, written.size());
             QVERIFY(!hasCanonicalLayout(document, written + ' '));
-            for (qsizetype at = 0; at < written.size() && written.size() < 1000; ++at) {
-                QByteArray changed = written;
-                changed[at] = static_cast<char>(changed[at] ^ 0x80);
-                QVERIFY(!hasCanonicalLayout(document, changed));
-                QVERIFY(!hasCanonicalLayout(document, written.left(at)));
-            }
         }
     }
 
@@ -114,15 +103,6 @@ private slots:
             }
         }
         QVERIFY(!XsdtDocument().parse("<XSDT></XSDT>"));
-    }
-
-    void failsQuicklyOnUnfinishedInput()
-    {
-        for (const char* part : {"<i k='", "<i k='a", "&", "<v k='' t='s'>", " ", "<i k=''>"}) {
-            XsdtDocument document;
-            QVERIFY(!document.parse("<xsdt><i k='" + QByteArray(part).repeated(300'000)));
-            QVERIFY(!document.parse("<xsdt>" + QByteArray(part).repeated(300'000)));
-        }
     }
 };
 

@@ -40,8 +40,9 @@ private slots:
              "Modules:s=x; Modules; Modules/A:s=A-pxm.so; ModuleData:s=x; ModuleData/M; A >  | A | "
              "A A",
              "Modules/1:s=b/Foo-pxm.so; Modules/2:s=c/Foo-pxm.so; Modules/3:s=Bar.so; "
-             "Modules/4/x:s=Bar-pxm.so; ModuleData/0; ModuleDataAccess/foo; Foo; ModuleData/Bar > "
-             "Foo | Bar Foo foo | Bar ModuleData/Bar; foo ModuleDataAccess/foo",
+             "Modules/4/x:s=Bar-pxm.so; ModuleData/0; ModuleDataAccess/foo; Foo; ModuleData/Bar; "
+             "ModuleData/Bar > Foo | Bar Foo foo | Bar ModuleData/Bar ModuleData/Bar; foo "
+             "ModuleDataAccess/foo",
              "M/Interfaces/T; ModuleData/M; ModuleData/M/Interfaces/P:s=x; "
              "ModuleData/M/Interfaces/T; ModuleData/M/Interfaces; ModuleDataAccess/M/Interfaces/X; "
              "Global/Preferences/ProcessInterface/T; Global/Preferences/ProcessInterface/P:s=x; "

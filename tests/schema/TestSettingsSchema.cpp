@@ -107,14 +107,11 @@ private slots:
                            "Global/Preferences/ScriptEditor/Cache/X"_s);
         QString pages;
         for (const PageSpec& page : m_schema.decoratedPages(document)) {
-            pages += page.title + u'=' + page.nodes.constFirst()->path() + u'\n';
-            QCOMPARE(page.paths.size(), page.nodes.size());
+            pages += page.title + u'=' + page.nodes.constFirst()->path().section(u'/', 1) + u' ';
         }
-        QCOMPARE(pages, u"Processes=Global/Preferences/Process\n"
-                        "Color Management=Global/ColorManagement\n"
-                        "Script Editor=Global/Preferences/ScriptEditor\n"
-                        "Identifiers and GUI=Global/Preferences/GUI\n"
-                        "New group=Global/Preferences/NewGroup\n"_s);
+        QCOMPARE(
+            pages,
+            u"Processes=Preferences/Process Color Management=ColorManagement Script Editor=Preferences/ScriptEditor Identifiers and GUI=Preferences/GUI New group=Preferences/NewGroup "_s);
         const XsdtNode* cache = document.root.findByPath(u"Global/Preferences/ScriptEditor/Cache");
         QVERIFY(m_schema.isHidden(*cache) && !m_schema.isHidden(*cache->children.front()));
     }

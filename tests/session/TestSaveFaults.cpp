@@ -209,12 +209,7 @@ private slots:
         }
     }
 
-    void cleanupTestCase()
-    {
-        for (auto count = m_counts.cbegin(); count != m_counts.cend(); ++count) {
-            qInfo("%lld %s", count.value(), qPrintable(count.key()));
-        }
-    }
+    void cleanupTestCase() { qInfo() << m_counts; }
 
 private:
     /// Does what somebody else does meanwhile, if that is what goes wrong.

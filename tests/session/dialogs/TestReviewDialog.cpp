@@ -138,26 +138,24 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
         const QStringList edits{u"E=a \t\n\n"_s,    u"D\n<b>%1&=%2"_s, u"C=7"_s,
                                 u"BackColor=255"_s, u"B/y=new"_s,      u"B/x=2"_s};
         compareRows(
-            {"alive,text summary > save tree / 6 edit(s) and 2 deletion(s) (3 values removed) "
-             "will be written to the settings file.",
-             "rows > Delete|a|2 value(s)|(removed) / |BackColor|9|(removed) / |in/z|%1 "
-             "|(removed) / Delete|gone|1 value(s)|(removed) / |gone|(4 characters of encoded "
-             "data)|(removed) / Edit|B/x|1|2 / Edit|B/y|one⏎two|new / "
-             "Edit|BackColor|4278190090|255 / Edit|C|1|7 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a "
-             "\t⏎⏎",
+            {"alive,text summary > save tree / 6 edit(s) and 2 deletion(s) (3 values removed) will "
+             "be written to the settings file.",
+             "rows > Delete|a|2 value(s)|(removed) / |BackColor|9|(removed) / |in/z|%1 |(removed) "
+             "/ Delete|gone|1 value(s)|(removed) / |gone|(4 characters of encoded data)|(removed) "
+             "/ Edit|B/x|1|2 / Edit|B/y|one⏎two|new / Edit|BackColor|4278190090|255 / Edit|C|1|7 / "
+             "Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a \t⏎⏎",
              "type  b/X ,rows,text hidden,alive > Edit|B/x|1|2 / The filters hide 7 change(s). "
              "Save writes them too. / hidden save tree",
              "type TW,rows > Edit|B/y|one⏎two|new",
-             "type New,rows > Edit|B/y|one⏎two|new",
              "type QUJD,rows,text hidden > |Nothing matches the filters.|| / The filters hide 8 "
              "change(s). Save writes them too.",
              "press showEdits,type GO,rows > Delete|gone|1 value(s)|(removed)",
-             "select 0,press revert,press showDeletions,alive,text hidden > hidden save tree / "
-             "The filters hide 1 change(s). Save writes them too.",
+             "select 0,press revert,press showDeletions,alive,text hidden > hidden save tree / The "
+             "filters hide 1 change(s). Save writes them too.",
              "select 0,detail,text remark > a / The whole entry is removed (2 value(s)). Expand "
              "the row to see them. / ",
-             "select 2,detail,text remark > a/in/z / Removed value: %1  / The value ends "
-             "in 1 blank(s).",
+             "select 2,detail,text remark > a/in/z / Removed value: %1  / The value ends in 1 "
+             "blank(s).",
              "select 4,detail,alive >  / revert save tree",
              "select 6,detail,select 0,detail > B/y / Before: one / two / After:  new / 2 changes "
              "selected.",
@@ -165,25 +163,21 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
              "and #000000FF after. / Shown as one before and Other (7) after.",
              "at 10,text remark > Before ends in 2 blank(s). After ends in 2 blank(s), 2 line "
              "end(s).",
-             "at 9 1,key Ctrl+C,copied,at 6 2,key Ctrl+C,copied,at 4 2,key Ctrl+C,copied,at 2 "
-             "2,tip > D / <b>%1& / one / two / "
-             "QUJD / %1 ",
-             "at 9 2,tip > <span style=\"white-space:pre-wrap\">&lt;i&gt;</span>",
-             "select 1,press revert,alive,text remark > revert save tree / Shown as "
-             "#00000009.",
+             "at 9 1,key Ctrl+C,copied,at 6 2,key Ctrl+C,copied,at 4 2,key Ctrl+C,copied,at 9 "
+             "2,tip > D / <b>%1& / one / two / QUJD / <span "
+             "style=\"white-space:pre-wrap\">&lt;i&gt;</span>",
+             "select 1,press revert,alive,text remark > revert save tree / Shown as #00000009.",
              "select 0,select 3,select 6,select 8,press revert,rows > Edit|B/x|1|2 / "
              "Edit|BackColor|4278190090|255 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a \t⏎⏎",
              "select 8,select 6,press revert,where,alive,key Space,detail > tree3 / save tree / "
              "BackColor / Before: 4278190090 / After:  255",
-             "select 10,press revert,where > tree6",
              "select 5,select 6,select 7,select 8,select 9,select 10,press revert,alive > save "
              "tree",
              "undo,text summary,rows,alive > There are no changes to save. /  / tree",
              "reload,alive > ",
              "running 1,alive,running 0,alive > running save tree / save tree",
              "focus showEdits,key Return,focus detail,key Return,alive,focus filter,key "
-             "Return,where > save "
-             "tree / tree0",
+             "Return,where > save tree / tree0",
              "key Return,alive > saved"},
             [&](const QStringList& cells) {
                 return Review(sample, edits, {u"gone"_s, u"a"_s}).play(cells[0]);
@@ -198,10 +192,8 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
         QCOMPARE(review.play(u"at 302 3,tip"_s).size(), 500);
         QCOMPARE(review.row(302)->text(3), QString(120, u'v') + QChar(0x2026));
         QCOMPARE(review.play(u"detail"_s).count(u'v'), 100'000);
-        QVERIFY(review.play(u"detail"_s).contains(u"900000"_s));
         QCOMPARE(review.play(u"key Ctrl+C,copied"_s).size(), 1'000'000);
-        QCOMPARE(review.play(u"at 301 1,key Ctrl+C,copied,at 300 2,key Ctrl+C,copied"_s),
-                 u"...and 1 more values / 1"_s);
+        QCOMPARE(review.play(u"at 301 1,key Ctrl+C,copied"_s), u"...and 1 more values"_s);
     }
 };
 
