@@ -7,7 +7,6 @@
 #include <QWidget>
 
 #include <functional>
-#include <utility>
 
 namespace kse {
 
@@ -27,20 +26,16 @@ template <typename Widget>
 class DialogAnswerer
 {
 public:
-    explicit DialogAnswerer(std::function<void(Widget&)> answer)
-        : m_answer(std::move(answer))
+    explicit DialogAnswerer(const std::function<void(Widget&)>& answer)
     {
-        m_timer.callOnTimeout([this] {
-            QWidget* active = QApplication::activePopupWidget();
-            auto* widget =
-                qobject_cast<Widget*>(active ? active : QApplication::activeModalWidget());
-            if (!widget || !widget->isVisible()) {
-                return;
+        m_timer.callOnTimeout([this, answer] {
+            QWidget* popup = QApplication::activePopupWidget();
+            const QPointer<Widget> open =
+                qobject_cast<Widget*>(popup ? popup : QApplication::activeModalWidget());
+            if (open && open->isVisible()) {
+                m_timer.stop();
+                answer(*open);
             }
-            m_timer.stop();
-            m_wasAsked = true;
-            const QPointer<QWidget> open = widget;
-            m_answer(*widget);
             if (open && open->isVisible()) {
                 open->close();
             }
@@ -48,12 +43,10 @@ public:
         m_timer.start(10);
     }
 
-    bool wasAsked() const { return m_wasAsked; }
+    bool wasAsked() const { return !m_timer.isActive(); }
 
 private:
-    std::function<void(Widget&)> m_answer;
     QTimer m_timer;
-    bool m_wasAsked = false;
 };
 
 } // namespace kse

@@ -4,6 +4,7 @@
 #include "schema/DeletePolicy.h"
 #include "session/SettingsStore.h"
 #include "support/DocumentText.h"
+#include "support/TextRows.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,13 +21,6 @@ inline QString stateOf(const SettingsStore& store)
         .arg(store.path, store.loaded ? QStringLiteral("open") : QStringLiteral("closed"),
              QString::fromLatin1(store.loadedHash.toHex()),
              QString::number(store.document.pendingCount()), treeText(store.document.root));
-}
-
-/// The content of the file at `path`; none if it can't be read.
-inline QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// A settings file alone in a folder of its own, and the store that has it open. A step of the

@@ -35,11 +35,17 @@ void compareRows(std::initializer_list<const char*> rows, const Answer& answer)
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
 }
 
+/// The content of the file at `path`; none if it can't be read.
+inline QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// The bytes of the table `name` that is built into the program.
 inline QByteArray builtInTable(const char* name)
 {
-    QFile file(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(QStringLiteral(KSE_SOURCE_DIR "/resources/schema/") + QLatin1String(name));
 }
 
 } // namespace kse

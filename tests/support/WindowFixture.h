@@ -6,7 +6,9 @@
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "session/PixInsightEnv.h"
+#include "support/TextRows.h"
 #include "views/model/SettingsModel.h"
+#include "widgets/WidgetColumn.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -14,12 +16,6 @@
 namespace kse {
 
 using namespace Qt::StringLiterals;
-
-inline QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// Null bytes are no file. One that holds `bytes` stays as old as it is.
 inline void write(const QString& path, const QByteArray& bytes)
@@ -43,6 +39,20 @@ inline QList<XsdtNode*> nodesOf(XsdtDocument* document)
         });
     }
     return nodes;
+}
+
+/// Lets everything posted happen, what is to die later die, and columns get all their rows.
+inline void settle()
+{
+    for (QWidget* widget : QApplication::allWidgets()) {
+        if (auto* column = qobject_cast<WidgetColumn*>(widget)) {
+            column->complete();
+        }
+    }
+    for (int i = 0; i < 5; ++i) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 }
 
 /// Calls `command`, and in each dialog that it opens calls `meanwhile` and presses the next of

@@ -134,20 +134,6 @@ private:
     QStringList m_lines;
 };
 
-/// Lets everything posted happen, what is to die later die, and columns get all their rows.
-inline void settle()
-{
-    for (QWidget* widget : QApplication::allWidgets()) {
-        if (auto* column = qobject_cast<WidgetColumn*>(widget)) {
-            column->complete();
-        }
-    }
-    for (int i = 0; i < 3; ++i) {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-}
-
 /// Has a second window show what a first one does, as a user would bring it there.
 class WindowTwin
 {
