@@ -8,11 +8,14 @@
 #include "support/TextRows.h"
 #include "support/WindowTwin.h"
 #include "views/health/HealthView.h"
+#include "views/search/SearchIndex.h"
 #include "views/search/SearchView.h"
 
 #include <QAbstractItemModelTester>
 
+#include <algorithm>
 #include <cstdio>
+#include <numeric>
 
 using namespace kse;
 
@@ -28,15 +31,10 @@ QByteArray smallSettings(XsdtDocument& document, QRandomGenerator& random, int m
         "<i k=\"ModuleData\"><i k=\"Ostrand\"><v k=\"1\" t=\"i\" v=\"x\"/></i></i>",
         "<i k=\"Geometry\"><v k=\"n&#10;l\" t=\"B\" v=\"AAAA\"/></i>",
         "<v k=\"true\" t=\"q\" v=\"\"/><v k=\"true\" t=\"b\" v=\"true\"/>"};
-    const auto keepSome = [&random](XsdtNode& node, int kept) {
-        const int count = qMax(1, int(node.children.size()));
-        for (const auto& child : node.children) {
-            child->markedForDeletion = random.bounded(count) >= kept || random.bounded(30) == 0;
-        }
-    };
-    keepSome(document.root, most);
     walkTree(document.root, [&](XsdtNode& node) {
-        keepSome(node, qMax(2, most / 3 / node.depth));
+        const int siblings = int(node.parent->children.size());
+        const int kept = node.depth == 1 ? most : qMax(2, most / 3 / (node.depth - 1));
+        node.markedForDeletion = random.bounded(siblings) >= kept || random.bounded(30) == 0;
         if (node.kind == XsdtNode::Kind::Value && random.bounded(8) == 0) {
             node.value = node.typeCode == u'b' ? u"false"_s : node.value + u'9';
         }
@@ -69,13 +67,12 @@ public:
         };
         const QByteArray overlay = builtInTable("overlay.json");
         QVERIFY(m_policy.load(overlay) && m_schema.load(builtInTable("globals.json"), overlay));
-        openSample();
+        copySamples();
         for (const QString& file : folder().keys()) {
             m_samples.append(contentOf(file));
             m_file = file;
             write(file, newFile());
         }
-        m_window = nullptr;
         m_loaded = contentOf(m_file);
         openWindow();
         find<QTimer>("pollTimer")->stop(); // polls are steps here
@@ -105,21 +102,20 @@ private:
 
     void takeStep()
     {
-        m_before = bytesOf(model());
-        m_pendingBefore = pending();
-        m_generation = model()->generation();
         m_versions = m_disk;
-        m_changes = m_dialogs = m_parts = 0;
         do {
             takePart();
+            checkChanges();
         } while (m_user.oneIn(6)); // under an editor that is still open
         rest();
     }
 
     void takePart()
     {
-        ++m_parts;
-        m_partGeneration = model()->generation();
+        m_before = bytesOf(model());
+        m_pendingBefore = pending();
+        m_generation = model()->generation();
+        m_changes = m_dialogs = 0;
         m_window->activateWindow(); // which a box that closed here doesn't do
         settle();
         auto* tabs = find<QTabWidget>("tabs");
@@ -292,7 +288,6 @@ private:
     void check()
     {
         checkFolder();
-        checkChanges();
         noteLoaded();
         checkNumbers();
         compareWithTwin();
@@ -326,7 +321,7 @@ private:
         if (sameTree && m_changes == 0 && m_runs && pending() > m_pendingBefore) {
             m_faults << u"changed while PixInsight runs"_s;
         }
-        if (!sameTree && m_parts == 1 && m_changes > 0 && m_dialogs > 0 && pending() > 0 &&
+        if (!sameTree && m_changes > 0 && m_dialogs > 0 && pending() > 0 &&
             bytesOf(model()) != m_before) { // else it couldn't be read again
             m_faults << u"changed by an answer to what was asked of another tree"_s;
         }
@@ -340,7 +335,7 @@ private:
         const bool isFiltered = !find<QLineEdit>("treeFilter")->text().trimmed().isEmpty() ||
                                 find<QWidget>("advancedPage")->findChild<QCheckBox*>()->isChecked();
         WindowTwin::carryChoices(*m_window, *twin,
-                                 model()->generation() != m_partGeneration && !isFiltered);
+                                 model()->generation() != m_generation && !isFiltered);
         askAgain(*twin);
         compare(WindowText::of(*m_window), WindowText::of(*twin));
         if (bytesOf(model()) != bytesOf(twin->findChild<SettingsModel*>())) {
@@ -366,6 +361,12 @@ private:
         }
         return found;
     }
+
+    QList<int> summaryOf(const char* page) const
+    {
+        return numbers(find<QWidget>(page)->findChild<QLabel*>(u"summaryLabel"_s)->text());
+    }
+
     /// Each number that the window shows is what a walk over the document gives. In this all
     /// windows could be wrong alike.
     void checkNumbers()
@@ -394,43 +395,103 @@ private:
         if (!find<QWidget>("bannerReload")->isHidden()) {
             expect("banner", numbers(find<QLabel>("bannerLabel")->text()).value(0), count);
         }
-        const QAbstractItemModel* found = tree()->model();
-        const auto shown = found->match(found->index(0, 0), Qt::DisplayRole, u""_s, -1,
-                                        Qt::MatchContains | Qt::MatchRecursive);
+        const QAbstractItemModel* tree = this->tree()->model();
+        const auto shown = tree->match(tree->index(0, 0), Qt::DisplayRole, u""_s, -1,
+                                       Qt::MatchContains | Qt::MatchRecursive);
         expect("the tree", shown.size(), rows.size());
-
-        QList<int> counts;
-        const auto* list = find<QListWidget>("pageList");
-        for (int i = 0; i < list->count(); ++i) {
-            counts.append(list->item(i)->text().section(u'●', 1).toInt());
+        expect("search", summaryOf("searchView").value(0), results());
+        const QList<int> differences = summaryOf("compareView");
+        if (!differences.isEmpty()) { // else the chosen file couldn't be read
+            expect("comparison", std::accumulate(differences.begin(), differences.end(), 0),
+                   differencesFrom(find<QComboBox>("fileCombo")->currentData().toString()));
         }
-        expect("preferences", counts, changesByPage());
-        const auto* summary = find<QWidget>("healthView")->findChild<QLabel*>(u"summaryLabel"_s);
-        const QList<int> findings = numbers(summary->text());
+        const QList<int> findings = summaryOf("healthView");
         expect("health", numbers(find<QTabWidget>("tabs")->tabText(4)).value(0),
                findings.value(0) + findings.value(1));
+        checkPreferences();
     }
 
-    QList<int> changesByPage()
+    /// How many values the search has to find: those that hold each word.
+    int results() const
     {
-        QList<int> changes;
+        const auto* page = find<QWidget>("searchView");
+        const auto isTicked = [page](const char* box) {
+            const auto place = Qt::FindDirectChildrenOnly;
+            return page->findChild<QCheckBox*>(QLatin1String(box), place)->isChecked();
+        };
+        const QStringList words = searchTerms(page->findChild<QLineEdit*>()->text());
+        const bool changedOnly = isTicked("changedOnly");
+        int results = 0;
+        for (const XsdtNode* node : nodesOf(model()->document())) {
+            const bool hasText = isTicked("searchValues") && node->typeCode != u'B';
+            const VariableInfo info = m_schema.describe(*node);
+            const QString text =
+                (isTicked("searchNames") ? node->path() + u' ' + info.label : u""_s) + u'\n' +
+                (isTicked("searchDescriptions") ? info.description : u""_s) + u'\n' +
+                (hasText ? node->value : u""_s);
+            const bool isWanted = node->kind == XsdtNode::Kind::Value &&
+                                  (isTicked("includeProtected") || node->isEditableType()) &&
+                                  (!changedOnly || node->isModified() || node->isInsideDeletion());
+            results += isWanted && std::all_of(words.begin(), words.end(), [&](const auto& word) {
+                           return text.contains(word, Qt::CaseInsensitive);
+                       });
+        }
+        return words.isEmpty() && !changedOnly ? 0 : results;
+    }
+
+    /// The values that stay at a save, with their paths.
+    static QList<std::pair<QString, QString>> valuesOf(XsdtDocument* document)
+    {
+        QList<std::pair<QString, QString>> values;
+        for (const XsdtNode* node : nodesOf(document)) {
+            if (node->kind == XsdtNode::Kind::Value && !node->isInsideDeletion()) {
+                values.append({node->path(), node->typeCode + node->value});
+            }
+        }
+        return values;
+    }
+
+    /// In how many values the file at `path` differs, those that only one of the two has included.
+    int differencesFrom(const QString& path) const
+    {
+        XsdtDocument other;
+        const bool compares = !path.isEmpty() && other.parse(contentOf(path));
+        QHash<QString, QString> theirs;
+        for (const auto& [name, value] : valuesOf(&other)) {
+            theirs[name] = value;
+        }
+        int differences = 0;
+        QSet<QString> ours;
+        for (const auto& [name, value] : valuesOf(compares ? model()->document() : nullptr)) {
+            differences += theirs.value(name) != value;
+            ours.insert(name);
+        }
+        for (const auto& [name, value] : valuesOf(&other)) {
+            differences += !ours.contains(name);
+        }
+        return differences;
+    }
+
+    void checkPreferences()
+    {
+        QHash<QString, int> shown;
+        const auto* list = find<QListWidget>("pageList");
+        for (int i = 0; i < list->count(); ++i) {
+            const QStringList text = list->item(i)->text().split(u"   ● "_s);
+            shown[text[0]] = text.value(1).toInt();
+        }
         for (const PageSpec& page : model()->document()
                                         ? m_schema.decoratedPages(*model()->document())
                                         : QList<PageSpec>()) {
-            bool isEmpty = true;
             int changed = 0;
             for (const XsdtNode* group : page.nodes) {
                 walkTree(*group, [&](const XsdtNode& node) {
-                    isEmpty = isEmpty && (!node.isEditableType() || m_schema.isHidden(node));
                     changed += node.isModified() && !m_schema.isHidden(node);
                     return m_schema.isHidden(node) ? Walk::Over : Walk::Into;
                 });
             }
-            if (!isEmpty) {
-                changes.append(changed);
-            }
+            expect("preferences", shown.value(page.title), changed);
         }
-        return changes;
     }
 
     /// Faults for the first few lines that differ.
@@ -462,16 +523,14 @@ private:
     QByteArray m_loaded;                  ///< The open file as the document was read from it.
     QMap<QString, QByteArray> m_disk;     ///< The folder after the last step.
     QMap<QString, QByteArray> m_versions; ///< What else was in its files during this one.
-    QByteArray m_before;                  ///< What a save would have written then.
+    QByteArray m_before;                  ///< What a save wrote before the last part of the step.
     qsizetype m_pendingBefore = 0;
     QStringList m_kept;             ///< Of the document, when the last dialog was answered.
-    quint64 m_generation = 0;       ///< Of the tree before this step.
-    quint64 m_partGeneration = 0;   ///< The same before the last part of it.
+    quint64 m_generation = 0;       ///< Of the tree then.
     quint64 m_builtGeneration = 0;  ///< Of the tree that the pages were made for.
     bool m_hasSizesOfEdits = false; ///< Changes were pending by then: a reload that failed.
-    int m_parts = 0;                ///< Of this step.
-    int m_changes = 0;              ///< Outside the window in this step.
-    int m_dialogs = 0;              ///< That came in this step.
+    int m_changes = 0;              ///< Outside the window meanwhile.
+    int m_dialogs = 0;              ///< That came meanwhile.
     bool m_runs = false;
     QStringList m_faults;
 };
@@ -490,9 +549,8 @@ private slots:
     void looksLikeANewWindow_data()
     {
         QTest::addColumn<quint32>("seed");
-        const QString range = qEnvironmentVariable("KSE_SESSION_SEEDS", u"1-6"_s);
-        const quint32 last = range.section(u'-', 1, 1).toUInt();
-        for (quint32 seed = range.section(u'-', 0, 0).toUInt(); seed <= last; ++seed) {
+        const QStringList range = qEnvironmentVariable("KSE_SESSION_SEEDS", u"1-6"_s).split(u'-');
+        for (quint32 seed = range.first().toUInt(); seed <= range.last().toUInt(); ++seed) {
             QTest::addRow("seed %u", seed) << seed;
         }
     }

@@ -38,9 +38,8 @@ public:
     void act(QWidget& place)
     {
         QMap<QString, QList<QWidget*>> targets;
-        for (QWidget* widget : place.findChildren<QWidget*>()) {
-            if (widget->window() == place.window() && widget->isVisible() && widget->isEnabled() &&
-                isTarget(*widget)) {
+        for (QWidget* widget : usable<QWidget>(place)) {
+            if (isTarget(*widget)) {
                 targets[kindOf(*widget)].append(widget);
             }
         }
@@ -76,6 +75,18 @@ public:
     }
 
 private:
+    /// The widgets of that class in sight and enabled.
+    template <typename Widget>
+    static QList<Widget*> usable(const QWidget& place)
+    {
+        QList<Widget*> widgets = place.findChildren<Widget*>();
+        widgets.removeIf([&place](const QWidget* widget) {
+            return widget->window() != place.window() || !widget->isVisible() ||
+                   !widget->isEnabled();
+        });
+        return widgets;
+    }
+
     template <typename... Widgets>
     static bool isOneOf(const QObject* object)
     {
@@ -219,24 +230,14 @@ private:
         } else if (auto* colors = qobject_cast<QColorDialog*>(&dialog)) {
             colors->setCurrentColor(QColor::fromRgba(random.generate()));
         } else {
-            const bool isBox = isOneOf<QMessageBox>(&dialog);
-            for (int i = below(isBox ? 1 : 4); i > 0 && open && open->isVisible(); --i) {
+            for (int i = below(4); i > 0 && open && open->isVisible(); --i) {
                 onAnswer();
                 act(dialog);
             }
         }
-        QList<QPushButton*> buttons;
-        if (open) {
-            buttons = open->findChildren<QPushButton*>();
-            buttons.removeIf([&](const QPushButton* button) {
-                return !button->isVisible() || !button->isEnabled() || button->window() != open;
-            });
-        }
+        const auto buttons = open ? usable<QPushButton>(*open) : QList<QPushButton*>();
         if (!buttons.isEmpty()) {
             onAnswer();
-            if (auto* box = open->findChild<QCheckBox*>(); box && oneIn(3)) {
-                box->click();
-            }
             use(*pick(buttons));
         }
     }

@@ -167,8 +167,8 @@ protected:
         ThemeManager::instance().init(false);
     }
 
-    /// Opens the window on the first sample, with the second beside it.
-    void openSample()
+    /// Makes a folder with the samples, and nothing else, where settings files lie.
+    void copySamples()
     {
         m_folder = PixInsightEnv::settingsFolders().constFirst();
         QDir(m_folder).removeRecursively();
@@ -177,6 +177,12 @@ protected:
             m_file = m_folder + name;
             QVERIFY(QFile::copy(QStringLiteral(KSE_SOURCE_DIR "/examples") + name, m_file));
         }
+    }
+
+    /// Opens the window on the first sample, with the second beside it.
+    void openSample()
+    {
+        copySamples();
         openWindow();
     }
 };
