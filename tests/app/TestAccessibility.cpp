@@ -59,104 +59,72 @@ bool isFaint(const QWidget& widget)
     return qAbs(qGray(text.rgb()) - qGray(ground.pixel(0, 0))) < 95;
 }
 
-/// What somebody without a mouse, or who hears a window instead of seeing it, would stumble over.
-class AccessibilityWalk
+/// What takes the focus as `key` goes round, from what has it; nothing if that isn't reached again.
+QList<QWidget*> ring(const QWidget& window, Qt::Key key)
 {
-public:
-    explicit AccessibilityWalk(QWidget& window)
-        : m_window(window)
-        , m_shown(window.findChildren<QWidget*>())
-    {
-        m_shown.removeIf([&window](const QWidget* widget) {
-            return widget->window() != &window || !widget->isVisibleTo(&window);
-        });
+    QList<QWidget*> stops;
+    QWidget* stop = window.focusWidget();
+    for (; stop && !stops.contains(stop); stop = window.focusWidget()) {
+        stops << stop;
+        QTest::keyClick(stop, key);
     }
+    return stops.indexOf(stop) == 0 ? stops : QList<QWidget*>();
+}
 
-    /// Layouts of much content take a few turns.
-    bool isLaidOut() const
-    {
-        return std::none_of(m_shown.begin(), m_shown.end(), [](const QWidget* widget) {
-            return isTabStop(widget) && widget->height() == 0;
-        });
+QList<QWidget*> shownIn(const QWidget& window)
+{
+    QList<QWidget*> shown = window.findChildren<QWidget*>();
+    shown.removeIf([&window](const QWidget* widget) {
+        return widget->window() != &window || !widget->isVisibleTo(&window);
+    });
+    return shown;
+}
+
+/// Layouts of much content take a few turns.
+bool isLaidOut(const QWidget& window)
+{
+    const QList<QWidget*> shown = shownIn(window);
+    return std::none_of(shown.begin(), shown.end(), [](const QWidget* widget) {
+        return isTabStop(widget) && widget->height() == 0;
+    });
+}
+
+/// What somebody without a mouse, or who hears a window instead of seeing it, would stumble over:
+/// Tab goes round all that takes the focus in the order of reading, and Shift+Tab back; whatever
+/// takes the focus has a name in words; texts in use stand out.
+QStringList faultsOf(const QWidget& window)
+{
+    static const QRegularExpression word(u"\\w"_s, QRegularExpression::UseUnicodePropertiesOption);
+    QStringList faults;
+    const QList<QWidget*> forth = ring(window, Qt::Key_Tab);
+    QList<QWidget*> back = ring(window, Qt::Key_Backtab);
+    std::reverse(back.begin() + qMin<qsizetype>(back.size(), 1), back.end());
+    if (forth.isEmpty() || back != forth) {
+        faults << u"Shift+Tab doesn't go back the way that Tab came round"_s;
     }
-
-    QStringList faults()
-    {
-        checkWidgets();
-        checkTabOrder();
-        return m_faults;
-    }
-
-private:
-    static QString nameOf(QWidget* widget)
-    {
-        return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
-    }
-
-    void fault(QWidget* widget, const QString& what)
-    {
-        m_faults << u"%1 \"%2\" %3"_s.arg(widget->objectName(), nameOf(widget), what);
-    }
-
-    /// Whatever takes the focus has a name in words; texts in use stand out.
-    void checkWidgets()
-    {
-        static const QRegularExpression word(u"\\w"_s,
-                                             QRegularExpression::UseUnicodePropertiesOption);
-        for (QWidget* widget : m_shown) {
-            const QString name = nameOf(widget);
-            if (isTabStop(widget) && (!name.contains(word) || Qt::mightBeRichText(name))) {
-                fault(widget, u"has no name"_s);
-            }
-            const bool hasText = qobject_cast<QLabel*>(widget) || !qobject_cast<QFrame*>(widget);
-            if (widget->isEnabled() && hasText && !quietTexts.contains(widget->objectName()) &&
-                isFaint(*widget)) {
-                fault(widget, u"is faint"_s);
-            }
+    int turns = 0;
+    for (qsizetype i = 1; i < forth.size(); ++i) {
+        if (!isReadBefore(forth[i - 1], forth[i]) && ++turns > 1) { // once to the first
+            faults << forth[i]->objectName() + u" comes too late"_s;
         }
     }
-
-    QList<QWidget*> ring(Qt::Key key)
-    {
-        QList<QWidget*> stops;
-        QWidget* const start = m_window.focusWidget();
-        QWidget* stop = start;
-        for (; stop && !stops.contains(stop); stop = m_window.focusWidget()) {
-            stops << stop;
-            QTest::keyClick(stop, key);
+    for (QWidget* widget : shownIn(window)) {
+        const QString name = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+        const QString said = u"%1 \"%2\""_s.arg(widget->objectName(), name);
+        if (isTabStop(widget) && (!name.contains(word) || Qt::mightBeRichText(name))) {
+            faults << said + u" has no name"_s;
         }
-        if (!start || stop != start) {
-            m_faults << u"The ring is broken"_s;
+        if (isTabStop(widget) && !forth.contains(widget)) {
+            faults << said + u" isn't reached"_s;
         }
-        return stops;
-    }
-
-    /// Tab goes round all that takes the focus in the order of reading, and Shift+Tab back.
-    void checkTabOrder()
-    {
-        const QList<QWidget*> forth = ring(Qt::Key_Tab);
-        QList<QWidget*> back = ring(Qt::Key_Backtab);
-        std::reverse(back.begin() + 1, back.end());
-        if (back != forth) {
-            m_faults << u"Shift+Tab doesn't go back the way that Tab came"_s;
-        }
-        int turns = 0;
-        for (qsizetype i = 1; i < forth.size(); ++i) {
-            if (!isReadBefore(forth[i - 1], forth[i]) && ++turns > 1) { // once to the first
-                fault(forth[i], u"comes too late"_s);
-            }
-        }
-        for (QWidget* widget : m_shown) {
-            if (isTabStop(widget) && !forth.contains(widget)) {
-                fault(widget, u"isn't reached"_s);
-            }
+        const bool hasText = qobject_cast<QLabel*>(widget) || !qobject_cast<QFrame*>(widget);
+        if (widget->isEnabled() && hasText && !quietTexts.contains(widget->objectName()) &&
+            isFaint(*widget)) {
+            faults << said + u" is faint"_s;
         }
     }
-
-    QWidget& m_window;
-    QList<QWidget*> m_shown;
-    QStringList m_faults;
-};
+    return faults;
+}
 
 } // namespace
 
@@ -168,12 +136,13 @@ class TestAccessibility : public WindowFixture
 private:
     QStringList m_faults;
 
-    void look(QWidget& window, const QString& where)
+    void look(const QWidget& window, const QString& where)
     {
         QTest::qWait(0);
-        QTRY_VERIFY(AccessibilityWalk(window).isLaidOut());
-        for (const QString& fault : AccessibilityWalk(window).faults()) {
-            m_faults << where + u": "_s + fault;
+        QTRY_VERIFY(isLaidOut(window));
+        const QStringList faults = faultsOf(window);
+        if (!faults.isEmpty()) {
+            m_faults << where + u": "_s + faults.join(u"; "_s);
         }
     }
 
