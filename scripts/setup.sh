@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs missing packages on Debian 12, Ubuntu 24.04 and later.
-#   scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13] [windows]
+#   scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci] [debian13] [windows]
 set -euo pipefail
 
 # Qt's base packages contain the X11 and offscreen platforms; a bare system has no fonts.
@@ -9,6 +9,7 @@ build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(openssl procps)
 package=(dpkg-dev file)
 fuzz=(clang libclang-rt-dev llvm)
+accessibility=(at-spi2-core dbus gir1.2-atspi-2.0 openbox python3-gi xauth xvfb)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
     libbenchmark-dev libpugixml-dev shellcheck)
 debian13=(debootstrap)
@@ -22,11 +23,13 @@ for part in "${@:-build}"; do
     test) needed+=("${test[@]}") ;;
     package) needed+=("${package[@]}") ;;
     fuzz) needed+=("${fuzz[@]}") ;;
+    accessibility) needed+=("${accessibility[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
     debian13) needed+=("${debian13[@]}") ;;
     windows) needed+=("${windows[@]}") ;;
     *)
-        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [ci] [debian13] [windows]" >&2
+        echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci]" \
+            "[debian13] [windows]" >&2
         exit 2
         ;;
     esac

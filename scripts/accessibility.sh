@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Starts the built program on a scratch copy of the sample files, and checks from outside what a
+# screen reader or voice control meets. Installs missing packages, but builds nothing.
+#   scripts/accessibility.sh [dev|release]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh build accessibility
+home=$(mktemp -d "${TMPDIR:-/tmp}/kestrane-accessibility.XXXXXX")
+trap 'rm -rf "$home"' EXIT
+mkdir -p "$home/.config/Pleiades" "$home/run"
+chmod 700 "$home/run"
+cp examples/core-*-pxi.settings "$home/.config/Pleiades"
+
+# The system's Python, for which its packages are.
+cmake/run-alone.sh env -u WAYLAND_DISPLAY HOME="$home" XDG_CONFIG_HOME="$home/.config" \
+    XDG_CACHE_HOME="$home/.cache" XDG_DATA_HOME="$home/.local/share" XDG_RUNTIME_DIR="$home/run" \
+    QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 \
+    timeout --kill-after=10 300 xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24' \
+    dbus-run-session -- /usr/bin/python3 -W ignore scripts/accessibility.py \
+    "build/${1:-dev}/src/app/kestrane-settings-editor" "$home/.config/Pleiades" 2>"$home/log" ||
+    { cat "$home/log" >&2; exit 1; }
