@@ -126,8 +126,9 @@ void MainMenuBar::createHelpMenu()
     menu->addSeparator();
     m_commands.about = addCommand(menu, u"actAbout"_s, tr("&About Kestrane Settings Editor"));
     m_commands.about->setMenuRole(QAction::AboutRole);
-    menu->addAction(tr("About &Qt"), qApp, &QApplication::aboutQt)
-        ->setMenuRole(QAction::AboutQtRole);
+    QAction* aboutQt = menu->addAction(tr("About &Qt"));
+    aboutQt->setMenuRole(QAction::AboutQtRole);
+    connect(aboutQt, &QAction::triggered, qApp, &QApplication::aboutQt, Qt::QueuedConnection);
 }
 
 } // namespace kse

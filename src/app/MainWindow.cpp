@@ -185,6 +185,7 @@ void MainWindow::createPages()
     m_advancedPage = new AllSettingsView(m_model, this);
 
     m_tabs = named(u"tabs"_s, new QTabWidget);
+    m_tabs->setAccessibleName(tr("Tabs"));
     const auto add = [this](QWidget* page, const QString& name, const QString& text) {
         page->setObjectName(name);
         m_tabs->addTab(page, text);

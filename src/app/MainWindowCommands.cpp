@@ -36,7 +36,8 @@ void MainWindow::connectCommands()
 {
     const MainCommands& commands = m_menuBar->commands();
     const auto connectTo = [this](QAction* action, auto slot) {
-        connect(action, &QAction::triggered, this, slot);
+        // From the event loop, since a dialog would block the screen reader that opens it.
+        connect(action, &QAction::triggered, this, slot, Qt::QueuedConnection);
     };
     connectTo(commands.open, &MainWindow::onOpen);
     connectTo(commands.reload, &MainWindow::onReload);

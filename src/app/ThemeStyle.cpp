@@ -4,10 +4,14 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFocusFrame>
+#include <QLineEdit>
 #include <QPainter>
 #include <QScreen>
+#include <QSizeGrip>
+#include <QSplitterHandle>
 #include <QStyleHintReturnMask>
 #include <QStyleOption>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -142,6 +146,15 @@ void ThemeStyle::polish(QWidget* widget)
     QProxyStyle::polish(widget);
     if (qobject_cast<QComboBox*>(widget)) {
         widget->installEventFilter(this);
+    }
+    // What Qt leaves without a name for screen readers.
+    if (qobject_cast<QSizeGrip*>(widget)) {
+        widget->setAccessibleName(tr("Size of the window"));
+    } else if (qobject_cast<QSplitterHandle*>(widget)) {
+        widget->setAccessibleName(tr("Width of the parts"));
+    } else if (qobject_cast<QToolButton*>(widget) &&
+               qobject_cast<QLineEdit*>(widget->parentWidget())) {
+        widget->setAccessibleName(tr("Clear"));
     }
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/CollapsibleSection.h"
 
+#include "widgets/Announcement.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
 
+#include <QAccessibleWidget>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolButton>
@@ -33,6 +35,42 @@ protected:
     }
 };
 
+/// The title as screen readers meet it: Qt takes any button that stays pressed for a check box.
+class CollapsibleSection::TitleInterface : public QAccessibleWidget
+{
+public:
+    explicit TitleInterface(TitleButton* button)
+        : QAccessibleWidget(button, QAccessible::Button)
+        , m_button(button)
+    {
+    }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.expandable = true;
+        state.expanded = m_button->isChecked();
+        state.collapsed = !m_button->isChecked();
+        return state;
+    }
+
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+
+    void doAction(const QString& name) override
+    {
+        name == pressAction() ? m_button->click() : QAccessibleWidget::doAction(name);
+    }
+
+    static QAccessibleInterface* create(const QString& /*className*/, QObject* object)
+    {
+        auto* button = dynamic_cast<TitleButton*>(object);
+        return button ? new TitleInterface(button) : nullptr;
+    }
+
+private:
+    TitleButton* m_button = nullptr;
+};
+
 CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWidget* parent)
     : QWidget(parent)
     , m_toggleButton(named(u"toggleButton"_s, new TitleButton(this)))
@@ -40,6 +78,7 @@ CollapsibleSection::CollapsibleSection(const QString& title, bool expanded, QWid
     , m_bodyLayout(new GradualLayout(m_toggleButton, m_body))
     , m_startExpanded(expanded)
 {
+    QAccessible::installFactory(TitleInterface::create);
     m_toggleButton->setCheckable(true);
     m_toggleButton->setAutoRaise(true);
     m_toggleButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -82,6 +121,7 @@ void CollapsibleSection::updateCaption()
     const QString title = asCaption(abbreviated(m_title, shortLimit));
     m_toggleButton->setText(
         m_changeCount > 0 ? tr("%1   ● %2").arg(title, QString::number(m_changeCount)) : title);
+    m_toggleButton->setAccessibleName(m_toggleButton->text().replace("&&"_L1, "&"_L1));
 }
 
 void CollapsibleSection::setDeletion(Deletion deletion)
@@ -127,6 +167,7 @@ void CollapsibleSection::setExpanded(bool expanded)
         }
     }
     m_body->setVisible(expanded);
+    reportExpanded(m_toggleButton, expanded);
 }
 
 void CollapsibleSection::setLazyBuilder(std::function<void()> builder)

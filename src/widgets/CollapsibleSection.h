@@ -51,6 +51,7 @@ protected:
 
 private:
     class TitleButton;
+    class TitleInterface;
 
     void updateCaption();
     QString deletionText() const;

@@ -19,6 +19,12 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     : QScrollArea(parent)
     , m_focusFrame(new QFocusFrame(this))
 {
+    // Qt scrolls to what gets the focus from within the column, but not from outside.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* now) {
+        if (before && widget()->isAncestorOf(now) && QApplication::mouseButtons() == Qt::NoButton) {
+            ensureWidgetVisible(now);
+        }
+    });
     auto* container = new QWidget(this);
     m_showMoreButton = named(u"showMoreButton"_s, new QPushButton(container));
     m_showMoreButton->hide();

@@ -52,6 +52,7 @@ public:
     {
         log << u"command \"%1\""_s.arg(action.text());
         action.trigger();
+        QCoreApplication::processEvents(); // commands run a turn later
     }
 
     void use(QWidget& widget)

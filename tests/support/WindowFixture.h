@@ -84,6 +84,7 @@ inline QStringList answer(
     });
     timer.start(10);
     command();
+    QCoreApplication::processEvents(); // commands run a turn later
     return asked;
 }
 

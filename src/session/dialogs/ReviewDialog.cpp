@@ -9,6 +9,7 @@
 #include "session/dialogs/ChangeRemark.h"
 #include "views/model/NodeLooks.h"
 #include "views/model/SettingsModel.h"
+#include "widgets/Announcement.h"
 #include "widgets/CopyKey.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
@@ -219,6 +220,7 @@ void ReviewDialog::createLayout()
 void ReviewDialog::connectWidgets()
 {
     connect(m_filter, &QLineEdit::textChanged, this, &ReviewDialog::populate);
+    announceHits(m_filter, [this] { return m_hidden->text(); });
     connect(m_showEdits, &QCheckBox::toggled, this, &ReviewDialog::populate);
     connect(m_showDeletions, &QCheckBox::toggled, this, &ReviewDialog::populate);
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &ReviewDialog::updateDetail);

@@ -10,6 +10,7 @@
 #include "views/model/SettingsModel.h"
 #include "views/model/TreeGuard.h"
 #include "views/rows/ConfirmDeletion.h"
+#include "widgets/Announcement.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
@@ -120,6 +121,12 @@ void CleanupView::connectWidgets()
     connect(m_undoButton, &QPushButton::clicked, this, &CleanupView::onUndo);
     connect(m_queueButton, &QPushButton::clicked, this, &CleanupView::queueTicked);
     connect(m_tree, &QTreeWidget::itemChanged, this, &CleanupView::refreshStatus);
+    connect(m_tree, &QTreeWidget::itemChanged, this, [this] { // which Qt doesn't report
+        QAccessible::State checked;
+        checked.checked = true;
+        reportChange(m_tree, checked);
+    });
+    reportExpansion(m_tree);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CleanupView::onContextMenu);
     connect(m_model, &SettingsModel::edited, this, &CleanupView::refreshStatus);
 }

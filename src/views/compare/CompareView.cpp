@@ -10,6 +10,7 @@
 #include "views/compare/CompareFilter.h"
 #include "views/compare/CompareRow.h"
 #include "views/model/SettingsModel.h"
+#include "widgets/Announcement.h"
 #include "widgets/MessageBox.h"
 #include "widgets/Named.h"
 #include "widgets/SteadyButton.h"
@@ -136,6 +137,8 @@ void CompareView::connectWidgets()
         connect(box, &QCheckBox::toggled, this, [this] { populate(); });
     }
     connect(m_filterEdit, &QLineEdit::textChanged, this, [this] { populate(); });
+    announceHits(m_filterEdit, [this] { return m_summaryLabel->text(); });
+    reportExpansion(m_tree);
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &CompareView::updateButtons);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CompareView::onContextMenu);
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &CompareView::onDoubleClicked);

@@ -100,6 +100,12 @@ void GroupLine::refresh(bool readOnly)
     m_deleteButton->setToolTip(isInside ? QString() : asToolTip(m_reason));
 }
 
+void GroupLine::setRemark(const QString& remark)
+{
+    m_revealButton->setAccessibleDescription(remark);
+    m_deleteButton->setAccessibleDescription(remark);
+}
+
 /// The state of the line, for the tool tip and for screen readers.
 QString GroupLine::stateText() const
 {

@@ -28,6 +28,9 @@ public:
     /// Updates the line from its node. `readOnly` is set while PixInsight runs.
     void refresh(bool readOnly);
 
+    /// What a screen reader says of the buttons, apart from their names.
+    void setRemark(const QString& remark);
+
 signals:
     void deleteRequested(kse::XsdtNode* node);
     void restoreRequested(kse::XsdtNode* node);

@@ -42,6 +42,13 @@ QFrame* createStripe(Severity severity, QWidget* parent)
     return stripe;
 }
 
+/// For a screen reader, which goes from control to control and may not read the title.
+QString remarkOn(const Finding& finding)
+{
+    return HealthView::tr("%1: %2").arg(HealthChecker::severityName(finding.severity),
+                                        withoutMiddle(finding.title, lineLimit));
+}
+
 } // namespace
 
 HealthView::HealthView(SettingsModel* model, const SettingsSchema* schema, QWidget* parent)
@@ -196,6 +203,7 @@ QWidget* HealthView::buildCard(const Finding& finding)
     addNodes(finding, column, card);
     if (finding.action == FindingAction::OpenUnusedModules) {
         auto* open = named(u"openUnusedButton"_s, new QPushButton(tr("Open Unused modules"), card));
+        open->setAccessibleDescription(remarkOn(finding));
         connect(open, &QPushButton::clicked, this, &HealthView::openUnusedModules);
         column->addWidget(open, 0, Qt::AlignLeft);
     }
@@ -209,10 +217,12 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
         XsdtNode* node = finding.nodes[i];
         if (node->kind == XsdtNode::Kind::Group) {
             layout->addWidget(createGroupLine(node, i + 1, count, card));
+            m_groupLines.constLast()->setRemark(remarkOn(finding));
             continue;
         }
         SettingRow* row = m_rowSet->add(node, card);
         row->setShowPath(true);
+        row->setRemark(remarkOn(finding));
         layout->addWidget(row);
     }
     if (count > nodeLimit) {

@@ -7,6 +7,7 @@
 #include "views/model/SettingsModel.h"
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
+#include "widgets/Announcement.h"
 #include "widgets/CollapsibleSection.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
@@ -88,6 +89,7 @@ void PreferencesView::connectWidgets(const SettingsModel* model)
     m_debounce.setSingleShot(true);
     m_debounce.setInterval(200);
     connect(&m_debounce, &QTimer::timeout, this, &PreferencesView::applyFilter);
+    announceHits(m_searchEdit, [this] { return hitsText(); });
     connect(m_pageList, &QListWidget::currentRowChanged, this, &PreferencesView::showPage);
     connect(m_rowSet, &SettingRowSet::message, this, &PreferencesView::message);
     connect(m_rowSet, &SettingRowSet::deleteRequested, this, &PreferencesView::deleteRequested);
@@ -377,6 +379,28 @@ QString PreferencesView::searchText() const
 bool PreferencesView::matches(const XsdtNode& value, const QString& text) const
 {
     return text.isEmpty() || SettingRow::matches(value, m_schema->describe(value), text);
+}
+
+// NOLINTNEXTLINE(misc-no-recursion)
+qsizetype PreferencesView::countMatches(const Group& group, const QString& text) const
+{
+    auto count = std::count_if(group.values.begin(), group.values.end(),
+                               [&](const XsdtNode* value) { return matches(*value, text); });
+    for (const Group& below : group.groups) {
+        count += countMatches(below, text);
+    }
+    return count;
+}
+
+QString PreferencesView::hitsText() const
+{
+    qsizetype count = 0;
+    for (const Page& page : m_pages) {
+        for (const Group& group : page.groups) {
+            count += countMatches(group, searchText());
+        }
+    }
+    return tr("%n result(s)", nullptr, static_cast<int>(count));
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)

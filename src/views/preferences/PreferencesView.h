@@ -101,6 +101,8 @@ private:
     static qsizetype updateChangeCounts(const Group& group);
     void updatePageCounts();
     QString searchText() const;
+    qsizetype countMatches(const Group& group, const QString& text) const;
+    QString hitsText() const;
     bool matches(const Group& group, const QString& text) const;
     bool matches(const XsdtNode& value, const QString& text) const;
     void onSearchChanged();

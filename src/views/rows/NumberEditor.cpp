@@ -13,7 +13,9 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <type_traits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -77,19 +79,41 @@ public:
         connect(m_box, &Box::valueChanged, this, [this] { emit entered(m_box->text()); });
         // If the box can't show the stored text, typing the number that it shows is no change to
         // it.
-        connect(m_box->template findChild<QLineEdit*>(), &QLineEdit::textEdited, this,
-                [this] { m_isTyped = m_box->hasAcceptableInput(); });
+        const auto* edit = m_box->template findChild<QLineEdit*>();
+        connect(edit, &QLineEdit::textChanged, this, [this](const QString& text) {
+            m_isTyped = m_box->hasAcceptableInput();
+            m_refused = m_isTyped ? std::nullopt : std::optional(text);
+        });
         connect(m_box, &Box::editingFinished, this, [this] {
-            if (m_isTyped && !storedTextHint().isEmpty()) {
+            if (m_refused) { // the box shows its former number again
+                emit entered(*std::exchange(m_refused, std::nullopt));
+            } else if (m_isTyped && !storedTextHint().isEmpty()) {
                 emit entered(m_box->text());
             }
         });
+        takeUnfocused(*edit, [this, edit] {
+            if (m_box->hasAcceptableInput()) {
+                m_box->interpretText();
+            } else {
+                emit entered(edit->text());
+            }
+        });
+    }
+
+    QString faultOf(const QString& text) const override
+    {
+        bool isNumber = false;
+        const double number = text.toDouble(&isNumber);
+        return isNumber ? rangeFault(m_box->accessibleName(), number, double(m_box->minimum()),
+                                     double(m_box->maximum()))
+                        : QString();
     }
 
 protected:
     bool showValue(const XsdtNode& node) override
     {
         m_isTyped = false;
+        m_refused.reset();
         Number number = 0;
         const bool isNumber = readNumber(node.value, number);
         m_box->setRange(qMin(m_min, number), qMax(m_max, number));
@@ -101,7 +125,8 @@ private:
     Box* m_box = new UngroupedSpinBox<Box>(this);
     Number m_min = 0;
     Number m_max = 0;
-    bool m_isTyped = false; ///< The box holds a number typed since the last `showValue`.
+    bool m_isTyped = false;           ///< The box holds a number typed since the last `showValue`.
+    std::optional<QString> m_refused; ///< Or a text that the box won't take.
 };
 
 } // namespace

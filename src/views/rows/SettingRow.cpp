@@ -129,6 +129,12 @@ void SettingRow::setShowPath(bool showPath)
     refreshDescription(m_node->isModified());
 }
 
+void SettingRow::setRemark(const QString& remark)
+{
+    m_remark = remark;
+    refreshDescription(m_node->isModified());
+}
+
 bool SettingRow::matches(const XsdtNode& node, const VariableInfo& info, const QString& text)
 {
     const auto holds = [&text](const QString& whole) {
@@ -230,7 +236,7 @@ void SettingRow::refreshEditor()
 /// Describes to a screen reader what is to be seen beside the editor.
 void SettingRow::refreshDescription(bool isChanged)
 {
-    QStringList parts;
+    QStringList parts{m_remark};
     const QString unspoken = m_editor->unspokenText();
     if (!m_editor->isEnabled() || !unspoken.isEmpty()) { // else read out with the editor
         parts << displayValue(*m_node, unspoken.isEmpty() ? m_node->value : unspoken, shortLimit);
@@ -253,8 +259,10 @@ void SettingRow::refreshDescription(bool isChanged)
     parts << m_info.description;
     parts.removeAll(QString());
     const QString text = parts.join(u'\n');
-    setAccessibleDescription(text);
-    m_editor->control()->setAccessibleDescription(text);
+    if (text != accessibleDescription()) { // Qt reports every one as a change
+        setAccessibleDescription(text);
+        m_editor->control()->setAccessibleDescription(text);
+    }
 }
 
 void SettingRow::updateFonts()

@@ -38,6 +38,9 @@ public:
     /// Shows a line with the groups above the setting, for lists from all over the tree.
     void setShowPath(bool showPath);
 
+    /// What a screen reader says of the row first, apart from its name.
+    void setRemark(const QString& remark);
+
     /// Whether the label, the key, the description or the value of a string contains `text`,
     /// ignoring case. `info` describes `node`, which needs no row.
     [[nodiscard]] static bool matches(const XsdtNode& node, const VariableInfo& info,
@@ -72,6 +75,7 @@ private:
 
     XsdtNode* m_node = nullptr;
     VariableInfo m_info; ///< With a label that is never blank.
+    QString m_remark;
     SettingsModel* m_model = nullptr;
     TreeGuard m_guard; ///< The row's dialog and its deferred deletion may outlast the node.
     bool m_rowReadOnly = false;

@@ -12,7 +12,6 @@
 #include <QFileDialog>
 #include <QLayout>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPointer>
 #include <QToolButton>
 
@@ -31,11 +30,13 @@ public:
     {
         setControl(m_edit, u"lineEdit"_s, name);
         cancelOnEscape();
-        connect(m_edit, &QLineEdit::editingFinished, this, [this] {
+        const auto take = [this] {
             if (!m_edit->isReadOnly() && m_edit->text() != m_stored) {
                 emit entered(m_edit->text());
             }
-        });
+        };
+        connect(m_edit, &QLineEdit::editingFinished, this, take);
+        takeUnfocused(*m_edit, take);
     }
 
 protected:
@@ -70,16 +71,9 @@ public:
     {
         bool isNumber = false;
         const double number = text.trimmed().toDouble(&isNumber);
-        if (!m_info.hasRange || !isNumber || !(number < m_info.min || number > m_info.max)) {
-            return {};
-        }
-        // With all digits: shown as 1, 1.0000001 would seem to be within 0 to 1.
-        const auto shown = [](double value) {
-            return QString::number(value, 'g', QLocale::FloatingPointShortest);
-        };
-        return tr("%1: %2 is outside the allowed range %3 to %4")
-            .arg(abbreviated(m_info.label, shortLimit), shown(number), shown(m_info.min),
-                 shown(m_info.max));
+        return m_info.hasRange && isNumber ? rangeFault(abbreviated(m_info.label, shortLimit),
+                                                        number, m_info.min, m_info.max)
+                                           : QString();
     }
 };
 

@@ -8,11 +8,14 @@
 #include "widgets/ColorButton.h"
 #include "widgets/PlainText.h"
 #include "widgets/WheelGuard.h"
+#include "widgets/WrappedLabel.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QLocale>
 #include <QSignalBlocker>
 
 using namespace Qt::StringLiterals;
@@ -29,7 +32,8 @@ public:
     {
         setControl(m_box, u"checkBox"_s, name);
         addStretch();
-        connect(m_box, &QCheckBox::clicked, this,
+        // Not `clicked`, which comes from the mouse and keyboard alone, and not from voice control.
+        connect(m_box, &QCheckBox::toggled, this,
                 [this](bool checked) { emit entered(checked ? u"true"_s : u"false"_s); });
     }
 
@@ -51,6 +55,10 @@ public:
         : ValueEditor(parent)
     {
         setControl(m_box, u"comboBox"_s, name);
+        // On Linux Qt gives the current item as the name, and a label only if it is a sibling.
+        auto* label = new WrappedLabel(asCaption(name), Qt::PlainText, u"spokenLabel"_s, this);
+        label->setBuddy(m_box);
+        label->hide();
         WheelGuard::install(m_box);
         for (const VariableChoice& choice : info.choices) {
             m_box->addItem(choice.text, choice.value);
@@ -151,6 +159,32 @@ void ValueEditor::setControl(QWidget* control, const QString& objectName, const 
     control->setAccessibleName(name);
     layout()->addWidget(control);
     m_control = control;
+}
+
+void ValueEditor::takeUnfocused(const QLineEdit& edit, const std::function<void()>& take)
+{
+    // A turn later: a replaced text comes as a deletion and an insertion.
+    connect(
+        &edit, &QLineEdit::textChanged, this,
+        [this, take] {
+            if (window()->focusWidget() != m_control) {
+                take();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+QString ValueEditor::rangeFault(const QString& name, double number, double min, double max)
+{
+    if (!(number < min || number > max)) {
+        return {};
+    }
+    // With all digits: shown as 1, 1.0000001 would seem to be within 0 to 1.
+    const auto shown = [](double value) {
+        return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    };
+    return tr("%1: %2 is outside the allowed range %3 to %4")
+        .arg(name, shown(number), shown(min), shown(max));
 }
 
 void ValueEditor::addStretch()

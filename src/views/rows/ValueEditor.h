@@ -3,6 +3,10 @@
 
 #include <QWidget>
 
+#include <functional>
+
+class QLineEdit;
+
 namespace kse {
 
 struct VariableInfo;
@@ -52,6 +56,14 @@ protected:
 
     /// Makes Escape in the control emit `cancelled`, for controls that take text.
     void cancelOnEscape() { m_control->installEventFilter(this); }
+
+    /// Calls `take` when a text was set in `edit`, of the control, while the focus was elsewhere,
+    /// as voice control does. Qt ends the editing only when the focus leaves.
+    void takeUnfocused(const QLineEdit& edit, const std::function<void()>& take);
+
+    /// The sentence for a `number` outside `min` to `max`, with both ends; empty for one within.
+    [[nodiscard]] static QString rangeFault(const QString& name, double number, double min,
+                                            double max);
 
     /// Leaves the rest of the width empty, behind the control.
     void addStretch();

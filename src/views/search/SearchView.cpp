@@ -4,6 +4,7 @@
 #include "document/XsdtNode.h"
 #include "views/rows/SettingRow.h"
 #include "views/rows/SettingRowSet.h"
+#include "widgets/Announcement.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/WidgetColumn.h"
@@ -109,6 +110,7 @@ void SearchView::createLayout()
 void SearchView::connectWidgets()
 {
     connect(m_queryEdit, &QLineEdit::textChanged, this, &SearchView::onQueryChanged);
+    announceHits(m_queryEdit, [this] { return m_summaryLabel->text(); });
     connect(&m_debounce, &QTimer::timeout, this, &SearchView::populate);
     connect(m_resultsArea, &WidgetColumn::moreRequested, this, &SearchView::onShowMore);
     connect(m_rowSet, &SettingRowSet::message, this, &SearchView::message);

@@ -10,6 +10,7 @@
 #include "views/model/ValueDelegate.h"
 #include "views/rows/DeletionEntry.h"
 #include "views/tree/SettingsTree.h"
+#include "widgets/Announcement.h"
 #include "widgets/Named.h"
 
 #include <QCheckBox>
@@ -57,6 +58,7 @@ void AllSettingsView::createFilter()
     m_treeFilter->setPlaceholderText(
         tr("Filter this tree by name or value (Ctrl+F searches everything)"));
     connect(m_treeFilter, &QLineEdit::textChanged, this, &AllSettingsView::onFilterChanged);
+    announceHits(m_treeFilter, [this] { return tr("%n result(s)", nullptr, shownValues()); });
     m_changedOnly = named(u"changedOnly"_s, new QCheckBox(tr("Changed only"), this));
     connect(m_changedOnly, &QCheckBox::toggled, this, &AllSettingsView::onChangedOnlyToggled);
 }
@@ -66,6 +68,7 @@ void AllSettingsView::createTree()
     m_tree = named(u"tree"_s, new SettingsTree(this));
     m_tree->setAccessibleName(tr("All settings"));
     m_tree->setModel(m_proxy);
+    reportExpansion(m_tree);
     auto* delegate = new ValueDelegate(m_tree);
     m_tree->setItemDelegateForColumn(SettingsModel::ValueColumn, delegate);
     connect(delegate, &ValueDelegate::editedRowHidden, this, &AllSettingsView::onEditedRowHidden);
@@ -181,6 +184,18 @@ void AllSettingsView::onFilterChanged(const QString& text)
         m_tree->expandAll();
     }
     position.restore();
+}
+
+int AllSettingsView::shownValues() const
+{
+    int count = 0;
+    if (m_model->document()) {
+        walkTree(std::as_const(m_model->document()->root), [&](const XsdtNode& node) {
+            count += node.kind == XsdtNode::Kind::Value && indexFor(&node).isValid() ? 1 : 0;
+            return Walk::Into;
+        });
+    }
+    return count;
 }
 
 void AllSettingsView::onChangedOnlyToggled(bool changedOnly)

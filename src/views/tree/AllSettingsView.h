@@ -56,6 +56,7 @@ private:
     QModelIndex indexFor(const XsdtNode* node) const;
     XsdtNode* nodeFor(const QModelIndex& index) const;
     QList<const XsdtNode*> expandedGroups() const;
+    int shownValues() const;
 
     SettingsModel* m_model = nullptr;
     SettingsFilterProxy* m_proxy = nullptr;
