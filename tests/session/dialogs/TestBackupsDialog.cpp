@@ -10,6 +10,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QSpinBox>
 
@@ -124,8 +125,14 @@ private slots:
                 }
             }
             texts.removeDuplicates();
-            return (texts << backups.said + backups.dialog->focusWidget()->objectName())
-                .join(u" / "_s);
+            texts << backups.said + backups.dialog->focusWidget()->objectName();
+#ifdef Q_OS_WIN // where there may be a Recycle Bin or none
+            const QRegularExpression how(u"Moved|Deleted| to the Recycle Bin"_s);
+            if (texts.join(u" / "_s).remove(how) == QString(cells.last()).remove(how)) {
+                return cells.last();
+            }
+#endif
+            return texts.join(u" / "_s);
         };
         compareRows(
             {"deleteSelected > 5 > nothing > Delete the 2 selected backup(s) (2 KiB)? / 4321 / 41 "

@@ -105,8 +105,7 @@ private slots:
     void comparesWithTheFileChosen()
     {
         Page page;
-        const QString bad = page.dir.filePath(u"%2"_s);
-        StoreFixture::write(bad, "<nothing");
+        StoreFixture::write(page.dir.filePath(u"%2"_s), "<nothing");
         StoreFixture::write(page.path + u".bak-1"_s, page.document.serialize());
         auto* combo = page.child<QComboBox>("fileCombo");
         const auto outcome = [&](const QStringList& cells) {
@@ -121,20 +120,16 @@ private slots:
             const int row = cells[0] == u"backup" ? 1 : combo->count() - 1;
             combo->view()->setCurrentIndex(combo->model()->index(row, 0));
             QTest::keyClick(combo->view(), Qt::Key_Return);
+            const QString message = page.messages.value(0).value(0).toString().section(u'/', -1);
             return page.text("summaryLabel").section(u' ', 0, 1) + u' ' +
-                   combo->currentText().section(u' ', 0, 1) +
-                   page.messages.value(0)
-                       .value(0)
-                       .toString()
-                       .remove(page.dir.path())
-                       .section(u':', 0, 0);
+                   combo->currentText().section(u' ', 0, 1) + message.section(u':', 0, 0);
         };
         compareRows({"backup > 0 different, Backup: core-001-pxi.settings.bak-1",
                      "other %1.settings > 2 different, other %1.settings",
                      "core-001-pxi.settings > 2 different, other %1.settingsThat is the file being "
                      "edited.",
                      " > 2 different, other %1.settings",
-                     "%2 > Pick another Choose a/%2 is not a valid PixInsight settings file"},
+                     "%2 > Pick another Choose a%2 is not a valid PixInsight settings file"},
                     outcome);
     }
 

@@ -67,7 +67,6 @@ private slots:
         connect(&f.model, &SettingsModel::edited, this, [&] { told += u'e'; });
         connect(&f.model, &SettingsModel::dataChanged, this, [&] { told += u'd'; });
         connect(&f.model, &SettingsModel::layoutChanged, this, [&] { told += u'l'; });
-        connect(&f.model, &SettingsModel::modelReset, this, [&] { told += u'r'; });
         const auto outcome = [&](const QStringList& cells) {
             XsdtNode* node = f.node(cells[1]);
             QString reason;
@@ -76,8 +75,6 @@ private slots:
                 (void)f.model.markForDeletion(node, &reason);
             } else if (cells[0] == u"undo") {
                 f.model.undoDeletion(node);
-            } else if (cells[0] == u"revert") {
-                f.model.revertAll();
             } else if (cells[0] == u"do much") {
                 const SettingsModel::Batch batch(f.model);
                 f.model.setValue(node, u"1"_s);
@@ -97,8 +94,7 @@ private slots:
                      "mark > A >  0 PixInsight is", "end >  > ldddd 0 ", " 7 > A/a >  0 ",
                      "08 > A/a > de 1 ", "mark > A > dde 1 struck", "9 > A/a >  1 struck",
                      "mark > A/b >  1 struck", "undo > A/b >  1 struck", "run >  > ldddd 1 ",
-                     "undo > A > dde 1 ", "end >  > ldddd 1 ", "do much > A/a >  ldddde 1 ",
-                     "revert >  > re 0 "},
+                     "undo > A > dde 1 ", "end >  > ldddd 1 ", "do much > A/a >  ldddde 1 "},
                     outcome);
         QVERIFY(
             f.model.index(0, 0).data(Qt::ToolTipRole).toString().contains(u"\nCan be deleted: "));

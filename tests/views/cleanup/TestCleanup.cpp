@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: MIT
-#include "views/cleanup/CleanupView.h"
-
 #include "support/SettingsPage.h"
+#include "views/cleanup/CleanupView.h"
+#include "views/cleanup/UnusedModulesView.h"
+#include "views/rows/SettingRow.h"
 
 using namespace kse;
 
 namespace {
 
-struct Page : TreePage<CleanupView>
+struct CleanupPage : TreePage<CleanupView>
 {
-    explicit Page(const QString& nodes =
-                      u"PixelClipboard/v:s=x; PixelClipboard/w:s=; CommandHistory/v:i=1; Other:s=; "
-                      "ModuleData/z/Interfaces/W/Geometry/v:i=1; "
-                      "ModuleData/A/Interfaces/A/Geometry/v:s="_s)
+    explicit CleanupPage(
+        const QString& nodes =
+            u"PixelClipboard/v:s=x; PixelClipboard/w:s=; CommandHistory/v:i=1; Other:s=; "
+            "ModuleData/z/Interfaces/W/Geometry/v:i=1; "
+            "ModuleData/A/Interfaces/A/Geometry/v:s="_s)
         : TreePage(nodes)
     {
         tree.expandAll();
@@ -35,21 +37,35 @@ const QString warnTier = u"Saved tool and script settings - deleting loses your 
 const QString windows = u"Window position of each process (2)"_s;
 const QString histories = u"Histories and remembered folders"_s;
 
+struct ModulesPage : SettingsPage<UnusedModulesView>
+{
+    using SettingsPage::SettingsPage;
+
+    QString message() { return messages.last()[0].toString(); }
+
+    QSignalSpy messages{&view, &UnusedModulesView::message};
+};
+
+const QString moduleNodes =
+    u"Modules/1:s=/bin/Used-pxm.so; ModuleData/Used/u:s=1; ModuleData/Gone/n:s=1; "
+    "ModuleData/Gone/Interfaces/P; ModuleData/%1&Old/m:s=1; "
+    "Global/Statistics/Process/P/s:s=1"_s;
+
 } // namespace
 
-class TestCleanupView : public QObject
+class TestCleanup : public QObject
 {
     Q_OBJECT
 
 private slots:
     void listsWhatThePolicyOffers()
     {
-        const Page page;
+        const CleanupPage page;
         QCOMPARE(page.rows(),
                  u"[ ]%1; .[ ]%2|2|83 B; ..[ ]A › A|1|41 B; ..[ ]z › W|1|42 B; .[ ]%3|3|117 B; "
                  "..CommandHistory|1|48 B; ..PixelClipboard|2|69 B; [ ]%4; .[ ]ModuleData/A|1|89 "
                  "B; .[ ]ModuleData/z|1|90 B"_s.arg(safeTier, windows, histories, warnTier));
-        Page other(u"A/x; A/y; B/%1:s="_s.arg(QString(1024, u'k')));
+        CleanupPage other(u"A/x; A/y; B/%1:s="_s.arg(QString(1024, u'k')));
         QVERIFY(other.policy.load(R"({"policy": {"delete": [{"path": "A/x", "level": "safe"},
             {"path": "A/y", "level": "warn"}, {"path": "B", "level": "warn"}]},
             "cleanup": [{"title": "T", "paths": ["B"]},
@@ -61,7 +77,7 @@ private slots:
 
     void asksBeforeSettingsAreLost()
     {
-        Page page;
+        CleanupPage page;
         QCOMPARE(page.toggle(u"z › W"_s), u"Ticked: 1 (about 42 B)"_s);
         QVERIFY(page.rows().contains(u"[-]"_s + windows));
         QCOMPARE(page.toggle(safeTier), u"Ticked: 3 (about 200 B)"_s);
@@ -86,7 +102,7 @@ private slots:
 
     void showsWhatIsQueued()
     {
-        Page page;
+        CleanupPage page;
         const QString module = u"ModuleData/A"_s;
         QVERIFY(page.model.markForDeletion(page.node(u"CommandHistory"_s)));
         QVERIFY(page.model.markForDeletion(page.node(module)));
@@ -114,7 +130,65 @@ private slots:
         page.menu(histories, u"Undo deletion"_s);
         QCOMPARE(page.document.pendingCount(), 0);
     }
+
+    void listsUnusedModules()
+    {
+        const ModulesPage page(moduleNodes);
+        page.child<QCheckBox>("tick")->click();
+        QCOMPARE(page.text("toggleButton") + u"; "_s + page.text("summary"),
+                 u"%1&&Old  -  1 value(s), 44 B; 2 unused module(s); 1 ticked (about 44 B); 0 "
+                 "queued for deletion"_s);
+        page.child<QToolButton>("toggleButton", 1)->click();
+        QCOMPARE(page.text("groupLabel"), u"Global/Statistics/Process/P  (1 value(s))"_s);
+        QCOMPARE(page.text("groupLabel", 1), u"ModuleData/Gone  (1 value(s))"_s);
+    }
+
+    void titlesFollowChangesAtAnyDepth()
+    {
+        const QString deep = u"ModuleData/A/"_s + u"g/"_s.repeated(1000) + u"v"_s;
+        ModulesPage page(deep + u":s=1"_s);
+        page.view.expandCard(u"A"_s);
+        const auto looks = [&page] {
+            const auto* title = page.child<QToolButton>("toggleButton");
+            return title->text().section(u", "_s, 1) + title->accessibleDescription() +
+                   (title->font().strikeOut() ? u" struck"_s : u""_s);
+        };
+        page.model.setValue(page.node(deep), QString(100, u'x'));
+        QCOMPARE(looks(), u"12.8 KiB"_s);
+        QCOMPARE(page.child<QLineEdit>("lineEdit")->text(), QString(100, u'x'));
+        QVERIFY(page.model.markForDeletion(page.node(deep)));
+        QCOMPARE(looks(), u"12.8 KiBSomething in it is queued for deletion."_s);
+        page.child<QCheckBox>("tick")->click();
+        page.child<QPushButton>("undoButton")->click();
+        QVERIFY(page.message().startsWith(u"No ticked module is queued"));
+        QVERIFY(page.model.markForDeletion(page.node(u"ModuleData/A"_s)));
+        QVERIFY(looks().endsWith(u"[queued for deletion]All of it is queued for deletion. struck"));
+    }
+
+    void queuesNoModuleOnceThingsChanged()
+    {
+        ModulesPage page(moduleNodes);
+        page.child<QCheckBox>("tick")->click();
+        QVERIFY(page.ask("queueButton", QMessageBox::Yes, [&] { page.view.setReadOnly(true); })
+                    .endsWith(u"|%1Old|Cancel"));
+        QVERIFY(page.message().startsWith(u"PixInsight is running"));
+        for (const char* name : {"tick", "queueButton", "undoButton"}) {
+            QVERIFY2(!page.child(name)->isEnabled(), name);
+        }
+        page.view.setReadOnly(false);
+        page.ask("queueButton", QMessageBox::Yes, [&] { page.reload(); });
+        QCOMPARE(page.messages.size(), 1);
+        QCOMPARE(page.document.pendingCount(), 0);
+    }
+
+    void showsFourHundredValuesOfAModule()
+    {
+        ModulesPage page(u"ModuleData/A/a:s=1; A/a:s=1; "_s.repeated(401));
+        page.view.expandCard(u"A"_s);
+        QCOMPARE(page.children<SettingRow>().size(), 400);
+        QVERIFY(page.text("moreLabel").startsWith(u"...and 402 more values."));
+    }
 };
 
-KSE_TEST_MAIN(TestCleanupView)
-#include "TestCleanupView.moc"
+KSE_TEST_MAIN(TestCleanup)
+#include "TestCleanup.moc"
