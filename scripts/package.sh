@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs missing packages, builds the program, and makes a Debian package in build/package.
+# Installs missing packages, builds the program, makes a Debian package in build/package, and fails
+# if lintian objects to it or the program in it doesn't start.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,3 +11,20 @@ cmake --build --preset release
 rm -rf build/package
 cpack --config build/release/CPackConfig.cmake -G DEB -B build/package
 rm -r build/package/_CPack_Packages
+package=$(echo build/package/*.deb)
+
+lintian --allow-root --pedantic --display-info --fail-on error,warning,info,pedantic "$package"
+
+scratch=$(mktemp -d "${TMPDIR:-/tmp}/kestrane-package.XXXXXX")
+trap 'rm -rf "$scratch"' EXIT
+dpkg-deb --extract "$package" "$scratch/root"
+settings=$scratch/home/.config/Pleiades
+mkdir -p "$settings"
+cp examples/core-*-pxi.settings "$settings"
+env -i HOME="$scratch/home" LANG=C.UTF-8 QT_QPA_PLATFORM=offscreen \
+    "$scratch/root/usr/bin/kestrane-settings-editor" --screenshots "$scratch/pictures"
+if [[ ! -s $scratch/pictures/review.png ]]; then
+    echo "The program in the package drew no pictures." >&2
+    exit 1
+fi
+echo "The package is $package."

@@ -7,7 +7,7 @@ set -euo pipefail
 # Qt's base packages contain the X11 and offscreen platforms; a bare system has no fonts.
 build=(g++ cmake ninja-build qt6-base-dev qt6-wayland fonts-dejavu-core)
 test=(openssl procps)
-package=(dpkg-dev file)
+package=(dpkg-dev file lintian)
 fuzz=(clang libclang-rt-dev llvm)
 accessibility=(at-spi2-core dbus gir1.2-atspi-2.0 openbox python3-gi xauth xvfb)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
