@@ -85,9 +85,9 @@ def growing():
 
 def stores():
     for size in SIZES:
-        for program, place in (("Store", "disk"), ("StoreInMemory", "memory")):
+        for program, processors in (("Store", "2"), ("StoreOne", "1")):
             at = lambda name: results.of(program, f"{name}/{size}")
-            yield [f"{size:,}", place, ms(at("readAndHash")), ms(at("open")),
+            yield [f"{size:,}", processors, ms(at("readAndHash")), ms(at("open")),
                    ratio(at("open"), at("readAndHash")), ms(at("saveFloor")), ms(at("save")),
                    ratio(at("save"), at("saveFloor"))]
 
@@ -159,7 +159,7 @@ for name, title in (("Memory", "Memory"), ("Start", "Start-up")):
     printed = folder / f"{name}.md"
     print(printed.read_text().strip() if printed.exists() else "-")
 table("Opening and saving whole",
-      ("Values", "Where", "Read and hash", "Open", "Ratio", "Floor of a save", "Save", "Ratio"),
+      ("Values", "Processors", "Read and hash", "Open", "Ratio", "Floor of a save", "Save", "Ratio"),
       stores())
 table("Poll", ("Values", "Read and hash", "Poll", "Its process scan", "Without it", "Ratio"), polls())
 table("The tree of all settings",
