@@ -45,7 +45,7 @@ private slots:
     void findsBestFirst()
     {
         const QString nodes =
-            u"Top:s=unMASKed; Block:B=mask; G/Gone:b=1 deleted; Mask/b:s=Light Mask; sMask:i=0; "
+            u"Top:s=unMASKed; Block:B=mask; G/Gone:b=1 deleted; Mask/b:s=Light Mask; aMask:i=0; "
             "ÉTÉ:i=0; été:i=0; MaskOn:i=0; Mask:s=light; Light:s=a mask; z-z/y:i=12; z/x:t=12; "
             "Global/ImageWindow/WheelDirection:i=0; "_s +
             u"deep/"_s.repeated(5000) + u"end/of:s="_s;
@@ -58,11 +58,11 @@ private slots:
             page.view.setQuery(cells[1]);
             return page.keys();
         };
-        compareRows({" > MASK > Mask MaskOn sMask b Light Top", " > mask light > Light Mask b",
+        compareRows({" > MASK > Mask MaskOn aMask b Light Top", " > mask light > Light Mask b",
                      " > light mask mask > Mask Light b", " > \"light mask\" > b",
                      " > \"mask light\" > ", " > \u00C9t\u00E9 > ÉTÉ été", " > 12 > MaskOn y",
                      " > fast 12 > ", " > deep/end/of > of", "\u0020>  > ",
-                     "searchNames > mask > Light b Top", "searchValues > light > Light",
+                     "searchNames includeProtected > mask > Light b Top", "searchValues > light > Light",
                      "searchNames searchValues > \"Zoom direction\" > WheelDirection",
                      "searchNames searchValues searchDescriptions > mask > ",
                      "includeProtected > 12 > MaskOn y x", "includeProtected > block > Block",
@@ -81,6 +81,7 @@ private slots:
         page.query.setText(u"key "_s.repeated(100'000)); // hangs if each is looked for
         QVERIFY(page.text("summaryLabel").startsWith(u"Type to search")); // once no more is typed
         QTRY_VERIFY(page.text("summaryLabel").startsWith(u"250 results, showing the best 100."));
+        QCOMPARE(more->text(), u"Show more results (150 more)"_s);
         more->setFocus();
         page.press(more->objectName());
         QTRY_VERIFY(page.rows().constLast()->isVisible());
