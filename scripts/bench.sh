@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Builds and runs every benchmark, and prints the tables of docs/performance.md.
 #   scripts/bench.sh [FOLDER]    results go to FOLDER (build/bench/results)
-# Takes about six minutes, on a machine that does nothing else.
+# Takes about eight minutes, on a machine that does nothing else.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,8 +15,9 @@ mkdir -p "$folder"
 # otherwise; repetitions give the median.
 run() {
     local start=$SECONDS
-    taskset -c "${PROCESSORS:-1}" "build/bench/bench/Bench$2" --benchmark_report_aggregates_only=true \
-        --benchmark_out_format=json --benchmark_out="$folder/$1.json" "${@:3}" \
+    taskset -c "${PROCESSORS:-1}" "build/bench/bench/Bench$2" \
+        --benchmark_report_aggregates_only=true --benchmark_out_format=json \
+        --benchmark_out="$folder/$1.json" "${@:3}" \
         >"$folder/$1.txt" 2>&1 || echo "Bench$2 failed: see $folder/$1.txt" >&2
     echo "$1: $((SECONDS - start)) s" >&2
 }
@@ -24,12 +25,12 @@ run() {
 build/bench/bench/BenchStart >"$folder/Start.md"
 build/bench/bench/BenchMemory >"$folder/Memory.md"
 build/bench/bench/BenchActions >"$folder/Actions.md"
+run Document Document --benchmark_repetitions=3 --benchmark_min_time=0.15 \
+    --benchmark_min_warmup_time=1
 # Memory is kept from one repetition to the next. On a virtual machine the first touch of a page can
 # cost fifty times what it costs elsewhere, and would be all that is measured.
 export MALLOC_ARENA_MAX=1 MALLOC_MMAP_MAX_=0 MALLOC_TOP_PAD_=300000000
 export MALLOC_TRIM_THRESHOLD_=4000000000
-
-run Document Document --benchmark_repetitions=3 --benchmark_min_time=0.15
 store=(Store --benchmark_repetitions=5 --benchmark_min_time=0.1 --benchmark_min_warmup_time=2)
 PROCESSORS=0,1 run Store "${store[@]}"
 run StoreOne "${store[@]}"
