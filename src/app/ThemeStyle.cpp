@@ -63,6 +63,15 @@ void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* pa
     painter->restore();
 }
 
+/// `text` for a drawing that lays it out in the direction of its window. A text that reads from
+/// left to right, such as "-1" or "/tmp/x", does so in any window.
+QString inOwnDirection(const QString& text)
+{
+    constexpr QChar embedding(0x202A);
+    constexpr QChar endOfEmbedding(0x202C);
+    return text.isEmpty() || text.isRightToLeft() ? text : embedding + text + endOfEmbedding;
+}
+
 /// The width of an arrow. It grows with the text; Fusion's doesn't.
 int arrowWidth(const QStyleOption& option)
 {
@@ -192,15 +201,21 @@ void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
             drawArrow(option->state & State_Open ? 0 : closed, *option, painter);
         }
         break;
-    case PE_IndicatorArrowDown:
-        drawArrow(0, *option, painter);
-        break;
     case PE_IndicatorArrowLeft:
         drawArrow(90, *option, painter);
         break;
-    case PE_IndicatorArrowRight:
-        drawArrow(-90, *option, painter);
+    case PE_IndicatorArrowDown:
+    case PE_IndicatorArrowRight: {
+        const auto* button = qobject_cast<const QToolButton*>(widget);
+        const bool isMirrored = button && option->direction == Qt::RightToLeft &&
+                                button->toolButtonStyle() == Qt::ToolButtonTextBesideIcon;
+        QStyleOption arrow = *option;
+        if (isMirrored) { // Qt leaves it to the left of the text
+            arrow.rect = visualRect(option->direction, button->rect(), option->rect);
+        }
+        drawArrow(element == PE_IndicatorArrowDown ? 0 : isMirrored ? 90 : -90, arrow, painter);
         break;
+    }
     case PE_IndicatorCheckBox:
     case PE_IndicatorRadioButton:
         QProxyStyle::drawPrimitive(element, option, painter, widget);
@@ -216,6 +231,8 @@ void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option,
 {
     const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
     const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    const auto* cell = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+    const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     if (element == CE_FocusFrame) { // masked to a ring
         painter->fillRect(option->rect, option->palette.color(QPalette::Highlight));
     } else if (element == CE_TabBarTabShape && tab && tab->shape == QTabBar::RoundedNorth) {
@@ -226,6 +243,14 @@ void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option,
         elided.currentText =
             box->fontMetrics.elidedText(box->currentText, Qt::ElideMiddle, field.width());
         QProxyStyle::drawControl(element, &elided, painter, widget);
+    } else if (element == CE_ItemViewItem && cell && cell->direction == Qt::RightToLeft) {
+        QStyleOptionViewItem readable = *cell;
+        readable.text = inOwnDirection(cell->text);
+        QProxyStyle::drawControl(element, &readable, painter, widget);
+    } else if (element == CE_MenuItem && entry && entry->direction == Qt::RightToLeft) {
+        QStyleOptionMenuItem readable = *entry;
+        readable.text = inOwnDirection(entry->text);
+        QProxyStyle::drawControl(element, &readable, painter, widget);
     } else {
         QProxyStyle::drawControl(element, option, painter, widget);
     }
@@ -249,6 +274,15 @@ void ThemeStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
     } else if (control == CC_ComboBox) {
         drawBoxArrow(0, rectOf(SC_ComboBoxArrow), isEnabled, *option, painter);
     }
+}
+
+void ThemeStyle::drawItemText(QPainter* painter, const QRect& rect, int flags,
+                              const QPalette& palette, bool enabled, const QString& text,
+                              QPalette::ColorRole role) const
+{
+    const auto place = visualAlignment(painter->layoutDirection(), Qt::Alignment::fromInt(flags));
+    const int order = text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
+    QProxyStyle::drawItemText(painter, rect, place.toInt() | order, palette, enabled, text, role);
 }
 
 QRect ThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,

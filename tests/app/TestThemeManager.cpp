@@ -70,9 +70,10 @@ private slots:
     void laysOutInBothDirections()
     {
         m_theme.setFontScale(2.2, false);
-        for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        QList<QImage> pictures;
+        for (const auto direction : {Qt::RightToLeft, Qt::LeftToRight}) {
+            QApplication::setLayoutDirection(direction);
             QWidget window;
-            window.setLayoutDirection(direction);
             auto* row = new WrappingRow;
             window.setLayout(row);
             row->addWidget(new QPushButton(u"Text"_s));
@@ -92,7 +93,14 @@ private slots:
             const QRect up = rectOf(QStyle::SC_SpinBoxUp);
             QVERIFY(up.width() > box.fontMetrics.ascent() / 2 + 4 && box.rect.contains(up));
             QVERIFY(!up.intersects(rectOf(QStyle::SC_SpinBoxEditField)));
+
+            QListWidget list; // what it shows reads from left to right in both
+            list.addItem(u"-1/x..."_s);
+            list.item(0)->setTextAlignment(Qt::AlignCenter);
+            QPushButton button(list.item(0)->text());
+            pictures += {list.grab().toImage(), button.grab().toImage()};
         }
+        QCOMPARE(pictures.mid(2), pictures.mid(0, 2));
     }
 
 private:

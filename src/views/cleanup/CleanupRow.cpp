@@ -18,8 +18,8 @@ CleanupRow::CleanupRow(const SettingsModel& model, const QString& name)
     : m_model(model)
 {
     setText(EntryColumn, withoutMiddle(name, lineLimit));
-    setTextAlignment(ValuesColumn, Qt::AlignRight | Qt::AlignVCenter);
-    setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
+    setTextAlignment(ValuesColumn, Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
+    setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
 }
 
 void CleanupRow::addNode(XsdtNode* node)

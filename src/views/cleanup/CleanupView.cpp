@@ -82,7 +82,8 @@ void CleanupView::createTree()
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setSectionResizeMode(CleanupRow::EntryColumn, QHeaderView::Stretch);
     for (const int column : {CleanupRow::ValuesColumn, CleanupRow::SizeColumn}) {
-        m_tree->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+        m_tree->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignAbsolute |
+                                                           Qt::AlignVCenter);
     }
 }
 
