@@ -195,6 +195,8 @@ private:
         measure("Larger text", [&] { theme.step(0.1); });
         measure("Poll", [this] { QMetaObject::invokeMethod(m_window.get(), "pollEnvironment"); });
         measure("Reload", [this] { m_window->findChild<QAction*>(u"actReload"_s)->trigger(); });
+        measure("Page \"Search\" again, in memory that was used before",
+                [this] { m_tabs->setCurrentWidget(page<SearchView>()); });
     }
 
     const QString m_path;

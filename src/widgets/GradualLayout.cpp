@@ -17,6 +17,15 @@ namespace {
 constexpr qint64 sliceTime = 8; // half a frame
 constexpr qint64 longestStart = 40;
 
+/// Asks a widget for its height only once, which is remembered: no column squeezes its rows.
+class RowItem : public QWidgetItemV2
+{
+public:
+    using QWidgetItemV2::QWidgetItemV2;
+
+    int minimumHeightForWidth(int width) const override { return heightForWidth(width); }
+};
+
 } // namespace
 
 GradualLayout::GradualLayout(QWidget* before, QWidget* parent)
@@ -55,12 +64,9 @@ void GradualLayout::append(qsizetype count, std::function<QWidget*(qsizetype)> c
 
 bool GradualLayout::complete()
 {
-    const qsizetype before = m_items.size();
+    const bool wasMissing = m_missing > 0;
     createUntil([] { return false; });
-    for (qsizetype i = before; i < m_items.size(); ++i) {
-        QCoreApplication::sendPostedEvents(m_items.at(i), QEvent::MetaCall); // shows it
-    }
-    return m_items.size() > before;
+    return wasMissing;
 }
 
 /// Creates the next widgets, at least one, until `isEnough`.
@@ -77,9 +83,17 @@ void GradualLayout::createUntil(const std::function<bool()>& isEnough)
         QWidget* widget = m_create(m_created++);
         --m_missing;
         widget->resize(width, widget->height());
-        insertWidget(count() - 1, widget);
+        addChildWidget(widget);
+        insertItem(count() - 1, new RowItem(widget));
         m_items.append(widget);
     } while (m_missing > 0 && !isEnough());
+    QLayout* column = parentWidget()->layout();
+    column->setEnabled(false); // or it would be laid out for each widget that is shown
+    for (qsizetype i = before; i < m_items.size(); ++i) {
+        QCoreApplication::sendPostedEvents(m_items.at(i), QEvent::MetaCall); // shows it
+    }
+    column->setEnabled(true);
+    column->activate();
     QWidget* stop = before > 0 ? lastTabStop(*m_items.at(before - 1)) : nullptr;
     continueTabOrder(stop ? stop : m_before, m_items.sliced(before));
     if (m_missing == 0) {

@@ -70,8 +70,7 @@ void WidgetColumn::clear()
 void WidgetColumn::setMoreText(const QString& text)
 {
     if (text.isEmpty() && m_showMoreButton->hasFocus()) {
-        QScrollArea::focusNextPrevChild(
-            false); // from where Tab leads to what has just been appended
+        QScrollArea::focusNextPrevChild(false); // from where Tab leads to what is appended next
     }
     m_showMoreButton->setText(text);
     m_showMoreButton->setVisible(!text.isEmpty());

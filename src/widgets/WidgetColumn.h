@@ -34,7 +34,8 @@ public:
     /// an event now.
     void clear();
 
-    /// The text of the button. An empty one hides it.
+    /// The text of the button. An empty one hides it. If it has the focus, this goes to the last
+    /// widget: set the text before more are appended.
     void setMoreText(const QString& text);
 
 signals:

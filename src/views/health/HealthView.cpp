@@ -159,10 +159,10 @@ void HealthView::addCards()
     const qsizetype total = m_findings.size();
     const qsizetype first = m_cards->count();
     const qsizetype shown = qMin(total, first + cardStep);
-    m_cards->append(shown - first,
-                    [this, first](qsizetype i) { return buildCard(m_findings[first + i]); });
     m_cards->setMoreText(shown < total ? tr("Show more findings (%1 more)").arg(total - shown)
                                        : QString());
+    m_cards->append(shown - first,
+                    [this, first](qsizetype i) { return buildCard(m_findings[first + i]); });
 }
 
 void HealthView::updateSummary()

@@ -159,6 +159,7 @@ QStringList searchTerms(const QString& text)
 QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const SettingsSchema& schema)
 {
     QList<SearchIndexEntry> index;
+    index.reserve(document.root.valueCount());
     QHash<QString, QString> labels; // of keys, most of which repeat
     const XsdtNode* group = nullptr;
     bool isDescribed = false; // something in `group` may be

@@ -268,14 +268,14 @@ void SearchView::addRows()
     const qsizetype total = m_results.size();
     const qsizetype first = m_resultsArea->count();
     const qsizetype shown = qMax(first, qMin(total, m_limit)); // a new query may still be waiting
+    m_resultsArea->setMoreText(shown < total ? tr("Show more results (%1 more)").arg(total - shown)
+                                             : QString());
     m_resultsArea->append(shown - first, [this, first](qsizetype i) {
         XsdtNode* node = m_index[m_results[first + i]].node;
         SettingRow* row = m_rowSet->add(node, m_resultsArea->widget());
         row->setShowPath(true);
         return row;
     });
-    m_resultsArea->setMoreText(shown < total ? tr("Show more results (%1 more)").arg(total - shown)
-                                             : QString());
     if (total == 0) {
         m_summaryLabel->setText(tr("No matching settings."));
     } else if (shown < total) {
