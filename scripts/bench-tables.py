@@ -11,6 +11,48 @@ from pathlib import Path
 
 SIZES = (10_000, 100_000, 1_000_000)
 
+# What is measured, against what, the program and its two benchmarks, and the limit of their ratio.
+RATIOS = (
+    ("Read: bytes to tree", "pugixml's `load_buffer`", "Document", "readTree", "readPugixml", 2.2),
+    ("", "`QXmlStreamReader` that fills the same nodes", "Document", "readTree",
+     "readQXmlStreamReader", 0.33),
+    ("Read and write", "pugixml's load and save", "Document", "readAndWrite",
+     "readAndWritePugixml", 2),
+    ("Open: read, hash, parse, check the layout", "read and hash", "Store", "open", "readAndHash",
+     1.3),
+    ("- on one processor", "", "StoreOne", "open", "readAndHash", 1.9),
+    ("Save", "four reads, four hashes, a copy and a replacement, both flushed", "Store", "save",
+     "saveFloor", 1.2),
+    ("- on one processor", "", "StoreOne", "save", "saveFloor", 1.5),
+    ("Poll without its process scan", "read and hash", "Poll", "poll", "readAndHash", 1.1),
+    ("Compare", "a hash and a set of path strings", "Compare", "compare", "compareByStrings", 0.4),
+    ("Index for the search", "`path().toLower()` for each value", "Search", "indexPaths",
+     "indexPathsPlainly", 0.6),
+    ("Search for a term that doesn't occur", "a loop of `contains` over the same texts", "Search",
+     "searchInVain", "scan", 0.75),
+    ("Order all values by path", "the same loop", "Search", "order", "scan", 2),
+    ("- with the children of every group in random order", "", "Search", "orderShuffled", "scan",
+     3),
+    ("Health check, all values are settings", "describe each setting", "Health",
+     "healthCheck/values:{}/place:0", "describeOnly/values:{}/place:0", 3),
+    ("- all are data of modules", "a walk over them", "Health", "healthCheck/values:{}/place:1",
+     "describeOnly/values:{}/place:1", 3),
+    ("One edit with every page built", "a walk over the tree", "Bulk", "oneEdit", "plainWalk", 1),
+    ("Filter of the tree: by key", "set the document and expand all", "Tree",
+     "filterByKey/values:{}/wide:0", "setDocumentAndExpandAll/values:{}/wide:0", 2),
+    ("- by value", "", "Tree", "filterByValue/values:{}/wide:0",
+     "setDocumentAndExpandAll/values:{}/wide:0", 2),
+    ('"Changed only"', "", "Tree", "toggleChangedOnly/values:{}/wide:0",
+     "setDocumentAndExpandAll/values:{}/wide:0", 2),
+)
+
+# The growth of the time for each value between 100,000 and 1,000,000 values, in percent.
+GROWTHS = (
+    ("Read", "readTree", 15), ("- one group of all values", "readWide", 15),
+    ("Write", "write", 15), ("- one group of all values", "writeWide", 15),
+    ("Destroy", "destroy", 15), ("- one group of all values", "destroyWide", 15),
+)
+
 
 class Results:
     """CPU times (elapsed times for Store) in milliseconds, by program and benchmark."""
@@ -26,8 +68,10 @@ class Results:
                     name = run["run_name"].removesuffix("/real_time")
                     self.times[path.stem, name] = run[clock] * scale
 
-    def of(self, program, benchmark):
-        return self.times.get((program, benchmark))
+    def of(self, program, benchmark, size=None):
+        """The time of `benchmark`, whose name holds the size at its end or in place of {}."""
+        name = benchmark.format(size) if "{}" in benchmark else f"{benchmark}/{size}"
+        return self.times.get((program, name if size else benchmark))
 
 
 def ms(time):
@@ -37,141 +81,61 @@ def ms(time):
     return f"{time:,.{digits}f} ms"
 
 
-def ratio(time, base, digits=2):
-    return "-" if time is None or not base else f"{time / base:.{digits}f}"
-
-
-def growth(small, large):
-    """How much longer each value takes at 1,000,000 values than at 100,000."""
-    return "-" if small is None or large is None else f"{large / small * 10 - 100:+.0f} %"
-
-
 def table(title, head, rows):
-    print(f"\n### {title}\n")
+    print(f"\n## {title}\n")
     print("| " + " | ".join(head) + " |")
     print("|" + "---|" * len(head))
     for row in rows:
         print("| " + " | ".join(row) + " |")
 
 
-def versus(program, base, *others, suffix=""):
-    """A row for each size: the time of `base`, then the time and ratio of each of `others`."""
-    for size in SIZES:
-        floor = results.of(program, f"{base}/{size}{suffix}")
-        row = [f"{size:,}", ms(floor)]
-        for other in others:
-            time = results.of(program, f"{other}/{size}{suffix}")
-            row += [ms(time), ratio(time, floor)]
-        yield row
-
-
-def reading():
-    for size in SIZES:
-        at = lambda name: results.of("Document", f"{name}/{size}")
-        yield [f"{size:,}", ms(at("readPugixml")), ms(at("readQXmlStreamReader")), ms(at("readTree")),
-               ratio(at("readTree"), at("readPugixml")),
-               ratio(at("readTree"), at("readQXmlStreamReader")),
-               ms(at("readAndWritePugixml")), ms(at("readAndWrite")),
-               ratio(at("readAndWrite"), at("readAndWritePugixml"))]
-
-
-def growing():
-    for name, label in (("readTree", "Read"), ("write", "Write"), ("destroy", "Destroy"),
-                        ("readWide", "Read, wide"), ("writeWide", "Write, wide"),
-                        ("destroyWide", "Destroy, wide")):
-        small, large = (results.of("Document", f"{name}/{size}") for size in SIZES[1:])
-        yield [label, ms(small), ms(large), growth(small, large)]
-
-
-def stores():
-    for size in SIZES:
-        for program, processors in (("Store", "2"), ("StoreOne", "1")):
-            at = lambda name: results.of(program, f"{name}/{size}")
-            yield [f"{size:,}", processors, ms(at("readAndHash")), ms(at("open")),
-                   ratio(at("open"), at("readAndHash")), ms(at("saveFloor")), ms(at("save")),
-                   ratio(at("save"), at("saveFloor"))]
-
-
-def polls():
+def ratios():
     scan = results.of("Poll", "processScan") or 0
-    for size in SIZES:
-        floor = results.of("Poll", f"readAndHash/{size}")
-        poll = results.of("Poll", f"poll/{size}")
-        rest = None if poll is None else poll - scan
-        yield [f"{size:,}", ms(floor), ms(poll), ms(scan), ms(rest), ratio(rest, floor)]
-
-
-def trees():
-    shapes = [f"values:{n}/wide:0" for n in (60_000, *SIZES[1:])]
-    shapes += [f"values:{n}/wide:1" for n in SIZES[1:]]
-    for name, label in (("setDocumentAndExpandAll", "Set the document and expand all"),
-                        ("filterByKey", "Filter by key, each change"),
-                        ("filterByValue", "Filter by value"),
-                        ("filterToNothing", "Filter to nothing and back, each"),
-                        ("toggleChangedOnly", '"Changed only", each toggle'),
-                        ("editOne", "One edit under a filter"),
-                        ("flipManyInABatch", "Half of all values in a batch"),
-                        ("deleteAndUndoGroup", "Mark the last group and take it back"),
-                        ("revertAll", "Revert all and expand all")):
-        yield [label] + [ms(results.of("Tree", f"{name}/{shape}")) for shape in shapes]
-
-
-def searches():
-    for size in SIZES:
-        at = lambda name: results.of("Search", f"{name}/{size}")
-        yield [f"{size:,}", ms(at("indexPathsPlainly")), ms(at("indexPaths")),
-               ratio(at("indexPaths"), at("indexPathsPlainly")), ms(at("scan")),
-               ms(at("searchInVain")), ratio(at("searchInVain"), at("scan")), ms(at("order")),
-               ratio(at("order"), at("scan")), ms(at("orderShuffled")),
-               ratio(at("orderShuffled"), at("scan"))]
-
-
-def healths():
-    for size in SIZES:
-        row = [f"{size:,}"]
-        for place in (0, 1):
-            plain, check = (results.of("Health", f"{name}/values:{size}/place:{place}")
-                            for name in ("describeOnly", "healthCheck"))
-            row += [ms(plain), ms(check), ratio(check, plain)]
-        yield row
-
-
-def pages():
+    for name, against, program, benchmark, base, limit in RATIOS:
+        row = [name, against, f"{limit:g}"]
+        for size in SIZES:
+            time, floor = (results.of(program, one, size) for one in (benchmark, base))
+            known = time is not None and floor
+            row.append(f"{(time - (scan if benchmark == 'poll' else 0)) / floor:.2f}" if known
+                       else "-")
+        yield row + [ms(time)]
     plain, search = results.of("Pages", "plainRows/100"), results.of("Pages", "searchPage")
-    yield ["100", ms(plain), ms(search), ratio(search, plain)]
+    yield ["A page of 100 search results until it is painted",
+           "100 rows of a label, a line edit and a button", "2",
+           f"{search / plain:.2f}" if search and plain else "-", "-", "-", "-"]
 
 
-def bulks():
-    for size in SIZES:
-        at = lambda name: results.of("Bulk", f"{name}/{size}")
-        yield [f"{size:,}", ms(at("plainWalk")), ms(at("oneEdit")),
-               ratio(at("oneEdit"), at("plainWalk")), ms(at("manyEdits")), ms(at("manyMarks"))]
+def growths():
+    for name, benchmark, limit in GROWTHS:
+        small, large = (results.of("Document", benchmark, size) for size in SIZES[1:])
+        yield [name, f"{limit} %", f"{large / small * 10 - 100:+.0f} %" if small and large else "-",
+               ms(large)]
 
 
-folder = Path(sys.argv[1])
-results = Results(folder)
-table("Reading and writing",
-      ("Values", "pugixml", "QXmlStreamReader", "Read", "to pugixml", "to Qt",
-       "pugixml, read and write", "Read and write", "Ratio"), reading())
-table("Growth", ("", "100,000", "1,000,000", "Growth a value"), growing())
-for name, title in (("Memory", "Memory"), ("Start", "Start-up")):
-    print(f"\n### {title}\n")
-    printed = folder / f"{name}.md"
-    print(printed.read_text().strip() if printed.exists() else "-")
-table("Opening and saving whole",
-      ("Values", "Processors", "Read and hash", "Open", "Ratio", "Floor of a save", "Save", "Ratio"),
-      stores())
-table("Poll", ("Values", "Read and hash", "Poll", "Its process scan", "Without it", "Ratio"), polls())
-table("The tree of all settings",
-      ("", "60,000", "100,000", "1,000,000", "Wide 100,000", "Wide 1,000,000"), trees())
-table("Compare", ("Values", "Plain", "Compare", "Ratio"),
-      versus("Compare", "compareByStrings", "compare"))
-table("Search",
-      ("Values", "Index: plain", "Index", "Ratio", "Term: plain", "Term", "Ratio", "Order: sorted",
-       "Ratio", "Order: any", "Ratio"), searches())
-table("Health check",
-      ("Values", "All are settings: plain walk", "Health check", "Ratio",
-       "All are data of modules: plain walk", "Health check", "Ratio"), healths())
-table("Pages", ("Rows", "Plain", "Search", "Ratio"), pages())
-table("All pages at once",
-      ("Values", "Plain walk", "One edit", "Ratio", "Edits at once", "Marks at once, twice"), bulks())
+def printed(folder, name):
+    path = folder / f"{name}.md"
+    return path.read_text().strip() if path.exists() else "-"
+
+
+def actions(folder):
+    """Both runs of BenchActions side by side."""
+    columns = [[line.strip("| ").split(" | ") for line in printed(folder, name).splitlines()[2:]]
+               for name in ("Actions", "ActionsMany")]
+    for small, large in zip(*columns):
+        yield [small[0], small[-1], large[-1]]
+
+
+def main():
+    folder = Path(sys.argv[1])
+    global results
+    results = Results(folder)
+    table("Ratios", ("Measured", "Against", "Limit", *(f"{size:,}" for size in SIZES),
+                     f"Time at {SIZES[-1]:,}"), ratios())
+    table("Growth", ("Time for each value", "Limit", "From 100,000 to 1,000,000",
+                     "Time at 1,000,000"), growths())
+    table("Actions", ("Action", "60,000 values", "1,000,000 values"), actions(folder))
+    for name, title in (("Memory", "Memory"), ("Start", "Start-up")):
+        print(f"\n## {title}\n\n{printed(folder, name)}")
+
+
+main()

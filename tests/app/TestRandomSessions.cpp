@@ -11,8 +11,6 @@
 #include "views/search/SearchIndex.h"
 #include "views/search/SearchView.h"
 
-#include <QAbstractItemModelTester>
-
 #include <algorithm>
 #include <cstdio>
 #include <numeric>

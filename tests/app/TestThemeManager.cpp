@@ -4,7 +4,6 @@
 #include "support/TestMain.h"
 #include "widgets/WrappingRow.h"
 
-#include <QtTest>
 #include <QtWidgets>
 
 using namespace Qt::StringLiterals;

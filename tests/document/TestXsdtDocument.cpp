@@ -7,8 +7,6 @@
 #include "support/DocumentText.h"
 #include "support/TestMain.h"
 
-#include <QTest>
-
 using namespace Qt::StringLiterals;
 using namespace kse;
 

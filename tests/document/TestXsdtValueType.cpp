@@ -3,8 +3,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QLocale>
-
 using namespace kse;
 
 class TestXsdtValueType : public QObject

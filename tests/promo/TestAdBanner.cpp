@@ -3,18 +3,8 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QAccessible>
-#include <QBuffer>
-#include <QDesktopServices>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QNetworkReply>
-#include <QPointer>
-#include <QScreen>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTemporaryDir>
-#include <QtTest>
+#include <QtNetwork>
+#include <QtWidgets>
 
 using namespace kse;
 using namespace Qt::StringLiterals;

@@ -3,9 +3,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QRandomGenerator>
-#include <QTemporaryDir>
-
 using namespace kse;
 using namespace Qt::StringLiterals;
 

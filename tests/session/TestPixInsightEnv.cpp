@@ -5,9 +5,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QDateTime>
-#include <QRegularExpression>
-
 using namespace kse;
 using namespace Qt::StringLiterals;
 

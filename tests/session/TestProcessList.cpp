@@ -4,8 +4,6 @@
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 
-#include <QTest>
-
 #include <algorithm>
 
 #ifdef Q_OS_UNIX

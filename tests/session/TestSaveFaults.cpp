@@ -5,8 +5,6 @@
 #include "support/StoreFixture.h"
 #include "support/TestMain.h"
 
-#include <QtTest>
-
 #include <cerrno>
 #include <climits>
 

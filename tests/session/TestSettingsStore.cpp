@@ -7,9 +7,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QDateTime>
-#include <QRegularExpression>
-
 #include <functional>
 
 #ifdef Q_OS_UNIX

@@ -6,12 +6,6 @@
 #include "support/DocumentText.h"
 #include "support/TextRows.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QMap>
-#include <QTemporaryDir>
-
 namespace kse {
 
 /// All that the store holds, for comparing before and after.

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QCoreApplication>
-#include <QSettings>
-#include <QStandardPaths>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 #if defined(__GNUC__) && QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
 #pragma GCC diagnostic ignored "-Wconversion" // QTRY_VERIFY and its like narrow a number

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QFile>
-#include <QStringList>
 #include <QtTest>
 
 #include <initializer_list>

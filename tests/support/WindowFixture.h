@@ -10,7 +10,6 @@
 #include "views/model/SettingsModel.h"
 #include "widgets/WidgetColumn.h"
 
-#include <QtTest>
 #include <QtWidgets>
 
 namespace kse {

@@ -4,15 +4,7 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QLabel>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QRegularExpression>
-#include <QSettings>
-#include <QSpinBox>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 using namespace kse;

@@ -6,12 +6,7 @@
 #include "support/TextRows.h"
 #include "views/model/SettingsModel.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QClipboard>
-#include <QLabel>
-#include <QPlainTextEdit>
-#include <QTreeWidget>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 using namespace kse;

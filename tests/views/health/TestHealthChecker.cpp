@@ -6,8 +6,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <QDir>
-
 using namespace Qt::StringLiterals;
 using namespace kse;
 
