@@ -94,9 +94,9 @@ public:
     bool isWaiting() const { return findChild<QNetworkReply*>() != nullptr; }
 
     /// Near the strip's corner as it stands on the screen, within the ring that tells its focus.
-    QColor corner(int inset = 6) const
+    QColor corner() const
     {
-        const QPoint place = strip()->pos() + QPoint(inset, inset);
+        const QPoint place = strip()->pos() + QPoint(6, 6);
         return screen()->grabWindow(winId(), place.x(), place.y(), 1, 1).toImage().pixelColor(0, 0);
     }
 
@@ -231,22 +231,6 @@ private slots:
         const QString page = u" http://site.example/pixinsight/"_s;
         QTRY_COMPARE(m_opened, u" http://a.example/b c"_s + page + page + page);
         QDesktopServices::unsetUrlHandler(u"http"_s);
-    }
-
-    void placesStripAndCaption()
-    {
-        Banner banner({});
-        const auto* caption = banner.findChild<QLabel*>(u"caption"_s);
-        QFont font;
-        font.setPointSizeF(20);
-        banner.setFont(font);
-        QCOMPARE(caption->font().pointSizeF(), 16.0);
-        QCOMPARE(banner.minimumSizeHint(), QSize(2 * caption->sizeHint().width() + 552, 100));
-        banner.resize(732, 100);
-        banner.activateWindow();
-        banner.strip()->setFocus();
-        QTRY_COMPARE(banner.strip()->geometry(), QRect(100, 4, 532, 92));
-        QTRY_COMPARE(banner.corner(0), banner.palette().color(QPalette::Highlight));
     }
 
 private:
