@@ -4,8 +4,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QHash>
-#include <QSet>
 #include <QTemporaryDir>
 #include <malloc.h>
 #include <pugixml.hpp>
@@ -13,9 +11,8 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <optional>
 
-// Measures the resident memory of processes, for which it needs Linux. Prints Markdown tables.
+// Measures the resident memory of processes, for which it needs Linux. Prints a Markdown table.
 
 using namespace kse;
 using namespace Qt::StringLiterals;
@@ -95,49 +92,6 @@ void measureTree(const QString& path, qsizetype values)
                 bytes(saved.peak), saved.peak / peer.atRest);
 }
 
-/// Counts texts, different texts, and the strings that hold them.
-class Sharing
-{
-public:
-    void add(const QString& text)
-    {
-        if (!text.isEmpty()) {
-            ++m_count;
-            m_different.insert(text);
-            m_strings.insert(text.constData());
-        }
-    }
-
-    void print(const char* name) const
-    {
-        std::printf("| %s | %lld | %lld | %lld | %.0f %% |\n", name,
-                    static_cast<long long>(m_count), static_cast<long long>(m_different.size()),
-                    static_cast<long long>(m_strings.size()),
-                    100.0 * double(m_count - m_strings.size()) /
-                        double(std::max<qsizetype>(1, m_count - m_different.size())));
-    }
-
-private:
-    qsizetype m_count = 0;
-    QSet<QString> m_different;
-    QSet<const QChar*> m_strings;
-};
-
-void printSharing(const XsdtDocument& document)
-{
-    Sharing keys;
-    Sharing shortValues;
-    Sharing longValues;
-    walkTree(document.root, [&](const XsdtNode& node) {
-        keys.add(node.key);
-        (node.value.size() <= 5 ? shortValues : longValues).add(node.value);
-        return Walk::Into;
-    });
-    keys.print("Keys");
-    shortValues.print("Values of up to 5 characters");
-    longValues.print("Longer values");
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -156,16 +110,6 @@ int main(int argc, char** argv)
         malloc_trim(0);
         std::fflush(stdout); // before the fork, or both processes would print it
         measureTree(path, values);
-    }
-    for (const GenerateOptions& options :
-         {GenerateOptions{}, GenerateOptions{GenerateOptions::Shape::Values, 100'000}}) {
-        XsdtDocument document;
-        require(document.parse(generateSettings(options)));
-        std::printf("\n| %s | Texts | Different | Strings | Repeated ones shared |\n"
-                    "|---|---|---|---|---|\n",
-                    options.shape == GenerateOptions::Shape::Sample ? "The sample"
-                                                                    : "100,000 values");
-        printSharing(document);
     }
     return 0;
 }
