@@ -13,8 +13,8 @@ accessibility=(at-spi2-core dbus gir1.2-atspi-2.0 openbox python3-gi xauth xvfb)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
     libbenchmark-dev libpugixml-dev shellcheck)
 debian13=(debootstrap)
-windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix qt6-base-dev-tools unzip wine wine64 xauth
-    xvfb zip)
+windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix nsis qt6-base-dev-tools unzip wine wine64
+    xauth xvfb zip)
 
 needed=()
 for part in "${@:-build}"; do

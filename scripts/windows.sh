@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # On Debian 12: installs missing packages, builds the program for 64-bit Windows, runs every test
-# under Wine, makes a zip for users in build/windows, and starts the program in it.
+# under Wine, makes a zip and an installer for users in build/windows, and tries both.
 #   scripts/windows.sh [ARGUMENT FOR CTEST...]
 # The first run also builds Qt for Windows, from the source of the system's own Qt, and keeps it in
 # the user's cache. That takes 20 minutes on two cores.
@@ -116,8 +116,7 @@ run_tests() {
 }
 
 # The program with its libraries, in the layout in which Qt finds its plugins.
-make_zip() {
-    local version name folder
+make_folder() {
     version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' "$build/CMakeCache.txt")
     name=$program-$version-windows
     folder=$scratch/$name
@@ -140,44 +139,119 @@ make_zip() {
     cp /usr/share/doc/qt6-base-dev/copyright "$folder/licences/qt6-base.txt"
     cp /usr/share/doc/gcc-mingw-w64-x86-64-posix-runtime/copyright "$folder/licences/gcc.txt"
     cp /usr/share/doc/mingw-w64-x86-64-dev/copyright "$folder/licences/mingw-w64.txt"
+}
 
+make_zip() {
     zip_file=$build/$name.zip
     rm -f "$zip_file"
     (cd "$scratch" && zip -qr -X "$zip_file" "$name")
 }
 
-# Starts the program in the zip as a user would, in a new Wine that sees only its own drive C: first
-# to save pictures in build/windows/pictures, then with its window.
-check_zip() {
-    make_wine fresh
+# make_installer FOLDER VERSION FILE: its uninstaller deletes only what FOLDER contains.
+make_installer() {
+    # shellcheck disable=SC1003,SC2016 # NSIS expands $INSTDIR, and \\ is one backslash for tr
+    (
+        cd "$1"
+        find . -type f -printf 'Delete "$INSTDIR/%P"\n'
+        find . -mindepth 1 -depth -type d -printf 'RMDir "$INSTDIR/%P"\n'
+    ) | tr / '\\' >"$scratch/removal.nsh"
+    makensis -V2 -WX -DFOLDER="$1" -DVERSION="$2" -DOUTPUT="$3" -DREMOVAL="$scratch/removal.nsh" \
+        -DSIZE="$(du -sk "$1" | cut -f1)" packaging/windows/installer.nsi
+}
+
+# start_program FOLDER [COMMAND]: starts the program as a user would, first to save pictures in
+# build/windows/pictures, then with its window. COMMAND runs while the window is shown. Wine must be
+# new, and then sees only its own drive C:.
+start_program() {
     local drive=$WINEPREFIX/drive_c settings
     settings=$drive/users/$(id -un)/AppData/Roaming/Pleiades
-    mkdir -p "$settings" "$drive/Программы"
+    mkdir -p "$settings"
     cp examples/core-*-pxi.settings "$settings"
-    unzip -q "$zip_file" -d "$drive/Программы"
     cp /usr/share/wine/fonts/*.ttf "$drive/windows/Fonts"
-    rm "$WINEPREFIX/dosdevices/z:"
     (
-        cd "$drive/Программы"/*
+        cd "$1"
         # shellcheck disable=SC2016 # expanded by the inner shell
         on_screen bash -euc '
             wine "$0.exe" --theme light --screenshots "C:\pictures"
             wine "$0.exe" &
             sleep 20
+            eval "$1"
             wine taskkill /im "$0.exe" # like its close button
             wait $!
-            wineserver -k' "$program" </dev/null
+            wineserver -k' "$program" "${2:-}" </dev/null
     )
     rm -rf "$build/pictures"
     mv "$drive/pictures" "$build/pictures"
-    local name
-    for name in prefs-00 search search-font module-search unused-modules cleanup cleanup-queued \
-        compare compare-all health review backups about advanced-changed advanced; do
-        if [[ ! -s $build/pictures/$name.png ]]; then
-            echo "The picture $build/pictures/$name.png was not written." >&2
+    local picture
+    for picture in prefs-00 search search-font module-search unused-modules cleanup \
+        cleanup-queued compare compare-all health review backups about advanced-changed advanced; do
+        if [[ ! -s $build/pictures/$picture.png ]]; then
+            echo "The picture $build/pictures/$picture.png was not written." >&2
             return 1
         fi
     done
+}
+
+check_zip() {
+    make_wine zip
+    rm "$WINEPREFIX/dosdevices/z:"
+    unzip -q "$zip_file" -d "$WINEPREFIX/drive_c/Программы"
+    start_program "$WINEPREFIX/drive_c/Программы/$name"
+}
+
+# Installs an older version twice, upgrades it, starts the program, and removes it. What the user or
+# the program has written must stay.
+check_installer() {
+    make_wine installer
+    rm "$WINEPREFIX/dosdevices/z:"
+    local drive=$WINEPREFIX/drive_c data usual chosen entry
+    data=$drive/users/$(id -un)/AppData
+    usual="$data/Local/Programs/Kestrane Settings Editor"
+    chosen="$drive/Программы/Kestrane Editor"
+    entry="$data/Roaming/Microsoft/Windows/Start Menu/Programs/Kestrane Settings Editor.lnk"
+    cp "$installer" "$drive/setup.exe"
+    cp -r "$folder" "$scratch/older"
+    mkdir "$scratch/older/dropped"
+    touch "$scratch/older/dropped/old.dll"
+    make_installer "$scratch/older" 0.0.1 "$drive/older.exe"
+    mkdir -p "${chosen%/*}"
+
+    on_drive() {
+        (cd "$drive" && env -u DISPLAY wine "$@" </dev/null >/dev/null)
+    }
+    on_drive 'C:\older.exe' /S
+    diff -r --exclude uninstall.exe "$scratch/older" "$usual"
+    # The folder stands without quotation marks, which Wine would put around one with a space.
+    on_drive 'C:\older.exe' /S '/D=C:\Программы\Kestrane' Editor
+    [[ ! -e $usual ]]
+    touch "$chosen/note.txt"
+    on_drive 'C:\setup.exe' /S
+    diff -r --exclude uninstall.exe --exclude note.txt "$folder" "$chosen"
+    [[ -e $chosen/note.txt && -e $entry ]]
+    end_wine
+
+    # While the program runs, nothing can be installed or removed.
+    # shellcheck disable=SC2016 # expanded in start_program
+    start_program "$chosen" '
+        result=0
+        wine "C:\older.exe" /S || result=$?
+        test "$result" -ne 0
+        wine uninstall.exe /S
+        sleep 5'
+    diff -r --exclude uninstall.exe --exclude note.txt "$folder" "$chosen"
+
+    local own='HKCU\Software\KestraneSettingsStudio\KestraneSettingsStudio'
+    local listed='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\kestrane-settings-editor'
+    on_drive reg add "$own" /v kept
+    on_drive reg query "$listed"
+    on_drive 'C:\Программы\Kestrane Editor\uninstall.exe' /S
+    wineserver -w # the uninstaller goes on in a copy of itself
+    on_drive reg query "$own"
+    if on_drive reg query "$listed" || [[ $(ls "$chosen") != note.txt || -e $entry ]]; then
+        echo "The uninstaller left something behind, or removed the user's file." >&2
+        return 1
+    fi
+    end_wine
 }
 
 if [[ ! -d $KSE_WINDOWS_QT ]]; then
@@ -186,6 +260,11 @@ fi
 cmake --preset windows
 cmake --build --preset windows
 run_tests "$@"
+make_folder
 make_zip
+installer=$build/$name-setup.exe
+make_installer "$folder" "$version" "$installer"
 check_zip
-echo "The zip is $zip_file, and pictures of the program are in $build/pictures."
+check_installer
+echo "The zip is $zip_file, the installer is $installer,"
+echo "and pictures of the program are in $build/pictures."
