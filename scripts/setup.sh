@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs missing packages on Debian 12, Ubuntu 24.04 and later.
-#   scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci] [debian13] [windows]
+#   scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci] [portable] [debian13]
+#     [windows]
 set -euo pipefail
 
 # Qt's base packages contain the X11 and offscreen platforms; a bare system has no fonts.
@@ -12,6 +13,7 @@ fuzz=(clang libclang-rt-dev llvm)
 accessibility=(at-spi2-core dbus gir1.2-atspi-2.0 openbox python3-gi xauth xvfb)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
     libbenchmark-dev libpugixml-dev shellcheck)
+portable=(desktop-file-utils patchelf weston xauth xvfb xz-utils)
 debian13=(debootstrap)
 windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix nsis qt6-base-dev-tools unzip wine wine64
     xauth xvfb zip)
@@ -25,11 +27,12 @@ for part in "${@:-build}"; do
     fuzz) needed+=("${fuzz[@]}") ;;
     accessibility) needed+=("${accessibility[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
+    portable) needed+=("${portable[@]}") ;;
     debian13) needed+=("${debian13[@]}") ;;
     windows) needed+=("${windows[@]}") ;;
     *)
         echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci]" \
-            "[debian13] [windows]" >&2
+            "[portable] [debian13] [windows]" >&2
         exit 2
         ;;
     esac
