@@ -132,7 +132,7 @@ private:
     }
 
     /// Opens the first section of `view` that hasn't been open.
-    void open(QWidget* view)
+    static void open(QWidget* view)
     {
         for (auto* section : view->findChildren<CollapsibleSection*>()) {
             if (section->bodyLayout()->isEmpty()) {
@@ -212,8 +212,8 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QTemporaryDir home;
     useAsHome(home);
-    QApplication application(argc, argv);
-    application.setApplicationName(u"BenchActions"_s);
+    const QApplication application(argc, argv);
+    QApplication::setApplicationName(u"BenchActions"_s);
     Session(settingsWithPage(argc > 1 ? QByteArray(argv[1]).toLongLong() : 60'000)).run();
     return 0;
 }

@@ -280,9 +280,10 @@ void ThemeStyle::drawItemText(QPainter* painter, const QRect& rect, int flags,
                               const QPalette& palette, bool enabled, const QString& text,
                               QPalette::ColorRole role) const
 {
-    const auto place = visualAlignment(painter->layoutDirection(), Qt::Alignment::fromInt(flags));
+    const auto visual = visualAlignment(painter->layoutDirection(), Qt::Alignment::fromInt(flags));
     const int order = text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
-    QProxyStyle::drawItemText(painter, rect, place.toInt() | order, palette, enabled, text, role);
+    const int place = int(visual.toInt()) | order;
+    QProxyStyle::drawItemText(painter, rect, place, palette, enabled, text, role);
 }
 
 QRect ThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
