@@ -18,13 +18,6 @@ lintian --allow-root --pedantic --display-info --fail-on error,warning,info,peda
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/kestrane-package.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
 dpkg-deb --extract "$package" "$scratch/root"
-settings=$scratch/home/.config/Pleiades
-mkdir -p "$settings"
-cp examples/core-*-pxi.settings "$settings"
-env -i HOME="$scratch/home" LANG=C.UTF-8 QT_QPA_PLATFORM=offscreen \
-    "$scratch/root/usr/bin/kestrane-settings-editor" --screenshots "$scratch/pictures"
-if [[ ! -s $scratch/pictures/review.png ]]; then
-    echo "The program in the package drew no pictures." >&2
-    exit 1
-fi
+QT_QPA_PLATFORM=offscreen scripts/check-pictures.sh \
+    "$scratch/root/usr/bin/kestrane-settings-editor" "$scratch/pictures"
 echo "The package is $package."

@@ -1,109 +1,185 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# On Debian 12: installs missing packages, builds the program, and packs it with Qt into one archive
-# in build/portable that runs on other distributions of the same age or newer. Fails if the program
-# in it doesn't start under X11 and under Wayland.
+# On Debian 12: installs missing packages, builds the program, makes an archive in build/portable
+# that needs no Qt on the user's system, and lets the program in it draw its pictures under X11 and
+# Wayland.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh build package portable
+scripts/setup.sh build portable
 cmake --preset release
 cmake --build --preset release
 
 program=kestrane-settings-editor
+list=packaging/linux/portable-system-libraries.txt
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' build/release/CMakeCache.txt)
-name=$program-$version-linux-$(uname -m)
-libraries=/usr/lib/$(g++ -print-multiarch)
-rm -rf build/portable
-folder=$PWD/build/portable/$name
-mkdir -p "$folder"/{lib/plugins,share,licences}
-
-# What every system with a window has, in a version that fits its own drivers, fonts and windows.
-own='lib(c|m|dl|pthread|rt|resolv|stdc\+\+|gcc_s|GL|GLX|GLdispatch|OpenGL|EGL|drm|gbm|X11'
-own+='|X11-xcb|Xau|Xdmcp|xcb|bsd|md|fontconfig|freetype|expat|png16|brotli[a-z]+|z|wayland-[a-z]+'
-own+='|ffi)\.so.*|ld-linux.*'
-
-DESTDIR=$PWD/build/portable/root cmake --install build/release --prefix /usr --strip >/dev/null
-root=build/portable/root/usr
-cp "$root/bin/$program" "$folder/lib"
-cp -r "$root"/share/{applications,icons,mime} "$folder/share"
-rm -r build/portable/root
-(
-    cd "$libraries/qt6/plugins"
-    cp -r --parents platforms/libq{xcb,wayland-egl,wayland-generic,offscreen}.so imageformats \
-        platforminputcontexts tls wayland-decoration-client wayland-shell-integration \
-        wayland-graphics-integration-client/libqt-plugin-wayland-egl.so xcbglintegrations \
-        "$folder/lib/plugins"
-)
-printf '[Paths]\nPrefix=.\nPlugins=plugins\n' >"$folder/lib/qt.conf"
-
-# What all of them link, but for the system's own; and the licence of each package that it is from.
-mapfile -t files < <(find "$folder/lib" -type f -name '*.so' -o -name "$program")
-mapfile -t needed < <(ldd "${files[@]}" | sed -n 's/^\t.* => \(\/[^ ]*\) .*/\1/p' | sort -u |
-    grep -vE "/($own)$")
-cp --dereference "${needed[@]}" "$folder/lib"
-for library in "${needed[@]}"; do
-    package=$(dpkg-query -S "*/${library##*/}" | head -n 1)
-    package=${package%%:*}
-    cp --dereference "/usr/share/doc/$package/copyright" "$folder/licences/$package.txt"
-done
-cp LICENSE "$folder/licences/$program.txt"
-for licence in GPL-2 GPL-3 LGPL-2.1 LGPL-3; do
-    cp "/usr/share/common-licenses/$licence" "$folder/licences"
-done
-cat >"$folder/licences/README.txt" <<END
-$program.txt is the licence of Kestrane Settings Editor. Each other file is that of the package of
-Debian 12 whose libraries are in the folder lib, unchanged but for where they find each other. Their
-sources are in Debian's archive. You may replace them with another build of the same version.
-END
-find "$folder/lib" -maxdepth 1 -type f ! -name qt.conf -exec patchelf --set-rpath "\$ORIGIN" {} +
-find "$folder/lib/plugins" -type f -exec patchelf --set-rpath "\$ORIGIN/../.." {} +
-install -m 755 packaging/linux/portable-start.sh "$folder/$program"
-archive=$folder.tar.xz
-tar -C build/portable --owner=root --group=root -cJf "$archive" "$name"
-rm -r "$folder"
-
-# Tries the archive from a folder whose name is hard to read, through a link, as a user does.
-scratch=$(mktemp -d "${TMPDIR:-/var/tmp}/kestrane portable.Gößler.XXXXXX")
-trap 'rm -rf "$scratch"' EXIT
-tar -C "$scratch" -xf "$archive"
-start=$scratch/start
-ln -s "$scratch/$name/$program" "$start"
-foreign=$(find "$scratch/$name/lib/$program" "$scratch/$name/lib/plugins" -type f -exec ldd {} + |
-    sed -n 's/^\t\(.*\) => \(not found\|\/.*\)/\1 \2/p' |
-    grep -vF "$scratch" | grep -vE "^($own) " | sort -u) || true
-if [[ -n $foreign ]]; then
-    echo "These libraries don't come from the archive: $foreign" >&2
-    exit 1
-fi
-settings=$scratch/home/.config/Pleiades
-mkdir -p "$settings" "$scratch/run"
-chmod 700 "$scratch/run"
-cp examples/core-*-pxi.settings "$settings"
-user=(env -i PATH="$PATH" HOME="$scratch/home" LANG=C.UTF-8 XDG_RUNTIME_DIR="$scratch/run")
-
-"${user[@]}" "$start" --install >/dev/null
-desktop-file-validate "$scratch/home/.local/share/applications/$program.desktop"
-"${user[@]}" "$start" --uninstall >/dev/null
-if find "$scratch/home/.local/share" -name "*$program*" | grep .; then
-    echo "--uninstall has left this behind." >&2
-    exit 1
-fi
-
-"${user[@]}" xvfb-run --auto-servernum env QT_QPA_PLATFORM=xcb "$start" --screenshots "$scratch/x11"
-"${user[@]}" weston --backend=headless-backend.so --socket=kestrane --idle-time=0 >/dev/null 2>&1 &
-weston=$!
-until [[ -S $scratch/run/kestrane ]]; do
-    sleep 0.1
-    kill -0 "$weston"
-done
-"${user[@]}" WAYLAND_DISPLAY=kestrane QT_QPA_PLATFORM=wayland "$start" \
-    --screenshots "$scratch/wayland"
-kill "$weston"
-for platform in x11 wayland; do
-    if [[ ! -s $scratch/$platform/review.png ]]; then
-        echo "The program in the archive drew no pictures under $platform." >&2
-        exit 1
+name=$program-$version-linux-x86_64
+archive=$PWD/build/portable/$name.tar.xz
+scratch=$(mktemp -d "${TMPDIR:-/var/tmp}/kestrane-portable.XXXXXX")
+weston=
+finish() {
+    if [[ -n $weston ]]; then
+        kill "$weston"
+        wait "$weston" || true
     fi
-done
-echo "The archive is $archive."
+    rm -rf "$scratch"
+}
+trap finish EXIT
+folder=$scratch/$name
+
+# No theme plugin, because GTK would bring its own copies of some libraries. Without OpenGL, the
+# program needs no plugin for it.
+plugins=(imageformats/libq{gif,jpeg}
+    platforminputcontexts/lib{compose,ibus}platforminputcontextplugin
+    platforms/libq{offscreen,wayland-generic,xcb}
+    tls/libqopensslbackend
+    wayland-decoration-client/libbradient
+    wayland-shell-integration/libxdg-shell)
+
+is_system_library() {
+    grep -qF "$1 " "$list"
+}
+
+# copy_file FILE TARGET: copies into the folder, and notes where it is from.
+copy_file() {
+    install -m 644 -D "$1" "$folder/$2"
+    dpkg-query --search "*/$(basename "$(realpath "$1")")" | sed -n "1s|: .*| $2|p" \
+        >>"$scratch/copied"
+}
+
+# Copies the libraries that a file needs, and those that these need.
+copy_libraries() {
+    local library path
+    for library in $(patchelf --print-needed "$1"); do
+        if ! is_system_library "$library" && [[ ! -e $folder/lib/$library ]]; then
+            path=$(ldd "$1" | sed -n "s/^\t$library => \(.*\) (.*/\1/p")
+            copy_file "$path" "lib/$library"
+            copy_libraries "$path"
+        fi
+    done
+}
+
+make_folder() {
+    cmake --install build/release --prefix "$scratch/usr" --strip >/dev/null
+    mkdir -p "$folder"/{lib,licences,share}
+    install packaging/linux/portable-start.sh "$folder/$program"
+    cp "$scratch/usr/bin/$program" "$folder/lib"
+    cp "$list" "$folder/lib/system-libraries.txt"
+    printf '[Paths]\nPrefix = ..\nPlugins = plugins\n' >"$folder/lib/qt.conf"
+    cp -r "$scratch"/usr/share/{applications,icons,mime} "$folder/share"
+
+    local qt_plugins plugin
+    qt_plugins=/usr/lib/$(gcc -print-multiarch)/qt6/plugins
+    copy_libraries "$folder/lib/$program"
+    for plugin in "${plugins[@]}"; do
+        copy_file "$qt_plugins/$plugin.so" "plugins/$plugin.so"
+        copy_libraries "$qt_plugins/$plugin.so"
+    done
+    # DT_RPATH goes before LD_LIBRARY_PATH, which may be that of a program with another Qt.
+    patchelf --force-rpath --set-rpath "\$ORIGIN" "$folder"/lib/{"$program",*.so.*}
+    patchelf --force-rpath --set-rpath "\$ORIGIN/../../lib" "$folder"/plugins/*/*.so
+}
+
+add_licences() {
+    local package file source licence
+    cp LICENSE "$folder/licences/$program.txt"
+    cp packaging/linux/portable-licences.txt "$folder/licences/README.txt"
+    sort -k 2 "$scratch/copied" | while read -r package file; do
+        # shellcheck disable=SC2016 # for dpkg-query
+        source=$(dpkg-query --show --showformat '${source:Package} ${source:Version}' "$package")
+        printf '%-72s %s\n' "$file" "$source" >>"$folder/licences/README.txt"
+        cp "/usr/share/doc/${package%:*}/copyright" "$folder/licences/${source% *}.txt"
+    done
+    grep -oh '/usr/share/common-licenses/[A-Za-z0-9.-]*[0-9]' "$folder"/licences/* | sort -u |
+        while read -r licence; do
+            cp "$licence" "$folder/licences/${licence##*/}.txt"
+        done
+}
+
+# Nothing is missing, and no library of the system gets an older copy of one that it uses itself.
+check_libraries() {
+    local file library path
+    for file in "${files[@]}"; do
+        if ldd "$file" | grep 'not found' >&2; then
+            echo "These libraries were not found for $file." >&2
+            return 1
+        fi
+        for library in $(patchelf --print-needed "$file"); do
+            if ! is_system_library "$library" && [[ ! -e $folder/lib/$library ]]; then
+                echo "$library is neither in the folder nor in $list." >&2
+                return 1
+            fi
+        done
+        ldd "$file" | sed -n 's/.* => \(.*\) (.*/\1/p'
+    done | grep -v "^$scratch" | sort -u >"$scratch/system"
+    while read -r path; do
+        for library in $(patchelf --print-needed "$path"); do
+            if [[ -e $folder/lib/$library ]]; then
+                echo "The system's $path needs $library, which is in the folder." >&2
+                return 1
+            fi
+        done
+    done <"$scratch/system"
+}
+
+# check_run PLATFORM [COMMAND...]: under that command, the program draws its pictures on the
+# platform with no file of the Qt that is installed here.
+check_run() {
+    rm -f "$scratch"/files.*
+    "${@:2}" env LD_DEBUG=files LD_DEBUG_OUTPUT="$scratch/files" QT_QPA_PLATFORM="$1" \
+        scripts/check-pictures.sh "$scratch/link" "build/portable/pictures-$1"
+    sed -n 's/.*calling init: //p' "$scratch"/files.* | sort -u >"$scratch/loaded"
+    if ! grep -q "^$unpacked/plugins/platforms/libq$1" "$scratch/loaded"; then
+        echo "The program did not draw on $1." >&2
+        return 1
+    fi
+    if grep -v "^$unpacked/" "$scratch/loaded" | grep -i '/qt6/\|/libqt6\|/libicu'; then
+        echo "The program used these files of the system on $1." >&2
+        return 1
+    fi
+}
+
+check_archive() {
+    mkdir "$scratch/Программы und mehr"
+    tar -C "$scratch/Программы und mehr" -xf "$archive"
+    unpacked="$scratch/Программы und mehr/$name"
+    ln -s "$unpacked/$program" "$scratch/link"
+
+    check_run offscreen
+    check_run xcb xvfb-run --auto-servernum
+
+    export XDG_RUNTIME_DIR=$scratch/run WAYLAND_DISPLAY=wayland-kse
+    mkdir -m 700 "$XDG_RUNTIME_DIR"
+    weston --backend=headless-backend.so --socket="$WAYLAND_DISPLAY" >"$scratch/weston.log" 2>&1 &
+    weston=$!
+    # shellcheck disable=SC2016 # expanded by the inner shell
+    timeout 20 bash -c 'until [[ -S $0 ]]; do sleep 0.1; done' "$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY"
+    check_run wayland
+
+    export XDG_DATA_HOME=$scratch/data
+    "$scratch/link" --install
+    desktop-file-validate "$XDG_DATA_HOME/applications/$program.desktop"
+    "$scratch/link" --uninstall
+    if find "$XDG_DATA_HOME" -name "$program*" | grep .; then
+        echo "These files were not removed." >&2
+        return 1
+    fi
+
+    patchelf --add-needed libabsent.so.1 "$unpacked/lib/$program"
+    if "$scratch/link" --version 2>"$scratch/message" ||
+        ! grep -q 'this system lacks libabsent.so.1: ' "$scratch/message"; then
+        echo "The program doesn't say which library is missing." >&2
+        return 1
+    fi
+}
+
+make_folder
+files=("$folder"/lib/{"$program",*.so.*} "$folder"/plugins/*/*.so)
+add_licences
+check_libraries
+rm -rf build/portable
+mkdir -p build/portable
+tar -C "$scratch" --sort=name --owner=0 --group=0 --numeric-owner -cf - "$name" | xz -9 >"$archive"
+check_archive
+glibc=$(objdump -T "${files[@]}" | grep -o 'GLIBC_2[0-9.]*' | sort -uV | tail -n 1)
+echo "The archive is $archive. It needs ${glibc/_/ }."
