@@ -47,7 +47,10 @@ check_libraries() {
     if [ -n "$versions" ]; then
         echo "$problem is too old: its libraries don't have ${versions% }." >&2
     else
-        hint="${packages:+, on Debian and Ubuntu with 'sudo apt install ${packages% }'}"
+        hint=
+        if [ -n "$packages" ]; then
+            hint=", on Debian and Ubuntu with \"sudo apt install ${packages% }\""
+        fi
         echo "$problem lacks $lacking: install what contains that$hint." >&2
     fi
     exit 1
