@@ -92,8 +92,6 @@ void GradualLayout::createUntil(const std::function<bool()>& isEnough)
     for (qsizetype i = before; i < m_items.size(); ++i) {
         QCoreApplication::sendPostedEvents(m_items.at(i), QEvent::MetaCall); // shows it
     }
-    column->setEnabled(true);
-    column->activate();
     QWidget* stop = before > 0 ? lastTabStop(*m_items.at(before - 1)) : nullptr;
     continueTabOrder(stop ? stop : m_before, m_items.sliced(before));
     if (m_missing == 0) {
@@ -105,6 +103,8 @@ void GradualLayout::createUntil(const std::function<bool()>& isEnough)
     // The missing ones get about the room that they will take, so that the scroll bar doesn't jump.
     m_missingSpace->changeSize(0, int(m_missing) * m_itemHeight);
     invalidate();
+    column->setEnabled(true);
+    column->activate();
 }
 
 void GradualLayout::stop()
