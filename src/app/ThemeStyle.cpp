@@ -248,8 +248,12 @@ void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option,
         readable.text = inOwnDirection(cell->text);
         QProxyStyle::drawControl(element, &readable, painter, widget);
     } else if (element == CE_MenuItem && entry && entry->direction == Qt::RightToLeft) {
+        QStringList parts = entry->text.split(u'\t'); // Fusion draws the shortcut by itself
+        for (QString& part : parts) {
+            part = inOwnDirection(part);
+        }
         QStyleOptionMenuItem readable = *entry;
-        readable.text = inOwnDirection(entry->text);
+        readable.text = parts.join(u'\t');
         QProxyStyle::drawControl(element, &readable, painter, widget);
     } else {
         QProxyStyle::drawControl(element, option, painter, widget);
