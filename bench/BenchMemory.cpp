@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <malloc.h>
 #include <pugixml.hpp>
@@ -86,10 +87,10 @@ void measureTree(const QString& path, qsizetype values)
     const auto bytes = [&](double all) {
         return all / double(values);
     };
-    std::printf("| %lld | %.0f B | %.0f B | %.2f | %.0f B | %.2f | %.0f B | %.2f |\n",
-                static_cast<long long>(values), bytes(peer.atRest), bytes(opened.atRest),
-                opened.atRest / peer.atRest, bytes(opened.peak), opened.peak / peer.atRest,
-                bytes(saved.peak), saved.peak / peer.atRest);
+    std::printf("| %s | %.0f B | %.0f B | %.2f | %.0f B | %.2f | %.0f B | %.2f |\n",
+                qPrintable(QLocale(QLocale::English).toString(values)), bytes(peer.atRest),
+                bytes(opened.atRest), opened.atRest / peer.atRest, bytes(opened.peak),
+                opened.peak / peer.atRest, bytes(saved.peak), saved.peak / peer.atRest);
 }
 
 } // namespace

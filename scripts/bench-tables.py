@@ -122,7 +122,7 @@ def actions(folder):
     columns = [[line.strip("| ").split(" | ") for line in printed(folder, name).splitlines()[2:]]
                for name in ("Actions", "ActionsMany")]
     for small, large in zip(*columns):
-        yield [small[0], small[-1], large[-1]]
+        yield [small[0], *(ms(float(row[-1].removesuffix(" ms"))) for row in (small, large))]
 
 
 def main():

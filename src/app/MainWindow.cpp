@@ -47,7 +47,7 @@ namespace {
 
 constexpr int pollInterval = 3000;
 
-/// The resource at `path`; empty if it can't be opened, which reads as an empty table.
+/// The resource at `path`; empty if it can't be opened, which counts as an empty table.
 QByteArray readResource(const QString& path)
 {
     QFile file(path);

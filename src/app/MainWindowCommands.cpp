@@ -62,8 +62,8 @@ void MainWindow::createKeys()
         m_tabs->setCurrentWidget(m_searchView);
         m_searchView->focusQuery();
     });
-    // Actions of the window and of no menu. The tabs themselves turn the page only while the focus
-    // is in them, and not in one of their list boxes.
+    // Actions of the window that are in no menu. The tabs themselves turn the page only while the
+    // focus is in them, and not in one of their list boxes.
     const auto add = [this](const QString& text, const QList<QKeySequence>& keys) {
         auto* action = new QAction(text, this);
         action->setShortcuts(keys);

@@ -26,10 +26,9 @@ struct XsdtDocument;
 ///   after decoding.
 /// - `text` is everything up to the next "</v>" and holds no "<". White space is kept, in text and
 ///   in attributes.
-/// - Attributes and text may hold the references &amp; &lt; &gt; &quot; &apos; and numbers, &#65;
-/// or
-///   &#x41;, with digits only and from 1 to 1114111. The number of a surrogate gives that code
-///   unit. There are at most eleven characters between "&" and ";".
+/// - Attributes and text may hold the references &amp; &lt; &gt; &quot; &apos; and numbers such as
+///   &#65; or &#x41;, with digits only and from 1 to 1114111. The number of a surrogate gives that
+///   code unit. There are at most eleven characters between "&" and ";".
 /// - There are no comments, instructions, declarations or CDATA after the root's start tag.
 [[nodiscard]] bool readXsdt(const QString& text, XsdtDocument& document, QString* error);
 

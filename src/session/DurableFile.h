@@ -18,7 +18,7 @@ namespace kse {
 /// that a pipe without a writer or a device can't stop the program.
 [[nodiscard]] bool openRegular(QFile& file, const QString& path, QString* error = nullptr);
 
-/// Absolute path, free of links, of what exists at `path`; empty if that can't be told.
+/// Absolute path, free of links, of what exists at `path`; empty if that is unknown.
 [[nodiscard]] QString realPath(const QString& path, QString* error = nullptr);
 
 /// Gives the open `file` the owner and group of the file at `path`, so that a new file in its place
@@ -41,8 +41,8 @@ namespace kse {
 /// since a virus scanner may hold a new file open; other systems try once.
 [[nodiscard]] bool retrying(const std::function<bool()>& step);
 
-/// Whether the file at `path`, which is no link, may be replaced. On Windows others get a second
-/// to let go of it.
+/// Whether the file at `path`, which is no link, may be replaced. On Windows it waits up to a
+/// second for other programs to close it.
 [[nodiscard]] bool canBeReplaced(const QString& path, QString* error = nullptr);
 
 /// Renames `file` to `to`, and never copies it. A file of that name is left alone, except on a file

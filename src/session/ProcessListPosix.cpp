@@ -8,8 +8,7 @@ namespace kse {
 
 namespace {
 
-/// The process that a line "  id state command" of `ps` tells of; id 0 if it tells of none that
-/// runs.
+/// The process in a line "  id state command" of `ps`; id 0 if it isn't running.
 ProcessEntry parseLine(const std::string& line)
 {
     char* end = nullptr;

@@ -17,7 +17,7 @@ std::string toUtf8(const wchar_t* text)
     }
     std::string utf8(static_cast<std::size_t>(size), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
-    utf8.pop_back(); // the terminator
+    utf8.pop_back(); // the trailing NUL
     return utf8;
 }
 

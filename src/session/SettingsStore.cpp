@@ -117,13 +117,13 @@ struct Replacement
         return Outcome::Done;
     }
 
-    /// Whether the file still is what it was.
+    /// Whether the file is unchanged.
     bool isUntouched() const
     {
         return isNew ? isMissing(store.path) : hasHash(store.path, formerHash);
     }
 
-    /// What is left when the step, or what follows it, failed.
+    /// The remark if the replacement, or a later step, failed.
     QString wayBack() const
     {
         if (isNew) {
@@ -164,7 +164,7 @@ bool mayDeleteAll(const SettingsStore& store, QString* error)
     return true;
 }
 
-/// The new bytes of `document`, or none if the reader doesn't give back from them what was meant.
+/// The serialised document; empty if it doesn't read back as the same tree.
 QByteArray serializeChecked(const XsdtDocument& document, QString* error)
 {
     QByteArray bytes = document.serialize();
@@ -231,7 +231,7 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* remark)
     if (!isPixInsightClosed(error)) {
         return false;
     }
-    // Beside the rest that comes before the first change; its failure outranks theirs.
+    // Runs beside the other checks; a changed file is reported before what they find.
     std::future<bool> isChanged = std::async([this] { return isChangedOnDisk(); });
     const bool mayDelete = mayDeleteAll(*this, error);
     const QByteArray bytes = mayDelete ? serializeChecked(document, error) : QByteArray();

@@ -17,8 +17,8 @@ namespace kse {
 
 namespace {
 
-/// Why the last call on `file` failed. To be asked at once: where Qt has no words for it, as after
-/// a write that was cut short, only the system's error code tells.
+/// Why the last call on `file` failed. Call it at once: if Qt has no message, as after a write that
+/// was cut short, the system's error code is the only source.
 QString reasonOf(const QFileDevice& file)
 {
     const QString system = qt_error_string();
@@ -27,7 +27,7 @@ QString reasonOf(const QFileDevice& file)
     return words == noWords ? system : words;
 }
 
-/// What `chmod` knows. Qt adds what the current user may do, which for root is everything.
+/// The permission bits. Qt adds what the current user may do, which for root is everything.
 QFileDevice::Permissions modeOf(QFileDevice::Permissions permissions)
 {
     using P = QFileDevice;
@@ -48,8 +48,8 @@ bool rewind(QFileDevice& file, QString* reason)
 /// Appends what is left of the open `file` to `bytes`.
 bool readRest(QFileDevice& file, QByteArray& bytes, QString* reason)
 {
-    // A read that fails half-way may end `readAll` just as the end of the file does, without a
-    // word; only reading on tells them apart. The next one forgets the error of the one before.
+    // A read that fails half-way may end `readAll` just as the end of the file does, without an
+    // error; only reading on tells them apart. The next one forgets the error of the one before.
     QByteArray more;
     do {
         more = file.readAll();

@@ -9,7 +9,7 @@ using namespace kse;
 
 namespace {
 
-/// Those whose faint colours are wanted: what matters less.
+/// Labels that may be faint, because they are secondary.
 const QStringList quietTexts{u"descriptionLabel"_s, u"pathLabel"_s, u"notice"_s, u"caption"_s};
 
 bool isTabStop(const QWidget* widget)
@@ -17,8 +17,7 @@ bool isTabStop(const QWidget* widget)
     return (widget->focusPolicy() & Qt::TabFocus) && widget->isEnabled() && !widget->focusProxy();
 }
 
-/// Whether `b` is where who reads `a` comes afterwards: not above it, nor beside it to the left, in
-/// the nearest widget that holds both.
+/// Whether `b` comes after `a` in reading order, in the nearest widget that holds both.
 bool isReadBefore(const QWidget* a, const QWidget* b)
 {
     if (a->isAncestorOf(b) || b->isAncestorOf(a)) {
@@ -59,7 +58,8 @@ bool isFaint(const QWidget& widget)
     return qAbs(qGray(text.rgb()) - qGray(ground.pixel(0, 0))) < 95;
 }
 
-/// What takes the focus as `key` goes round, from what has it; nothing if that isn't reached again.
+/// The widgets that `key` leads to, from the one with the focus round to it; none if it isn't
+/// reached again.
 QList<QWidget*> ring(const QWidget& window, Qt::Key key)
 {
     QList<QWidget*> stops;
@@ -89,9 +89,8 @@ bool isLaidOut(const QWidget& window)
     });
 }
 
-/// What somebody without a mouse, or who hears a window instead of seeing it, would stumble over:
-/// Tab goes round all that takes the focus in the order of reading, and Shift+Tab back; whatever
-/// takes the focus has a name in words; texts in use stand out.
+/// What breaks these rules: Tab goes through all widgets that take the focus in reading order, and
+/// Shift+Tab back; each of them has a name in words; texts in use stand out.
 QStringList faultsOf(const QWidget& window)
 {
     static const QRegularExpression word(u"\\w"_s, QRegularExpression::UseUnicodePropertiesOption);
@@ -170,7 +169,7 @@ private:
         QTest::keyClick(pressed, Qt::Key_Space);
     }
 
-    /// Brings to light what the pages only show on demand, without a change of the file.
+    /// Shows what the pages only show on demand, without a change of the file.
     void fillPages() const
     {
         find<QLineEdit>("queryEdit")->setText(u"font"_s);

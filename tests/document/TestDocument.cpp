@@ -13,7 +13,7 @@
 using namespace Qt::StringLiterals;
 using namespace kse;
 
-/// What a settings file is read to, how it changes, what is written, and which values it takes.
+/// Reading, changing and writing a settings file, and the values that it takes.
 class TestDocument : public QObject
 {
     Q_OBJECT
@@ -110,8 +110,8 @@ private slots:
         QVERIFY(!XsdtDocument().parse("<XSDT></XSDT>"));
     }
 
-    /// Of each node its path, its values, how many of those aren't marked, and whether the path
-    /// leads to it: that of a key with a slash, or of another node before it, doesn't.
+    /// Of each node the path, the number of values and of unmarked ones, and whether the path leads
+    /// to it: that of a key with a slash, or of another node before it, doesn't.
     void describesEachNode()
     {
         const auto document = documentFrom("<i k='@AZ['><i k=''><v k='b' t='s' v=''/><v k='B' "
@@ -198,8 +198,8 @@ private slots:
         QCOMPARE(document->root.valueCount(), 0);
     }
 
-    /// The code of a type, texts that are entered, and the type's name with what is stored. Where
-    /// they are refused that is a question mark, with the end of the message.
+    /// Columns: type code, inputs; the type's name and the stored texts, or a question mark with
+    /// the end of the message.
     void takesWhatFitsTheType()
     {
         QLocale::setDefault(QLocale(QLocale::German));

@@ -167,8 +167,8 @@ private slots:
                  ",,,4,,,1\n,,,5,,,1"_s);
     }
 
-    /// The attributes of ads with | between them, which ad was the last one, and how many hundreds
-    /// of 1000 choices are the ad "a".
+    /// Columns: the attributes of ads, between bars, and the last ad; how many hundreds of 1000
+    /// choices are the ad "a".
     void choosesByTimeVersionAndWeight()
     {
         const auto hundreds = [](const QStringList& cells) {
@@ -208,8 +208,8 @@ private slots:
         QVERIFY(!AdManifest::isFresh(cache, then.addMSecs(7200000), 2));
     }
 
-    /// How old a copy an earlier run has left, if any; the site's answer, and that about the
-    /// picture. Then what is shown and how often the site was asked, in one run and in the next.
+    /// Columns: the age of the stored manifest, the site's answers for manifest and picture; what
+    /// is shown and the number of requests, in one run and in the next.
     void showsWhatTheSiteAnswers()
     {
         Site site;

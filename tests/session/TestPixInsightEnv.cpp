@@ -73,7 +73,7 @@ private slots:
             QStringList({folder + u"core-002-pxi.settings"_s, folder + u"core-x-pxi.settings"_s}));
     }
 
-    /// A path beneath the current folder, and its text without size and time.
+    /// A path below the current folder, and its text without size and time.
     void describesFiles()
     {
         const QTemporaryDir dir;

@@ -76,7 +76,7 @@ struct Trial : StoreFixture
         }
     }
 
-    /// Without a fault. What changed on disk is loaded and edited first.
+    /// Without a fault. A file that has changed on disk is loaded and edited first.
     bool tryAgain()
     {
         if (restore) {
@@ -161,9 +161,9 @@ class TestSaveFaults : public QObject
 private slots:
     void initTestCase() { QVERIFY(m_sleeper.start()); }
 
-    /// The operation: "bring back" restores a file that is gone. The file system: "named" has
-    /// neither files without a name nor hard links. What goes wrong, and "on" if it does from then
-    /// on. KSE_FAULTS=all makes all that there is, which takes minutes.
+    /// Columns: operation ("bring back" restores a file that is gone), file system ("named" has
+    /// neither files without a name nor hard links), and fault ("on": from then on).
+    /// KSE_FAULTS=all makes all faults, which takes minutes.
     void staysWholeWhateverGoesWrong_data()
     {
         QTest::addColumn<QStringList>("cells");
@@ -210,7 +210,7 @@ private slots:
     void cleanupTestCase() { qInfo() << m_counts; }
 
 private:
-    /// Does what somebody else does meanwhile, if that is what goes wrong.
+    /// Does what another program does meanwhile, if that is the fault.
     void meddle(Trial& trial) const
     {
         const QString name = QFile::decodeName(trial.faults.freeName);
@@ -224,7 +224,7 @@ private:
         }
     }
 
-    /// Holds what a run has left against what it may leave, and tries again as a user would.
+    /// Checks what a run has left behind, and tries again as a user would.
     void check(Trial& trial, int at)
     {
         const QString kind = trial.fault[0];

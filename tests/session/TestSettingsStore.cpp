@@ -7,8 +7,6 @@
 #include "support/TestMain.h"
 #include "support/TextRows.h"
 
-#include <functional>
-
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,8 +60,7 @@ struct TroubledStore : StoreFixture
         chmod(QFile::encodeName(dir.path()).constData(), 0755);
     }
 
-    /// Gives the folder that mode, which counts for root too, who becomes somebody else for it:
-    /// the owner of folder and file, or a stranger.
+    /// Sets the folder's mode. Root, who ignores modes, first becomes its owner or a stranger.
     bool deny(mode_t mode, bool isOwner)
     {
         constexpr uid_t nobody = 65534;
@@ -88,8 +85,8 @@ class TestSettingsStore : public QObject
     Q_OBJECT
 
 private slots:
-    /// The trouble, what the messages of a save and of a restore hold ("-": it isn't tried; empty:
-    /// it works), and what the remark holds.
+    /// Columns: the trouble, part of a save's message, part of a restore's ("-": it isn't tried;
+    /// empty: it works), part of the remark.
     void leavesEverythingAsItWas_data()
     {
         addTextRows({
@@ -165,7 +162,7 @@ private slots:
         }
     }
 
-    /// What lies at a path, in the folder unless it is absolute, and why the file stays open.
+    /// Columns: a path, in the folder unless it is absolute; why it can't be opened.
     void refusesWhatCannotBeRead()
     {
 #ifdef Q_OS_UNIX
@@ -225,7 +222,7 @@ private slots:
 #endif
     }
 
-    /// What is compared with <i k='g'><v k='a' t='s'>1</v></i>, and where it differs, if at all.
+    /// Columns: what is compared with <i k='g'><v k='a' t='s'>1</v></i>; where it differs.
     void comparesTrees()
     {
         const auto edited = documentFrom("<i k='gone'/><i k='g'><v k='gone' t='s'></v>"

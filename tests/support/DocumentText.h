@@ -4,11 +4,6 @@
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 
-#include <QByteArray>
-#include <QString>
-
-#include <memory>
-
 namespace kse {
 
 /// `content` between the root's tags, as a file holds it.
@@ -36,7 +31,7 @@ inline std::unique_ptr<XsdtDocument> documentFrom(const QByteArray& content)
     return document;
 }
 
-/// What lies beneath `root`, a line a node, indented by two blanks a level: "key" for a group,
+/// What lies below `root`, a line a node, indented by two blanks a level: "key" for a group,
 /// "key:t=value" for a value, then " (was original)" for an edit and " deleted" for a mark.
 inline QString treeText(const XsdtNode& root)
 {

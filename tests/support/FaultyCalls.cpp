@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stands before the calls for files that Qt and the program make: it logs them, and lets them go
-// wrong as `Faults` tells. Whoever makes another call adds it at the end: the test misses it in the
+// Stands before the calls for files that Qt and the program make: it logs them, and makes them
+// fail as `Faults` says. Whoever makes another call adds it at the end: the test misses it in the
 // order of steps.
 #include "support/FaultyCalls.h"
 

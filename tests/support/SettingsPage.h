@@ -12,8 +12,6 @@
 
 #include <QtWidgets>
 
-#include <type_traits>
-
 namespace kse {
 
 using namespace Qt::StringLiterals;

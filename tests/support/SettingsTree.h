@@ -3,8 +3,6 @@
 
 #include "document/XsdtDocument.h"
 
-#include <QStringList>
-
 namespace kse {
 
 /// The node that `keys` lead to from the root: a value of type `typeCode`, or a group for a null

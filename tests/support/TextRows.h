@@ -3,8 +3,6 @@
 
 #include <QtTest>
 
-#include <initializer_list>
-
 namespace kse {
 
 /// For a `_data` function: one row for each text, named after it. Its parts, which stand between

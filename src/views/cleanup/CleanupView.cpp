@@ -337,9 +337,9 @@ void CleanupView::onUndo()
     const bool isAnyQueued = std::any_of(ticked.cbegin(), ticked.cend(),
                                          [](const CleanupEntry* e) { return e->queued() > 0; });
     if (!m_model->undoDeletions(nodesOf(ticked))) {
-        emit message(isAnyQueued ? tr("What is ticked lies inside a group that is queued for "
+        emit message(isAnyQueued ? tr("The ticked entries are inside a group that is queued for "
                                       "deletion. Undo the deletion of that group.")
-                                 : tr("Nothing that is ticked is queued for deletion."));
+                                 : tr("None of the ticked entries is queued for deletion."));
     }
     setTicks([](const CleanupEntry&) { return false; });
 }

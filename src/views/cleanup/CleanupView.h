@@ -21,7 +21,7 @@ struct XsdtDocument;
 struct XsdtNode;
 
 /// The Cleanup page, for removing data in bulk: what PixInsight recreates, and saved settings of
-/// tools and scripts, each with its size. What is ticked is queued for deletion by the model.
+/// tools and scripts, each with its size. The model queues the ticked entries for deletion.
 class CleanupView : public QWidget
 {
     Q_OBJECT

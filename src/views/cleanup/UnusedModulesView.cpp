@@ -270,8 +270,8 @@ void UnusedModulesView::onUndo()
     const bool isAnyMarked = m_model->undoDeletions(takeTicked());
     updateSummary();
     if (!isAnyMarked) {
-        emit message(tr("No ticked module is queued for deletion. What is queued within one is "
-                        "undone from its own right-click menu."));
+        emit message(tr("No ticked module is queued for deletion. To undo a part of a module, use "
+                        "that entry's right-click menu."));
     }
 }
 

@@ -25,7 +25,7 @@ namespace kse {
 
 namespace {
 
-/// `parts` quarters of `a` and the rest of `b`.
+/// Mixes `parts` quarters of `a` with `b`.
 QColor mixed(const QColor& a, const QColor& b, int parts)
 {
     const auto mix = [parts](int x, int y) {
@@ -233,7 +233,7 @@ void SettingRow::refreshEditor()
     }
 }
 
-/// Describes to a screen reader what is to be seen beside the editor.
+/// Describes to a screen reader what is shown beside the editor.
 void SettingRow::refreshDescription(bool isChanged)
 {
     QStringList parts{m_remark};

@@ -73,17 +73,17 @@ void SearchView::createQuery()
                                        "word must match; \"quotes\" for a phrase)"));
     m_queryEdit->setAccessibleName(tr("Search all settings"));
     m_queryEdit->setClearButtonEnabled(true);
-    m_searchNames = createCheckBox(tr("Names and paths"), u"searchNames"_s, true);
-    m_searchValues = createCheckBox(tr("Values"), u"searchValues"_s, true);
-    m_searchDescriptions = createCheckBox(tr("Descriptions"), u"searchDescriptions"_s, true);
-    m_changedOnly = createCheckBox(tr("Changed only"), u"changedOnly"_s, false);
+    m_searchNames = createCheckBox(u"searchNames"_s, tr("Names and paths"), true);
+    m_searchValues = createCheckBox(u"searchValues"_s, tr("Values"), true);
+    m_searchDescriptions = createCheckBox(u"searchDescriptions"_s, tr("Descriptions"), true);
+    m_changedOnly = createCheckBox(u"changedOnly"_s, tr("Changed only"), false);
     m_includeProtected =
-        createCheckBox(tr("Include protected values"), u"includeProtected"_s, false);
+        createCheckBox(u"includeProtected"_s, tr("Include protected values"), false);
     m_includeProtected->setToolTip(
         tr("Time and Block values: shown for reference, never editable."));
 }
 
-QCheckBox* SearchView::createCheckBox(const QString& text, const QString& name, bool checked)
+QCheckBox* SearchView::createCheckBox(const QString& name, const QString& text, bool checked)
 {
     auto* box = named(name, new QCheckBox(text, this));
     box->setChecked(checked);

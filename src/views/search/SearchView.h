@@ -66,7 +66,7 @@ private slots:
 private:
     void createBanner();
     void createQuery();
-    QCheckBox* createCheckBox(const QString& text, const QString& name, bool checked);
+    QCheckBox* createCheckBox(const QString& name, const QString& text, bool checked);
     void createLayout();
     void connectWidgets();
 

@@ -89,8 +89,8 @@ private slots:
         QCOMPARE(Backups().keep->value(), 2);
     }
 
-    /// The button, how many are kept and what happens while it asks; then the question, what is
-    /// left if it is denied, what if not, and what is said.
+    /// Columns: button, number to keep, what happens while it asks; the question, what is left
+    /// after No and after Yes, and the message.
     void removesAfterConsent()
     {
         const auto removed = [](const QStringList& cells) {

@@ -115,8 +115,8 @@ private slots:
         QCOMPARE(page.menu(u"z › W"_s), u"Undo deletion!"_s);
         QCOMPARE(page.menu(u"A › A"_s), u"Inside a group marked for deletion!"_s);
         auto* undo = page.child<QPushButton>("undoButton");
-        for (const auto& [row, text] : {std::pair(u"A › A"_s, u"lies inside a group"_s),
-                                        {u"z › W"_s, u"Nothing that is ticked"_s}}) {
+        for (const auto& [row, text] :
+             {std::pair(u"A › A"_s, u"inside a group"_s), {u"z › W"_s, u"None of the ticked"_s}}) {
             page.toggle(row);
             undo->click();
             QVERIFY(page.message().contains(text) && !undo->isEnabled());

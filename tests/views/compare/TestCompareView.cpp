@@ -38,7 +38,7 @@ class TestCompareView : public QObject
     Q_OBJECT
 
 private slots:
-    /// The nodes of both files, and the rows with all states shown.
+    /// Columns: the nodes of both files; the rows with all states shown.
     void listsDifferences()
     {
         const auto rows = [](const QStringList& cells) {
@@ -100,8 +100,8 @@ private slots:
         QVERIFY(page.reveals.isEmpty());
     }
 
-    /// A place in the list, which looks for files when it opens, and what is picked at its end;
-    /// then how many differences there are, with which file, and the message.
+    /// Columns: the backup, or what is typed into the file dialog; the number of differences, the
+    /// file, and the message. The list looks for files when it opens.
     void comparesWithTheFileChosen()
     {
         Page page;

@@ -28,8 +28,8 @@ private slots:
                               "C": {"choices": [[0, "a"]]}, "D": {"choices": [[1, "%3"], [2, "b"]]}}})"));
     }
 
-    /// Nodes, what exists on the computer and, after a star, the known program folder; then the
-    /// only finding: its severity, title, and the detail from the values on.
+    /// Columns: nodes, the files on the computer and, after a star, the program folder; severity,
+    /// title and detail of the only finding.
     void explainsItself()
     {
         const auto text = [this](const QStringList& cells) {
@@ -69,7 +69,7 @@ private slots:
             text);
     }
 
-    /// Nodes, what exists on the computer, and the findings with their nodes.
+    /// Columns: nodes, the files on the computer; the findings with their nodes.
     void findsNeitherMoreNorLess()
     {
         const auto found = [this](const QStringList& cells) {

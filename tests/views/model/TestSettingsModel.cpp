@@ -58,8 +58,8 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    /// One after the other: what is done to which node; then which signals tell of it by their
-    /// first letters, how many changes are pending, and the first words of a reason.
+    /// Columns, one row after the other: step, node; the first letters of the signals, the number
+    /// of pending changes, and the first words of a reason.
     void tellsOfChanges()
     {
         ModelOf f(u"A/a:i=7; A/b; B/b:i=7; Global/v:s="_s);
@@ -184,8 +184,7 @@ private slots:
         QCOMPARE(f.proxy.rowCount(), 1);
     }
 
-    /// Type and value, what is typed in front of it before Return, and what is stored. "*" is a
-    /// long text.
+    /// Columns: type and value, what is typed in front of it; the stored value. "*" is a long text.
     void writesWhatWasTypedAndNothingElse()
     {
         const QString many(40'000, u'y');

@@ -52,11 +52,11 @@ class TestSettingRow : public QObject
     Q_OBJECT
 
 private slots:
-    /// Its minus sign is on no keyboard, and the file knows nothing of it.
+    /// Persian: its minus sign can't be typed here and isn't valid in a file.
     void initTestCase() { QLocale::setDefault(QLocale::Persian); }
 
-    /// What is known, type and value, what is typed instead of what is shown before Return; and
-    /// what was shown, what is shown then, what is stored, and the message. "*" is a long text.
+    /// Columns: the setting, type and value, input; then the text before and after it, the stored
+    /// value and the message. "*" is a long text.
     void writesWhatIsTypedAndNothingElse()
     {
         const QMap<QString, VariableInfo> infos{
@@ -111,7 +111,7 @@ private slots:
         QCOMPARE(f.value->value, u"<seven>"_s);
     }
 
-    /// Path and type, whether it is documented as read-only, and the first words of the reason.
+    /// Columns: path, documented as read-only or not; the first words of the reason.
     void tellsWhyItIsLocked()
     {
         const auto reason = [](const QStringList& cells) {
@@ -157,8 +157,8 @@ private slots:
         QCOMPARE(f.part<QPushButton>("colorButton")->text(), u"#04010203"_s);
     }
 
-    /// What is asked for, what happens meanwhile, and what the value is then and once something is
-    /// typed. A node of another document isn't touched.
+    /// Columns: what is asked for, what happens meanwhile; the value afterwards and after typing.
+    /// A node of another document isn't touched.
     void browses()
     {
         const QDir home = QDir::home();
@@ -190,8 +190,8 @@ private slots:
             stored);
     }
 
-    /// The path, what is so or happens meanwhile; then what the menu offers, in brackets what can't
-    /// be chosen, and what the first that can does.
+    /// Columns: path, state or event; the menu's entries, those that are disabled in brackets, and
+    /// what the first of the others does.
     void offersMenu()
     {
         const auto menu = [](const QStringList& cells) {
