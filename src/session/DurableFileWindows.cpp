@@ -167,11 +167,10 @@ bool canBeReplaced(const QString& path, QString* error)
 
 bool renameTemporary(QTemporaryFile& file, const QString& to)
 {
-    // Qt's own renaming copies the file where this fails.
-    file.close();
-    return retrying([from = nativePath(file.fileName()), to = nativePath(to)] {
-        return MoveFileExW(wide(from), wide(to), 0) != 0;
-    });
+    // Only this really closes the file, which can't be renamed while it is open; it works once.
+    return file.rename(to) || retrying([from = nativePath(file.fileName()), to = nativePath(to)] {
+               return MoveFileExW(wide(from), wide(to), 0) != 0;
+           });
 }
 
 } // namespace kse

@@ -106,8 +106,9 @@ private slots:
                 "first. Nothing > Reason: Permission denied",
                 "folder unlisted >  > -", "others' file >  > -",
 #elif defined(Q_OS_WIN)
-                "held > Error writing %1:  > Error writing %1:  > had been made",
-                "read-only > Cannot open %1 for writing:  > Cannot open %1 for writing: ",
+                "held > Cannot open %1 for writing:  > Cannot open %1 for writing:  > is unchanged",
+                "read-only > Cannot open %1 for writing:  > Cannot open %1 for writing:  > is "
+                "unchanged",
 #endif
         });
 #if defined(Q_OS_LINUX)
