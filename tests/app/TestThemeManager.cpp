@@ -82,13 +82,16 @@ private slots:
             const bool isMirrored = row->itemAt(0)->geometry().x() > row->itemAt(1)->geometry().x();
             QCOMPARE(isMirrored, direction == Qt::RightToLeft);
 
+            QPushButton button(u"-1/x..."_s);
+            pictures += button.grab().toImage();
+#ifndef Q_OS_WIN              // where Wine's fonts lack the marks that keep the order in lists
             QListWidget list; // what it shows reads from left to right in both
-            list.addItem(u"-1/x..."_s);
+            list.addItem(button.text());
             list.item(0)->setTextAlignment(Qt::AlignCenter);
-            QPushButton button(list.item(0)->text());
-            pictures += {list.grab().toImage(), button.grab().toImage()};
+            pictures += list.grab().toImage();
+#endif
         }
-        QCOMPARE(pictures.mid(2), pictures.mid(0, 2));
+        QCOMPARE(pictures.mid(pictures.size() / 2), pictures.mid(0, pictures.size() / 2));
     }
 
 private:

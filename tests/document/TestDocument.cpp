@@ -8,7 +8,6 @@
 #include "document/XsdtWriter.h"
 #include "support/DocumentText.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 using namespace Qt::StringLiterals;
 using namespace kse;

@@ -2,7 +2,6 @@
 #include "promo/AdBanner.h"
 #include "promo/AdManifest.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 #include <QtNetwork>
 #include <QtWidgets>

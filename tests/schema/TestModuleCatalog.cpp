@@ -2,7 +2,6 @@
 #include "schema/ModuleCatalog.h"
 #include "support/SettingsTree.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 using namespace Qt::StringLiterals;
 using namespace kse;

@@ -3,7 +3,6 @@
 #include "schema/SettingsSchema.h"
 #include "support/SettingsTree.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 using namespace Qt::StringLiterals;
 using namespace kse;

@@ -3,7 +3,6 @@
 
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 using namespace kse;
 using namespace Qt::StringLiterals;

@@ -5,7 +5,6 @@
 #include "support/FakePixInsight.h"
 #include "support/StoreFixture.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>

@@ -6,7 +6,6 @@
 #include "support/DialogAnswerer.h"
 #include "support/SettingsTree.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 #include "views/model/SettingsModel.h"
 #include "widgets/WidgetColumn.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QtTest>
+#include "support/TextRows.h"
 
 #if defined(__GNUC__) && QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
 #pragma GCC diagnostic ignored "-Wconversion" // QTRY_VERIFY and its like narrow a number

@@ -2,7 +2,6 @@
 #include "session/dialogs/BackupsDialog.h"
 #include "support/DialogAnswerer.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 
 #include <QtWidgets>
 

@@ -3,7 +3,6 @@
 #include "session/dialogs/ReviewDialog.h"
 #include "support/DocumentText.h"
 #include "support/TestMain.h"
-#include "support/TextRows.h"
 #include "views/model/SettingsModel.h"
 
 #include <QtWidgets>
