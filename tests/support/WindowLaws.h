@@ -6,8 +6,6 @@
 #include "support/WindowFixture.h"
 #include "views/search/SearchIndex.h"
 
-#include <numeric>
-
 namespace kse {
 
 /// A window whose numbers are checked against a walk over the document: in these, a lived window
