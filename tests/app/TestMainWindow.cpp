@@ -362,8 +362,8 @@ private slots:
 
     void looksAsIfStartedSo()
     {
-        if (m_window->frameGeometry() != m_window->geometry()) {
-            QSKIP("Before a window is shown, its frame is only estimated");
+        if (QGuiApplication::platformName() == u"windows"_s) {
+            QSKIP("Before a window is shown, Windows only estimates its frame");
         }
         m_window.reset();
         FakePixInsight process;
