@@ -284,7 +284,7 @@ void ThemeStyle::drawItemText(QPainter* painter, const QRect& rect, int flags,
                               const QPalette& palette, bool enabled, const QString& text,
                               QPalette::ColorRole role) const
 {
-    const auto visual = visualAlignment(painter->layoutDirection(), Qt::Alignment::fromInt(flags));
+    const auto visual = visualAlignment(painter->layoutDirection(), Qt::Alignment(QFlag(flags)));
     const int order = text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     const int place = int(visual.toInt()) | order;
     QProxyStyle::drawItemText(painter, rect, place, palette, enabled, text, role);

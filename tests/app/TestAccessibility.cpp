@@ -242,10 +242,10 @@ private slots:
         ThemeManager::instance().setMode(ThemeMode::Dark, false);
         write(m_file + u".bak-20250101-000000"_s, "<xsdt/>");
         fillPages();
-        for (const auto& [page, button] : {std::pair("cleanupView", "queueButton"),
-                                           std::pair("unusedModulesView", "queueButton"),
-                                           std::pair("compareView", "copyAllButton")}) {
-            lookAtDialog(QLatin1String(page), [&, this] { press(page, button); });
+        for (const auto& asked : {std::pair("cleanupView", "queueButton"),
+                                  std::pair("unusedModulesView", "queueButton"),
+                                  std::pair("compareView", "copyAllButton")}) {
+            lookAtDialog(QLatin1String(asked.first), [&] { press(asked.first, asked.second); });
         }
         page("advancedPage");
         lookAtDialog(u"delete"_s, [this] { pressDelete(u"ModuleData/Ostrand"_s); });

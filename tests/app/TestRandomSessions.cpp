@@ -60,7 +60,8 @@ public:
             m_kept = linesOf(model()->document(), &XsdtNode::value);
         };
         copySamples();
-        for (const QString& file : folder().keys()) {
+        const QStringList files = folder().keys();
+        for (const QString& file : files) {
             m_samples.append(contentOf(file));
             m_file = file;
             write(file, newFile());

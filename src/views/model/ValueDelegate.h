@@ -21,8 +21,8 @@ public:
                       const QModelIndex& index) const override;
 
 signals:
-    /// After an edit the row of `key` doesn't match the filter any more.
-    void editedRowHidden(const QString& key) const;
+    /// After an edit the row of `key` doesn't match the filter any more. Const, as setModelData().
+    void editedRowHidden(const QString& key) const; // clazy:exclude=const-signal-or-slot
 };
 
 } // namespace kse
