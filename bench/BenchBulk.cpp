@@ -142,10 +142,45 @@ void manyMarks(benchmark::State& state)
     state.counters["marks"] = double(entries.size());
 }
 
+/// An edit, and what the page of the comparison then does, while the two files differ in one value
+/// of each of many groups.
+void editBesideDifferences(benchmark::State& state)
+{
+    const auto content = [&state](const char* value) {
+        QByteArray bytes = "<xsdt>\n";
+        for (qint64 i = 0; i < state.range(0); ++i) {
+            bytes +=
+                "<i k=\"" + QByteArray::number(i) + "\"><v k=\"a\" t=\"s\">" + value + "</v></i>\n";
+        }
+        return bytes + "</xsdt>";
+    };
+    QTemporaryDir folder;
+    const QString other = folder.filePath(u"other.settings"_s);
+    QFile file(other);
+    require(file.open(QIODevice::WriteOnly) && file.write(content("other")) > 0);
+    file.close();
+    XsdtDocument document;
+    require(document.parse(content("this")));
+    SettingsModel model;
+    model.setDocument(&document);
+    CompareView view(&model);
+    view.setDocument(&document, QString());
+    view.show();
+    require(view.compareWith(other));
+    XsdtNode* node = valuesOf(document.root).first();
+    int number = 0;
+    measure(state, [&] {
+        require(model.setValue(node, QString::number(++number)));
+        QCoreApplication::processEvents();
+        return number;
+    });
+}
+
 KSE_BENCHMARK(plainWalk)->Unit(benchmark::kMillisecond);
 KSE_BENCHMARK(oneEdit)->Unit(benchmark::kMillisecond);
 KSE_BENCHMARK(manyEdits)->Unit(benchmark::kMillisecond);
 KSE_BENCHMARK(manyMarks)->Unit(benchmark::kMillisecond);
+BENCHMARK(editBesideDifferences)->Arg(10'000)->Arg(80'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

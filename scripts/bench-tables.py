@@ -46,11 +46,17 @@ RATIOS = (
      "setDocumentAndExpandAll/values:{}/wide:0", 2),
 )
 
-# The growth of the time for each value between 100,000 and 1,000,000 values, in percent.
+# By how much the time for each value, or group, may grow from one size to the other, in percent.
+MANY = (100_000, 1_000_000)
 GROWTHS = (
-    ("Read", "readTree", 15), ("- one group of all values", "readWide", 15),
-    ("Write", "write", 15), ("- one group of all values", "writeWide", 15),
-    ("Destroy", "destroy", 20), ("- one group of all values", "destroyWide", 40),
+    ("Read", "Document", "readTree", MANY, 15),
+    ("- one group of all values", "Document", "readWide", MANY, 15),
+    ("Write", "Document", "write", MANY, 15),
+    ("- one group of all values", "Document", "writeWide", MANY, 15),
+    ("Destroy", "Document", "destroy", MANY, 20),
+    ("- one group of all values", "Document", "destroyWide", MANY, 40),
+    ("Edit beside a difference in each group", "Bulk", "editBesideDifferences", (10_000, 80_000),
+     15),
 )
 
 
@@ -106,10 +112,11 @@ def ratios():
 
 
 def growths():
-    for name, benchmark, limit in GROWTHS:
-        small, large = (results.of("Document", benchmark, size) for size in SIZES[1:])
-        yield [name, f"{limit} %", f"{large / small * 10 - 100:+.0f} %" if small and large else "-",
-               ms(large)]
+    for name, program, benchmark, sizes, limit in GROWTHS:
+        small, large = (results.of(program, benchmark, size) for size in sizes)
+        growth = (f"{large / small * sizes[0] / sizes[1] * 100 - 100:+.0f} %" if small and large
+                  else "-")
+        yield [name, f"{sizes[0]:,}", f"{sizes[1]:,}", f"{limit} %", growth, ms(large)]
 
 
 def printed(folder, name):
@@ -131,8 +138,8 @@ def main():
     results = Results(folder)
     table("Ratios", ("Measured", "Against", "Limit", *(f"{size:,}" for size in SIZES),
                      f"Time at {SIZES[-1]:,}"), ratios())
-    table("Growth", ("Time for each value", "Limit", "From 100,000 to 1,000,000",
-                     "Time at 1,000,000"), growths())
+    table("Growth", ("Time for each value or group", "From", "To", "Limit", "Growth",
+                     "Time at the larger size"), growths())
     table("Actions", ("Action", "60,000 values", "1,000,000 values"), actions(folder))
     for name, title in (("Memory", "Memory"), ("Start", "Start-up")):
         print(f"\n## {title}\n\n{printed(folder, name)}")
