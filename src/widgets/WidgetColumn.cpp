@@ -69,7 +69,7 @@ void WidgetColumn::clear()
 
 void WidgetColumn::setMoreText(const QString& text)
 {
-    if (text.isEmpty() && m_showMoreButton->hasFocus()) {
+    if (m_showMoreButton->hasFocus()) {
         QScrollArea::focusNextPrevChild(false); // from where Tab leads to what is appended next
     }
     m_showMoreButton->setText(text);
