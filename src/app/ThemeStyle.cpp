@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/ThemeStyle.h"
 
+#include "widgets/PlainText.h"
+
 #include <QApplication>
 #include <QComboBox>
 #include <QFocusFrame>
@@ -61,15 +63,6 @@ void drawIndicatorOutline(bool isRound, const QStyleOption& option, QPainter* pa
         painter->drawRect(frame);
     }
     painter->restore();
-}
-
-/// `text` for a drawing that lays it out in the direction of its window. A text that reads from
-/// left to right, such as "-1" or "/tmp/x", does so in any window.
-QString inOwnDirection(const QString& text)
-{
-    constexpr QChar embedding(0x202A);
-    constexpr QChar endOfEmbedding(0x202C);
-    return text.isEmpty() || text.isRightToLeft() ? text : embedding + text + endOfEmbedding;
 }
 
 /// The width of an arrow. It grows with the text; Fusion's doesn't.

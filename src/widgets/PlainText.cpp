@@ -2,6 +2,7 @@
 #include "widgets/PlainText.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTextDocument>
 
 using namespace Qt::StringLiterals;
@@ -49,6 +50,15 @@ QString asToolTip(const QString& text)
 {
     const QString shown = abbreviated(text, popupLimit);
     return Qt::mightBeRichText(shown) ? asMarkup(shown) : shown;
+}
+
+QString inOwnDirection(const QString& text)
+{
+    constexpr QChar embedding(0x202A);
+    constexpr QChar endOfEmbedding(0x202C);
+    const bool isMarked =
+        QGuiApplication::isRightToLeft() && !text.isEmpty() && !text.isRightToLeft();
+    return isMarked ? embedding + text + endOfEmbedding : text;
 }
 
 QString asCaption(const QString& text)

@@ -46,6 +46,10 @@ inline constexpr qsizetype hintLimit = 80;
 /// "(no name)".
 [[nodiscard]] QString shownName(const QString& name, const QString& key);
 
+/// `text` for a drawing that lays it out in the direction of the program. In one from right to
+/// left, a text such as "-1" or "/tmp/x" is marked to be read from left to right.
+[[nodiscard]] QString inOwnDirection(const QString& text);
+
 /// `text` for a menu entry, button or tab, where an ampersand must not become a mnemonic.
 [[nodiscard]] QString asCaption(const QString& text);
 

@@ -153,7 +153,7 @@ void ReviewDialog::createWidgets()
     m_showDeletions->setChecked(true);
     m_detail = named(u"detail"_s, new QPlainTextEdit(this));
     m_detail->setReadOnly(true);
-    m_detail->setPlaceholderText(tr("Select a change to see its full text."));
+    m_detail->setPlaceholderText(inOwnDirection(tr("Select a change to see its full text.")));
     m_detail->setAccessibleName(tr("Full text of the selected change"));
     m_remark = new WrappedLabel({}, Qt::PlainText, u"remark"_s, this);
     m_hidden = new WrappedLabel({}, Qt::PlainText, u"hidden"_s, this);
