@@ -92,6 +92,7 @@ private:
     void connectCommands();
     void createKeys();
     void connectTheme();
+    void updatePageHeights();
 
     void attachViews();
     void detachViews();

@@ -124,8 +124,8 @@ void MainWindow::showRejection(const QString& reason)
 void MainWindow::showStatus(const QString& text, int milliseconds)
 {
     const QString shown = withoutMiddle(text, lineLimit);
-    m_said = shown;
-    statusBar()->showMessage(shown, milliseconds);
+    m_said = inOwnDirection(shown);
+    statusBar()->showMessage(m_said, milliseconds);
     announce(statusBar(), shown);
 }
 
@@ -167,9 +167,7 @@ void MainWindow::refreshToolbarIcons()
 
 void MainWindow::updateMinimumWidth()
 {
-    for (int i = 0; i < m_tabs->count(); ++i) {
-        m_tabs->widget(i)->layout()->activate(); // a page that isn't in front doesn't by itself
-    }
+    updatePageHeights();
     m_tabs->updateGeometry();
     int width = centralWidget()->minimumSizeHint().width();
     if (m_toolbar->isVisible()) {
@@ -178,6 +176,22 @@ void MainWindow::updateMinimumWidth()
         width = std::max(width, m_toolbar->sizeHint().width());
     }
     fitMinimumWidth(width);
+}
+
+/// Leaves each page the height that its rows need at the present width, if the screen has it. Qt's
+/// own minimum is that of rows and texts that don't wrap.
+void MainWindow::updatePageHeights()
+{
+    const QSize front = m_tabs->currentWidget()->size();
+    const int most = room().height() - (height() - front.height());
+    for (int i = 0; i < m_tabs->count(); ++i) {
+        QWidget* page = m_tabs->widget(i);
+        page->layout()->activate(); // a page that isn't in front doesn't by itself
+        // Before the window is shown, no page has its width.
+        const int wrapped =
+            isVisible() ? page->layout()->totalMinimumHeightForWidth(front.width()) : 0;
+        page->setMinimumHeight(std::max(page->minimumSizeHint().height(), std::min(wrapped, most)));
+    }
 }
 
 bool MainWindow::event(QEvent* event)
@@ -189,6 +203,11 @@ bool MainWindow::event(QEvent* event)
     const bool handled = FittedWindow::event(event);
     if (changesPixelRatio(*event)) {
         refreshToolbarIcons();
+    }
+    if (isVisible() &&
+        (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
+        updatePageHeights();
+        fitMinimumWidth(minimumWidth());
     }
     return handled;
 }

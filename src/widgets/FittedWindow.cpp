@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/FittedWindow.h"
 
+#include <QLayout>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStyle>
@@ -19,18 +20,31 @@ void FittedWindow::showEvent(QShowEvent* event)
 
 void FittedWindow::fitMinimumWidth(int minimum)
 {
-    const bool isForced = m_chosenWidth < minimumWidth() && width() == minimumWidth();
-    if (!isForced) {
-        m_chosenWidth = width();
-    }
+    const auto chosen = [](int now, int before, int fitted, int least) {
+        return now == fitted || (now == least && before < least) ? before : now;
+    };
+    m_chosen = {chosen(width(), m_chosen.width(), m_fitted.width(), minimumWidth()),
+                chosen(height(), m_chosen.height(), m_fitted.height(), minimumHeight())};
     setMinimumWidth(minimum);
-    if (isForced && !isMaximized() && !isFullScreen()) {
-        resize(std::max(minimum, m_chosenWidth), height());
+    layout()->activate(); // sets the minimum height
+    if (!isMaximized() && !isFullScreen()) {
+        resize(m_chosen.expandedTo(minimumSize()));
     }
-    const bool isForcedHeight = height() <= minimumSizeHint().height(); // by larger text
-    if (m_chosenWidth < minimum || isForcedHeight) {
+    if (size() != m_chosen) {
         keepOnScreen();
     }
+    m_fitted = size();
+}
+
+QSize FittedWindow::room() const
+{
+    QSize frame = frameGeometry().size() - size();
+    if (frame.isNull()) { // not known before the window is shown
+        const int border = style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, this);
+        const int title = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
+        frame = {2 * border, title + border};
+    }
+    return screen()->availableSize() - frame;
 }
 
 void FittedWindow::keepOnScreen()
@@ -38,19 +52,13 @@ void FittedWindow::keepOnScreen()
     if (isMaximized() || isFullScreen()) {
         return;
     }
-    const QRect room = screen()->availableGeometry();
-    QSize frame = frameGeometry().size() - size();
-    if (frame.isNull()) { // not known before the window is shown
-        const int border = style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, this);
-        const int title = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
-        frame = {2 * border, title + border};
-    }
-    resize(size().boundedTo(room.size() - frame));
+    resize(size().boundedTo(room()));
     if (isVisible()) {
-        const QPoint last = room.topLeft() + QPoint(room.width() - width() - frame.width(),
-                                                    room.height() - height() - frame.height());
-        move(std::max(room.left(), std::min(x(), last.x())),
-             std::max(room.top(), std::min(y(), last.y())));
+        const QRect screen = this->screen()->availableGeometry();
+        const QSize left = room() - size();
+        const QPoint last = screen.topLeft() + QPoint(left.width(), left.height());
+        move(std::max(screen.left(), std::min(x(), last.x())),
+             std::max(screen.top(), std::min(y(), last.y())));
     }
 }
 

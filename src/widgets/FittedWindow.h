@@ -5,7 +5,7 @@
 
 namespace kse {
 
-/// A main window that is no larger than its screen, and whose minimum width follows its content.
+/// A main window that is no larger than its screen, and whose minimum size follows its content.
 class FittedWindow : public QMainWindow
 {
     Q_OBJECT
@@ -16,14 +16,19 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
 
-    /// Makes `width` the minimum. Width that only the former minimum took is given back.
+    /// Makes `width` the minimum; the layout tells the minimum height. What only the former minimum
+    /// took is given back.
     void fitMinimumWidth(int width);
+
+    /// The largest size of a window on this screen, without its frame.
+    QSize room() const;
 
 private:
     /// Makes the window no larger than its screen has room for, and all of it visible.
     void keepOnScreen();
 
-    int m_chosenWidth = 0; ///< What the window had before its minimum took more.
+    QSize m_chosen{0, 0}; ///< What the window had before its minimum took more.
+    QSize m_fitted{0, 0}; ///< What it got then.
 };
 
 } // namespace kse

@@ -392,11 +392,20 @@ private slots:
     void staysOnItsScreenWithLargerText()
     {
         ThemeManager::instance().setFontScale(0.8, false);
+        page("compareView");
+        settle();
+        m_window->resize(1, 1); // as low as it gets with wrapped rows, at the lower edge
+        settle();
+        const auto* compare = find<CompareView>("compareView");
+        QVERIFY(compare->height() >=
+                compare->layout()->totalMinimumHeightForWidth(compare->width()));
         const QRect screen = m_window->screen()->geometry();
-        m_window->resize(screen.width(), 1); // as low as it gets, at the lower edge
+        const int height = m_window->height();
         m_window->move(screen.left(), screen.bottom() - m_window->height());
         ThemeManager::instance().setFontScale(2.2, false);
         QTRY_VERIFY(m_window->frameGeometry().bottom() <= screen.bottom());
+        ThemeManager::instance().setFontScale(0.8, false);
+        QTRY_COMPARE(m_window->height(), height);
     }
 
 private:
