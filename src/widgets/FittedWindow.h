@@ -16,9 +16,9 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
 
-    /// Makes `width` the minimum; the layout tells the minimum height. What only the former minimum
+    /// Makes `minimum` the minimum width; the layout tells the height. What only the former minimum
     /// took is given back.
-    void fitMinimumWidth(int width);
+    void fitMinimumWidth(int minimum);
 
     /// The largest size of a window on this screen, without its frame.
     QSize room() const;
