@@ -4,6 +4,7 @@
 #include "schema/DeletePolicy.h"
 #include "schema/SettingsSchema.h"
 #include "support/WindowFixture.h"
+#include "views/rows/ValueEditor.h"
 #include "views/search/SearchIndex.h"
 
 namespace kse {
@@ -61,6 +62,12 @@ protected:
         expect("health", numbers(find<QTabWidget>("tabs")->tabText(4)).value(0),
                findings.value(0) + findings.value(1));
         checkPreferences();
+        const auto* banner = find<QLabel>("bannerLabel");
+        if (!banner->isHidden() && banner->text().contains("view only"_L1)) {
+            for (const ValueEditor* editor : m_window->findChildren<ValueEditor*>()) {
+                expect("view only", editor->isEnabled(), false);
+            }
+        }
     }
 
 private:
