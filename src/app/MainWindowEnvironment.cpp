@@ -207,7 +207,7 @@ bool MainWindow::event(QEvent* event)
     if (isVisible() &&
         (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
         updatePageHeights();
-        fitMinimumWidth(minimumWidth());
+        fitSize(minimumWidth());
     }
     return handled;
 }

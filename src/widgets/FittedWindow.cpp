@@ -20,6 +20,15 @@ void FittedWindow::showEvent(QShowEvent* event)
 
 void FittedWindow::fitMinimumWidth(int minimum)
 {
+    fitSize(minimum);
+    if (size() != m_chosen) {
+        keepOnScreen();
+        m_fitted = size();
+    }
+}
+
+void FittedWindow::fitSize(int minimum)
+{
     const auto chosen = [](int now, int before, int fitted, int least) {
         return now == fitted || (now == least && before < least) ? before : now;
     };
@@ -29,9 +38,6 @@ void FittedWindow::fitMinimumWidth(int minimum)
     layout()->activate(); // sets the minimum height
     if (!isMaximized() && !isFullScreen()) {
         resize(m_chosen.expandedTo(minimumSize()));
-    }
-    if (size() != m_chosen) {
-        keepOnScreen();
     }
     m_fitted = size();
 }

@@ -17,8 +17,12 @@ protected:
     void showEvent(QShowEvent* event) override;
 
     /// Makes `minimum` the minimum width; the layout tells the height. What only the former minimum
-    /// took is given back.
+    /// took is given back. All of the window stays visible.
     void fitMinimumWidth(int minimum);
+
+    /// The same without moving the window: while the user drags an edge, the window manager holds
+    /// its position, and the window would jump to and fro.
+    void fitSize(int minimum);
 
     /// The largest size of a window on this screen, without its frame.
     QSize room() const;
