@@ -167,6 +167,14 @@ void ThemeManager::toggle()
     setMode(isDark() ? ThemeMode::Light : ThemeMode::Dark, true);
 }
 
+void ThemeManager::setSystemIsDark(bool isDark)
+{
+    if (m_systemIsDark != isDark) {
+        m_systemIsDark = isDark;
+        apply();
+    }
+}
+
 bool ThemeManager::isDark() const
 {
     if (m_mode != ThemeMode::System) {

@@ -44,6 +44,9 @@ public:
     /// Switches to Light if dark is shown, otherwise to Dark, and stores it.
     void toggle();
 
+    /// Tells whether the desktop prefers dark programs. Newer versions of Qt than 6.4 know it.
+    void setSystemIsDark(bool isDark);
+
     ThemeMode mode() const { return m_mode; }
     double fontScale() const { return m_fontScale; }
 
@@ -67,7 +70,7 @@ private:
     QFont m_baseFont; ///< The application's font before any scaling.
     bool m_initialised = false;
     bool m_applying = false;
-    bool m_systemIsDark = false; ///< Found by `init`, for versions of Qt that don't report it.
+    bool m_systemIsDark = false; ///< For versions of Qt that don't report it.
 };
 
 } // namespace kse

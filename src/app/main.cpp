@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "app/ThemeManager.h"
+#ifdef Q_OS_WIN
+#include "app/WindowsLook.h"
+#endif
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -60,6 +63,10 @@ int main(int argc, char** argv)
     if (parser.isSet(fontScale)) {
         manager.overrideFontScale(parser.value(fontScale));
     }
+
+#ifdef Q_OS_WIN
+    const kse::WindowsLook look(manager);
+#endif
 
     const bool rendersScreenshots = parser.isSet(screenshots);
     MainWindow window(rendersScreenshots ? MainWindow::Messages::StandardError
