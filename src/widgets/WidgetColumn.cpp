@@ -78,7 +78,7 @@ void WidgetColumn::setMoreText(const QString& text)
 
 bool WidgetColumn::focusNextPrevChild(bool next)
 {
-    if (isVisible() && complete()) { // not while it is being hidden
+    if (widget()->isVisible() && complete()) { // not while it is being hidden
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // places the new ones
     }
     return QScrollArea::focusNextPrevChild(next);

@@ -27,9 +27,11 @@ QTreeWidgetItem* createTopLevelRow(const QString& text)
     return row;
 }
 
+/// The whole name, of which a row may show only a part.
 QString nameOf(const QTreeWidgetItem& group)
 {
-    return group.text(CompareRow::SettingColumn);
+    const auto* first = static_cast<const CompareRow*>(group.child(0));
+    return first ? groupedPath(first->entry().path).group : QString();
 }
 
 /// Null for a group.

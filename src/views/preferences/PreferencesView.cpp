@@ -14,6 +14,7 @@
 #include "widgets/TabOrder.h"
 #include "widgets/WidgetColumn.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -406,10 +407,12 @@ QString PreferencesView::hitsText() const
 // NOLINTNEXTLINE(misc-no-recursion)
 bool PreferencesView::matches(const Group& group, const QString& text) const
 {
-    return std::any_of(group.values.begin(), group.values.end(),
-                       [&](const XsdtNode* value) { return matches(*value, text); }) ||
-           std::any_of(group.groups.begin(), group.groups.end(),
-                       [&](const Group& below) { return matches(below, text); });
+    bool found = std::any_of(group.values.begin(), group.values.end(),
+                             [&](const XsdtNode* value) { return matches(*value, text); });
+    for (const Group& below : group.groups) {
+        found = found || matches(below, text);
+    }
+    return found;
 }
 
 /// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
@@ -469,12 +472,20 @@ void PreferencesView::showPage(int index)
         }
         if (!page.isFiltered) {
             page.isFiltered = true;
-            page.column->widget()->hide(); // else each row shown or hidden lays out all
+            QWidget* rows = page.column->widget();
+            // A click in a row ends the pause in typing.
+            QWidget* clicked = rows->isAncestorOf(QApplication::focusWidget())
+                                   ? QApplication::focusWidget()
+                                   : nullptr;
+            rows->hide(); // else each row shown or hidden lays out all
             for (const Group& group : page.groups) {
                 filterGroup(group, searchText());
             }
-            page.column->widget()->show();
+            rows->show();
             page.column->verticalScrollBar()->setValue(0);
+            if (clicked && clicked->isVisible()) {
+                clicked->setFocus();
+            }
         }
     }
     m_pageStack->setCurrentIndex(index + 1);

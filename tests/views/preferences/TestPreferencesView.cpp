@@ -98,6 +98,21 @@ private slots:
         QVERIFY(page.view.selectPage(0));
         QVERIFY(page.shown().endsWith(u"; S&&b")); // the section is closed, as at first
     }
+
+    void keepsTheFocusWhenAClickEndsTheSearch()
+    {
+        QString many;
+        for (int i = 0; i < 1001; ++i) {
+            many += u"%1Application/Key%2:s=; "_s.arg(group).arg(i);
+        }
+        Page page(many.chopped(2));
+        page.view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&page.view));
+        QTest::keyClicks(page.child("searchEdit"), u"key"_s);
+        auto* clicked = page.view.findChild<WidgetColumn*>()->findChild<QLineEdit*>();
+        QTest::mouseClick(clicked, Qt::LeftButton);
+        QCOMPARE(QApplication::focusWidget(), clicked);
+    }
 };
 
 KSE_TEST_MAIN(TestPreferencesView)
