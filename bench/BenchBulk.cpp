@@ -150,7 +150,7 @@ void editBesideDifferences(benchmark::State& state)
         QByteArray bytes = "<xsdt>\n";
         for (qint64 i = 0; i < state.range(0); ++i) {
             bytes +=
-                "<i k=\"" + QByteArray::number(i) + "\"><v k=\"a\" t=\"s\">" + value + "</v></i>\n";
+                R"(<i k=")" + QByteArray::number(i) + R"("><v k="a" t="s">)" + value + "</v></i>\n";
         }
         return bytes + "</xsdt>";
     };
@@ -167,7 +167,7 @@ void editBesideDifferences(benchmark::State& state)
     view.setDocument(&document, QString());
     view.show();
     require(view.compareWith(other));
-    XsdtNode* node = valuesOf(document.root).first();
+    XsdtNode* node = valuesOf(document.root).constFirst();
     int number = 0;
     measure(state, [&] {
         require(model.setValue(node, QString::number(++number)));

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Starts the built program on a scratch copy of the sample files, and checks from outside what a
 # screen reader or voice control meets. Installs missing packages, but builds nothing.
-#   scripts/accessibility.sh [dev|release]
+#   scripts/accessibility.sh [PRESET]    one that is built (test)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -24,6 +24,6 @@ cmake/run-alone.sh env -u WAYLAND_DISPLAY HOME="$home" XDG_CONFIG_HOME="$home/.c
     XDG_CACHE_HOME="$home/.cache" XDG_DATA_HOME="$home/.local/share" XDG_RUNTIME_DIR="$home/run" \
     QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 \
     timeout --kill-after=10 300 bash -c "$session" bash /usr/bin/python3 -W ignore \
-    scripts/accessibility.py "build/${1:-dev}/src/app/kestrane-settings-editor" \
+    scripts/accessibility.py "build/${1:-test}/src/app/kestrane-settings-editor" \
     "$home/.config/Pleiades" 2>"$home/log" ||
     { cat "$home/log" >&2; exit 1; }

@@ -7,6 +7,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh build test
-cmake --preset dev
-cmake --build --preset dev --target TestSaveFaults
-KSE_FAULTS=all cmake/run-alone.sh build/dev/tests/session/TestSaveFaults
+cmake --preset test
+cmake --build --preset test --target TestSaveFaults
+KSE_FAULTS=all cmake/run-alone.sh build/test/tests/session/TestSaveFaults

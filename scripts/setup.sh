@@ -12,7 +12,7 @@ package=(dpkg-dev file lintian)
 fuzz=(clang libclang-rt-dev llvm)
 accessibility=(at-spi2-core dbus gir1.2-atspi-2.0 openbox python3-gi xauth xvfb)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
-    libbenchmark-dev libpugixml-dev shellcheck)
+    libbenchmark-dev libpugixml-dev mold shellcheck)
 portable=(desktop-file-utils patchelf weston xauth xvfb xz-utils)
 debian13=(debootstrap)
 windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix nsis qt6-base-dev-tools unzip wine wine64

@@ -6,6 +6,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh build test
-cmake --preset dev
-cmake --build --preset dev
-ctest --preset dev "$@"
+cmake --preset test
+cmake --build --preset test
+ctest --preset test "$@"

@@ -8,7 +8,7 @@
 namespace kse {
 
 /// A real process whose executable is named as PixInsight's, for as long as it is started. The
-/// scan for it covers all processes that the test sees: tests that use this are RUN_SERIAL.
+/// scan for it covers all processes that the test sees: declare tests that use this PROCESSES.
 class FakePixInsight
 {
 public:
