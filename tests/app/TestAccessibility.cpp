@@ -5,8 +5,6 @@
 #include "views/cleanup/UnusedModulesView.h"
 #include "widgets/CollapsibleSection.h"
 
-using namespace kse;
-
 namespace {
 
 /// Labels that may be faint, because they are secondary.

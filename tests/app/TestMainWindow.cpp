@@ -9,8 +9,6 @@
 #include "views/search/ModuleSearchDialog.h"
 #include "views/search/SearchView.h"
 
-using namespace kse;
-
 namespace {
 
 const QString groupPath = u"Global/Statistics"_s;

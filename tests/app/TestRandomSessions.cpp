@@ -11,8 +11,6 @@
 #include <algorithm>
 #include <cstdio>
 
-using namespace kse;
-
 namespace {
 
 /// The bytes of a random part of `document`, with values changed here and there and some nodes that

@@ -6,9 +6,6 @@
 
 #include <QtWidgets>
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 /// Theme and text size, and the widgets that follow them.
 class TestThemeManager : public QObject
 {

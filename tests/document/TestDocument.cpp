@@ -9,9 +9,6 @@
 #include "support/DocumentText.h"
 #include "support/TestMain.h"
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 /// Reading, changing and writing a settings file, and the values that it takes.
 class TestDocument : public QObject
 {

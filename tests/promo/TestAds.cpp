@@ -6,9 +6,6 @@
 #include <QtNetwork>
 #include <QtWidgets>
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 namespace {
 
 /// How many hours a copy of `xml` is good for, and its ads, a line each. Nothing if it is invalid.

@@ -3,9 +3,6 @@
 #include "support/SettingsTree.h"
 #include "support/TestMain.h"
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 class TestDeletePolicy : public QObject
 {
     Q_OBJECT

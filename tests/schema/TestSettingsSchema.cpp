@@ -4,9 +4,6 @@
 #include "support/SettingsTree.h"
 #include "support/TestMain.h"
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 namespace {
 
 /// All that is known of a variable of type `code`: its label, its kind as a number, its flags,

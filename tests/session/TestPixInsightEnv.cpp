@@ -4,9 +4,6 @@
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 
-using namespace kse;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// Writes `size` bytes to the file at `path`, whose folder is made, `age` seconds before noon.

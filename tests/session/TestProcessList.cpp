@@ -12,9 +12,6 @@
 #include <sys/wait.h>
 #endif
 
-using namespace kse;
-using namespace Qt::StringLiterals;
-
 class TestProcessList : public QObject
 {
     Q_OBJECT

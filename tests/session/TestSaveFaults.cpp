@@ -12,9 +12,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-using namespace kse;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 quint64 numberOf(const QString& path)

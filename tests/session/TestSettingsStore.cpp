@@ -11,9 +11,6 @@
 #include <unistd.h>
 #endif
 
-using namespace kse;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// A store with an edit and an older backup, whose save or restore meets real trouble.

@@ -13,8 +13,6 @@
 
 namespace kse {
 
-using namespace Qt::StringLiterals;
-
 /// A document of `nodes` as `addNodes` makes them, with the built-in tables and a model.
 struct ModelOf
 {

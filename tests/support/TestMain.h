@@ -39,6 +39,10 @@ int runTest(int argc, char** argv)
 
 } // namespace kse
 
+// A program has one source, so these names meet nobody else's.
+using namespace kse;
+using namespace Qt::StringLiterals;
+
 /// In place of QTEST_GUILESS_MAIN and QTEST_MAIN: the same with a home of the test's own.
 #define KSE_TEST_MAIN_WITH(Application, Test)                                                      \
     int main(int argc, char** argv)                                                                \

@@ -5,9 +5,6 @@
 
 #include <QtWidgets>
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 namespace {
 
 const QString fileName = u"core-&lt;%1&-pxi.settings"_s;

@@ -7,9 +7,6 @@
 
 #include <QtWidgets>
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 namespace {
 
 /// A document with pending changes, and the dialog that shows them. Edits are "path=value".

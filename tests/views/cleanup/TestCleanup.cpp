@@ -4,8 +4,6 @@
 #include "views/cleanup/UnusedModulesView.h"
 #include "views/rows/SettingRow.h"
 
-using namespace kse;
-
 namespace {
 
 struct CleanupPage : TreePage<CleanupView>

@@ -4,8 +4,6 @@
 #include "support/SettingsPage.h"
 #include "support/StoreFixture.h"
 
-using namespace kse;
-
 namespace {
 
 /// The page with a file of `nodes`, compared with another of `otherNodes`.

@@ -4,9 +4,6 @@
 #include "views/health/HealthView.h"
 #include "views/rows/SettingRow.h"
 
-using namespace Qt::StringLiterals;
-using namespace kse;
-
 namespace {
 
 using Page = SettingsPage<HealthView>;

@@ -9,8 +9,6 @@
 #include "views/model/TreePosition.h"
 #include "views/model/ValueDelegate.h"
 
-using namespace kse;
-
 namespace {
 
 /// A view of the filtered tree of all nodes, in which values can be edited.

@@ -3,8 +3,6 @@
 
 #include "support/SettingsPage.h"
 
-using namespace kse;
-
 namespace {
 
 const QString group = u"Global/Preferences/"_s;

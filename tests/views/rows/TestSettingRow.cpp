@@ -4,8 +4,6 @@
 #include "support/SettingsPage.h"
 #include "views/rows/NodeContextMenu.h"
 
-using namespace kse;
-
 namespace {
 
 using Kind = VariableKind;

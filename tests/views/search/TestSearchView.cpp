@@ -4,8 +4,6 @@
 #include "support/SettingsPage.h"
 #include "views/rows/SettingRow.h"
 
-using namespace kse;
-
 namespace {
 
 struct Page : SettingsPage<SearchView>
