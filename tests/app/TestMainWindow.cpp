@@ -2,6 +2,7 @@
 #include "app/AboutDialog.h"
 #include "session/dialogs/BackupsDialog.h"
 #include "session/dialogs/ReviewDialog.h"
+#include "support/DialogAnswerer.h"
 #include "support/FakePixInsight.h"
 #include "support/TestMain.h"
 #include "support/WindowFixture.h"
@@ -160,6 +161,10 @@ private slots:
         QVERIFY(askedAt(warnPath, u"Yes"_s).startsWith("Delete saved information?"_L1));
         QVERIFY(status().startsWith("ModuleData/Ostrand queued for deletion ("_L1));
         QCOMPARE(askedAt(u"Thornwick"_s, {}), QString());
+        select(groupPath);
+        tree()->clearSelection();
+        QTest::keyClick(tree(), Qt::Key_Delete);
+        QCOMPARE(pending(), 2);
         pressDelete(groupPath);
         QCOMPARE(pending(), 3);
         pressDelete(groupPath + u"/Process/AldwaterCalibration"_s);
@@ -216,15 +221,21 @@ private slots:
         QVERIFY(process.stop());
         poll();
         QVERIFY(banner()->isHidden() && action("actSave")->isEnabled());
+        QCOMPARE(type(u"LastVersion"_s, u"x"_s), tree());
 
         edit(stringPath, u"mine"_s); // nobody's change is dropped
-        QVERIFY(process.start());
-        poll();
+        QVERIFY(process.start());    // as the save finds out before the next look
+        QVERIFY(choose("actSave", {}).value(0).startsWith("Save failed"_L1));
+        QVERIFY(!action("actSave")->isEnabled());
+        const QStringList asked = answer({u"Cancel"_s}, [this] { QVERIFY(!m_window->close()); });
+        QVERIFY(asked.value(0).contains("cannot be saved now"_L1));
         write(m_file, contentOf(m_file) + "\n");
         QVERIFY(process.stop());
         poll();
         QCOMPARE(node(stringPath)->value, u"mine"_s);
         QVERIFY(banner()->text().contains("your 1 unsaved"_L1));
+        (void)answer({u"Discard"_s}, [this] { find<QPushButton>("bannerReload")->click(); });
+        QVERIFY(banner()->isHidden() && pending() == 0);
     }
 
     void asksBeforeLeavingAFileWithChanges()
@@ -244,6 +255,7 @@ private slots:
         write(m_file, contentOf(m_file) + "\n"); // the save fails, so the window stays
         const QStringList told = answer({u"Save"_s, u"Save"_s}, [this] { m_window->close(); });
         QVERIFY(told.value(2).startsWith("Save failed"_L1) && m_window->isVisible());
+        QVERIFY(!banner()->isHidden() && !action("actSave")->isEnabled());
         (void)type(numberPath, u"77"_s); // is discarded with the rest
         QVERIFY(choose("actRevert", {u"Yes"_s}).value(0).contains("all 2 unsaved"_L1));
         QCOMPARE(pending(), 0);
@@ -293,28 +305,40 @@ private slots:
         QVERIFY(offer.value(0).contains("other.settings.bak-20260101-000000"_L1));
         QVERIFY(QFile::exists(elsewhere) && banner()->isHidden());
         QVERIFY(!box->currentText().contains(u"missing"_s));
+        QVERIFY(QFile::copy(elsewhere, m_folder + u"/core-003-pxi.settings"_s));
+        poll();
+        QVERIFY(box->findText(u"core-003"_s, Qt::MatchStartsWith) >= 0);
     }
 
     void turnsPagesAndSearchesForAModule()
     {
         auto* tabs = find<QTabWidget>("tabs");
+        QTest::keyClick(type(numberPath, u"many"_s), Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(tabs->currentWidget(), find<QWidget>("advancedPage"));
         QWidget* editor = type(stringPath, u"typed"_s);
         QTest::keyClick(editor, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(tabs->currentWidget(), find<QWidget>("compareView"));
         QCOMPARE(node(stringPath)->value, u"typed"_s);
 
-        for (const QString& name : {u"Ostrand"_s, u"Nobody"_s}) {
+        const auto* query = find<QLineEdit>("queryEdit");
+        page("searchView")->findChild<QCheckBox*>()->setFocus();
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_F, Qt::ControlModifier);
+        for (const QString& name : {u"Ostrand"_s, u"Nobody"_s, u"ostrand"_s}) {
+            QVERIFY(m_window->focusWidget() == query && query->selectedText() == query->text());
             const auto ask = [&name](QWidget& dialog) {
                 if (auto* edit = dialog.findChild<QLineEdit*>(u"nameEdit"_s)) {
+                    QVERIFY(!dialog.findChild<QWidget*>(u"searchButton"_s)->isEnabled());
                     dialog.findChild<QRadioButton*>(u"fullRadio"_s)
                         ->setChecked(name == "Ostrand"_L1);
                     edit->setText(name);
                 }
             };
+            find<QWidget>("searchNames")->setFocus();
             (void)choose("actFindModule", {u"Search"_s, u"Yes"_s}, ask);
             QCOMPARE(tabs->currentWidget(), find<QWidget>("searchView"));
-            QCOMPARE(find<QLineEdit>("queryEdit")->text(), name);
+            QCOMPARE(query->text(), name == "ostrand"_L1 ? QString() : name);
         }
+        QCOMPARE(m_window->focusWidget(), query);
     }
 
     void filtersRevealsAndCopies()
@@ -324,8 +348,10 @@ private slots:
         edit(stringPath, node(stringPath)->original);
         QCOMPARE(tree()->model()->rowCount(), 0);
         QCOMPARE(status(), u"Prefix doesn't match the filter any more, so it isn't shown."_s);
+        find<QWidget>("treeFilter")->setFocus();
         emit m_window->findChild<SearchView*>()->revealRequested(node(stringPath));
         QCOMPARE(tree()->currentIndex().data().toString(), u"Prefix"_s);
+        QCOMPARE(m_window->focusWidget(), tree());
 
         auto* editor = static_cast<QLineEdit*>(type(stringPath, u"abc"_s));
         editor->setSelection(0, 1);
@@ -335,6 +361,88 @@ private slots:
         QTRY_VERIFY(tree()->hasFocus());
         QTest::keyClick(tree(), Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), u"abc"_s);
+    }
+
+    /// Columns, one row after the other: step; which groups are open ("all", "first" for those at
+    /// the start), and the current row.
+    void opensWhatTheFilterShows()
+    {
+        auto* filter = find<QLineEdit>("treeFilter");
+        auto* changedOnly = find<QWidget>("advancedPage")->findChild<QCheckBox*>();
+        const auto groups = [this] {
+            const QAbstractItemModel& rows = *tree()->model();
+            QString all;
+            QString open;
+            for (const QModelIndex& row : rows.match(rows.index(0, 0), Qt::DisplayRole, u""_s, -1,
+                                                     Qt::MatchContains | Qt::MatchRecursive)) {
+                const QString name = rows.hasChildren(row) ? row.data().toString() + u' ' : u""_s;
+                all += name;
+                open += tree()->isExpanded(row) ? name : QString();
+            }
+            return open == all ? u"all "_s : open;
+        };
+        const QString first = groups();
+        const auto outcome = [&](const QStringList& cells) {
+            if (cells[0] == u"revert") {
+                (void)choose("actRevert", {u"Yes"_s});
+            } else if (cells[0] == u"edit") {
+                edit(stringPath, u"mine"_s);
+                edit(numberPath, u"77"_s);
+            } else if (cells[0] == u"open") {
+                select(groupPath);
+                tree()->expand(tree()->currentIndex());
+            } else if (cells[0] == u"tick") {
+                changedOnly->isChecked() ? void() : tree()->collapseAll();
+                changedOnly->click();
+            } else {
+                filter->setText(cells[0]);
+            }
+            return groups().replace(first, u"first "_s) + tree()->currentIndex().data().toString();
+        };
+        compareRows({"edit > first Process ProcessIcon 77", "tick > all 77",
+                     "tick > first Process ProcessIcon 77", "console > all 77", "revert > all 4000",
+                     " > first 4000", "edit > first Process ProcessIcon 77",
+                     "open > first Process ProcessIcon Statistics Statistics",
+                     "revert > first Process ProcessIcon Statistics Statistics"},
+                    outcome);
+    }
+
+    /// Columns: what happens and what is chosen in the menu of a changed value; what it offers,
+    /// with "!" for what is disabled, what is copied, and whether the value still differs.
+    void offersMenuInTheTree()
+    {
+        const auto outcome = [this](const QStringList& cells) {
+            edit(stringPath, u"mine"_s);
+            select(cells[1].isEmpty() ? groupPath : stringPath);
+            model()->setReadOnly(cells[0] == u"runs");
+            QGuiApplication::clipboard()->clear();
+            QStringList texts;
+            const DialogAnswerer<QMenu> answer([&](QMenu& menu) {
+                for (QAction* action : menu.actions()) {
+                    texts << action->text().left(6) + (action->isEnabled() ? u""_s : u"!"_s);
+                    if (action->text() == cells[1]) {
+                        menu.setActiveAction(action);
+                    }
+                }
+                model()->setReadOnly(cells[0].endsWith(u's'));
+                if (cells[0] == u"load") {
+                    QVERIFY(m_window->openFile(m_file));
+                }
+                QTest::keyClick(&menu, Qt::Key_Return);
+            });
+            const QPoint pos = tree()->visualRect(tree()->currentIndex()).center();
+            emit tree()->customContextMenuRequested(pos);
+            model()->setReadOnly(false);
+            return texts.join(u' ') + u", "_s + QGuiApplication::clipboard()->text() +
+                   (node(stringPath)->isModified() ? u", changed"_s : u""_s);
+        };
+        compareRows({" > Copy value > Revert Copy s Copy v  Why ca, mine, changed",
+                     " > Revert this value > Revert Copy s Copy v  Why ca, ",
+                     "starts > Revert this value > Revert Copy s Copy v  Why ca, , changed",
+                     "runs >  > Revert! Copy s Copy v!  Delete!, , changed",
+                     "runs > Copy value > Revert! Copy s Copy v  Why ca, mine, changed",
+                     "load > Copy value > Revert Copy s Copy v  Why ca, "},
+                    outcome);
     }
 
     /// The built program draws its pictures, of the first file that is named, and changes nothing.

@@ -121,8 +121,11 @@ private slots:
         }
         page.toggle(module);
         page.view.setReadOnly(true);
-        QVERIFY(!undo->isEnabled());
+        QVERIFY(!undo->isEnabled() && page.item(safeTier)->isDisabled());
         QCOMPARE(page.menu(module), u"Undo deletion!"_s);
+        page.view.setReadOnly(false);
+        page.menu(module, u"Undo deletion"_s, [&] { page.view.setReadOnly(true); });
+        QCOMPARE(page.document.pendingCount(), 2);
         page.view.setReadOnly(false);
         page.menu(module, u"Undo deletion"_s);
         page.menu(histories, u"Undo deletion"_s);

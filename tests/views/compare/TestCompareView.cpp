@@ -75,6 +75,9 @@ private slots:
         QVERIFY(page.messages[0][0].toString().startsWith(u"Copied 2 value(s)"));
         QCOMPARE(page.node(u"G/A/y"_s)->value, u"b"_s);
         QTRY_VERIFY(!page.child("copyAllButton")->isEnabled());
+        page.path = page.otherPath; // is opened
+        page.setDocument(&page.document);
+        QVERIFY(page.text("summaryLabel").startsWith(u"Pick another"));
     }
 
     void offersMenu()

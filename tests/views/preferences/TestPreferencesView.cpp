@@ -36,7 +36,7 @@ struct Page : SettingsPage<PreferencesView>
 
     QString title(int i) const { return list->item(i)->text(); }
 
-    QListWidget* list = child<QListWidget>("pageList");
+    QListWidget* list = view.findChild<QListWidget*>(u"pageList"_s);
 };
 
 } // namespace
@@ -82,7 +82,7 @@ private slots:
 
         auto* bar = page.child("pageStack")->findChild<QScrollArea*>()->verticalScrollBar();
         bar->setValue(bar->maximum());
-        page.view.setSearchText(u"straw"_s);
+        page.view.setSearchText(u"key"_s);
         QCOMPARE(bar->value(), 0);
         const auto found = [&page](const QStringList& cells) {
             page.view.setSearchText(cells[0]);
@@ -95,21 +95,28 @@ private slots:
         page.view.setSearchText({});
         QVERIFY(page.view.selectPage(0));
         QVERIFY(page.shown().endsWith(u"; S&&b")); // the section is closed, as at first
+        page.view.setSearchText(u"icon"_s);
+        page.reload();
+        QCOMPARE(page.shown(), u"[Identifiers and GUI]: GUI; Icon"_s);
     }
 
-    void keepsTheFocusWhenAClickEndsTheSearch()
+    /// So many rows that they are made and searched later.
+    void searchesInManyRows()
     {
-        QString many;
-        for (int i = 0; i < 1001; ++i) {
-            many += u"%1Application/Key%2:s=; "_s.arg(group).arg(i);
+        QString many = u"; ~Other/O:s=; ~Sub/Key1:s=; ~Sub/O:s="_s;
+        for (int i = 0; i < 1998; ++i) {
+            many.prepend(u"; ~Key%1:s="_s.arg(i));
         }
-        Page page(many.chopped(2));
+        Page page(many.replace(u"~"_s, group + u"Application/"_s).mid(2));
         page.view.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&page.view));
-        QTest::keyClicks(page.child("searchEdit"), u"key"_s);
+        QTest::keyClicks(page.view.findChild<QLineEdit*>(u"searchEdit"_s), u"key1"_s);
         auto* clicked = page.view.findChild<WidgetColumn*>()->findChild<QLineEdit*>();
         QTest::mouseClick(clicked, Qt::LeftButton);
         QCOMPARE(QApplication::focusWidget(), clicked);
+        QVERIFY(page.shown().endsWith(u"; Key 10; Key 1; Sub; Key 1"));
+        QCOMPARE(page.shown().count(u';'), 1110);
+        QVERIFY(page.child("limitLabel")->isVisible());
     }
 };
 
