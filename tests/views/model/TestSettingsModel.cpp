@@ -56,48 +56,6 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    /// Columns, one row after the other: step, node; the first letters of the signals, the number
-    /// of pending changes, and the first words of a reason.
-    void tellsOfChanges()
-    {
-        ModelOf f(u"A/a:i=7; A/b; B/b:i=7; Global/v:s="_s);
-        QString told;
-        connect(&f.model, &SettingsModel::edited, this, [&] { told += u'e'; });
-        connect(&f.model, &SettingsModel::dataChanged, this, [&] { told += u'd'; });
-        connect(&f.model, &SettingsModel::layoutChanged, this, [&] { told += u'l'; });
-        const auto outcome = [&](const QStringList& cells) {
-            XsdtNode* node = f.node(cells[1]);
-            QString reason;
-            told.clear();
-            if (cells[0] == u"mark") {
-                (void)f.model.markForDeletion(node, &reason);
-            } else if (cells[0] == u"undo") {
-                f.model.undoDeletion(node);
-            } else if (cells[0] == u"do much") {
-                const SettingsModel::Batch batch(f.model);
-                f.model.setValue(node, u"1"_s);
-                (void)f.model.markForDeletion(f.node(u"B"_s));
-                f.model.revertValue(node);
-                told += u' ';
-            } else if (cells[1].isEmpty()) {
-                f.model.setReadOnly(cells[0] == u"run");
-            } else {
-                f.model.setValue(node, cells[0]);
-            }
-            const QVariant font = f.model.indexForNode(node).data(Qt::FontRole);
-            return u"%1 %2 "_s.arg(told).arg(f.document.pendingCount()) +
-                   (font.value<QFont>().strikeOut() ? u"struck"_s : reason.section(u' ', 0, 1));
-        };
-        compareRows({"mark > Global/v >  0 Core PixInsight", "run >  > ldddd 0 ",
-                     "mark > A >  0 PixInsight is", "end >  > ldddd 0 ", " 7 > A/a >  0 ",
-                     "08 > A/a > de 1 ", "mark > A > dde 1 struck", "9 > A/a >  1 struck",
-                     "mark > A/b >  1 struck", "undo > A/b >  1 struck", "run >  > ldddd 1 ",
-                     "undo > A > dde 1 ", "end >  > ldddd 1 ", "do much > A/a >  ldddde 1 "},
-                    outcome);
-        QVERIFY(
-            f.model.index(0, 0).data(Qt::ToolTipRole).toString().contains(u"\nCan be deleted: "));
-    }
-
     /// Whatever is changed under a filter, in whatever order, the proxy shows what the plain
     /// definition says, and tells its views of every step.
     void filterFollowsChanges()
@@ -180,6 +138,8 @@ private slots:
         f.view.expandAll();
         f.proxy.setFilterText(u"level/level/level"_s);
         QCOMPARE(f.proxy.rowCount(), 1);
+        f.proxy.setFilterText(u"level/"_s.repeated(1001)); // deeper than what is shown
+        QCOMPARE(f.proxy.rowCount(), 0);
     }
 
     /// Columns: type and value, what is typed in front of it; the stored value. "*" is a long text.
