@@ -70,7 +70,8 @@ private slots:
         for (const auto direction : {Qt::RightToLeft, Qt::LeftToRight}) {
             QApplication::setLayoutDirection(direction);
             QWidget window;
-            auto* row = new WrappingRow;
+            auto* row = new WrappingRow(Qt::AlignTrailing);
+            window.resize(900, 50);
             window.setLayout(row);
             row->addWidget(new QPushButton(u"Text"_s));
             row->addWidget(new QPushButton(u"Text"_s));
@@ -78,6 +79,7 @@ private slots:
             window.show();
             const bool isMirrored = row->itemAt(0)->geometry().x() > row->itemAt(1)->geometry().x();
             QCOMPARE(isMirrored, direction == Qt::RightToLeft);
+            QCOMPARE(row->itemAt(1)->geometry().right() == row->geometry().right(), !isMirrored);
 
             QPushButton button(u"-1/x..."_s);
             pictures += button.grab().toImage();

@@ -53,6 +53,7 @@ private slots:
                                "GUI, (no name): Fast; S&&b"_s);
         page.child<QToolButton>("toggleButton")->click();
         QVERIFY(page.shown().endsWith(u": Fast; S&&b; Deep"));
+        QCOMPARE(page.child<QToolButton>("toggleButton")->arrowType(), Qt::DownArrow);
         QTest::keyClick(page.list, Qt::Key_Down);
         QVERIFY(page.shown().endsWith(u": On"));
         QVERIFY(page.view.selectPage(2) && page.shown().endsWith(u": Tab"));
