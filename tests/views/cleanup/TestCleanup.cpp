@@ -134,7 +134,7 @@ private slots:
 
     void listsUnusedModules()
     {
-        const ModulesPage page(moduleNodes);
+        ModulesPage page(moduleNodes);
         page.child<QCheckBox>("tick")->click();
         QCOMPARE(page.text("toggleButton") + u"; "_s + page.text("summary"),
                  u"%1&&Old  -  1 value(s), 44 B; 2 unused module(s); 1 ticked (about 44 B); 0 "
@@ -143,6 +143,10 @@ private slots:
         page.child<QToolButton>("toggleButton", 1)->click();
         QCOMPARE(page.text("groupLabel"), u"Global/Statistics/Process/P  (1 value(s))"_s);
         QCOMPARE(page.text("groupLabel", 1), u"ModuleData/Gone  (1 value(s))"_s);
+        QVERIFY(page.model.markForDeletion(page.node(u"ModuleData/Gone/n"_s)));
+        QVERIFY(!page.child("toggleButton", 1)->accessibleDescription().isEmpty());
+        page.model.revertAll();
+        QCOMPARE(page.child("toggleButton", 1)->accessibleDescription(), QString());
     }
 
     void titlesFollowChangesAtAnyDepth()
