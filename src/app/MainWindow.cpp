@@ -144,7 +144,7 @@ void MainWindow::buildUi()
         u"adBanner"_s,
         new AdBanner(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/ads"_s));
     layout->addWidget(m_adBanner);
-    setCentralWidget(central);
+    setContent(central);
 
     m_toolbar = new MainToolBar(tr("Main toolbar"), this);
     addToolBar(m_toolbar);

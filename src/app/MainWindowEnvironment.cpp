@@ -178,19 +178,17 @@ void MainWindow::updateMinimumWidth()
     fitMinimumWidth(width);
 }
 
-/// Leaves each page the height that its rows need at the present width, if the screen has it. Qt's
-/// own minimum is that of rows and texts that don't wrap.
+/// Leaves each page the height that its rows need at the present width. Qt's own minimum is that of
+/// rows and texts that don't wrap.
 void MainWindow::updatePageHeights()
 {
-    const QSize front = m_tabs->currentWidget()->size();
-    const int most = room().height() - (height() - front.height());
+    const int width = m_tabs->currentWidget()->width();
     for (int i = 0; i < m_tabs->count(); ++i) {
         QWidget* page = m_tabs->widget(i);
         page->layout()->activate(); // a page that isn't in front doesn't by itself
         // Before the window is shown, no page has its width.
-        const int wrapped =
-            isVisible() ? page->layout()->totalMinimumHeightForWidth(front.width()) : 0;
-        page->setMinimumHeight(std::max(page->minimumSizeHint().height(), std::min(wrapped, most)));
+        const int wrapped = isVisible() ? page->layout()->totalMinimumHeightForWidth(width) : 0;
+        page->setMinimumHeight(std::max(page->minimumSizeHint().height(), wrapped));
     }
 }
 

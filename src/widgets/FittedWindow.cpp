@@ -3,12 +3,69 @@
 
 #include <QLayout>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QShowEvent>
 #include <QStyle>
 
 #include <algorithm>
 
 namespace kse {
+
+class FittedWindow::Content : public QScrollArea
+{
+public:
+    int room = QWIDGETSIZE_MAX; ///< In height, in pixels.
+
+    explicit Content(QWidget* content)
+    {
+        setWidget(content);
+        setFrameShape(NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        viewport()->setAutoFillBackground(false);
+        content->setAutoFillBackground(false);
+    }
+
+    QSize sizeHint() const override { return widget()->sizeHint(); }
+
+    QSize minimumSizeHint() const override
+    {
+        const QSize least = widget()->minimumSizeHint();
+        const int bar = least.height() > room ? verticalScrollBar()->sizeHint().width() : 0;
+        return {least.width() + bar, std::min(least.height(), room)};
+    }
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::LayoutRequest) {
+            updateGeometry();
+            fitContent();
+        }
+        return QScrollArea::event(event);
+    }
+
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QScrollArea::resizeEvent(event);
+        fitContent();
+    }
+
+private:
+    /// `setWidgetResizable` would take the height that wrapped rows like to have for the least.
+    void fitContent()
+    {
+        const int least = widget()->minimumSizeHint().height();
+        widget()->resize(viewport()->width(), std::max(viewport()->height(), least));
+    }
+};
+
+void FittedWindow::setContent(QWidget* content)
+{
+    m_content = new Content(content);
+    setCentralWidget(m_content);
+}
 
 void FittedWindow::showEvent(QShowEvent* event)
 {
@@ -35,6 +92,10 @@ void FittedWindow::fitSize(int minimum)
     m_chosen = {chosen(width(), m_chosen.width(), m_fitted.width(), minimumWidth()),
                 chosen(height(), m_chosen.height(), m_fitted.height(), minimumHeight())};
     setMinimumWidth(minimum);
+    if (isVisible()) {
+        m_content->room = room().height() - (height() - m_content->height());
+        m_content->updateGeometry();
+    }
     layout()->activate(); // sets the minimum height
     if (!isMaximized() && !isFullScreen()) {
         resize(m_chosen.expandedTo(minimumSize()));

@@ -503,13 +503,21 @@ private slots:
         m_window->resize(1, 1); // as low as it gets with wrapped rows, at the lower edge
         settle();
         const auto* compare = find<CompareView>("compareView");
-        QVERIFY(compare->height() >=
-                compare->layout()->totalMinimumHeightForWidth(compare->width()));
+        const auto isWhole = [&] {
+            return compare->height() >=
+                   compare->layout()->totalMinimumHeightForWidth(compare->width());
+        };
+        QVERIFY(isWhole());
         const QRect screen = m_window->screen()->geometry();
         const int height = m_window->height();
         m_window->move(screen.left(), screen.bottom() - m_window->height());
         ThemeManager::instance().setFontScale(2.2, false);
-        QTRY_VERIFY(m_window->frameGeometry().bottom() <= screen.bottom());
+        settle();
+        QTRY_VERIFY(m_window->frameGeometry().bottom() <= screen.bottom() && isWhole());
+        find<QWidget>("adBanner")->setMinimumHeight(300); // as on a lower screen
+        settle();
+        QTRY_VERIFY(m_window->frameGeometry().height() <= screen.height() && isWhole());
+        find<QWidget>("adBanner")->setMinimumHeight(0);
         ThemeManager::instance().setFontScale(0.8, false);
         QTRY_COMPARE(m_window->height(), height);
     }
