@@ -70,7 +70,6 @@ private slots:
     bool onSave();
     void onRestoreBackup();
     void onRevertAll();
-    void onEdited();
     void pollEnvironment();
     void onFindModule();
     void onUnusedModules();
@@ -79,7 +78,6 @@ private slots:
     void onManageBackups();
     void refreshToolbarIcons();
     void updateMinimumWidth();
-    void updateStatusBarStyle();
     void onFileActivated(int index);
     void onThemeChanged();
 

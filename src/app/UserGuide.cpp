@@ -28,8 +28,9 @@ bool writeWhole(const QString& path, const QByteArray& bytes)
            file.write(bytes) == bytes.size() && file.commit();
 }
 
-} // namespace
-
+/// Writes the built-in user guide to a file in the system's temporary folder, or, if another user
+/// owns a file of that name there, in the program's cache folder. Overwrites an older one. Returns
+/// the path, or an empty one if the guide couldn't be written completely.
 QString exportUserGuide()
 {
     QFile guide(u":/help/help.html"_s);
@@ -50,6 +51,8 @@ QString exportUserGuide()
         taken.isSymbolicLink() || (taken.exists() && taken.ownerId() != QFileInfo(cache).ownerId());
     return isForeign && writeWhole(cache + name, page) ? cache + name : QString();
 }
+
+} // namespace
 
 void showUserGuide()
 {

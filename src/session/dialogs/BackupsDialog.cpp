@@ -147,7 +147,7 @@ void BackupsDialog::fit()
     layout()->activate(); // drops the minimum size that larger text needed
     const int frame = 2 * m_list->frameWidth();
     const int others = layout()->minimumSize().height() - m_list->minimumHeight();
-    const bool scrolls = m_count * m_list->sizeHintForRow(0) + frame > startHeight - others;
+    const bool scrolls = m_list->count() * m_list->sizeHintForRow(0) + frame > startHeight - others;
     const int bar = scrolls ? m_list->verticalScrollBar()->sizeHint().width() : 0;
     m_list->setMinimumWidth(std::min(m_list->sizeHintForColumn(0) + frame + bar,
                                      screen()->availableGeometry().width() * 9 / 10));
@@ -175,7 +175,6 @@ void BackupsDialog::keyPressEvent(QKeyEvent* event)
 void BackupsDialog::refresh()
 {
     const QStringList paths = PixInsightEnv::backupsOf(m_settingsPath);
-    m_count = paths.size();
     m_list->clear();
     qint64 totalBytes = 0;
     for (const QString& path : paths) {
@@ -191,12 +190,12 @@ void BackupsDialog::refresh()
     }
     updateSelectionButton();
     const QString name = QFileInfo(m_settingsPath).fileName();
-    m_header->setText(m_count == 0
-                          ? tr("No backups of %1.").arg(name)
-                          : tr("%1 backup(s) of %2, %3 in total (newest first):")
-                                .arg(QString::number(m_count), name, formatSize(totalBytes)));
+    m_header->setText(m_list->count() == 0 ? tr("No backups of %1.").arg(name)
+                                           : tr("%1 backup(s) of %2, %3 in total (newest first):")
+                                                 .arg(QString::number(m_list->count()), name,
+                                                      formatSize(totalBytes)));
     updateOlderButton();
-    m_deleteAll->setEnabled(m_count > 0);
+    m_deleteAll->setEnabled(m_list->count() > 0);
 }
 
 void BackupsDialog::updateOlderButton()

@@ -45,7 +45,6 @@ private:
     void confirmAndRemove(const QStringList& paths, qint64 totalBytes, const QString& prompt);
 
     QString m_settingsPath;
-    qsizetype m_count = 0;
 
     QLabel* m_header = nullptr;
     QListWidget* m_list = nullptr; ///< The path of each backup is in its item's `Qt::UserRole`.

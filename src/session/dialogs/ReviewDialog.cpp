@@ -46,16 +46,6 @@ constexpr qsizetype detailLimit = 100'000;  // each text; Qt lays out a longer l
 constexpr qsizetype wordWrapLimit = 10'000; // and needs quadratic time to look for its words
 constexpr qsizetype removedRowLimit = 300;
 
-XsdtNode* nodeOf(const QTreeWidgetItem* row)
-{
-    return row->data(ChangeColumn, ReviewDialog::NodeRole).value<XsdtNode*>();
-}
-
-int kindOf(const QTreeWidgetItem* row)
-{
-    return row->data(ChangeColumn, ReviewDialog::KindRole).toInt();
-}
-
 // A path in one line, short enough to be laid out at every repaint.
 QString rowPath(const QString& path)
 {
@@ -108,6 +98,17 @@ QTreeWidgetItem* createNote(const QString& text)
     auto* row = new QTreeWidgetItem(QStringList{QString(), text});
     row->setFlags(Qt::ItemIsEnabled);
     return row;
+}
+
+bool passesFilter(const NamedNode& pending, const QString& filter)
+{
+    const auto holdsFilter = [&filter](const QString& text) {
+        return text.contains(filter, Qt::CaseInsensitive);
+    };
+    const XsdtNode& node = *pending.node;
+    return filter.isEmpty() || holdsFilter(pending.name) ||
+           (node.kind == XsdtNode::Kind::Value && node.typeCode != XsdtValueType::Block &&
+            (holdsFilter(node.value) || holdsFilter(node.original)));
 }
 
 } // namespace
@@ -270,23 +271,23 @@ void ReviewDialog::updateDetailHeight()
 
 void ReviewDialog::populate()
 {
+    qsizetype pending = 0;
     {
         const QSignalBlocker blocker(m_tree);
         m_tree->clear();
         const QList<XsdtNode*> deletions = m_document->deletions();
         const QList<XsdtNode*> edits = m_document->editedValues();
-        m_deletionCount = deletions.size();
-        m_editCount = edits.size();
+        pending = deletions.size() + edits.size();
         qsizetype removedValues = 0;
         for (const XsdtNode* node : deletions) {
             removedValues += node->valueCount();
         }
-        m_summary->setText(m_deletionCount + m_editCount == 0
+        m_summary->setText(pending == 0
                                ? tr("There are no changes to save.")
                                : tr("%1 edit(s) and %2 deletion(s) (%3 values removed) will be "
                                     "written to the settings file.")
-                                     .arg(m_editCount)
-                                     .arg(m_deletionCount)
+                                     .arg(edits.size())
+                                     .arg(deletions.size())
                                      .arg(removedValues));
         if (m_showDeletions->isChecked()) {
             addDeletions(deletions);
@@ -294,18 +295,18 @@ void ReviewDialog::populate()
         if (m_showEdits->isChecked()) {
             addEdits(edits);
         }
-        updateHidden();
-        if (m_tree->topLevelItemCount() == 0 && m_deletionCount + m_editCount > 0) {
+        updateHidden(pending);
+        if (m_tree->topLevelItemCount() == 0 && pending > 0) {
             m_tree->addTopLevelItem(createNote(tr("Nothing matches the filters.")));
         }
     }
-    m_save->setEnabled(m_deletionCount + m_editCount > 0);
+    m_save->setEnabled(pending > 0);
     updateDetail();
 }
 
-void ReviewDialog::updateHidden()
+void ReviewDialog::updateHidden(qsizetype pending)
 {
-    const int hidden = int(m_editCount + m_deletionCount) - m_tree->topLevelItemCount();
+    const int hidden = int(pending) - m_tree->topLevelItemCount();
     m_hidden->setText(tr("The filters hide %n change(s). Save writes them too.", nullptr, hidden));
     m_hidden->setVisible(hidden > 0);
 }
@@ -313,17 +314,6 @@ void ReviewDialog::updateHidden()
 void ReviewDialog::updateRunning()
 {
     m_running->setVisible(m_model->isReadOnly());
-}
-
-bool ReviewDialog::passesFilter(const NamedNode& pending, const QString& filter)
-{
-    const auto holdsFilter = [&filter](const QString& text) {
-        return text.contains(filter, Qt::CaseInsensitive);
-    };
-    const XsdtNode& node = *pending.node;
-    return filter.isEmpty() || holdsFilter(pending.name) ||
-           (node.kind == XsdtNode::Kind::Value && node.typeCode != XsdtValueType::Block &&
-            (holdsFilter(node.value) || holdsFilter(node.original)));
 }
 
 QList<NamedNode> ReviewDialog::filteredByPath(const QList<XsdtNode*>& nodes) const
@@ -375,8 +365,9 @@ void ReviewDialog::addEdits(const QList<XsdtNode*>& nodes)
 
 void ReviewDialog::populateDeletion(QTreeWidgetItem* row)
 {
-    XsdtNode* deleted = nodeOf(row);
-    if (!deleted || kindOf(row) != DeletionRow || row->childCount() > 0) {
+    auto* deleted = row->data(ChangeColumn, NodeRole).value<XsdtNode*>();
+    const int kind = row->data(ChangeColumn, KindRole).toInt();
+    if (!deleted || kind != DeletionRow || row->childCount() > 0) {
         return;
     }
     QList<QTreeWidgetItem*> rows;

@@ -8,7 +8,6 @@
 
 class QCheckBox;
 class QLabel;
-class QLayout;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
@@ -57,9 +56,8 @@ private:
     void createTree();
     void createLayout();
     void connectWidgets();
-    void updateHidden();
+    void updateHidden(qsizetype pending);
     void updateDetailHeight();
-    static bool passesFilter(const NamedNode& pending, const QString& filter);
     QList<NamedNode> filteredByPath(const QList<XsdtNode*>& nodes) const;
     void addDeletions(const QList<XsdtNode*>& nodes);
     void addEdits(const QList<XsdtNode*>& nodes);
@@ -68,8 +66,6 @@ private:
     const XsdtDocument* m_document = nullptr;
     const SettingsSchema* m_schema = nullptr;
     TreeGuard m_guard; ///< For the nodes of the rows.
-    qsizetype m_editCount = 0;
-    qsizetype m_deletionCount = 0;
 
     QLabel* m_running = nullptr; ///< That PixInsight runs; hidden while it doesn't.
     QLabel* m_summary = nullptr;
