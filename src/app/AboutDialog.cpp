@@ -44,22 +44,6 @@ QLabel* createText(const QString& text, Qt::TextFormat format, int topMargin = 0
     return label;
 }
 
-/// The technical details, one a line.
-QString buildDetails(const QString& path, const QString& pixinsightVersion)
-{
-    const QStringList lines{
-        u"Kestrane Settings Editor %1 (source %2)"_s.arg(QStringLiteral(KSE_VERSION),
-                                                         QStringLiteral(KSE_REVISION)),
-        u"Qt %1"_s.arg(QLatin1String(qVersion())),
-        u"System: %1 (%2)"_s.arg(QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture()),
-        u"Open file: %1"_s.arg(path.isEmpty() ? u"none"_s : QDir::toNativeSeparators(path)),
-        u"PixInsight recorded in the file: %1"_s.arg(
-            pixinsightVersion.isEmpty() ? u"unknown"_s : pixinsightVersion),
-        u"Settings folders searched: %1"_s.arg(PixInsightEnv::settingsFoldersText()),
-    };
-    return lines.join(u'\n');
-}
-
 } // namespace
 
 AboutDialog::AboutDialog(const QString& path, const QString& pixinsightVersion, QWidget* parent)
@@ -225,6 +209,21 @@ void AboutDialog::changeEvent(QEvent* event)
     if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange) {
         updateLook();
     }
+}
+
+QString AboutDialog::buildDetails(const QString& path, const QString& pixinsightVersion)
+{
+    const QStringList lines{
+        u"Kestrane Settings Editor %1 (source %2)"_s.arg(QStringLiteral(KSE_VERSION),
+                                                         QStringLiteral(KSE_REVISION)),
+        u"Qt %1"_s.arg(QLatin1String(qVersion())),
+        u"System: %1 (%2)"_s.arg(QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture()),
+        u"Open file: %1"_s.arg(path.isEmpty() ? u"none"_s : QDir::toNativeSeparators(path)),
+        u"PixInsight recorded in the file: %1"_s.arg(
+            pixinsightVersion.isEmpty() ? u"unknown"_s : pixinsightVersion),
+        u"Settings folders searched: %1"_s.arg(PixInsightEnv::settingsFoldersText()),
+    };
+    return lines.join(u'\n');
 }
 
 QString recordedVersion(const XsdtDocument& document)

@@ -22,6 +22,10 @@ public:
     /// `path` is the open file and `pixinsightVersion` what it records; either may be empty.
     AboutDialog(const QString& path, const QString& pixinsightVersion, QWidget* parent = nullptr);
 
+    /// The technical details, one a line.
+    [[nodiscard]] static QString buildDetails(const QString& path,
+                                              const QString& pixinsightVersion);
+
 protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;

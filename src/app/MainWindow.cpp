@@ -120,7 +120,7 @@ void MainWindow::buildUi()
     resize(1100, 760);
     m_model = new SettingsModel(this);
     m_model->setPolicy(&m_policy);
-    connect(m_model, &SettingsModel::edited, this, &MainWindow::refreshBanner);
+    connect(m_model, &SettingsModel::edited, this, &MainWindow::onEdited);
     connect(m_model, &SettingsModel::editRejected, this, &MainWindow::showRejection);
     m_openEditor = new OpenEditor(this);
 
@@ -385,6 +385,11 @@ void MainWindow::rebuildFileBox()
 QString MainWindow::openPath() const
 {
     return m_store.loaded ? m_store.path : QString();
+}
+
+void MainWindow::onEdited()
+{
+    refreshBanner();
 }
 
 qsizetype MainWindow::pendingCount() const

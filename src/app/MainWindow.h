@@ -70,6 +70,7 @@ private slots:
     bool onSave();
     void onRestoreBackup();
     void onRevertAll();
+    void onEdited();
     void pollEnvironment();
     void onFindModule();
     void onUnusedModules();
@@ -78,6 +79,7 @@ private slots:
     void onManageBackups();
     void refreshToolbarIcons();
     void updateMinimumWidth();
+    void updateStatusBarStyle();
     void onFileActivated(int index);
     void onThemeChanged();
 

@@ -131,24 +131,31 @@ void MainWindow::showStatus(const QString& text, int milliseconds)
 
 void MainWindow::connectTheme()
 {
+    const ThemeManager* theme = &ThemeManager::instance();
+    updateStatusBarStyle();
+    connect(theme, &ThemeManager::changed, this, &MainWindow::updateStatusBarStyle);
     // A letter that reaches out of its line would stay behind when the message goes.
     connect(statusBar(), &QStatusBar::messageChanged, statusBar(), qOverload<>(&QWidget::update));
-    onThemeChanged();
-    connect(&ThemeManager::instance(), &ThemeManager::changed, this, &MainWindow::onThemeChanged);
+    refreshToolbarIcons();
+    connect(theme, &ThemeManager::changed, this, &MainWindow::refreshToolbarIcons);
+    connect(theme, &ThemeManager::changed, this, &MainWindow::onThemeChanged);
 }
 
 void MainWindow::onThemeChanged()
 {
-    statusBar()->setStyleSheet(u"QStatusBar { background: palette(midlight); border-top: 1px solid "
-                               u"palette(mid); }"_s);
-    refreshToolbarIcons();
-    refreshBanner();
     const ThemeManager& theme = ThemeManager::instance();
+    refreshBanner();
     if (std::abs(theme.fontScale() - m_lastFontScale) > 1e-6) {
         m_lastFontScale = theme.fontScale();
         const int percent = qRound(m_lastFontScale * 100 / 1.25);
         showStatus(tr("Text size %1%").arg(percent), 3000);
     }
+}
+
+void MainWindow::updateStatusBarStyle()
+{
+    statusBar()->setStyleSheet(u"QStatusBar { background: palette(midlight); border-top: 1px solid "
+                               u"palette(mid); }"_s);
 }
 
 void MainWindow::refreshToolbarIcons()

@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPen>
-#include <QPixmap>
 #include <QPolygonF>
 
 #include <algorithm>
@@ -82,27 +81,11 @@ void drawAbout(QPainter& painter, const QColor& colour)
     painter.drawPoint(QPointF(12, 7.8));
 }
 
-/// By `ToolbarIconKind`. Each draws in a square from (0, 0) to (24, 24).
+/// By `ToolbarIconKind`.
 constexpr void (*glyphs[])(QPainter&, const QColor&) = {
     drawFolder, drawReload,  drawFloppy, drawRevert, drawSearch,
     drawStack,  drawRestore, drawTheme,  drawAbout,
 };
-
-/// The icon on a transparent background, at least 8 device pixels wide.
-QPixmap renderToolbarPixmap(ToolbarIconKind kind, const QColor& colour, int size,
-                            qreal devicePixelRatio)
-{
-    const int side = std::max(8, static_cast<int>(std::lround(size * devicePixelRatio)));
-    QPixmap pixmap(side, side);
-    pixmap.fill(Qt::transparent);
-    pixmap.setDevicePixelRatio(devicePixelRatio);
-    QPainter painter(&pixmap);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    painter.scale(size / 24.0, size / 24.0);
-    painter.setPen(QPen(colour, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    glyphs[static_cast<size_t>(kind)](painter, colour);
-    return pixmap;
-}
 
 } // namespace
 
@@ -116,6 +99,27 @@ QIcon makeToolbarIcon(ToolbarIconKind kind, const QColor& normal, const QColor& 
     icon.addPixmap(renderToolbarPixmap(kind, disabled, size, devicePixelRatio), QIcon::Disabled,
                    QIcon::Off);
     return icon;
+}
+
+QPixmap renderToolbarPixmap(ToolbarIconKind kind, const QColor& colour, int size,
+                            qreal devicePixelRatio)
+{
+    const int side = std::max(8, static_cast<int>(std::lround(size * devicePixelRatio)));
+    QPixmap pixmap(side, side);
+    pixmap.fill(Qt::transparent);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    QPainter painter(&pixmap);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    painter.scale(size / 24.0, size / 24.0);
+    drawToolbarGlyph(painter, kind, colour);
+    return pixmap;
+}
+
+void drawToolbarGlyph(QPainter& painter, ToolbarIconKind kind, const QColor& colour)
+{
+    painter.setPen(QPen(colour, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    glyphs[static_cast<size_t>(kind)](painter, colour);
 }
 
 } // namespace kse

@@ -3,6 +3,9 @@
 
 #include <QColor>
 #include <QIcon>
+#include <QPixmap>
+
+class QPainter;
 
 namespace kse {
 
@@ -22,5 +25,13 @@ enum class ToolbarIconKind {
 /// mouse, or `disabled`. Icons are drawn, so that they can follow the palette.
 [[nodiscard]] QIcon makeToolbarIcon(ToolbarIconKind kind, const QColor& normal,
                                     const QColor& disabled, int size, qreal devicePixelRatio);
+
+/// The icon on a transparent background, at least 8 device pixels wide.
+[[nodiscard]] QPixmap renderToolbarPixmap(ToolbarIconKind kind, const QColor& colour, int size,
+                                          qreal devicePixelRatio);
+
+/// Draws the icon with `painter` in a square from (0, 0) to (24, 24). Changes the painter's pen and
+/// brush.
+void drawToolbarGlyph(QPainter& painter, ToolbarIconKind kind, const QColor& colour);
 
 } // namespace kse

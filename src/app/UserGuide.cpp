@@ -28,9 +28,8 @@ bool writeWhole(const QString& path, const QByteArray& bytes)
            file.write(bytes) == bytes.size() && file.commit();
 }
 
-/// Writes the built-in user guide to a file in the system's temporary folder, or, if another user
-/// owns a file of that name there, in the program's cache folder. Overwrites an older one. Returns
-/// the path, or an empty one if the guide couldn't be written completely.
+} // namespace
+
 QString exportUserGuide()
 {
     QFile guide(u":/help/help.html"_s);
@@ -51,8 +50,6 @@ QString exportUserGuide()
         taken.isSymbolicLink() || (taken.exists() && taken.ownerId() != QFileInfo(cache).ownerId());
     return isForeign && writeWhole(cache + name, page) ? cache + name : QString();
 }
-
-} // namespace
 
 void showUserGuide()
 {

@@ -118,67 +118,6 @@ bool writeFile(const QString& path, const QByteArray& bytes)
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }
 
-/// -1, 0 or 1, comparing number by number. A part that is missing or isn't a number counts as 0, so
-/// "1.2" equals "1.2.0".
-int compareVersions(const QString& a, const QString& b)
-{
-    const QStringList left = a.split(u'.');
-    const QStringList right = b.split(u'.');
-    for (qsizetype i = 0; i < std::max(left.size(), right.size()); ++i) {
-        const int l = left.value(i).toInt();
-        const int r = right.value(i).toInt();
-        if (l != r) {
-            return l < r ? -1 : 1;
-        }
-    }
-    return 0;
-}
-
-/// The ads that are for `today` and for this `version` of the program, in order.
-QList<AdRecord> eligible(const ManifestData& manifest, const QDate& today, const QString& version)
-{
-    const QString day = today.toString(Qt::ISODate);
-    QList<AdRecord> records;
-    for (const AdRecord& ad : manifest.ads) {
-        const bool isForToday =
-            (ad.start.isEmpty() || day >= ad.start) && (ad.end.isEmpty() || day <= ad.end);
-        if (isForToday &&
-            (ad.minVersion.isEmpty() || compareVersions(version, ad.minVersion) >= 0) &&
-            (ad.maxVersion.isEmpty() || compareVersions(version, ad.maxVersion) <= 0)) {
-            records.append(ad);
-        }
-    }
-    return records;
-}
-
-/// The ads that come with the program. Their pages are on `site`.
-QList<AdRecord> builtIn(const QUrl& site)
-{
-    const auto record = [&](const QString& id, const QString& image, const QString& page,
-                            const QString& alt) {
-        AdRecord ad;
-        ad.id = id;
-        ad.image = u":/ads/"_s + image;
-        ad.click = site.resolved(QUrl(page)).toString();
-        ad.alt = alt;
-        ad.embedded = true;
-        return ad;
-    };
-    return {record(u"emb-vellumix"_s, u"Vellumix.png"_s, u"/pixinsight/vellumix/"_s,
-                   u"Vellumix - Full-featured layer composition for PixInsight"_s),
-            record(u"emb-torvane"_s, u"Torvane.png"_s, u"/pixinsight/torvane/"_s,
-                   u"Torvane - turn one photo into a real-depth 3D image"_s),
-            record(u"emb-quorrel"_s, u"Quorrel.png"_s, u"/pixinsight/quorrel/"_s,
-                   u"Quorrel - Selecting our best frames was never this easy."_s)};
-}
-
-/// The path in `folder` for the copy of the picture at `url`, without its extension.
-QString imageBasePath(const QString& folder, const QString& url)
-{
-    const QByteArray hash = QCryptographicHash::hash(url.toUtf8(), QCryptographicHash::Sha1);
-    return folder + u"/img_"_s + QString::fromLatin1(hash.toHex().first(16));
-}
-
 } // namespace
 
 namespace AdManifest {
@@ -250,6 +189,56 @@ bool isFresh(const ManifestCache& cache, const QDateTime& utcNow, double ttlHour
     return cache.valid && age >= 0 && age / 3600000.0 < ttlHours;
 }
 
+int compareVersions(const QString& a, const QString& b)
+{
+    const QStringList left = a.split(u'.');
+    const QStringList right = b.split(u'.');
+    for (qsizetype i = 0; i < std::max(left.size(), right.size()); ++i) {
+        const int l = left.value(i).toInt();
+        const int r = right.value(i).toInt();
+        if (l != r) {
+            return l < r ? -1 : 1;
+        }
+    }
+    return 0;
+}
+
+QList<AdRecord> eligible(const ManifestData& manifest, const QDate& today, const QString& version)
+{
+    const QString day = today.toString(Qt::ISODate);
+    QList<AdRecord> records;
+    for (const AdRecord& ad : manifest.ads) {
+        const bool isForToday =
+            (ad.start.isEmpty() || day >= ad.start) && (ad.end.isEmpty() || day <= ad.end);
+        if (isForToday &&
+            (ad.minVersion.isEmpty() || compareVersions(version, ad.minVersion) >= 0) &&
+            (ad.maxVersion.isEmpty() || compareVersions(version, ad.maxVersion) <= 0)) {
+            records.append(ad);
+        }
+    }
+    return records;
+}
+
+QList<AdRecord> builtIn(const QUrl& site)
+{
+    const auto record = [&](const QString& id, const QString& image, const QString& page,
+                            const QString& alt) {
+        AdRecord ad;
+        ad.id = id;
+        ad.image = u":/ads/"_s + image;
+        ad.click = site.resolved(QUrl(page)).toString();
+        ad.alt = alt;
+        ad.embedded = true;
+        return ad;
+    };
+    return {record(u"emb-vellumix"_s, u"Vellumix.png"_s, u"/pixinsight/vellumix/"_s,
+                   u"Vellumix - Full-featured layer composition for PixInsight"_s),
+            record(u"emb-torvane"_s, u"Torvane.png"_s, u"/pixinsight/torvane/"_s,
+                   u"Torvane - turn one photo into a real-depth 3D image"_s),
+            record(u"emb-quorrel"_s, u"Quorrel.png"_s, u"/pixinsight/quorrel/"_s,
+                   u"Quorrel - Selecting our best frames was never this easy."_s)};
+}
+
 AdRecord choose(const ManifestData& manifest, const QDate& today, const QString& version,
                 const QString& lastId, QRandomGenerator& rng, const QUrl& site)
 {
@@ -279,6 +268,12 @@ AdRecord choose(const ManifestData& manifest, const QDate& today, const QString&
         }
     }
     return candidates.last();
+}
+
+QString imageBasePath(const QString& folder, const QString& url)
+{
+    const QByteArray hash = QCryptographicHash::hash(url.toUtf8(), QCryptographicHash::Sha1);
+    return folder + u"/img_"_s + QString::fromLatin1(hash.toHex().first(16));
 }
 
 QString findCachedImage(const QString& folder, const QString& url)

@@ -67,11 +67,25 @@ inline constexpr qsizetype sizeLimit = qsizetype{64} * 1024;
 /// Whether the copy is younger than `ttlHours`. One from the future isn't.
 [[nodiscard]] bool isFresh(const ManifestCache& cache, const QDateTime& utcNow, double ttlHours);
 
+/// The ads that are for `today` and for this `version` of the program, in order.
+[[nodiscard]] QList<AdRecord> eligible(const ManifestData& manifest, const QDate& today,
+                                       const QString& version);
+
+/// The ads that come with the program. Their pages are on `site`.
+[[nodiscard]] QList<AdRecord> builtIn(const QUrl& site = defaultSite());
+
 /// Picks one of the eligible ads at random, by weight, or of the built-in ones if there are none.
 /// Skips those with `lastId` unless there are no others.
 [[nodiscard]] AdRecord choose(const ManifestData& manifest, const QDate& today,
                               const QString& version, const QString& lastId, QRandomGenerator& rng,
                               const QUrl& site = defaultSite());
+
+/// -1, 0 or 1, comparing number by number. A part that is missing or isn't a number counts as 0, so
+/// "1.2" equals "1.2.0".
+[[nodiscard]] int compareVersions(const QString& a, const QString& b);
+
+/// The path in `folder` for the copy of the picture at `url`, without its extension.
+[[nodiscard]] QString imageBasePath(const QString& folder, const QString& url);
 
 /// The path of the copy of the picture at `url`; empty if there is none.
 [[nodiscard]] QString findCachedImage(const QString& folder, const QString& url);

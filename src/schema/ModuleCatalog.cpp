@@ -120,6 +120,7 @@ ModuleInfo ModulePlaces::info(const QString& name) const
     ModuleInfo info;
     info.name = name;
     info.registryNode = registry.value(name);
+    info.registered = info.registryNode != nullptr;
     QStringList processes{name}; // a process often has its module's name
     const auto scan = [&](const QList<XsdtNode*>& groups) {
         for (const XsdtNode* group : groups) {

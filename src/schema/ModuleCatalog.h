@@ -15,6 +15,7 @@ struct XsdtNode;
 struct ModuleInfo
 {
     QString name;
+    bool registered = false;          ///< The registry has exactly this name.
     XsdtNode* registryNode = nullptr; ///< Its entry in the registry, or null.
     QList<XsdtNode*> nodes;           ///< Its groups, without the registry entry; see `moduleInfo`.
 };

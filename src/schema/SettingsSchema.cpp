@@ -144,7 +144,7 @@ bool SettingsSchema::load(const QByteArray& globalsJson, const QByteArray& overl
 
 VariableInfo SettingsSchema::describe(const XsdtNode& node) const
 {
-    const QString id = withoutPrefix(node.path()).toString();
+    const QString id = variableId(node);
     VariableInfo info;
     info.label = prettyName(node.key);
     info.kind = kindOf(node);
@@ -211,6 +211,11 @@ void SettingsSchema::refine(const QString& id, VariableInfo& info) const
     for (const QJsonValue& choice : choices) {
         info.choices.append({truncated(choice[0].toDouble()), choice[1].toString()});
     }
+}
+
+QString SettingsSchema::variableId(const XsdtNode& node)
+{
+    return withoutPrefix(node.path()).toString();
 }
 
 bool SettingsSchema::mayDescribeIn(const XsdtNode& group) const

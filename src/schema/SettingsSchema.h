@@ -81,6 +81,8 @@ public:
 
     [[nodiscard]] VariableInfo describe(const XsdtNode& node) const;
 
+    [[nodiscard]] static QString variableId(const XsdtNode& node);
+
     /// Whether the preferences don't show `node`. Nodes below it are asked about separately.
     [[nodiscard]] bool isHidden(const XsdtNode& node) const;
 

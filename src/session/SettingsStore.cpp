@@ -202,7 +202,7 @@ std::size_t keptChildren(const XsdtNode& node)
 bool SettingsStore::load(const QString& newPath, QString* error)
 {
     QByteArray bytes;
-    return readWhole(newPath, bytes, error) && adopt(*this, newPath, bytes, error);
+    return readFile(newPath, bytes, error) && adopt(*this, newPath, bytes, error);
 }
 
 bool SettingsStore::isChangedOnDisk() const
@@ -276,7 +276,7 @@ bool SettingsStore::restoreBackup(const QString& backupPath, QString* error, QSt
         return false;
     }
     QByteArray bytes;
-    if (!readWhole(backupPath, bytes, error)) {
+    if (!readFile(backupPath, bytes, error)) {
         return false;
     }
     QString reason;
@@ -316,6 +316,11 @@ QString SettingsStore::backupName(const QString& suffix) const
         name = base + u'-' + QString::number(number);
     }
     return name;
+}
+
+bool SettingsStore::readFile(const QString& path, QByteArray& bytes, QString* error)
+{
+    return readWhole(path, bytes, error);
 }
 
 bool parseSettings(XsdtDocument& document, const QByteArray& bytes, const QString& path,

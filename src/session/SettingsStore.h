@@ -53,6 +53,11 @@ struct SettingsStore
     /// Path for a backup of the open file under which there is nothing yet: ".bak-", the local time
     /// and, unless empty, "-" and `suffix`; numbered from 2 where that is taken.
     [[nodiscard]] QString backupName(const QString& suffix = {}) const;
+
+    /// The whole of the regular file at `path`, links followed, into `bytes`. False with "Cannot
+    /// read %1: %2" for anything else and for a read error; `bytes` is left as it was then.
+    [[nodiscard]] static bool readFile(const QString& path, QByteArray& bytes,
+                                       QString* error = nullptr);
 };
 
 /// Parses `bytes`, the content of the file at `path`, into `document`. False with "%1 is not a

@@ -6,7 +6,6 @@
 #include "schema/DeletePolicy.h"
 #include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
-#include "session/VerifiedFile.h"
 #include "views/compare/CompareFileBox.h"
 #include "views/compare/CompareFilter.h"
 #include "views/compare/CompareRow.h"
@@ -189,7 +188,7 @@ bool CompareView::compareWith(const QString& path, QString* error)
     QByteArray bytes;
     if (PixInsightEnv::isSameFile(path, m_thisPath)) {
         reason = tr("That is the file being edited.");
-    } else if (readWhole(path, bytes, &reason)) {
+    } else if (SettingsStore::readFile(path, bytes, &reason)) {
         if (parseSettings(m_other, bytes, path, &reason)) {
             m_otherPath = path;
             m_fileCombo->setFiles(m_thisPath, m_otherPath);

@@ -14,9 +14,8 @@ ModuleSearch::ModuleSearch(const XsdtDocument& document, const QString& text)
     const auto modules = ModuleCatalog::searchModules(document, text, &exact);
     for (const ModuleInfo& info : modules) {
         nodes += ModuleCatalog::moduleLeaves(info);
-        captions.append(
-            (info.registryNode ? tr("%1 (installed)") : tr("%1 (not in the module list)"))
-                .arg(info.name));
+        captions.append((info.registered ? tr("%1 (installed)") : tr("%1 (not in the module list)"))
+                            .arg(info.name));
     }
     const int count = int(nodes.size());
     banner = exact
