@@ -4,9 +4,10 @@
 #include "widgets/Named.h"
 
 #include <QApplication>
-#include <QFocusEvent>
 #include <QFocusFrame>
+#include <QKeyEvent>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -76,12 +77,30 @@ void WidgetColumn::setMoreText(const QString& text)
     m_showMoreButton->setVisible(!text.isEmpty());
 }
 
-bool WidgetColumn::focusNextPrevChild(bool next)
+/// Creates those that are missing, and gives them their places.
+void WidgetColumn::fill()
 {
     if (widget()->isVisible() && complete()) { // not while it is being hidden
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // places the new ones
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
+}
+
+bool WidgetColumn::focusNextPrevChild(bool next)
+{
+    fill();
     return QScrollArea::focusNextPrevChild(next);
+}
+
+void WidgetColumn::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Home) {
+        verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMinimum);
+    } else if (event->key() == Qt::Key_End) {
+        fill();
+        verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMaximum);
+    } else {
+        QScrollArea::keyPressEvent(event);
+    }
 }
 
 void WidgetColumn::focusInEvent(QFocusEvent* event)

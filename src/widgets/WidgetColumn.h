@@ -13,7 +13,7 @@ class QPushButton;
 namespace kse {
 
 /// A scrolled column of rows or cards, created bit by bit, with a button at its end to show more of
-/// them.
+/// them. Home and End scroll it where the focus has no use for them.
 class WidgetColumn : public QScrollArea
 {
     Q_OBJECT
@@ -44,10 +44,13 @@ signals:
 
 protected:
     bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void fill();
+
     GradualLayout* m_rows = nullptr;
     QPushButton* m_showMoreButton = nullptr;
     QFocusFrame* m_focusFrame = nullptr;

@@ -97,6 +97,10 @@ private slots:
         page.press(u"searchValues"_s);
         QTRY_COMPARE(page.rows().size(), 100);
         QCOMPARE(bar->value(), 0);
+        page.view.setQuery(u"key 1 0"_s);
+        QTest::keyClick(bar->parentWidget(), Qt::Key_End); // before the last one is made
+        const auto* last = page.view.findChildren<SettingRow*>().constLast();
+        QVERIFY(last == page.rows().constLast() && !last->visibleRegion().isEmpty());
     }
 
     void narrowsRestrictedListUntilReload()
