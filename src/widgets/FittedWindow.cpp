@@ -70,7 +70,11 @@ void FittedWindow::setContent(QWidget* content)
 void FittedWindow::showEvent(QShowEvent* event)
 {
     if (!event->spontaneous()) {
+        fitSize(minimumWidth());
+        // If large text needs more than the screen has, smaller text gives that back.
+        m_chosen = m_chosen.boundedTo(room());
         keepOnScreen();
+        m_fitted = size();
     }
     QMainWindow::showEvent(event);
 }
