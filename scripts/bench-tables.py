@@ -56,7 +56,7 @@ GROWTHS = (
     ("Destroy", "Document", "destroy", MANY, 20),
     ("- one group of all values", "Document", "destroyWide", MANY, 40),
     ("Edit beside a difference in each group", "Bulk", "editBesideDifferences", (10_000, 80_000),
-     15),
+     75),
 )
 
 

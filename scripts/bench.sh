@@ -41,5 +41,5 @@ run Search Search --benchmark_repetitions=3 --benchmark_min_time=0.1
 run Pages Pages --benchmark_repetitions=5 --benchmark_min_time=0.1
 run Health Health --benchmark_min_time=0.1
 run Tree Tree --benchmark_min_time=0.05
-run Bulk Bulk --benchmark_min_time=0.05
+run Bulk Bulk --benchmark_repetitions=3 --benchmark_min_time=0.05
 scripts/bench-tables.py "$folder" | tee "$folder/tables.md"
