@@ -22,6 +22,8 @@ BannerRow::BannerRow()
     connect(m_bannerReload, &QPushButton::clicked, this, &BannerRow::reloadRequested);
     addWidget(m_bannerLabel, 1);
     addWidget(m_bannerReload);
+    m_height = new QSpacerItem(0, 0);
+    addItem(m_height);
 }
 
 void BannerRow::showText(const QString& text, const QColor& colour, bool offersReload)
@@ -40,6 +42,16 @@ void BannerRow::showText(const QString& text, const QColor& colour, bool offersR
     m_bannerLabel->setText(text);
     palette.setBrush(QPalette::Window, colour);
     m_bannerLabel->setPalette(palette);
+}
+
+void BannerRow::keepHeight()
+{
+    const bool isHidden = m_bannerLabel->isHidden();
+    const int height = isHidden ? 0 : m_bannerLabel->heightForWidth(m_bannerLabel->width());
+    if (height != m_height->minimumSize().height()) {
+        m_height->changeSize(0, height);
+        invalidate();
+    }
 }
 
 } // namespace kse

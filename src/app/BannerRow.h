@@ -20,12 +20,16 @@ public:
     /// Shows `text` on `colour`, and "Reload" if `offersReload`. An empty text hides the row.
     void showText(const QString& text, const QColor& colour, bool offersReload);
 
+    /// Makes the height of the text, as it wraps at the present width, the least.
+    void keepHeight();
+
 signals:
     void reloadRequested();
 
 private:
     QLabel* m_bannerLabel = nullptr;
     QPushButton* m_bannerReload = nullptr;
+    QSpacerItem* m_height = nullptr; ///< Owned by the layout.
 };
 
 } // namespace kse

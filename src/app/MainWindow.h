@@ -92,7 +92,7 @@ private:
     void connectCommands();
     void createKeys();
     void connectTheme();
-    void updatePageHeights();
+    void updateHeights();
 
     void attachViews();
     void detachViews();

@@ -167,7 +167,7 @@ void MainWindow::refreshToolbarIcons()
 
 void MainWindow::updateMinimumWidth()
 {
-    updatePageHeights();
+    updateHeights();
     m_tabs->updateGeometry();
     int width = centralWidget()->minimumSizeHint().width();
     if (m_toolbar->isVisible()) {
@@ -178,10 +178,11 @@ void MainWindow::updateMinimumWidth()
     fitMinimumWidth(width);
 }
 
-/// Leaves each page the height that its rows need at the present width. Qt's own minimum is that of
-/// rows and texts that don't wrap.
-void MainWindow::updatePageHeights()
+/// Leaves the banner and each page the height that their rows need at the present width. Qt's own
+/// minimum is that of rows and texts that don't wrap.
+void MainWindow::updateHeights()
 {
+    m_banner->keepHeight();
     const int width = m_tabs->currentWidget()->width();
     for (int i = 0; i < m_tabs->count(); ++i) {
         QWidget* page = m_tabs->widget(i);
@@ -204,7 +205,7 @@ bool MainWindow::event(QEvent* event)
     }
     if (isVisible() &&
         (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
-        updatePageHeights();
+        updateHeights();
         fitSize(minimumWidth());
     }
     return handled;

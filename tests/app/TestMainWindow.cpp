@@ -504,12 +504,18 @@ private slots:
         settle();
         const auto* compare = find<CompareView>("compareView");
         const auto isWhole = [&] {
-            return compare->height() >=
+            return compare->parentWidget()->height() >=
                    compare->layout()->totalMinimumHeightForWidth(compare->width());
         };
         QVERIFY(isWhole());
-        const QRect screen = m_window->screen()->geometry();
         const int height = m_window->height();
+        FakePixInsight process;
+        QVERIFY(process.start());
+        poll();
+        QTRY_VERIFY(m_window->height() > height && isWhole()); // a banner of several lines
+        QVERIFY(process.stop());
+        poll();
+        const QRect screen = m_window->screen()->geometry();
         m_window->move(screen.left(), screen.bottom() - m_window->height());
         ThemeManager::instance().setFontScale(2.2, false);
         settle();
