@@ -2,36 +2,23 @@
 #include "schema/DeletePolicy.h"
 
 #include "document/Fail.h"
+#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 #include "schema/JsonObject.h"
 
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QStringTokenizer>
 
 #include <algorithm>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace kse {
 
 namespace {
-
-std::optional<DeleteLevel> levelOfWord(const QString& word)
-{
-    if (word == "never"_L1) {
-        return DeleteLevel::Never;
-    }
-    if (word == "warn"_L1) {
-        return DeleteLevel::Warn;
-    }
-    if (word == "safe"_L1) {
-        return DeleteLevel::Safe;
-    }
-    return std::nullopt;
-}
 
 bool isAny(QStringView segment)
 {
@@ -78,19 +65,6 @@ bool outranks(const DeleteRule& rule, const DeleteRule& best)
            (rule.specificity == best.specificity && (!rule.deep || best.deep));
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): bounded by `levels`, not by the file
-void collectWarnings(const DeletePolicy& policy, const XsdtNode& group, int levels,
-                     QList<XsdtNode*>& result)
-{
-    for (const auto& child : group.children) {
-        if (policy.decide(child.get()).level == DeleteLevel::Warn) {
-            result.append(child.get());
-        } else if (levels > 1) {
-            collectWarnings(policy, *child, levels - 1, result);
-        }
-    }
-}
-
 } // namespace
 
 bool DeletePolicy::load(const QByteArray& overlayJson, QString* error)
@@ -115,11 +89,14 @@ bool DeletePolicy::loadRules(const QJsonObject& policy, QString* error)
     if (policy.contains("defaultReason"_L1)) {
         m_defaultReason = policy["defaultReason"_L1].toString();
     }
+    const QHash<QString, DeleteLevel> levels{{u"never"_s, DeleteLevel::Never},
+                                             {u"warn"_s, DeleteLevel::Warn},
+                                             {u"safe"_s, DeleteLevel::Safe}};
     const QJsonArray rules = policy["delete"_L1].toArray();
     for (const QJsonValue& element : rules) {
         const QString word = element["level"_L1].toString();
-        const std::optional<DeleteLevel> level = levelOfWord(word);
-        if (!level) {
+        const auto level = levels.constFind(word);
+        if (level == levels.cend()) {
             return fail(error, u"overlay.json: unknown delete level '%1'"_s.arg(word));
         }
         DeleteRule rule(element["path"_L1].toString());
@@ -181,31 +158,29 @@ bool DeletePolicy::isEditLocked(const XsdtNode* node) const
 
 QList<XsdtNode*> DeletePolicy::matchPattern(const XsdtDocument& document, QStringView pattern)
 {
-    // All matches lie at the pattern's depth, so going level by level keeps file order.
     const QList<QStringView> segments = pattern.split(u'/', Qt::SkipEmptyParts);
-    if (segments.isEmpty()) {
-        return {};
-    }
     QList<XsdtNode*> matches;
-    QList<const XsdtNode*> level{&document.root};
-    for (const QStringView segment : segments) {
-        matches.clear();
-        for (const XsdtNode* group : level) {
-            for (const auto& child : group->children) {
-                if (isAny(segment) || child->key == segment) {
-                    matches.append(child.get());
-                }
-            }
+    walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
+        const QStringView segment = segments.value(node.depth - 1);
+        const bool isMatch = isAny(segment) || (!segment.isEmpty() && node.key == segment);
+        if (isMatch && node.depth == segments.size()) {
+            matches.append(&node);
         }
-        level = {matches.cbegin(), matches.cend()};
-    }
+        return isMatch && node.depth < segments.size() ? Walk::Into : Walk::Over;
+    });
     return matches;
 }
 
 QList<XsdtNode*> DeletePolicy::warnCandidates(const XsdtDocument& document) const
 {
     QList<XsdtNode*> result;
-    collectWarnings(*this, document.root, 3, result);
+    walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
+        const bool warns = decide(&node).level == DeleteLevel::Warn;
+        if (warns) {
+            result.append(&node);
+        }
+        return warns || node.depth == 3 ? Walk::Over : Walk::Into;
+    });
     return result;
 }
 
