@@ -11,6 +11,19 @@ namespace kse {
 
 namespace {
 
+/// The topmost marked nodes if `marked`, else the modified values outside of them, in file order.
+QList<XsdtNode*> pendingNodes(const XsdtNode& root, bool marked)
+{
+    QList<XsdtNode*> pending;
+    walkTree(const_cast<XsdtNode&>(root), [&](XsdtNode& node) {
+        if (marked ? node.markedForDeletion : !node.markedForDeletion && node.isModified()) {
+            pending.append(&node);
+        }
+        return node.markedForDeletion ? Walk::Over : Walk::Into;
+    });
+    return pending;
+}
+
 void removeMarkedChildren(XsdtNode& group)
 {
     auto& children = group.children;
@@ -54,42 +67,20 @@ QByteArray XsdtDocument::serialize() const
 
 QList<XsdtNode*> XsdtDocument::editedValues() const
 {
-    QList<XsdtNode*> edited;
-    walkTree(const_cast<XsdtNode&>(root), [&](XsdtNode& node) {
-        if (node.markedForDeletion) {
-            return Walk::Over;
-        }
-        if (node.isModified()) {
-            edited.append(&node);
-        }
-        return Walk::Into;
-    });
-    return edited;
+    return pendingNodes(root, false);
 }
 
 QList<XsdtNode*> XsdtDocument::deletions() const
 {
-    QList<XsdtNode*> marked;
-    walkTree(const_cast<XsdtNode&>(root), [&](XsdtNode& node) {
-        if (!node.markedForDeletion) {
-            return Walk::Into;
-        }
-        marked.append(&node);
-        return Walk::Over;
-    });
-    return marked;
+    return pendingNodes(root, true);
 }
 
 qsizetype XsdtDocument::pendingCount() const
 {
     qsizetype count = 0;
     walkTree(root, [&](const XsdtNode& node) {
-        if (node.markedForDeletion) {
-            ++count;
-            return Walk::Over;
-        }
-        count += node.isModified() ? 1 : 0;
-        return Walk::Into;
+        count += node.markedForDeletion || node.isModified() ? 1 : 0;
+        return node.markedForDeletion ? Walk::Over : Walk::Into;
     });
     return count;
 }
