@@ -17,7 +17,7 @@ public:
 
     /// What is remembered about the parent of `node`, the next node of the walk. The parent must
     /// have been entered. Groups that the walk has left since then are forgotten.
-    const Memory& ofParent(const XsdtNode& node)
+    Memory& ofParent(const XsdtNode& node)
     {
         while (m_groups.back().first != node.parent) {
             m_groups.pop_back();

@@ -2,6 +2,8 @@
 #include "session/SettingsStore.h"
 
 #include "document/Fail.h"
+#include "document/OpenGroups.h"
+#include "document/TreeWalk.h"
 #include "schema/DeletePolicy.h"
 #include "session/DurableFile.h"
 #include "session/PixInsightEnv.h"
@@ -15,7 +17,6 @@
 #include <algorithm>
 #include <functional>
 #include <future>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -183,18 +184,19 @@ QByteArray serializeChecked(const XsdtDocument& document, QString* error)
     return bytes;
 }
 
-bool sameElement(const XsdtNode& a, const XsdtNode& b)
-{
-    return a.kind == b.kind && a.key == b.key &&
-           (a.kind == XsdtNode::Kind::Group || (a.typeCode == b.typeCode && a.value == b.value));
-}
-
 /// How many children of `node` a save writes.
 std::size_t keptChildren(const XsdtNode& node)
 {
     const auto marked = std::count_if(node.children.begin(), node.children.end(),
                                       [](const auto& child) { return child->markedForDeletion; });
     return node.children.size() - static_cast<std::size_t>(marked);
+}
+
+bool sameElement(const XsdtNode& edited, const XsdtNode& parsed)
+{
+    return edited.kind == parsed.kind && edited.key == parsed.key &&
+           edited.typeCode == parsed.typeCode && edited.value == parsed.value &&
+           keptChildren(edited) == parsed.children.size();
 }
 
 } // namespace
@@ -343,41 +345,30 @@ QString newestReadableBackup(const QString& settingsPath)
 
 bool sameTree(const XsdtNode& edited, const XsdtNode& parsed, QString* differsAt)
 {
-    // The pairs of groups between the root and where the comparison stands.
-    struct Level
+    // For each open group of `edited`, its twin and the twin's next child.
+    struct Twin
     {
-        const XsdtNode* edited;
-        const XsdtNode* parsed;
-        std::size_t nextEdited = 0;
-        std::size_t nextParsed = 0;
+        const XsdtNode* group;
+        std::size_t next = 0;
     };
-    std::vector<Level> levels;
-    const auto enter = [&levels](const XsdtNode& a, const XsdtNode& b) {
-        levels.push_back({&a, &b});
-        return keptChildren(a) == b.children.size();
+    OpenGroups<Twin> twins(edited, {&parsed});
+    const auto visit = [&twins](const XsdtNode& node) {
+        if (node.markedForDeletion) {
+            return Walk::Over;
+        }
+        Twin& twin = twins.ofParent(node);
+        const XsdtNode& other = *twin.group->children[twin.next++];
+        if (!sameElement(node, other)) {
+            return Walk::Stop;
+        }
+        if (node.kind == XsdtNode::Kind::Group) {
+            twins.enter(node, {&other});
+        }
+        return Walk::Into;
     };
-    const auto differs = [differsAt](const XsdtNode& at) {
-        return fail(differsAt, at.path());
-    };
-    if (!enter(edited, parsed)) {
-        return differs(edited);
-    }
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        if (level.nextEdited == level.edited->children.size()) {
-            levels.pop_back();
-            continue;
-        }
-        const XsdtNode& a = *level.edited->children[level.nextEdited++];
-        if (a.markedForDeletion) {
-            continue;
-        }
-        const XsdtNode& b = *level.parsed->children[level.nextParsed++];
-        if (!sameElement(a, b) || (a.kind == XsdtNode::Kind::Group && !enter(a, b))) {
-            return differs(a);
-        }
-    }
-    return true;
+    const bool isSameSize = keptChildren(edited) == parsed.children.size();
+    const XsdtNode* differing = isSameSize ? walkTree(edited, visit) : &edited;
+    return !differing || fail(differsAt, differing->path());
 }
 
 } // namespace kse
