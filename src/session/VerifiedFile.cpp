@@ -87,12 +87,9 @@ QByteArray sha256(const QByteArray& bytes)
 bool readWhole(const QString& path, QByteArray& bytes, QString* error)
 {
     QFile file;
-    QString reason;
-    if (!openRegular(file, path, &reason)) {
-        return fail(error, u"Cannot read %1: %2"_s.arg(path, reason));
-    }
     QByteArray content;
-    if (!readRest(file, content, &reason)) {
+    QString reason;
+    if (!openRegular(file, path, &reason) || !readRest(file, content, &reason)) {
         return fail(error, u"Cannot read %1: %2"_s.arg(path, reason));
     }
     bytes = std::move(content);
