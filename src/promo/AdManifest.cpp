@@ -63,54 +63,36 @@ AdRecord readAttributes(const QXmlStreamAttributes& attributes)
     return record;
 }
 
-// Builds a manifest from the elements as they are read.
-struct ManifestBuilder
+// Appends the text of the current element and of all elements in it to `text`. Qt's own
+// `readElementText` would recurse over their depth.
+void readText(QXmlStreamReader& reader, QString& text)
 {
-    void startElement(QStringView name, const QXmlStreamAttributes& attributes)
-    {
-        ++depth;
-        if (depth == 1) {
-            const QStringView ttl = attributes.value("ttl"_L1);
-            manifest.valid = true;
-            manifest.ttlHours = readTtl(ttl.isEmpty() ? attributes.value("ttlHours"_L1) : ttl);
-        } else if (depth == 2 && name == "ad"_L1) {
-            record = readAttributes(attributes);
-            inAd = true;
-        } else if (depth == 3 && inAd) {
-            field = name == "image"_L1   ? &record.image
-                    : name == "click"_L1 ? &record.click
-                    : name == "alt"_L1   ? &record.alt
-                                         : nullptr;
+    for (int depth = 1; depth > 0 && !reader.atEnd();) {
+        reader.readNext();
+        if (reader.isStartElement()) {
+            ++depth;
+        } else if (reader.isEndElement()) {
+            --depth;
+        } else if (reader.isCharacters()) {
+            text += reader.text();
         }
     }
+    text = text.trimmed();
+}
 
-    void characters(QStringView text)
-    {
-        if (field) {
-            field->append(text);
-        }
+AdRecord readAd(QXmlStreamReader& reader)
+{
+    AdRecord ad = readAttributes(reader.attributes());
+    while (reader.readNextStartElement()) {
+        const QStringView name = reader.name();
+        QString ignored;
+        readText(reader, name == "image"_L1   ? ad.image
+                         : name == "click"_L1 ? ad.click
+                         : name == "alt"_L1   ? ad.alt
+                                              : ignored);
     }
-
-    void endElement()
-    {
-        if (depth == 3 && field) {
-            *field = field->trimmed();
-            field = nullptr;
-        } else if (depth == 2 && inAd) {
-            if (!record.click.isEmpty() || !record.image.isEmpty() || !record.alt.isEmpty()) {
-                manifest.ads.append(record);
-            }
-            inAd = false;
-        }
-        --depth;
-    }
-
-    ManifestData manifest;
-    AdRecord record;          // the one being read
-    QString* field = nullptr; // of `record`, that text is added to, also text deeper down
-    bool inAd = false;
-    int depth = 0;
-};
+    return ad;
+}
 
 bool writeFile(const QString& path, const QByteArray& bytes)
 {
@@ -132,29 +114,31 @@ ManifestData parse(const QByteArray& bytes)
     if (bytes.size() > sizeLimit) {
         return {};
     }
-    ManifestBuilder builder;
     QXmlStreamReader reader(bytes);
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::DTD:
-            if (reader.text().contains(u'[')) {
-                return {};
-            }
-            break;
-        case QXmlStreamReader::StartElement:
-            builder.startElement(reader.name(), reader.attributes());
-            break;
-        case QXmlStreamReader::Characters:
-            builder.characters(reader.text());
-            break;
-        case QXmlStreamReader::EndElement:
-            builder.endElement();
-            break;
-        default:
-            break;
+    while (!reader.atEnd() && !reader.isStartElement()) {
+        if (reader.readNext() == QXmlStreamReader::DTD && reader.text().contains(u'[')) {
+            return {};
         }
     }
-    return reader.hasError() ? ManifestData() : builder.manifest;
+    ManifestData manifest;
+    manifest.valid = true;
+    const QXmlStreamAttributes attributes = reader.attributes();
+    const QStringView ttl = attributes.value("ttl"_L1);
+    manifest.ttlHours = readTtl(ttl.isEmpty() ? attributes.value("ttlHours"_L1) : ttl);
+    while (reader.readNextStartElement()) {
+        if (reader.name() != "ad"_L1) {
+            reader.skipCurrentElement();
+            continue;
+        }
+        const AdRecord ad = readAd(reader);
+        if (!ad.click.isEmpty() || !ad.image.isEmpty() || !ad.alt.isEmpty()) {
+            manifest.ads.append(ad);
+        }
+    }
+    while (!reader.atEnd()) { // an error may follow
+        reader.readNext();
+    }
+    return reader.hasError() ? ManifestData() : manifest;
 }
 
 ManifestCache loadCached(const QString& folder)
