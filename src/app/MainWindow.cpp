@@ -249,7 +249,7 @@ void MainWindow::startBanner(bool allowNetwork, int delayMs)
 
 void MainWindow::renderScreenshots(const QString& dir, const QString& searchText)
 {
-    Screenshots(this, m_store, m_schema, dir).render(searchText);
+    saveScreenshots(*this, m_store, m_schema, dir, searchText);
 }
 
 void MainWindow::attachViews()
