@@ -200,15 +200,10 @@ bool AboutDialog::event(QEvent* event)
     if (changesPixelRatio(*event)) {
         updatePicture();
     }
-    return handled;
-}
-
-void AboutDialog::changeEvent(QEvent* event)
-{
-    QDialog::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange) {
         updateLook();
     }
+    return handled;
 }
 
 QString AboutDialog::buildDetails(const QString& path, const QString& pixinsightVersion)

@@ -28,7 +28,6 @@ public:
 
 protected:
     bool event(QEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
     QWidget* createHead();

@@ -54,16 +54,6 @@ QByteArray readResource(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-template <typename Page>
-void giveDocument(Page* page, XsdtDocument* document, const QString& path)
-{
-    if constexpr (std::is_same_v<Page, CompareView>) {
-        page->setDocument(document, path);
-    } else {
-        page->setDocument(document);
-    }
-}
-
 } // namespace
 
 MainWindow::MainWindow(Messages messages)
@@ -257,20 +247,23 @@ void MainWindow::attachViews()
     XsdtDocument* document = m_store.loaded ? &m_store.document : nullptr;
     m_model->setDocument(document);
     setPagesReadOnly(); // first: the pages create their rows by it
-    forEachPage([&](auto* page) { giveDocument(page, document, openPath()); });
+    forEachPage([document](auto* page) { page->setDocument(document); });
+    m_compareView->setDocument(document, openPath());
     m_advancedPage->resetExpansion();
     rebuildFileBox();
 }
 
 void MainWindow::detachViews()
 {
-    forEachPage([](auto* page) { giveDocument(page, nullptr, QString()); });
+    forEachPage([](auto* page) { page->setDocument(nullptr); });
+    m_compareView->setDocument(nullptr, {});
     m_model->setDocument(nullptr);
 }
 
 void MainWindow::setPagesReadOnly()
 {
     forEachPage([this](auto* page) { page->setReadOnly(m_running); });
+    m_compareView->setReadOnly(m_running);
 }
 
 bool MainWindow::openFile(const QString& path)

@@ -62,7 +62,6 @@ public:
 protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
-    void showEvent(QShowEvent* event) override;
 
 private slots:
     void onOpen();
@@ -107,7 +106,8 @@ private:
         return done;
     }
 
-    /// Calls `operation` with each page but the tree, which shows the model and holds no document.
+    /// Calls `operation` with each page but the tree, which shows the model and holds no document,
+    /// and the comparison, which also needs the file's path.
     template <typename Operation>
     void forEachPage(Operation&& operation)
     {
@@ -116,7 +116,6 @@ private:
         operation(m_unusedModulesView);
         operation(m_healthView);
         operation(m_cleanupView);
-        operation(m_compareView);
     }
 
     void setPagesReadOnly();

@@ -208,13 +208,10 @@ bool MainWindow::event(QEvent* event)
         updateHeights();
         fitSize(minimumWidth());
     }
+    if (event->type() == QEvent::Show) {
+        QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
+    }
     return handled;
-}
-
-void MainWindow::showEvent(QShowEvent* event)
-{
-    FittedWindow::showEvent(event);
-    QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);
 }
 
 } // namespace kse
