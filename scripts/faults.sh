@@ -9,4 +9,4 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh build test
 cmake --preset test
 cmake --build --preset test --target TestSaveFaults
-KSE_FAULTS=all cmake/run-alone.sh build/test/tests/session/TestSaveFaults
+KSE_FAULTS=all cmake/run-alone.sh build/test/tests/TestSaveFaults

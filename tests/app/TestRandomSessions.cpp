@@ -111,9 +111,10 @@ private:
         settle();
         auto* tabs = find<QTabWidget>("tabs");
         const int kind = m_user.below(100);
-        if (kind < 6 && action("actSave")->isEnabled()) {
-            m_user.trigger(*action("actSave"));
-        } else if (kind < 9) {
+        QAction* const end = action(kind < 5 ? "actSave" : "actRevert"); // of what is pending
+        if (kind < 8 && end->isEnabled()) {
+            m_user.trigger(*end);
+        } else if (kind < 10) {
             changeFile();
         } else if (kind < 13) {
             toggleRunning();

@@ -23,7 +23,7 @@ if(UNIX AND NOT APPLE)
     add_library(kse_process_list_posix STATIC
         ${PROJECT_SOURCE_DIR}/src/session/ProcessListPosix.cpp)
     target_link_libraries(kse_process_list_posix PUBLIC kse_options)
-    add_executable(TestProcessListPosix TestProcessList.cpp)
+    add_executable(TestProcessListPosix ${PROJECT_SOURCE_DIR}/tests/session/TestProcessList.cpp)
     set_target_properties(TestProcessListPosix PROPERTIES AUTOMOC ON)
     target_include_directories(TestProcessListPosix PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_compile_definitions(TestProcessListPosix PRIVATE
