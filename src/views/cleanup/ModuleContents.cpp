@@ -4,8 +4,6 @@
 #include "document/TreeWalk.h"
 #include "schema/ModuleCatalog.h"
 
-#include <algorithm>
-
 namespace kse {
 
 namespace {
@@ -17,7 +15,6 @@ ModuleContent contentOf(const XsdtNode& group)
     walkTree(group, [&content](const XsdtNode& node) {
         content.values += node.kind == XsdtNode::Kind::Value ? 1 : 0;
         content.holdsQueued = content.holdsQueued || node.markedForDeletion;
-        content.depth = std::max(content.depth, quint32{node.depth});
         return Walk::Into;
     });
     return content;
@@ -30,8 +27,8 @@ ModuleContent ModuleContents::of(const ModuleInfo& module)
     ModuleContent sum;
     sum.values = module.registryNode ? 1 : 0;
     for (const XsdtNode* node : module.nodes) {
-        auto group = m_groups.constFind(node);
-        if (group == m_groups.cend()) {
+        auto group = m_groups.find(node);
+        if (group == m_groups.end()) {
             group = m_groups.insert(node, contentOf(*node));
         }
         sum.values += group->values;
@@ -44,14 +41,12 @@ ModuleContent ModuleContents::of(const ModuleInfo& module)
 
 void ModuleContents::forget(const XsdtNode* node)
 {
-    for (; node && !m_groups.isEmpty(); node = node->parent) {
+    if (!node) {
+        m_groups.clear();
+    }
+    for (; node; node = node->parent) {
         m_groups.remove(node);
     }
-}
-
-void ModuleContents::forgetDeeperThan(quint32 depth)
-{
-    m_groups.removeIf([depth](const auto& group) { return group->depth > depth; });
 }
 
 } // namespace kse

@@ -15,7 +15,6 @@ struct ModuleContent
     qint64 bytes = 0;           ///< As `ModuleCatalog::moduleDataSize`.
     qsizetype queuedGroups = 0; ///< How many of the groups the next save removes.
     bool holdsQueued = false;   ///< Something inside a group is marked for deletion.
-    quint32 depth = 0;          ///< Of the deepest node.
 };
 
 /// Counts and sizes the data of modules. It walks through each group once, also if modules share
@@ -25,13 +24,8 @@ class ModuleContents
 public:
     ModuleContent of(const ModuleInfo& module);
 
-    /// After a change of children of `node`, which may be null.
+    /// After a change of `node` or, for null, of any number of nodes.
     void forget(const XsdtNode* node);
-
-    /// After a change somewhere below `depth`.
-    void forgetDeeperThan(quint32 depth);
-
-    void forgetAll() { m_groups.clear(); }
 
 private:
     QHash<const XsdtNode*, ModuleContent> m_groups;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "views/cleanup/UnusedModulesView.h"
 
-#include "document/Depth.h"
 #include "document/XsdtDocument.h"
 #include "views/cleanup/FormatBytes.h"
 #include "views/cleanup/UnusedModuleCard.h"
@@ -84,18 +83,12 @@ void UnusedModulesView::connectWidgets()
     connect(m_rowSet, &SettingRowSet::deleteRequested, this, &UnusedModulesView::deleteRequested);
     connect(m_rowSet, &SettingRowSet::restoreRequested, this, &UnusedModulesView::restoreRequested);
     connect(m_rowSet, &SettingRowSet::revealRequested, this, &UnusedModulesView::revealRequested);
-    connect(m_model, &SettingsModel::dataChanged, this, [this](const QModelIndex& topLeft) {
-        m_contents.forget(m_model->nodeForIndex(topLeft.parent()));
-    });
-    // Much has changed. The `dataChanged` of each group that follows then has nothing left to do.
-    connect(m_model, &SettingsModel::layoutChanged, this, [this] { m_contents.forgetAll(); });
-    connect(m_model, &SettingsModel::edited, this, [this] {
-        // `dataChanged` can't name nodes deeper than the model shows.
-        m_contents.forgetDeeperThan(deepestShownLevel);
+    connect(m_model, &SettingsModel::edited, this, [this](const XsdtNode* changed) {
+        m_contents.forget(changed);
         updateSummary();
     });
     connect(m_model, &SettingsModel::modelReset, this, [this] {
-        m_contents.forgetAll();
+        m_contents.forget(nullptr);
         updateSummary();
     });
 }
@@ -109,7 +102,7 @@ void UnusedModulesView::setDocument(const XsdtDocument* document)
 void UnusedModulesView::refresh()
 {
     m_rowSet->clear();
-    m_contents.forgetAll();
+    m_contents.forget(nullptr);
     for (UnusedModuleCard* card : std::exchange(m_cards, {})) {
         card->disconnect(this); // it is deleted later
     }

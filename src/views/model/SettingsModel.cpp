@@ -263,16 +263,8 @@ QVariant SettingsModel::headerData(int section, Qt::Orientation orientation, int
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }
-    switch (section) {
-    case SettingColumn:
-        return tr("Setting");
-    case ValueColumn:
-        return tr("Value");
-    case TypeColumn:
-        return tr("Type");
-    default:
-        return {};
-    }
+    const QStringList titles{tr("Setting"), tr("Value"), tr("Type")}; // by `Column`
+    return titles.value(section);
 }
 
 Qt::ItemFlags SettingsModel::flags(const QModelIndex& index) const
@@ -299,7 +291,7 @@ void SettingsModel::notifyChanged(const XsdtNode& node, int lastColumn)
         emit dataChanged(row, row.siblingAtColumn(lastColumn));
         notifyBelow(node);
     }
-    emit edited();
+    emit edited(&node);
 }
 
 void SettingsModel::notifyBelow(const XsdtNode& node)

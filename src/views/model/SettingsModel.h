@@ -112,8 +112,8 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 signals:
-    /// The pending changes have changed.
-    void edited();
+    /// The pending changes have changed: those of `node` or, for null, of any number of nodes.
+    void edited(const kse::XsdtNode* node = nullptr);
     /// A value was refused. `reason` is a sentence for the status bar.
     void editRejected(const QString& reason);
 

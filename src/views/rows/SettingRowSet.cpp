@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "views/rows/SettingRowSet.h"
 
-#include "document/Depth.h"
 #include "document/XsdtNode.h"
 #include "schema/SettingsSchema.h"
 #include "views/model/SettingsModel.h"
@@ -20,9 +19,9 @@ SettingRowSet::SettingRowSet(SettingsModel* model, const SettingsSchema* schema,
     , m_page(page)
     , m_reveal(reveal)
 {
-    connect(model, &SettingsModel::dataChanged, this, &SettingRowSet::onDataChanged);
+    connect(model, &SettingsModel::edited, this, &SettingRowSet::refreshWithin);
+    connect(model, &SettingsModel::layoutChanged, this, &SettingRowSet::refreshAll);
     connect(model, &SettingsModel::modelReset, this, &SettingRowSet::refreshAll);
-    connect(model, &SettingsModel::edited, this, &SettingRowSet::refreshDeepRows);
 }
 
 SettingRow* SettingRowSet::add(XsdtNode* node, QWidget* parent)
@@ -33,7 +32,7 @@ SettingRow* SettingRowSet::add(XsdtNode* node, QWidget* parent)
     }
     connect(row, &SettingRow::rejected, this, &SettingRowSet::message);
     connect(row, &SettingRow::menuRequested, this, &SettingRowSet::showMenu);
-    m_rows.insert(node, row);
+    m_rows.append(row);
     return row;
 }
 
@@ -60,13 +59,9 @@ void SettingRowSet::setReadOnly(bool readOnly)
 
 void SettingRowSet::showMenu(XsdtNode* node, const QPoint& globalPos)
 {
-    NodeMenuCallbacks callbacks;
-    callbacks.deleteNode = [this](XsdtNode* target) {
-        emit deleteRequested(target);
-    };
-    callbacks.undoDeletion = [this](XsdtNode* target) {
-        emit restoreRequested(target);
-    };
+    NodeMenuCallbacks callbacks{[this](XsdtNode* target) { emit deleteRequested(target); },
+                                [this](XsdtNode* target) { emit restoreRequested(target); },
+                                {}};
     if (m_reveal == Reveal::Offered) {
         callbacks.reveal = [this](XsdtNode* target) {
             emit revealRequested(target);
@@ -75,41 +70,18 @@ void SettingRowSet::showMenu(XsdtNode* node, const QPoint& globalPos)
     showNodeContextMenu(m_page, m_model, node, globalPos, m_readOnly, callbacks);
 }
 
-void SettingRowSet::onDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+/// Refreshes the rows of `changed` and of the nodes below it. After a change of many nodes the
+/// layout has changed too, or the model was reset.
+void SettingRowSet::refreshWithin(const XsdtNode* changed)
 {
-    if (m_rows.isEmpty()) {
-        return;
-    }
     const auto rows = m_rows; // a focus that moves on may create rows
-    const XsdtNode* parent = m_model->nodeForIndex(topLeft.parent());
-    const int first = topLeft.row();
-    const int last = bottomRight.row();
-    // Loops over the fewer: the rows in this set, or the rows of the model that changed.
-    if (last - first >= rows.size()) {
-        for (auto row = rows.cbegin(); row != rows.cend(); ++row) {
-            const XsdtNode* node = row.key();
-            if (node->parent == parent && node->rowInParent() >= first &&
-                node->rowInParent() <= last) {
-                row.value()->refresh();
-            }
+    for (SettingRow* row : rows) {
+        const XsdtNode* node = row->node();
+        while (node && node != changed) {
+            node = node->parent;
         }
-        return;
-    }
-    for (int i = first; i <= last; ++i) {
-        const XsdtNode* node = parent->children[static_cast<std::size_t>(i)].get();
-        for (auto row = rows.constFind(node); row != rows.cend() && row.key() == node; ++row) {
-            row.value()->refresh();
-        }
-    }
-}
-
-/// Nodes deeper than the model shows have no index, so `dataChanged` can't report them.
-void SettingRowSet::refreshDeepRows()
-{
-    const auto rows = m_rows;
-    for (auto row = rows.cbegin(); row != rows.cend(); ++row) {
-        if (row.key()->depth > deepestShownLevel) {
-            row.value()->refresh();
+        if (node) {
+            row->refresh();
         }
     }
 }

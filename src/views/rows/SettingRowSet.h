@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QMultiHash>
+#include <QList>
 #include <QObject>
 
-class QModelIndex;
 class QPoint;
 class QWidget;
 
@@ -35,8 +34,6 @@ public:
     /// Forgets all rows and nodes. The widgets stay with their parents.
     void clear();
 
-    bool isEmpty() const { return m_rows.isEmpty(); }
-
     /// For all rows, also those added later.
     void setReadOnly(bool readOnly);
     bool isReadOnly() const { return m_readOnly; }
@@ -52,11 +49,8 @@ signals:
     void restoreRequested(kse::XsdtNode* node);
     void revealRequested(kse::XsdtNode* node);
 
-private slots:
-    void onDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
-
 private:
-    void refreshDeepRows();
+    void refreshWithin(const XsdtNode* changed);
     void refreshAll();
 
     SettingsModel* m_model = nullptr;
@@ -64,7 +58,7 @@ private:
     QWidget* m_page = nullptr;
     Reveal m_reveal = Reveal::Offered;
     bool m_readOnly = false;
-    QMultiHash<const XsdtNode*, SettingRow*> m_rows;
+    QList<SettingRow*> m_rows;
 };
 
 } // namespace kse
