@@ -6,7 +6,6 @@
 #include "document/ShortPath.h"
 #include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
-#include "schema/DeletePolicy.h"
 
 #include <QHash>
 
@@ -165,13 +164,6 @@ QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
         }
     }
     return entries;
-}
-
-bool isCopyable(const CompareEntry& entry, const DeletePolicy* policy)
-{
-    return entry.state == CompareState::Different && entry.thisNode->isEditableType() &&
-           !entry.thisNode->isInsideDeletion() &&
-           !(policy && policy->isCompareNoCopy(entry.thisNode));
 }
 
 GroupedPath groupedPath(const QString& path)

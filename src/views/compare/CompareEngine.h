@@ -6,7 +6,6 @@
 
 namespace kse {
 
-class DeletePolicy;
 struct XsdtDocument;
 struct XsdtNode;
 
@@ -31,9 +30,6 @@ struct CompareEntry
 /// its path.
 [[nodiscard]] QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
                                                    const XsdtDocument& otherDocument);
-
-/// Whether the value of the other file can be copied into this one. `policy` may be null.
-[[nodiscard]] bool isCopyable(const CompareEntry& entry, const DeletePolicy* policy);
 
 /// The heading under which an entry is listed, and the rest of its path for its own line.
 struct GroupedPath

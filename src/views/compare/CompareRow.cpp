@@ -22,20 +22,15 @@ constexpr qsizetype toolTipValueLimit = 300;
 
 QString statusText(const CompareEntry& entry)
 {
-    switch (entry.state) {
-    case CompareState::OnlyThis:
-        return CompareView::tr("Only in this file");
-    case CompareState::OnlyOther:
-        return CompareView::tr("Only in the other file");
-    case CompareState::Different:
-        break;
+    const QStringList texts{CompareView::tr("Different"), CompareView::tr("Only in this file"),
+                            CompareView::tr("Only in the other file")}; // by `CompareState`
+    const QString& text = texts.at(static_cast<int>(entry.state));
+    if (entry.state != CompareState::Different ||
+        entry.thisNode->typeCode == entry.otherNode->typeCode) {
+        return text;
     }
-    const QString text = CompareView::tr("Different");
-    const QChar type = entry.thisNode->typeCode;
-    const QChar otherType = entry.otherNode->typeCode;
-    return type == otherType
-               ? text
-               : text + CompareView::tr(" (type %1 / %2)").arg(QString(type), QString(otherType));
+    return text + CompareView::tr(" (type %1 / %2)")
+                      .arg(QString(entry.thisNode->typeCode), QString(entry.otherNode->typeCode));
 }
 
 } // namespace

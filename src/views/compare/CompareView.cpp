@@ -7,7 +7,6 @@
 #include "session/PixInsightEnv.h"
 #include "session/SettingsStore.h"
 #include "views/compare/CompareFileBox.h"
-#include "views/compare/CompareFilter.h"
 #include "views/compare/CompareRow.h"
 #include "views/model/SettingsModel.h"
 #include "widgets/Announcement.h"
@@ -32,6 +31,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 
@@ -44,6 +44,16 @@ namespace {
 QString copyAllText(const QString& count)
 {
     return CompareView::tr("Use the other file's value for all shown (%1)").arg(count);
+}
+
+/// Whether the path or a value contains `text`, ignoring case.
+bool matches(const CompareEntry& entry, const QString& text)
+{
+    const auto valueHolds = [&text](const XsdtNode* node) {
+        return node && node->value.contains(text, Qt::CaseInsensitive);
+    };
+    return text.isEmpty() || entry.path.contains(text, Qt::CaseInsensitive) ||
+           valueHolds(entry.thisNode) || valueHolds(entry.otherNode);
 }
 
 } // namespace
@@ -259,21 +269,33 @@ void CompareView::populate(const CompareTreeState& state)
     if (!m_document || m_otherPath.isEmpty()) {
         return; // there is nothing to show
     }
-    const CompareFilter filter{
-        {m_showDifferent->isChecked(), m_showOnlyThis->isChecked(), m_showOnlyOther->isChecked()},
-        m_hideNoise->isChecked(),
-        m_filterEdit->text().trimmed()};
-    const CompareListing listing = filtered(m_entries, m_isNoise, filter);
-    m_shown = listing.shown;
+    const std::array isShown{m_showDifferent->isChecked(), m_showOnlyThis->isChecked(),
+                             m_showOnlyOther->isChecked()}; // by `CompareState`, as `counts`
+    const QString text = m_filterEdit->text().trimmed();
+    std::array<int, 3> counts = {};
+    int hidden = 0;
+    m_shown.clear();
+    for (int i = 0; i < m_entries.size(); ++i) {
+        if (m_hideNoise->isChecked() && m_isNoise[size_t(i)]) {
+            ++hidden;
+            continue;
+        }
+        const CompareEntry& entry = m_entries.at(i);
+        const auto place = static_cast<size_t>(entry.state);
+        ++counts[place];
+        if (isShown[place] && matches(entry, text)) {
+            m_shown.append(i);
+        }
+    }
     addRows(state);
-    const auto [different, onlyThis, onlyOther] = listing.counts;
+    const auto [different, onlyThis, onlyOther] = counts;
     QString summary = tr("%1 different, %2 only in this file, %3 only in the other file")
                           .arg(different)
                           .arg(onlyThis)
                           .arg(onlyOther);
-    if (listing.hidden > 0) {
-        summary += tr(" (%1 more hidden as statistics, window state or generated lists)")
-                       .arg(listing.hidden);
+    if (hidden > 0) {
+        summary +=
+            tr(" (%1 more hidden as statistics, window state or generated lists)").arg(hidden);
     }
     m_summaryLabel->setText(summary);
     updateButtons();
@@ -363,9 +385,6 @@ void CompareView::onDoubleClicked(QTreeWidgetItem* item)
 
 void CompareView::onCopyAll()
 {
-    if (m_copyableRows == 0) {
-        return;
-    }
     const QString question =
         tr("Copy %n value(s) from %1 into this file?\n\nThey become pending changes: you can "
            "review, revert and save them as usual.",
@@ -403,9 +422,13 @@ void CompareView::copyEntries(const QList<int>& indices)
     }
 }
 
+/// Whether the value of the other file can be copied into this one.
 bool CompareView::canCopy(const CompareEntry& entry) const
 {
-    return isCopyable(entry, m_model->policy());
+    const DeletePolicy* policy = m_model->policy();
+    return entry.state == CompareState::Different && entry.thisNode->isEditableType() &&
+           !entry.thisNode->isInsideDeletion() &&
+           !(policy && policy->isCompareNoCopy(entry.thisNode));
 }
 
 } // namespace kse
