@@ -246,12 +246,16 @@ void PreferencesView::addPage(const PageSpec& spec)
 {
     m_pageRowsLeft = maximumPageRows;
     Page page;
-    for (XsdtNode* node : spec.nodes) {
-        if (Group group = visiblePart(node, spec.nodes.size() > 1 ? 1 : 0); group.count() > 0) {
-            page.groups.push_back(std::move(group));
+    if (spec.nodes.size() == 1) {
+        page.content = visiblePart(spec.nodes.constFirst(), 0);
+    } else {
+        for (XsdtNode* node : spec.nodes) {
+            if (Group group = visiblePart(node, 1); group.count() > 0) {
+                page.content.groups.push_back(std::move(group));
+            }
         }
     }
-    if (page.groups.empty()) {
+    if (page.content.count() == 0) {
         return;
     }
     if (m_pages.size() == maximumPages) {
@@ -262,27 +266,9 @@ void PreferencesView::addPage(const PageSpec& spec)
     page.title = shownName(abbreviated(spec.title, titleLimit), spec.nodes.constFirst()->key);
     page.column = new WidgetColumn(0, m_pageStack);
     page.column->setAccessibleName(page.title);
-    page.isSections = spec.nodes.size() > 1;
     m_pageStack->addWidget(page.column);
     page.item = new QListWidgetItem(page.title, m_pageList);
     m_pages.push_back(std::move(page));
-}
-
-void PreferencesView::buildPage(Page& page)
-{
-    page.isBuilt = true;
-    QWidget* parent = page.column->widget();
-    std::vector<Group>& groups = page.groups;
-    if (page.isSections) {
-        page.column->append(qsizetype(groups.size()), [this, &groups, parent](qsizetype i) {
-            return createSection(groups[size_t(i)], true, parent);
-        });
-    } else {
-        Group& group = groups.front();
-        page.column->append(group.count(), [this, &group, parent](qsizetype i) {
-            return createPart(group, i, parent);
-        });
-    }
 }
 
 /// The widget for the value or the group `i` of `group`, as the search shows it.
@@ -290,7 +276,7 @@ QWidget* PreferencesView::createPart(Group& group, qsizetype i, QWidget* parent)
 {
     const qsizetype values = group.values.size();
     if (i >= values) {
-        return createSection(group.groups[size_t(i - values)], false, parent);
+        return createSection(group.groups[size_t(i - values)], !group.node, parent);
     }
     XsdtNode* value = group.values.at(i);
     SettingRow* row = m_rowSet->add(value, parent);
@@ -360,10 +346,7 @@ qsizetype PreferencesView::updateChangeCounts(const Group& group)
 void PreferencesView::updatePageCounts()
 {
     for (const Page& page : m_pages) {
-        qsizetype changed = 0;
-        for (const Group& group : page.groups) {
-            changed += updateChangeCounts(group);
-        }
+        const qsizetype changed = updateChangeCounts(page.content);
         QFont font; // sets only the weight; the rest is the list's font
         font.setWeight(changed > 0 ? QFont::Bold : QFont::Normal);
         page.item->setFont(font);
@@ -397,22 +380,9 @@ QString PreferencesView::hitsText() const
 {
     qsizetype count = 0;
     for (const Page& page : m_pages) {
-        for (const Group& group : page.groups) {
-            count += countMatches(group, searchText());
-        }
+        count += countMatches(page.content, searchText());
     }
     return tr("%n result(s)", nullptr, static_cast<int>(count));
-}
-
-// NOLINTNEXTLINE(misc-no-recursion)
-bool PreferencesView::matches(const Group& group, const QString& text) const
-{
-    bool found = std::any_of(group.values.begin(), group.values.end(),
-                             [&](const XsdtNode* value) { return matches(*value, text); });
-    for (const Group& below : group.groups) {
-        found = found || matches(below, text);
-    }
-    return found;
 }
 
 /// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
@@ -428,8 +398,7 @@ void PreferencesView::applyFilter()
     QListWidgetItem* firstFound = nullptr;
     for (Page& page : m_pages) {
         page.isFiltered = false;
-        const bool found = std::any_of(page.groups.begin(), page.groups.end(),
-                                       [&](const Group& group) { return matches(group, text); });
+        const bool found = countMatches(page.content, text) > 0;
         page.item->setHidden(!found);
         if (found && !firstFound) {
             firstFound = page.item;
@@ -448,7 +417,7 @@ void PreferencesView::applyFilter()
 void PreferencesView::filterGroup(const Group& group, const QString& text) const
 {
     if (CollapsibleSection* section = group.section) {
-        const bool found = matches(group, text);
+        const bool found = countMatches(group, text) > 0;
         section->setVisible(found);
         section->setExpanded(text.isEmpty() ? section->startExpanded() : found);
         if (!found) {
@@ -467,20 +436,20 @@ void PreferencesView::showPage(int index)
 {
     if (index >= 0) {
         Page& page = m_pages[static_cast<size_t>(index)];
-        if (!page.isBuilt) {
-            buildPage(page);
+        QWidget* rows = page.column->widget();
+        if (page.column->count() == 0) {
+            page.column->append(page.content.count(), [this, &page, rows](qsizetype i) {
+                return createPart(page.content, i, rows);
+            });
         }
         if (!page.isFiltered) {
             page.isFiltered = true;
-            QWidget* rows = page.column->widget();
             // A click in a row ends the pause in typing.
             QWidget* clicked = rows->isAncestorOf(QApplication::focusWidget())
                                    ? QApplication::focusWidget()
                                    : nullptr;
             rows->hide(); // else each row shown or hidden lays out all
-            for (const Group& group : page.groups) {
-                filterGroup(group, searchText());
-            }
+            filterGroup(page.content, searchText());
             rows->show();
             page.column->verticalScrollBar()->setValue(0);
             if (clicked && clicked->isVisible()) {

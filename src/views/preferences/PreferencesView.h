@@ -67,7 +67,7 @@ private:
     /// The visible part of a group, and the widgets that show it so far.
     struct Group
     {
-        XsdtNode* node = nullptr;
+        XsdtNode* node = nullptr; ///< Null for the several groups of a page together.
         QList<XsdtNode*> values;
         std::vector<Group> groups;             ///< None is empty.
         QList<SettingRow*> rows;               ///< Of the first of `values`.
@@ -81,9 +81,7 @@ private:
         QString title;
         QListWidgetItem* item = nullptr;
         WidgetColumn* column = nullptr;
-        std::vector<Group> groups;
-        bool isSections = false; ///< Each of `groups` has a section.
-        bool isBuilt = false;
+        Group content;
         bool isFiltered = true; ///< Its widgets show what the search finds.
     };
 
@@ -95,7 +93,6 @@ private:
     void discardPages();
     Group visiblePart(XsdtNode* node, int depth);
     void addPage(const PageSpec& spec);
-    void buildPage(Page& page);
     QWidget* createPart(Group& group, qsizetype i, QWidget* parent);
     QWidget* createSection(Group& group, bool expanded, QWidget* parent);
     static qsizetype updateChangeCounts(const Group& group);
@@ -103,7 +100,6 @@ private:
     QString searchText() const;
     qsizetype countMatches(const Group& group, const QString& text) const;
     QString hitsText() const;
-    bool matches(const Group& group, const QString& text) const;
     bool matches(const XsdtNode& value, const QString& text) const;
     void onSearchChanged();
     void applyFilter();
