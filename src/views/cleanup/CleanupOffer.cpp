@@ -24,36 +24,29 @@ QString displayName(const XsdtNode& node)
     return parts.join(u" › "_s);
 }
 
-CleanupOffer wholeGroup(const XsdtDocument& document, const DeletePolicy& policy,
-                        const CleanupGroup& group)
+CleanupOffer offerFor(const CleanupGroup& group, const XsdtDocument& document,
+                      const DeletePolicy& policy)
 {
     CleanupOffer offer;
+    offer.title = group.title;
+    offer.explanation = group.description;
+    offer.isEach = group.each;
     QStringList found;
     for (const QString& path : group.paths) {
-        XsdtNode* node = document.root.findByPath(path);
-        if (node && policy.decide(node).level == DeleteLevel::Safe) {
-            offer.nodes.append({node->path(), node});
-            found.append(path);
-        }
-    }
-    offer.explanation = group.description + u'\n' + found.join(", "_L1);
-    return offer;
-}
-
-CleanupOffer eachMatch(const XsdtDocument& document, const DeletePolicy& policy,
-                       const CleanupGroup& group)
-{
-    CleanupOffer offer;
-    for (const QString& pattern : group.paths) {
-        const QList<XsdtNode*> matches = DeletePolicy::matchPattern(document, pattern);
-        for (XsdtNode* node : matches) {
-            if (policy.decide(node).level == DeleteLevel::Safe) {
-                offer.nodes.append({displayName(*node), node});
+        const QList<XsdtNode*> nodes = group.each ? DeletePolicy::matchPattern(document, path)
+                                                  : QList{document.root.findByPath(path)};
+        for (XsdtNode* node : nodes) {
+            if (node && policy.decide(node).level == DeleteLevel::Safe) {
+                offer.nodes.append({group.each ? displayName(*node) : node->path(), node});
+                found.append(path);
             }
         }
     }
-    offer.nodes = sortedByName(offer.nodes);
-    offer.explanation = group.description;
+    if (group.each) {
+        offer.nodes = sortedByName(offer.nodes);
+    } else {
+        offer.explanation += u'\n' + found.join(", "_L1);
+    }
     return offer;
 }
 
@@ -63,11 +56,8 @@ QList<CleanupOffer> cleanupOffers(const XsdtDocument& document, const DeletePoli
 {
     QList<CleanupOffer> offers;
     for (const CleanupGroup& group : policy.cleanupGroups()) {
-        CleanupOffer offer =
-            group.each ? eachMatch(document, policy, group) : wholeGroup(document, policy, group);
+        const CleanupOffer offer = offerFor(group, document, policy);
         if (!offer.nodes.isEmpty()) {
-            offer.title = group.title;
-            offer.isEach = group.each;
             offers.append(offer);
         }
     }
