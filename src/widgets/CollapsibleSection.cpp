@@ -146,15 +146,11 @@ int CollapsibleSection::titleHeight() const
 
 QString CollapsibleSection::deletionText() const
 {
-    switch (m_deletion) {
-    case Deletion::None:
-        break;
-    case Deletion::Within:
-        return tr("Something in it is queued for deletion.");
-    case Deletion::Whole:
-        return tr("All of it is queued for deletion.");
+    if (m_deletion == Deletion::None) {
+        return {};
     }
-    return {};
+    return m_deletion == Deletion::Whole ? tr("All of it is queued for deletion.")
+                                         : tr("Something in it is queued for deletion.");
 }
 
 void CollapsibleSection::setExpanded(bool expanded)

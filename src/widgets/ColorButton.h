@@ -14,7 +14,6 @@ public:
     explicit ColorButton(QWidget* parent = nullptr);
 
     void setArgb(quint32 argb);
-    quint32 argb() const { return m_argb; }
 
 signals:
     /// The user chose a colour; the button still shows the old one.

@@ -34,7 +34,7 @@ void setMayBeTabStop(QWidget& widget)
     widget.setProperty(mayBeTabStop, true);
 }
 
-QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
+void continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
 {
     const QList<QWidget*> stops = tabStops(widgets, before->window());
     // Backwards, since Qt looks at every widget between one that it moves and the stop before that.
@@ -44,7 +44,6 @@ QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets)
         QWidget::setTabOrder(before, *stop);
         (*stop)->setFocusPolicy(policy);
     }
-    return stops.isEmpty() ? before : stops.constLast();
 }
 
 QWidget* lastTabStop(QWidget& widget)

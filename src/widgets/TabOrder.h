@@ -13,8 +13,8 @@ void setMayBeTabStop(QWidget& widget);
 
 /// Makes Tab go from `before` through `widgets` and their children, in the order of creation. For
 /// widgets that are created later than their neighbours: Qt puts a new one last in the whole
-/// window. Returns the last widget that takes the focus, or `before` if none does.
-QWidget* continueTabOrder(QWidget* before, const QList<QWidget*>& widgets);
+/// window.
+void continueTabOrder(QWidget* before, const QList<QWidget*>& widgets);
 
 /// The last widget in `widget`, or itself, that takes the focus at times; null if there is none.
 QWidget* lastTabStop(QWidget& widget);

@@ -64,14 +64,10 @@ bool CleanupRow::isLook(int column, int role)
 
 QString CleanupRow::columnText(int column) const
 {
-    switch (column) {
-    case ValuesColumn:
+    if (column == ValuesColumn) {
         return QString::number(m_values);
-    case SizeColumn:
-        return formatBytes(m_size);
-    default:
-        return status();
     }
+    return column == SizeColumn ? formatBytes(m_size) : status();
 }
 
 /// How many of the nodes are queued; empty for a row without a check box.

@@ -14,7 +14,7 @@ struct XsdtNode;
 class CleanupRow : public QTreeWidgetItem
 {
 public:
-    enum Column { EntryColumn, ValuesColumn, SizeColumn, StatusColumn, ColumnCount };
+    enum Column { EntryColumn, ValuesColumn, SizeColumn, StatusColumn };
 
     /// The model stays the caller's; `name` loses its middle if it is long.
     CleanupRow(const SettingsModel& model, const QString& name);

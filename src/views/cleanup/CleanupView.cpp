@@ -70,9 +70,7 @@ void CleanupView::createTree()
 {
     m_tree = named(u"tree"_s, new QTreeWidget(this));
     m_tree->setAccessibleName(tr("Entries that can be removed"));
-    m_tree->setColumnCount(CleanupRow::ColumnCount);
     m_tree->setHeaderLabels({tr("Entry"), tr("Values"), tr("Size"), tr("Status")});
-    m_tree->setRootIsDecorated(true);
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
     m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path

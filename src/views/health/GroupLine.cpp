@@ -39,7 +39,7 @@ QString deletionText(bool isMarked)
 } // namespace
 
 GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype number, qsizetype count,
-                     QWidget* parent)
+                     const QString& remark, QWidget* parent)
     : QWidget(parent)
     , m_node(node)
     , m_number(number)
@@ -51,11 +51,11 @@ GroupLine::GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype numbe
     m_name = tr("%1 (%2 of %3)")
                  .arg(withoutMiddle(node->path(), lineLimit), QString::number(number),
                       QString::number(count));
-    createWidgets();
+    createWidgets(remark);
     reserveNumber();
 }
 
-void GroupLine::createWidgets()
+void GroupLine::createWidgets(const QString& remark)
 {
     const QString path = asMarkup(withoutMiddle(m_node->path(), lineLimit));
     const QString values = tr("%n value(s)", nullptr, static_cast<int>(m_node->valueCount()));
@@ -65,6 +65,9 @@ void GroupLine::createWidgets()
     m_revealButton->setAccessibleName(tr("Show %1 in All settings").arg(m_name));
     m_deleteButton =
         named(u"deleteButton"_s, new SteadyButton({deletionText(false), deletionText(true)}, this));
+    for (QPushButton* button : {m_revealButton, m_deleteButton}) {
+        button->setAccessibleDescription(remark);
+    }
     connect(m_revealButton, &QPushButton::clicked, this, [this] { emit revealRequested(m_node); });
     connect(m_deleteButton, &QPushButton::clicked, this, [this] {
         if (m_node->markedForDeletion) {
@@ -98,12 +101,6 @@ void GroupLine::refresh(bool readOnly)
                      *m_revealButton);
     // Where there is none, Qt shows that of the line.
     m_deleteButton->setToolTip(isInside ? QString() : asToolTip(m_reason));
-}
-
-void GroupLine::setRemark(const QString& remark)
-{
-    m_revealButton->setAccessibleDescription(remark);
-    m_deleteButton->setAccessibleDescription(remark);
 }
 
 /// The state of the line, for the tool tip and for screen readers.

@@ -21,15 +21,13 @@ class GroupLine : public QWidget
 
 public:
     /// `node` is copy `number` (from 1) of `count` in file order. It isn't owned and must live as
-    /// long as the line is shown.
+    /// long as the line is shown. `remark` is what a screen reader says of the buttons, apart from
+    /// their names.
     GroupLine(XsdtNode* node, const SettingsModel& model, qsizetype number, qsizetype count,
-              QWidget* parent);
+              const QString& remark, QWidget* parent);
 
     /// Updates the line from its node. `readOnly` is set while PixInsight runs.
     void refresh(bool readOnly);
-
-    /// What a screen reader says of the buttons, apart from their names.
-    void setRemark(const QString& remark);
 
 signals:
     void deleteRequested(kse::XsdtNode* node);
@@ -42,7 +40,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void createWidgets();
+    void createWidgets(const QString& remark);
     void reserveNumber();
     QString stateText() const;
     QString firstValues() const;

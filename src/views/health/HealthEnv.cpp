@@ -38,16 +38,12 @@ HealthEnv HealthEnv::system()
     HealthEnv env;
     env.processors = QThread::idealThreadCount();
     env.installFolders = usualInstallFolders();
-#ifdef Q_OS_WIN
     env.exists = [](const QString& path) {
-        return QFileInfo::exists(path);
-    };
-#else
-    env.isWindows = false;
-    env.exists = [](const QString& path) {
-        const bool isInHome = path.startsWith("~/"_L1);
+        const bool isInHome = path.startsWith("~/"_L1); // not a local path on Windows
         return QFileInfo::exists(isInHome ? QDir::homePath() + path.sliced(1) : path);
     };
+#ifndef Q_OS_WIN
+    env.isWindows = false;
 #endif
     return env;
 }

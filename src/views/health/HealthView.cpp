@@ -216,8 +216,7 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
     for (qsizetype i = 0; i < qMin(nodeLimit, count); ++i) {
         XsdtNode* node = finding.nodes[i];
         if (node->kind == XsdtNode::Kind::Group) {
-            layout->addWidget(createGroupLine(node, i + 1, count, card));
-            m_groupLines.constLast()->setRemark(remarkOn(finding));
+            layout->addWidget(createGroupLine(finding, i, card));
             continue;
         }
         SettingRow* row = m_rowSet->add(node, card);
@@ -231,11 +230,12 @@ void HealthView::addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* 
     }
 }
 
-/// A group has no editor, but can be shown in the tree or deleted.
-GroupLine* HealthView::createGroupLine(XsdtNode* node, qsizetype number, qsizetype count,
-                                       QWidget* card)
+/// For the node `i` of `finding`: a group has no editor, but can be shown in the tree or deleted.
+QWidget* HealthView::createGroupLine(const Finding& finding, qsizetype i, QWidget* card)
 {
-    auto* line = named(u"groupLine"_s, new GroupLine(node, *m_model, number, count, card));
+    auto* line =
+        named(u"groupLine"_s, new GroupLine(finding.nodes[i], *m_model, i + 1, finding.nodes.size(),
+                                            remarkOn(finding), card));
     line->refresh(m_rowSet->isReadOnly());
     connect(line, &GroupLine::deleteRequested, this, &HealthView::onDeleteRequested);
     connect(line, &GroupLine::restoreRequested, this, &HealthView::restoreRequested);

@@ -59,7 +59,7 @@ private:
     void updateSummary();
     QWidget* buildCard(const Finding& finding);
     void addNodes(const Finding& finding, QVBoxLayout* layout, QWidget* card);
-    GroupLine* createGroupLine(XsdtNode* node, qsizetype number, qsizetype count, QWidget* card);
+    QWidget* createGroupLine(const Finding& finding, qsizetype i, QWidget* card);
     void refreshGroupLines();
 
     SettingsModel* m_model = nullptr;

@@ -42,10 +42,8 @@ QVariant displayText(const XsdtNode& node, int column)
     case SettingsModel::ValueColumn:
         return node.kind == XsdtNode::Kind::Value ? displayValue(node, node.value, shortLimit)
                                                   : QVariant();
-    case SettingsModel::TypeColumn:
-        return typeText(node);
     default:
-        return {};
+        return typeText(node);
     }
 }
 

@@ -37,26 +37,20 @@ void SettingsFilterProxy::setChangedOnly(bool changedOnly)
 
 void SettingsFilterProxy::setSourceModel(QAbstractItemModel* model)
 {
-    if (sourceModel()) {
-        sourceModel()->disconnect(this);
-    }
-    m_isStale = true;
-    if (model) {
-        // Before the base class connects: `m_accepted` must be up to date in its slots.
-        const auto markStale = [this] {
-            m_isStale = true;
-        };
-        connect(model, &QAbstractItemModel::modelReset, this, markStale);
-        connect(model, &QAbstractItemModel::layoutChanged, this, markStale);
-        connect(model, &QAbstractItemModel::dataChanged, this,
-                [this](const QModelIndex& first, const QModelIndex& last) {
-                    // Several rows at once change only in looks: pending changes come row by row,
-                    // or with a change of layout.
-                    if (first.row() == last.row() && isFiltering() && !m_isStale) {
-                        updateAccepted(*SettingsModel::nodeOf(first));
-                    }
-                });
-    }
+    // Before the base class connects: `m_accepted` must be up to date in its slots.
+    const auto markStale = [this] {
+        m_isStale = true;
+    };
+    connect(model, &QAbstractItemModel::modelReset, this, markStale);
+    connect(model, &QAbstractItemModel::layoutChanged, this, markStale);
+    connect(model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last) {
+                // Several rows at once change only in looks: pending changes come row by row, or
+                // with a change of layout.
+                if (first.row() == last.row() && isFiltering() && !m_isStale) {
+                    updateAccepted(*SettingsModel::nodeOf(first));
+                }
+            });
     QSortFilterProxyModel::setSourceModel(model);
 }
 
@@ -85,7 +79,8 @@ bool SettingsFilterProxy::filterAcceptsRow(int sourceRow, const QModelIndex& sou
         collectAccepted(*root);
         m_isStale = false;
     }
-    return isAccepted(*node);
+    const auto rows = m_accepted.find(node->parent);
+    return rows != m_accepted.end() && rows->second[std::size_t(sourceRow)];
 }
 
 bool SettingsFilterProxy::passes(const XsdtNode& node, bool pathMatches) const
@@ -129,12 +124,6 @@ void SettingsFilterProxy::collectAccepted(const XsdtNode& root) const
         groups.enter(node, {path.size(), pathMatches});
         return Walk::Into;
     });
-}
-
-bool SettingsFilterProxy::isAccepted(const XsdtNode& node) const
-{
-    const auto rows = m_accepted.find(node.parent);
-    return rows != m_accepted.end() && rows->second[std::size_t(node.rowInParent())];
 }
 
 bool SettingsFilterProxy::setAccepted(const XsdtNode& node, bool accepted) const

@@ -30,6 +30,7 @@ public:
     void setChangedOnly(bool changedOnly);
     bool isChangedOnly() const { return m_changedOnly; }
 
+    /// Call it once, with a `SettingsModel`.
     void setSourceModel(QAbstractItemModel* model) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
@@ -43,7 +44,6 @@ private:
     bool passes(const XsdtNode& node, bool pathMatches) const;
     void collectAccepted(const XsdtNode& root) const;
     void updateAccepted(const XsdtNode& changed);
-    bool isAccepted(const XsdtNode& node) const;
     bool setAccepted(const XsdtNode& node, bool accepted) const;
     void refilter();
 

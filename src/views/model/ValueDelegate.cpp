@@ -88,7 +88,7 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
 {
     const auto* node = SettingsModel::nodeOf(index);
     QWidget* editor = nullptr;
-    if (node && node->typeCode == XsdtValueType::Boolean) {
+    if (node->typeCode == XsdtValueType::Boolean) {
         auto* combo = new BooleanEditor(parent);
         connect(combo, &QComboBox::activated, this, [this, combo] {
             auto* self = const_cast<ValueDelegate*>(this); // signals aren't const
@@ -97,16 +97,12 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
         });
         editor = combo;
     } else {
-        editor = QStyledItemDelegate::createEditor(parent, option, index);
-    }
-    if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+        editor = QStyledItemDelegate::createEditor(parent, option, index); // a line edit
         // Its text stays where the cell's is: a cell leaves 1 pixel more, a line edit 2.
-        const int margin = line->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1 - 2;
-        line->setTextMargins(margin, 0, margin, 0);
+        const int margin = editor->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1 - 2;
+        static_cast<QLineEdit*>(editor)->setTextMargins(margin, 0, margin, 0);
     }
-    if (editor && node) {
-        editor->setAccessibleName(abbreviated(node->key, shortLimit));
-    }
+    editor->setAccessibleName(abbreviated(node->key, shortLimit));
     return editor;
 }
 
@@ -115,10 +111,8 @@ void ValueDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
     const QString text = index.data(Qt::EditRole).toString();
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
         combo->setCurrentIndex(combo->findText(text)); // -1 for any other text
-    } else if (auto* line = qobject_cast<QLineEdit*>(editor)) {
-        showFileText(*line, text);
     } else {
-        QStyledItemDelegate::setEditorData(editor, index);
+        showFileText(*static_cast<QLineEdit*>(editor), text);
     }
 }
 
@@ -131,13 +125,12 @@ void ValueDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
         if (combo->currentIndex() >= 0) {
             model->setData(index, combo->currentText(), Qt::EditRole);
         }
-    } else if (const auto* line = qobject_cast<QLineEdit*>(editor)) {
+    } else {
+        const auto* line = static_cast<const QLineEdit*>(editor);
         // The model might normalise even an unchanged text.
         if (!line->isReadOnly() && line->text() != index.data(Qt::EditRole).toString()) {
             model->setData(index, line->text(), Qt::EditRole);
         }
-    } else {
-        QStyledItemDelegate::setModelData(editor, model, index);
     }
     if (!row.isValid()) {
         emit editedRowHidden(abbreviated(node->key, shortLimit));

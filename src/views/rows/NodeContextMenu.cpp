@@ -54,10 +54,8 @@ void showNodeContextMenu(QWidget* parent, SettingsModel* model, XsdtNode* node,
     if (!chosen || !guard.isSameTree()) {
         return;
     }
-    if (chosen == revert) {
-        if (!model->isReadOnly()) { // PixInsight may have started meanwhile
-            model->revertValue(node);
-        }
+    if (chosen == revert && !model->isReadOnly()) { // PixInsight may have started meanwhile
+        model->revertValue(node);
     } else if (deletion.is(chosen)) {
         deletion.carryOut(window, callbacks.deleteNode, callbacks.undoDeletion);
     } else if (chosen == reveal) {

@@ -137,13 +137,9 @@ ValueEditor* ValueEditor::create(const VariableInfo& info, const QString& name, 
         return createNumberEditor(info, name, parent);
     case VariableKind::Color:
         return new ColorEditor(name, parent);
-    case VariableKind::Real:
-    case VariableKind::Text:
-    case VariableKind::FilePath:
-    case VariableKind::Directory:
-        break;
+    default:
+        return createTextEditor(info, name, parent);
     }
-    return createTextEditor(info, name, parent);
 }
 
 ValueEditor::ValueEditor(QWidget* parent)

@@ -13,6 +13,7 @@
 #include "schema/SettingsSchema.h"
 
 #include <QHash>
+#include <QMap>
 #include <QRegularExpression>
 #include <QStringMatcher>
 
@@ -32,14 +33,15 @@ namespace {
 /// One word to search for. Its matchers are created once, not for every text.
 struct Term
 {
-    explicit Term(const QString& word)
-        : text(word)
+    Term(const QString& word, int times)
+        : count(times)
+        , text(word)
         , exact(word)
         , anyCase(word, Qt::CaseInsensitive)
     {
     }
 
-    int count = 1; ///< How often the query contains it; each counts.
+    int count; ///< How often the query contains it; each counts.
     QString text;
     QStringMatcher exact;
     QStringMatcher anyCase;
@@ -59,15 +61,12 @@ public:
         : m_query(query)
     {
         // A pasted text may have thousands of words, but few different ones.
-        QHash<QString, size_t> places;
+        QMap<QString, int> counts;
         for (const QString& word : query.terms) {
-            const auto known = places.constFind(word);
-            if (known != places.cend()) {
-                ++m_terms[*known].count;
-            } else {
-                places.insert(word, m_terms.size());
-                m_terms.emplace_back(word);
-            }
+            ++counts[word];
+        }
+        for (auto word = counts.cbegin(); word != counts.cend(); ++word) {
+            m_terms.emplace_back(word.key(), word.value());
         }
     }
 

@@ -17,7 +17,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QSignalBlocker>
 
 using namespace Qt::StringLiterals;
 
@@ -122,17 +121,12 @@ void SearchView::connectWidgets()
 void SearchView::setDocument(const XsdtDocument* document)
 {
     clearRows();
-    m_results.clear();
     m_index.clear();
     m_indexBuilt = false;
     dropRestriction();
     m_document = document;
     m_limit = rowStep;
-    if (document) {
-        populate();
-    } else {
-        m_summaryLabel->clear();
-    }
+    populate();
 }
 
 void SearchView::setReadOnly(bool readOnly)
@@ -162,15 +156,10 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
     m_restricted = true;
     m_bannerLabel->setText(withoutMiddle(bannerText, popupLimit));
     m_banner->show();
-    {
-        const QSignalBlocker query(m_queryEdit);
-        const QSignalBlocker changed(m_changedOnly);
-        const QSignalBlocker includeProtected(m_includeProtected);
-        m_queryEdit->clear();
-        m_changedOnly->setChecked(false);
-        m_includeProtected->setChecked(false);
-    }
-    m_queryEdit->setClearButtonEnabled(false); // else it stays: the signal was blocked
+    m_queryEdit->clear();
+    m_changedOnly->setChecked(false);
+    m_includeProtected->setChecked(false);
+    m_queryEdit->setClearButtonEnabled(false); // else it fades out
     m_queryEdit->setClearButtonEnabled(true);
     m_limit = rowStep;
     populate();
@@ -229,6 +218,7 @@ void SearchView::populate()
     m_results.clear();
     clearRows();
     if (!m_document) {
+        m_summaryLabel->clear();
         return;
     }
     const SearchQuery wanted = query();

@@ -96,11 +96,6 @@ QModelIndex AllSettingsView::indexFor(const XsdtNode* node) const
     return m_proxy->mapFromSource(m_model->indexForNode(node));
 }
 
-XsdtNode* AllSettingsView::nodeFor(const QModelIndex& index) const
-{
-    return index.isValid() ? m_model->nodeForIndex(m_proxy->mapToSource(index)) : nullptr;
-}
-
 void AllSettingsView::reveal(const XsdtNode* node)
 {
     if (!node) {
@@ -131,11 +126,6 @@ void AllSettingsView::expandAll()
 void AllSettingsView::resetExpansion()
 {
     m_tree->collapseAll();
-    expandPreferences();
-}
-
-void AllSettingsView::expandPreferences()
-{
     if (!m_model->document()) {
         return;
     }
@@ -216,7 +206,7 @@ void AllSettingsView::onEditedRowHidden(const QString& key)
 void AllSettingsView::onDeleteKey()
 {
     const QModelIndex index = m_tree->currentIndex();
-    XsdtNode* node = nodeFor(index);
+    XsdtNode* node = SettingsModel::nodeOf(index);
     if (node && m_tree->selectionModel()->isSelected(index)) {
         emit deleteRequested(node);
     }
@@ -224,7 +214,7 @@ void AllSettingsView::onDeleteKey()
 
 void AllSettingsView::onContextMenuRequested(const QPoint& pos)
 {
-    XsdtNode* node = nodeFor(m_tree->indexAt(pos));
+    XsdtNode* node = SettingsModel::nodeOf(m_tree->indexAt(pos));
     if (!node) {
         return;
     }

@@ -52,9 +52,7 @@ private:
     void createFilter();
     void createTree();
     void createLayout();
-    void expandPreferences();
     QModelIndex indexFor(const XsdtNode* node) const;
-    XsdtNode* nodeFor(const QModelIndex& index) const;
     QList<const XsdtNode*> expandedGroups() const;
     int shownValues() const;
 
