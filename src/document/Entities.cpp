@@ -2,6 +2,7 @@
 #include "document/Entities.h"
 
 #include <algorithm>
+#include <cctype>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -14,23 +15,12 @@ namespace {
 /// reference may name 0 itself.
 char32_t codePoint(QStringView digits, int base)
 {
-    char32_t number = 0;
-    for (const QChar digit : digits) {
-        const char16_t c = digit.unicode();
-        char32_t worth = 16;
-        if (c >= u'0' && c <= u'9') {
-            worth = c - u'0';
-        } else if (c >= u'a' && c <= u'f') {
-            worth = c - u'a' + 10;
-        } else if (c >= u'A' && c <= u'F') {
-            worth = c - u'A' + 10;
-        }
-        number = number * char32_t(base) + worth;
-        if (worth >= char32_t(base) || number > QChar::LastValidCodePoint) {
-            return 0;
-        }
-    }
-    return number;
+    // Qt also takes blanks, signs and prefixes.
+    const bool areDigits = std::all_of(digits.begin(), digits.end(), [](QChar digit) {
+        return digit.unicode() < 0x80 && std::isxdigit(digit.unicode());
+    });
+    const char32_t number = digits.toUInt(nullptr, base);
+    return areDigits && number <= QChar::LastValidCodePoint ? number : 0;
 }
 
 /// The code point for the reference `name`, without & and ;. 0 if there is none.
