@@ -37,28 +37,6 @@ struct alignas(XsdtNode) NodePage
 
     std::size_t used = sizeof(NodePage);
     std::size_t living = 0;
-
-    void* take()
-    {
-        void* node = reinterpret_cast<std::byte*>(this) + used;
-        used += sizeof(XsdtNode);
-        ++living;
-        return node;
-    }
-    bool isFull() const
-    {
-        return used + sizeof(XsdtNode) > size;
-    }
-
-    static NodePage* create()
-    {
-        return new (::operator new(size, std::align_val_t(alignment))) NodePage;
-    }
-    static NodePage* of(void* node)
-    {
-        const auto offset = reinterpret_cast<std::uintptr_t>(node) % alignment;
-        return reinterpret_cast<NodePage*>(static_cast<std::byte*>(node) - offset);
-    }
 };
 
 NodePage* currentPage = nullptr;
@@ -67,15 +45,20 @@ NodePage* currentPage = nullptr;
 
 void* XsdtNode::operator new(std::size_t)
 {
-    if (!currentPage || currentPage->isFull()) {
-        currentPage = NodePage::create();
+    if (!currentPage || currentPage->used + sizeof(XsdtNode) > NodePage::size) {
+        currentPage =
+            new (::operator new(NodePage::size, std::align_val_t(NodePage::alignment))) NodePage;
     }
-    return currentPage->take();
+    void* node = reinterpret_cast<std::byte*>(currentPage) + currentPage->used;
+    currentPage->used += sizeof(XsdtNode);
+    ++currentPage->living;
+    return node;
 }
 
 void XsdtNode::operator delete(void* node) noexcept
 {
-    NodePage* page = NodePage::of(node);
+    const auto offset = reinterpret_cast<std::uintptr_t>(node) % NodePage::alignment;
+    auto* page = reinterpret_cast<NodePage*>(static_cast<std::byte*>(node) - offset);
     if (--page->living > 0) {
         return;
     }
