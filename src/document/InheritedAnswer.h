@@ -4,9 +4,9 @@
 #include "document/XsdtNode.h"
 
 #include <QHash>
+#include <QVarLengthArray>
 
 #include <optional>
-#include <vector>
 
 namespace kse {
 
@@ -21,7 +21,7 @@ public:
     template <typename Own>
     bool of(const XsdtNode& node, const Own& own)
     {
-        m_climbed.clear();
+        QVarLengthArray<const XsdtNode*, 16> climbed;
         std::optional<bool> answer = own(node);
         for (const XsdtNode* group = node.parent; !answer; group = group->parent) {
             const auto known = m_groups.constFind(group);
@@ -29,10 +29,10 @@ public:
                 answer = *known;
                 break;
             }
-            m_climbed.push_back(group);
+            climbed.append(group);
             answer = own(*group);
         }
-        for (const XsdtNode* group : m_climbed) {
+        for (const XsdtNode* group : climbed) {
             m_groups.insert(group, *answer);
         }
         return *answer;
@@ -40,7 +40,6 @@ public:
 
 private:
     QHash<const XsdtNode*, bool> m_groups;
-    std::vector<const XsdtNode*> m_climbed; ///< A member to reuse its memory.
 };
 
 } // namespace kse

@@ -19,7 +19,18 @@ public:
 
     /// Moves on to `node`, the next node of the walk, and returns its path, which is valid until
     /// the next call. The walk must visit every group before its children.
-    const QString& moveTo(const XsdtNode& node);
+    const QString& moveTo(const XsdtNode& node)
+    {
+        m_path.truncate(m_groups.ofParent(node));
+        if (!m_path.isEmpty()) {
+            m_path += u'/';
+        }
+        m_path += node.key.toLower();
+        if (node.kind == XsdtNode::Kind::Group) {
+            m_groups.enter(node, m_path.size());
+        }
+        return m_path;
+    }
 
 private:
     QString m_path;
