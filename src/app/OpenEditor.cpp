@@ -61,11 +61,9 @@ bool OpenEditor::commit()
 bool OpenEditor::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
-        if (static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
-            if (!commit()) {
-                event->accept(); // so that Qt doesn't look up the shortcut
-                return true;
-            }
+        if (static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save) && !commit()) {
+            event->accept(); // so that Qt doesn't look up the shortcut
+            return true;
         }
     } else if (event->type() == QEvent::MouseButtonPress) {
         const auto* pressed = qobject_cast<QWidget*>(watched);

@@ -29,9 +29,6 @@ void removeMarkedChildren(XsdtNode& group)
     auto& children = group.children;
     const auto gone = std::remove_if(children.begin(), children.end(),
                                      [](const auto& child) { return child->markedForDeletion; });
-    if (gone == children.end()) {
-        return;
-    }
     children.erase(gone, children.end());
     quint32 row = 0;
     for (const auto& child : children) {

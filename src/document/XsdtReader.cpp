@@ -109,9 +109,6 @@ private:
 
 bool Reader::failAt(const char16_t* position, const QString& message)
 {
-    if (!m_error) {
-        return false;
-    }
     qsizetype line = 1;
     qsizetype column = 1;
     for (const char16_t* at = m_begin; at != position; ++at) {
@@ -121,9 +118,8 @@ bool Reader::failAt(const char16_t* position, const QString& message)
             column = 1;
         }
     }
-    *m_error =
-        u"%1 (line %2, column %3)"_s.arg(message, QString::number(line), QString::number(column));
-    return false;
+    return fail(m_error, u"%1 (line %2, column %3)"_s.arg(message, QString::number(line),
+                                                          QString::number(column)));
 }
 
 bool Reader::decode(Attribute& attribute, const char16_t* position)

@@ -20,11 +20,6 @@ namespace kse {
 
 namespace {
 
-bool isAny(QStringView segment)
-{
-    return segment == u'*';
-}
-
 QList<PathPattern> readPatterns(const QJsonValue& value)
 {
     QList<PathPattern> patterns;
@@ -106,9 +101,7 @@ bool DeletePolicy::loadRules(const QJsonObject& policy, QString* error)
         rule.groupsOnly = element["groupsOnly"_L1].toBool();
         rule.level = *level;
         rule.reason = element["reason"_L1].toString();
-        rule.specificity =
-            static_cast<int>(rule.segments.size() -
-                             std::count_if(rule.segments.cbegin(), rule.segments.cend(), isAny));
+        rule.specificity = int(rule.segments.size() - rule.segments.count(u"*"_s));
         m_rules.append(std::move(rule));
     }
     return true;
@@ -162,7 +155,7 @@ QList<XsdtNode*> DeletePolicy::matchPattern(const XsdtDocument& document, QStrin
     QList<XsdtNode*> matches;
     walkTree(const_cast<XsdtNode&>(document.root), [&](XsdtNode& node) {
         const QStringView segment = segments.value(node.depth - 1);
-        const bool isMatch = isAny(segment) || (!segment.isEmpty() && node.key == segment);
+        const bool isMatch = segment == u'*' || (!segment.isEmpty() && node.key == segment);
         if (isMatch && node.depth == segments.size()) {
             matches.append(&node);
         }

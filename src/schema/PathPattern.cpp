@@ -27,10 +27,8 @@ PathSegments pathSegments(const XsdtNode& node)
 }
 
 PathPattern::PathPattern(QStringView pattern)
+    : segments(pattern.toString().split(u'/', Qt::SkipEmptyParts))
 {
-    for (const QStringView part : qTokenize(pattern, u'/', Qt::SkipEmptyParts)) {
-        segments.append(part.toString());
-    }
     if (!segments.isEmpty() && segments.last() == "**"_L1) {
         deep = true;
         segments.removeLast();

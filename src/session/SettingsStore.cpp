@@ -32,29 +32,17 @@ void say(QString* remark, const QString& text)
     }
 }
 
-/// Whether anything has the name `path`, even a link that leads nowhere.
-bool isTaken(const QString& path)
-{
-    return QFileInfo(path).isSymLink() || QFileInfo::exists(path);
-}
-
 bool failChanged(QString* error)
 {
     return fail(error, u"The file changed on disk since it was loaded (PixInsight may have "
                        "written it). Reload it and redo your edits."_s);
 }
 
-/// Computes the hash of `bytes` in a thread of its own, or when it is asked for if there is none.
-std::future<QByteArray> hashLater(const QByteArray& bytes)
-{
-    return std::async(sha256, bytes);
-}
-
 /// Makes `bytes` the content of `store`: the last step of whatever opens a file. On failure nothing
 /// is loaded any more.
 bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes, QString* error)
 {
-    std::future<QByteArray> hash = hashLater(bytes);
+    std::future<QByteArray> hash = std::async(sha256, bytes); // later, if there is no thread for it
     store.loaded = parseSettings(store.document, bytes, path, error);
     if (store.loaded) {
         store.path = path;
@@ -243,7 +231,7 @@ bool SettingsStore::save(QString* error, QString* backupPath, QString* remark)
     if (bytes.isEmpty()) {
         return false;
     }
-    std::future<QByteArray> newHash = hashLater(bytes);
+    std::future<QByteArray> newHash = std::async(sha256, bytes);
     Replacement replacement{*this, bytes, false, loadedHash, {}, {}, mayReplace, {}, {}};
     const Replacement::Outcome outcome = replacement.run(error);
     say(remark, replacement.remark);
@@ -314,7 +302,8 @@ QString SettingsStore::backupName(const QString& suffix) const
         base += u'-' + suffix;
     }
     QString name = base;
-    for (int number = 2; isTaken(name); ++number) {
+    // A link that leads nowhere doesn't exist, but takes the name too.
+    for (int number = 2; QFileInfo(name).isSymLink() || QFileInfo::exists(name); ++number) {
         name = base + u'-' + QString::number(number);
     }
     return name;

@@ -44,11 +44,6 @@ int storedKeep()
     return isNumber ? keep : defaultKeep;
 }
 
-QString folderOf(const QString& path)
-{
-    return QFileInfo(path).absolutePath();
-}
-
 QString formatSize(qint64 bytes)
 {
     constexpr qint64 kibibyte = 1024;
@@ -86,7 +81,7 @@ void BackupsDialog::createWidgets()
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setAlternatingRowColors(true);
     m_list->setMinimumHeight(220);
-    const QString folder = QDir::toNativeSeparators(folderOf(m_settingsPath));
+    const QString folder = QDir::toNativeSeparators(QFileInfo(m_settingsPath).absolutePath());
     m_folder = new WrappedLabel(tr("Folder: %1").arg(folder), Qt::PlainText, u"folder"_s, this);
     m_folder->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_openFolder = named(u"openFolder"_s, new QPushButton(tr("Open folder"), this));
@@ -222,7 +217,7 @@ void BackupsDialog::updateSelectionButton()
 
 void BackupsDialog::onOpenFolder()
 {
-    const QString folder = folderOf(m_settingsPath);
+    const QString folder = QFileInfo(m_settingsPath).absolutePath();
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
         showMessage(this, QMessageBox::Warning, windowTitle(),
                     tr("Cannot open the folder %1.").arg(QDir::toNativeSeparators(folder)));

@@ -175,13 +175,11 @@ void ReviewDialog::createTree()
     m_tree->setAlternatingRowColors(true);
     m_tree->setUniformRowHeights(true);
     m_tree->setTextElideMode(Qt::ElideMiddle); // what differs is often the end of a path
-    m_tree->setRootIsDecorated(true);
     copyWholeTexts(m_tree, wholeText);
     setTabOrder(m_showDeletions, m_tree);
     QHeaderView* header = m_tree->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(ChangeColumn, QHeaderView::ResizeToContents);
-    header->setSectionResizeMode(SettingColumn, QHeaderView::Interactive);
     header->setSectionResizeMode(BeforeColumn, QHeaderView::Stretch);
     header->setSectionResizeMode(AfterColumn, QHeaderView::Stretch);
     header->resizeSection(SettingColumn, 360);
