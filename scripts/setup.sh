@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs missing packages on Debian 12, Ubuntu 24.04 and later.
-#   scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci] [portable] [debian13]
+#   scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci] [portable] [debian]
 #     [windows]
 set -euo pipefail
 
@@ -14,7 +14,7 @@ accessibility=(at-spi2-core dbus gir1.2-atspi-2.0 openbox python3-gi xauth xvfb)
 ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86-64-posix git
     libbenchmark-dev libpugixml-dev mold shellcheck)
 portable=(desktop-file-utils patchelf weston xauth xvfb xz-utils)
-debian13=(debootstrap)
+debian=(debootstrap)
 windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix nsis qt6-base-dev-tools unzip wine wine64
     xauth xvfb zip)
 
@@ -28,11 +28,11 @@ for part in "${@:-build}"; do
     accessibility) needed+=("${accessibility[@]}") ;;
     ci) needed+=("${ci[@]}") ;;
     portable) needed+=("${portable[@]}") ;;
-    debian13) needed+=("${debian13[@]}") ;;
+    debian) needed+=("${debian[@]}") ;;
     windows) needed+=("${windows[@]}") ;;
     *)
         echo "Usage: scripts/setup.sh [build] [test] [package] [fuzz] [accessibility] [ci]" \
-            "[portable] [debian13] [windows]" >&2
+            "[portable] [debian] [windows]" >&2
         exit 2
         ;;
     esac
