@@ -16,7 +16,7 @@ ci=(appstream clang-format clang-tidy clazy desktop-file-utils g++-mingw-w64-x86
 portable=(desktop-file-utils patchelf weston xauth xvfb xz-utils)
 debian=(debootstrap)
 windows=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix nsis qt6-base-dev-tools unzip wine wine64
-    xauth xvfb zip)
+    xauth xdotool xvfb zip)
 
 needed=()
 for part in "${@:-build}"; do

@@ -13,6 +13,7 @@ qt_version=$(dpkg-query -W -f '${source:Version}' qt6-base-dev)
 export KSE_WINDOWS_QT=${XDG_CACHE_HOME:-$HOME/.cache}/kestrane-qt-windows/$qt_version
 build=$PWD/build/windows
 program=kestrane-settings-editor
+uninstaller=uninstall-kestrane.exe
 
 scratch=$(mktemp -d "${TMPDIR:-/var/tmp}/kestrane-windows.XXXXXX")
 end_wine() {
@@ -147,7 +148,8 @@ make_zip() {
     (cd "$scratch" && zip -qr -X "$zip_file" "$name")
 }
 
-# make_installer FOLDER VERSION FILE: its uninstaller deletes only what FOLDER contains.
+# make_installer FOLDER VERSION FILE UNINSTALLER: the last is a name in the folder that the user
+# chooses. The uninstaller deletes only what FOLDER contains, and itself.
 make_installer() {
     # shellcheck disable=SC1003,SC2016 # NSIS expands $INSTDIR, and \\ is one backslash for tr
     (
@@ -156,7 +158,7 @@ make_installer() {
         find . -mindepth 1 -depth -type d -printf 'RMDir "$INSTDIR/%P"\n'
     ) | tr / '\\' >"$scratch/removal.nsh"
     makensis -V2 -WX -DFOLDER="$1" -DVERSION="$2" -DOUTPUT="$3" -DREMOVAL="$scratch/removal.nsh" \
-        -DSIZE="$(du -sk "$1" | cut -f1)" packaging/windows/installer.nsi
+        -DUNINSTALLER="$4" -DSIZE="$(du -sk "$1" | cut -f1)" packaging/windows/installer.nsi
 }
 
 # start_program FOLDER [COMMAND]: starts the program as a user would, first to save pictures in
@@ -199,26 +201,67 @@ check_zip() {
     start_program "$WINEPREFIX/drive_c/Программы/$name"
 }
 
-# Installs an older version twice, upgrades it, starts the program, and removes it. What the user or
-# the program has written must stay.
+# Installs, moves, upgrades and starts the program, and removes it, with its settings and without.
+# What the user or another program has written must stay.
 check_installer() {
     make_wine installer
     rm "$WINEPREFIX/dosdevices/z:"
-    local drive=$WINEPREFIX/drive_c data usual chosen entry
+    local drive=$WINEPREFIX/drive_c data usual chosen entry settings cache guide
     data=$drive/users/$(id -un)/AppData
     usual="$data/Local/Programs/Kestrane Settings Editor"
     chosen="$drive/Программы/Kestrane Editor"
     entry="$data/Roaming/Microsoft/Windows/Start Menu/Programs/Kestrane Settings Editor.lnk"
+    settings=$data/Roaming/Pleiades
+    cache=$data/Local/KestraneSettingsStudio
+    guide="$drive/users/Jürgen Gößler/Temp/KestraneSettingsEditor-Help.html"
+    local own='HKCU\Software\KestraneSettingsStudio\KestraneSettingsStudio'
+    local listed='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\kestrane-settings-editor'
     cp "$installer" "$drive/setup.exe"
     cp -r "$folder" "$scratch/older"
     mkdir "$scratch/older/dropped"
     touch "$scratch/older/dropped/old.dll"
-    make_installer "$scratch/older" 0.0.1 "$drive/older.exe"
+    make_installer "$scratch/older" 0.0.1 "$drive/older.exe" uninstall.exe
     mkdir -p "${chosen%/*}"
 
     on_drive() {
         (cd "$drive" && env -u DISPLAY wine "$@" </dev/null >/dev/null)
     }
+    # remove FOLDER: the uninstaller goes on in a copy of itself, so wait for that.
+    remove() {
+        on_drive "$1\\$uninstaller" /S
+        wineserver -w
+    }
+
+    # remove_with_settings FOLDER: with a window, whose box is ticked by keyboard.
+    remove_with_settings() {
+        # shellcheck disable=SC2016 # expanded by the inner shell
+        on_screen timeout 120 bash -euc '
+            wine "$0" &
+            xdotool search --sync --onlyvisible --name "Kestrane Settings Editor Uninstall"
+            sleep 2
+            xdotool key alt+a alt+u
+            until timeout 2 wineserver -w; do
+                xdotool key alt+c # its last page needs this
+            done' "$1\\$uninstaller" </dev/null
+    }
+    # check_removal: what every removal deletes, and what none touches.
+    check_removal() {
+        diff -r "$scratch/settings" "$settings"
+        if on_drive reg query "$listed" || [[ -e $guide || -e $entry ]]; then
+            echo "The uninstaller left something behind." >&2
+            return 1
+        fi
+    }
+
+    # Another program's uninstaller: if it ran, it would install something.
+    mkdir "$drive/other"
+    cp "$drive/older.exe" "$drive/other/uninstall.exe"
+    on_drive 'C:\setup.exe' /S '/D=C:\other'
+    diff -r --exclude $uninstaller --exclude uninstall.exe "$folder" "$drive/other"
+    remove 'C:\other'
+    [[ ! -e $usual && $(ls "$drive/other") == uninstall.exe ]]
+    cmp "$drive/older.exe" "$drive/other/uninstall.exe"
+
     on_drive 'C:\older.exe' /S
     diff -r --exclude uninstall.exe "$scratch/older" "$usual"
     # The folder stands without quotation marks, which Wine would put around one with a space.
@@ -226,7 +269,7 @@ check_installer() {
     [[ ! -e $usual ]]
     touch "$chosen/note.txt"
     on_drive 'C:\setup.exe' /S
-    diff -r --exclude uninstall.exe --exclude note.txt "$folder" "$chosen"
+    diff -r --exclude $uninstaller --exclude note.txt "$folder" "$chosen"
     [[ -e $chosen/note.txt && -e $entry ]]
     end_wine
 
@@ -236,19 +279,27 @@ check_installer() {
         result=0
         wine "C:\older.exe" /S || result=$?
         test "$result" -ne 0
-        wine uninstall.exe /S
+        wine uninstall-kestrane.exe /S
         sleep 5'
-    diff -r --exclude uninstall.exe --exclude note.txt "$folder" "$chosen"
+    diff -r --exclude $uninstaller --exclude note.txt "$folder" "$chosen"
 
-    local own='HKCU\Software\KestraneSettingsStudio\KestraneSettingsStudio'
-    local listed='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\kestrane-settings-editor'
+    cp "$settings"/core-001-pxi.settings{,.bak-20260311-142530}
+    cp -r "$settings" "$scratch/settings"
+    mkdir -p "$cache/KestraneSettingsStudio/cache/ads"
+    touch "$guide" "$cache/KestraneSettingsStudio/cache/ads/apmf.xml"
     on_drive reg add "$own" /v kept
     on_drive reg query "$listed"
-    on_drive 'C:\Программы\Kestrane Editor\uninstall.exe' /S
-    wineserver -w # the uninstaller goes on in a copy of itself
+    remove 'C:\Программы\Kestrane Editor'
+    check_removal
+    [[ $(ls "$chosen") == note.txt && -e $cache/KestraneSettingsStudio/cache/ads/apmf.xml ]]
     on_drive reg query "$own"
-    if on_drive reg query "$listed" || [[ $(ls "$chosen") != note.txt || -e $entry ]]; then
-        echo "The uninstaller left something behind, or removed the user's file." >&2
+
+    on_drive 'C:\setup.exe' /S
+    remove_with_settings "C:\\users\\$(id -un)\\AppData\\Local\\Programs\\Kestrane Settings Editor"
+    check_removal
+    [[ ! -e $usual && ! -e $cache ]]
+    if on_drive reg query "${own%\\*}"; then
+        echo "The uninstaller left the program's settings." >&2
         return 1
     fi
     end_wine
@@ -263,7 +314,7 @@ run_tests "$@"
 make_folder
 make_zip
 installer=$build/$name-setup.exe
-make_installer "$folder" "$version" "$installer"
+make_installer "$folder" "$version" "$installer" $uninstaller
 check_zip
 check_installer
 echo "The zip is $zip_file, the installer is $installer,"

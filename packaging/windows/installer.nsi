@@ -1,10 +1,11 @@
 ; SPDX-License-Identifier: MIT
 ; The installer for the current user of 64-bit Windows. scripts/windows.sh defines:
-;   VERSION   the program's version
-;   FOLDER    what to install
-;   SIZE      its size in KB
-;   REMOVAL   a file with commands that delete exactly these files and folders from $INSTDIR
-;   OUTPUT    the file to write
+;   VERSION       the program's version
+;   FOLDER        what to install
+;   SIZE          its size in KB
+;   REMOVAL       a file with commands that delete exactly these files and folders from $INSTDIR
+;   UNINSTALLER   the name of its uninstaller, which no other program in the folder may use
+;   OUTPUT        the file to write
 ; Options: /S installs, or removes, without a window; /D=FOLDER, the last one and without quotation
 ; marks, names the folder. A status other than 0 means that nothing was installed.
 
@@ -86,20 +87,24 @@ Section
     !insertmacro awaitEnd $0
     !insertmacro awaitEnd $INSTDIR
 
-    ; The installed version knows which files it has put there.
-    ${If} ${FileExists} "$0\uninstall.exe"
+    ; The installed version knows which files it has put there. Only the registry knows its
+    ; uninstaller: one that merely lies in the folder may be another program's.
+    ReadRegStr $1 HKCU "${UNINSTALL_KEY}" UninstallString
+    StrCpy $1 $1 -1 1 ; without its quotation marks
+    ${If} ${FileExists} $1
+    ${AndIf} ${FileExists} "$0\${PROGRAM}.exe"
         DetailPrint "Removing the installed version"
-        ExecWait '"$0\uninstall.exe" /S /UPGRADE _?=$0' $1
-        ${If} $1 != 0
+        ExecWait '"$1" /S /UPGRADE _?=$0' $2
+        ${If} $2 != 0
             Abort "The installed version could not be removed."
         ${EndIf}
-        Delete "$0\uninstall.exe" ; which couldn't delete itself
+        Delete $1 ; which couldn't delete itself
         RMDir "$0"
     ${EndIf}
 
     SetOutPath "$INSTDIR"
     File /r "${FOLDER}/*"
-    WriteUninstaller "$INSTDIR\uninstall.exe"
+    WriteUninstaller "$INSTDIR\${UNINSTALLER}"
     CreateShortcut "$SMPROGRAMS\${TITLE}.lnk" "$INSTDIR\${PROGRAM}.exe"
 
     WriteRegStr HKCU "${UNINSTALL_KEY}" DisplayName "${TITLE}"
@@ -107,8 +112,8 @@ Section
     WriteRegStr HKCU "${UNINSTALL_KEY}" Publisher "${PUBLISHER}"
     WriteRegStr HKCU "${UNINSTALL_KEY}" DisplayIcon "$INSTDIR\${PROGRAM}.exe"
     WriteRegStr HKCU "${UNINSTALL_KEY}" InstallLocation "$INSTDIR"
-    WriteRegStr HKCU "${UNINSTALL_KEY}" UninstallString '"$INSTDIR\uninstall.exe"'
-    WriteRegStr HKCU "${UNINSTALL_KEY}" QuietUninstallString '"$INSTDIR\uninstall.exe" /S'
+    WriteRegStr HKCU "${UNINSTALL_KEY}" UninstallString '"$INSTDIR\${UNINSTALLER}"'
+    WriteRegStr HKCU "${UNINSTALL_KEY}" QuietUninstallString '"$INSTDIR\${UNINSTALLER}" /S'
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" EstimatedSize ${SIZE}
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" NoModify 1
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" NoRepair 1
@@ -142,7 +147,7 @@ Section un.
     ${GetOptions} $0 "/UPGRADE" $1
     ${IfNotThen} ${Errors} ${|} Return ${|}
 
-    Delete "$INSTDIR\uninstall.exe"
+    Delete "$INSTDIR\${UNINSTALLER}"
     RMDir "$INSTDIR"
     Delete "$SMPROGRAMS\${TITLE}.lnk"
     Delete "$TEMP\KestraneSettingsEditor-Help.html" ; the user guide, as it was last shown
