@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Starts the built program on a scratch copy of the sample files, and checks from outside what a
 # screen reader or voice control meets. Installs missing packages, but builds nothing.
+# Status 2: the accessibility bus was too slow.
 #   scripts/accessibility.sh [PRESET]    one that is built (test)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -26,4 +27,4 @@ cmake/run-alone.sh env -u WAYLAND_DISPLAY HOME="$home" XDG_CONFIG_HOME="$home/.c
     timeout --kill-after=10 300 bash -c "$session" bash /usr/bin/python3 -W ignore \
     scripts/accessibility.py "build/${1:-test}/src/app/kestrane-settings-editor" \
     "$home/.config/Pleiades" 2>"$home/log" ||
-    { cat "$home/log" >&2; exit 1; }
+    { status=$?; cat "$home/log" >&2; exit "$status"; }

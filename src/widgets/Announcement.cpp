@@ -4,6 +4,7 @@
 #include "widgets/Named.h"
 
 #include <QAccessibleWidget>
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QTimer>
 #include <QTreeView>
@@ -53,18 +54,23 @@ void announce(QWidget* widget, const QString& text)
     QAccessible::updateAccessibility(&event);
 }
 
-void announceHits(QLineEdit* edit, const std::function<QString()>& text)
+void announceHits(QLineEdit* edit, const std::function<QString()>& text,
+                  const QList<QCheckBox*>& filters)
 {
-    QObject::connect(edit, &QLineEdit::textChanged, edit, [edit, text](const QString& wanted) {
-        if (!QAccessible::isActive() || wanted.trimmed().isEmpty()) {
-            return;
+    auto* timer = new QTimer(edit);
+    timer->setSingleShot(true);
+    timer->setInterval(pause);
+    timer->callOnTimeout([edit, text] {
+        if (QAccessible::isActive()) {
+            announce(edit, text());
         }
-        QTimer::singleShot(pause, edit, [edit, text, wanted] {
-            if (edit->text() == wanted) {
-                announce(edit, text());
-            }
-        });
     });
+    QObject::connect(edit, &QLineEdit::textChanged, timer, [timer](const QString& wanted) {
+        wanted.trimmed().isEmpty() ? timer->stop() : timer->start();
+    });
+    for (const QCheckBox* filter : filters) {
+        QObject::connect(filter, &QCheckBox::toggled, timer, qOverload<>(&QTimer::start));
+    }
 }
 
 void reportChange(QWidget* widget, QAccessible::State changed)

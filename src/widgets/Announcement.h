@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class QCheckBox;
 class QLineEdit;
 class QTreeView;
 class QWidget;
@@ -15,8 +16,10 @@ namespace kse {
 void announce(QWidget* widget, const QString& text);
 
 /// Has it say what `text` gives, such as the number of hits, when the user who types in `edit`
-/// pauses. `text` lives as long as `edit`, and is called only then and for a screen reader.
-void announceHits(QLineEdit* edit, const std::function<QString()>& text);
+/// pauses, or when one of `filters` is toggled. `text` lives as long as `edit`, and is called only
+/// then and for a screen reader.
+void announceHits(QLineEdit* edit, const std::function<QString()>& text,
+                  const QList<QCheckBox*>& filters = {});
 
 /// Reports that the states set in `changed` have changed in `widget`, or in its current row.
 void reportChange(QWidget* widget, QAccessible::State changed);

@@ -4,6 +4,7 @@
 #include "widgets/Announcement.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
+#include "widgets/Spoken.h"
 
 #include <QAccessibleWidget>
 #include <QHelpEvent>
@@ -121,7 +122,7 @@ void CollapsibleSection::updateCaption()
     const QString title = asCaption(abbreviated(m_title, shortLimit));
     m_toggleButton->setText(
         m_changeCount > 0 ? tr("%1   ● %2").arg(title, QString::number(m_changeCount)) : title);
-    m_toggleButton->setAccessibleName(m_toggleButton->text().replace("&&"_L1, "&"_L1));
+    setSpokenName(m_toggleButton, m_toggleButton->text().replace("&&"_L1, "&"_L1));
 }
 
 void CollapsibleSection::setDeletion(Deletion deletion)

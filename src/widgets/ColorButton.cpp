@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/ColorButton.h"
 
+#include "widgets/PixelRatio.h"
+
 #include <QColorDialog>
 #include <QPainter>
 #include <QPixmap>
@@ -47,13 +49,22 @@ ColorButton::ColorButton(QWidget* parent)
 void ColorButton::setArgb(quint32 argb)
 {
     m_argb = argb;
-    QIcon icon;
-    for (const qreal devicePixelRatio : {1, 2, 3}) { // the button may be moved to a sharper screen
-        icon.addPixmap(swatch(QColor::fromRgba(argb), devicePixelRatio));
-    }
-    setIcon(icon);
-    setIconSize(swatchSize);
+    drawSwatch();
     setText(u"#%1"_s.arg(QString::number(argb, 16).toUpper().rightJustified(8, u'0')));
+}
+
+bool ColorButton::event(QEvent* event)
+{
+    if (event->type() == QEvent::Polish || changesPixelRatio(*event)) {
+        drawSwatch();
+    }
+    return QPushButton::event(event);
+}
+
+void ColorButton::drawSwatch()
+{
+    setIcon(swatch(QColor::fromRgba(m_argb), devicePixelRatio()));
+    setIconSize(swatchSize);
 }
 
 void ColorButton::onClicked()

@@ -15,6 +15,9 @@ public:
 
     void setArgb(quint32 argb);
 
+protected:
+    bool event(QEvent* event) override;
+
 signals:
     /// The user chose a colour; the button still shows the old one.
     void colorPicked(quint32 argb);
@@ -23,6 +26,8 @@ private slots:
     void onClicked();
 
 private:
+    void drawSwatch();
+
     quint32 m_argb = 0;
 };
 

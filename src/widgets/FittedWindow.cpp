@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/FittedWindow.h"
 
+#include "widgets/FollowFocus.h"
+
 #include <QLayout>
 #include <QScreen>
-#include <QScrollArea>
 #include <QScrollBar>
 #include <QShowEvent>
 #include <QStyle>
@@ -25,6 +26,7 @@ public:
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         viewport()->setAutoFillBackground(false);
         content->setAutoFillBackground(false);
+        followFocus(this);
     }
 
     QSize sizeHint() const override { return widget()->sizeHint(); }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/WidgetColumn.h"
 
+#include "widgets/FollowFocus.h"
 #include "widgets/Named.h"
 
-#include <QApplication>
 #include <QFocusFrame>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -20,12 +20,7 @@ WidgetColumn::WidgetColumn(int spacing, QWidget* parent)
     : QScrollArea(parent)
     , m_focusFrame(new QFocusFrame(this))
 {
-    // Qt scrolls to what gets the focus from within the column, but not from outside.
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* now) {
-        if (before && widget()->isAncestorOf(now) && QApplication::mouseButtons() == Qt::NoButton) {
-            ensureWidgetVisible(now);
-        }
-    });
+    followFocus(this);
     auto* container = new QWidget(this);
     m_showMoreButton = named(u"showMoreButton"_s, new QPushButton(container));
     m_showMoreButton->hide();

@@ -219,7 +219,11 @@ void ReviewDialog::createLayout()
 void ReviewDialog::connectWidgets()
 {
     connect(m_filter, &QLineEdit::textChanged, this, &ReviewDialog::populate);
-    announceHits(m_filter, [this] { return m_hidden->text(); });
+    const auto hits = [this] {
+        return (m_hidden->isHidden() ? m_summary : m_hidden)->text();
+    };
+    announceHits(m_filter, hits, {m_showEdits, m_showDeletions});
+    reportExpansion(m_tree);
     connect(m_showEdits, &QCheckBox::toggled, this, &ReviewDialog::populate);
     connect(m_showDeletions, &QCheckBox::toggled, this, &ReviewDialog::populate);
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &ReviewDialog::updateDetail);

@@ -51,6 +51,9 @@ QVariant CleanupRow::data(int column, int role) const
         if (m_queued == m_nodes.size() && isLook(column, role)) {
             return m_model.data(m_model.indexForNode(m_nodes.first()), role);
         }
+        if (role == Qt::AccessibleDescriptionRole && column == EntryColumn) {
+            return status();
+        }
     }
     return QTreeWidgetItem::data(column, role);
 }

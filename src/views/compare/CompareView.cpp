@@ -143,11 +143,13 @@ void CompareView::createLayout()
 void CompareView::connectWidgets()
 {
     connect(m_fileCombo, &QComboBox::activated, this, &CompareView::onFileActivated);
-    for (const QCheckBox* box : {m_showDifferent, m_showOnlyThis, m_showOnlyOther, m_hideNoise}) {
+    const QList<QCheckBox*> boxes{m_showDifferent, m_showOnlyThis, m_showOnlyOther, m_hideNoise};
+    for (const QCheckBox* box : boxes) {
         connect(box, &QCheckBox::toggled, this, [this] { populate(); });
     }
     connect(m_filterEdit, &QLineEdit::textChanged, this, [this] { populate(); });
-    announceHits(m_filterEdit, [this] { return m_summaryLabel->text(); });
+    announceHits(
+        m_filterEdit, [this] { return m_summaryLabel->text(); }, boxes);
     reportExpansion(m_tree);
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &CompareView::updateButtons);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &CompareView::onContextMenu);
@@ -158,11 +160,7 @@ void CompareView::connectWidgets()
 
     m_refreshTimer.setSingleShot(true);
     connect(&m_refreshTimer, &QTimer::timeout, this, [this] { refresh(m_tree->state()); });
-    const auto refreshSoon = [this] {
-        m_refreshTimer.start(0);
-    };
-    connect(m_model, &SettingsModel::edited, this, refreshSoon);
-    connect(m_model, &SettingsModel::modelReset, this, refreshSoon);
+    connect(m_model, &SettingsModel::edited, this, [this] { m_refreshTimer.start(0); });
 }
 
 void CompareView::setDocument(XsdtDocument* document, const QString& path)

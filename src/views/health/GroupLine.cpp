@@ -7,6 +7,7 @@
 #include "views/model/SettingsModel.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
+#include "widgets/Spoken.h"
 #include "widgets/SteadyButton.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WrappedLabel.h"
@@ -93,10 +94,10 @@ void GroupLine::refresh(bool readOnly)
     QFont font; // sets this alone: the rest still follows the application's
     font.setStrikeOut(isInside);
     m_label->setFont(font);
-    m_label->setAccessibleDescription(stateText());
+    setSpokenDescription(m_label, stateText());
     m_deleteButton->setText(deletionText(isMarked));
-    m_deleteButton->setAccessibleName(
-        (isMarked ? tr("Undo deletion of %1") : tr("Delete %1...")).arg(m_name));
+    setSpokenName(m_deleteButton,
+                  (isMarked ? tr("Undo deletion of %1") : tr("Delete %1...")).arg(m_name));
     setEnabledOrPass(*m_deleteButton, isMarked || !(isInside || m_isProtected || readOnly),
                      *m_revealButton);
     // Where there is none, Qt shows that of the line.

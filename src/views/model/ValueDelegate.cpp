@@ -5,6 +5,7 @@
 #include "views/model/SettingsModel.h"
 #include "widgets/FileTextEdit.h"
 #include "widgets/PlainText.h"
+#include "widgets/Spoken.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -87,6 +88,7 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
                                      const QModelIndex& index) const
 {
     const auto* node = SettingsModel::nodeOf(index);
+    const QString name = abbreviated(node->key, shortLimit);
     QWidget* editor = nullptr;
     if (node->typeCode == XsdtValueType::Boolean) {
         auto* combo = new BooleanEditor(parent);
@@ -95,6 +97,8 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
             emit self->commitData(combo);
             emit self->closeEditor(combo);
         });
+        combo->view()->setAccessibleName(name);
+        setSpokenLabel(combo, name);
         editor = combo;
     } else {
         editor = QStyledItemDelegate::createEditor(parent, option, index); // a line edit
@@ -102,7 +106,7 @@ QWidget* ValueDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
         const int margin = editor->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1 - 2;
         static_cast<QLineEdit*>(editor)->setTextMargins(margin, 0, margin, 0);
     }
-    editor->setAccessibleName(abbreviated(node->key, shortLimit));
+    editor->setAccessibleName(name);
     return editor;
 }
 

@@ -8,6 +8,7 @@
 #include "views/rows/ValueEditor.h"
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
+#include "widgets/Spoken.h"
 #include "widgets/TabOrder.h"
 #include "widgets/WrappedLabel.h"
 
@@ -258,10 +259,8 @@ void SettingRow::refreshDescription(bool isChanged)
     }
     parts << m_info.description;
     parts.removeAll(QString());
-    const QString text = parts.join(u'\n');
-    if (text != accessibleDescription()) { // Qt reports every one as a change
-        setAccessibleDescription(text);
-        m_editor->control()->setAccessibleDescription(text);
+    for (QWidget* widget : {static_cast<QWidget*>(this), m_editor->control()}) {
+        setSpokenDescription(widget, parts.join(u'\n'));
     }
 }
 

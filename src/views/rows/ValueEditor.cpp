@@ -7,8 +7,8 @@
 #include "views/rows/TextEditor.h"
 #include "widgets/ColorButton.h"
 #include "widgets/PlainText.h"
+#include "widgets/Spoken.h"
 #include "widgets/WheelGuard.h"
-#include "widgets/WrappedLabel.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -55,10 +55,7 @@ public:
         : ValueEditor(parent)
     {
         setControl(m_box, u"comboBox"_s, name);
-        // On Linux Qt gives the current item as the name, and a label only if it is a sibling.
-        auto* label = new WrappedLabel(asCaption(name), Qt::PlainText, u"spokenLabel"_s, this);
-        label->setBuddy(m_box);
-        label->hide();
+        setSpokenLabel(m_box, name);
         WheelGuard::install(m_box);
         for (const VariableChoice& choice : info.choices) {
             m_box->addItem(choice.text, choice.value);

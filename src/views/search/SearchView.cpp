@@ -109,7 +109,9 @@ void SearchView::createLayout()
 void SearchView::connectWidgets()
 {
     connect(m_queryEdit, &QLineEdit::textChanged, this, &SearchView::onQueryChanged);
-    announceHits(m_queryEdit, [this] { return m_summaryLabel->text(); });
+    announceHits(
+        m_queryEdit, [this] { return m_summaryLabel->text(); },
+        {m_searchNames, m_searchValues, m_searchDescriptions, m_changedOnly, m_includeProtected});
     connect(&m_debounce, &QTimer::timeout, this, &SearchView::populate);
     connect(m_resultsArea, &WidgetColumn::moreRequested, this, &SearchView::onShowMore);
     connect(m_rowSet, &SettingRowSet::message, this, &SearchView::message);
@@ -163,6 +165,7 @@ void SearchView::showRestricted(const QList<XsdtNode*>& nodes, const QString& ba
     m_queryEdit->setClearButtonEnabled(true);
     m_limit = rowStep;
     populate();
+    announce(m_queryEdit, m_summaryLabel->text());
 }
 
 void SearchView::clearRestriction()

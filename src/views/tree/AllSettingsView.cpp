@@ -58,9 +58,12 @@ void AllSettingsView::createFilter()
     m_treeFilter->setPlaceholderText(
         tr("Filter this tree by name or value (Ctrl+F searches everything)"));
     connect(m_treeFilter, &QLineEdit::textChanged, this, &AllSettingsView::onFilterChanged);
-    announceHits(m_treeFilter, [this] { return tr("%n result(s)", nullptr, shownValues()); });
     m_changedOnly = named(u"changedOnly"_s, new QCheckBox(tr("Changed only"), this));
     connect(m_changedOnly, &QCheckBox::toggled, this, &AllSettingsView::onChangedOnlyToggled);
+    const auto hits = [this] {
+        return tr("%n result(s)", nullptr, shownValues());
+    };
+    announceHits(m_treeFilter, hits, {m_changedOnly});
 }
 
 void AllSettingsView::createTree()
