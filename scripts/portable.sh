@@ -68,13 +68,18 @@ make_folder() {
     printf '[Paths]\nPrefix = ..\nPlugins = plugins\n' >"$folder/lib/qt.conf"
     cp -r "$scratch"/usr/share/{applications,icons,mime} "$folder/share"
 
-    local qt_plugins plugin
-    qt_plugins=/usr/lib/$(gcc -print-multiarch)/qt6/plugins
+    local system plugin
+    system=/usr/lib/$(gcc -print-multiarch)
     copy_libraries "$folder/lib/$program"
     for plugin in "${plugins[@]}"; do
-        copy_file "$qt_plugins/$plugin.so" "plugins/$plugin.so"
-        copy_libraries "$qt_plugins/$plugin.so"
+        copy_file "$system/qt6/plugins/$plugin.so" "plugins/$plugin.so"
+        copy_libraries "$system/qt6/plugins/$plugin.so"
     done
+    # The plugin for TLS opens these when it is used, first by the names that the links have.
+    copy_file "$system/libssl.so.3" lib/libssl.so.3
+    copy_libraries "$system/libssl.so.3"
+    ln -s libssl.so.3 "$folder/lib/libssl.so"
+    ln -s libcrypto.so.3 "$folder/lib/libcrypto.so"
     # DT_RPATH goes before LD_LIBRARY_PATH, which may be that of a program with another Qt.
     patchelf --force-rpath --set-rpath "\$ORIGIN" "$folder"/lib/{"$program",*.so.*}
     patchelf --force-rpath --set-rpath "\$ORIGIN/../../lib" "$folder"/plugins/*/*.so
@@ -139,12 +144,32 @@ check_run() {
     fi
 }
 
+# Without a network the program asks for its ads too, for which it loads what HTTPS needs.
+check_tls() {
+    local loaded program_id
+    rm -f "$scratch"/files.*
+    env HOME="$scratch" XDG_CONFIG_HOME="$scratch/.config" XDG_CACHE_HOME="$scratch/.cache" \
+        QT_QPA_PLATFORM=offscreen LD_DEBUG=files LD_DEBUG_OUTPUT="$scratch/files" "$scratch/link" &
+    program_id=$!
+    # shellcheck disable=SC2016 # expanded by the inner shell
+    timeout 30 bash -c 'until grep -qs "calling init: .*/libssl" "$0"/files.*; do sleep 0.1; done' \
+        "$scratch" || true
+    kill "$program_id"
+    wait "$program_id" || true
+    loaded=$(sed -n 's/.*calling init: \(.*\/lib\(ssl\|crypto\)\..*\)/\1/p' "$scratch"/files.*)
+    if [[ $loaded != "$unpacked/lib/libcrypto.so"$'\n'"$unpacked/lib/libssl.so" ]]; then
+        echo "The program did not load its own OpenSSL, but: $loaded" >&2
+        return 1
+    fi
+}
+
 check_archive() {
     mkdir "$scratch/Программы und mehr"
     tar -C "$scratch/Программы und mehr" -xf "$archive"
     unpacked="$scratch/Программы und mehr/$name"
     ln -s "$unpacked/$program" "$scratch/link"
 
+    check_tls
     check_run offscreen
     check_run xcb xvfb-run --auto-servernum
 
