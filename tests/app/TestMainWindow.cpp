@@ -236,6 +236,28 @@ private slots:
         QVERIFY(banner()->text().contains("your 1 unsaved"_L1));
         (void)answer({u"Discard"_s}, [this] { find<QPushButton>("bannerReload")->click(); });
         QVERIFY(banner()->isHidden() && pending() == 0);
+        QVERIFY(process.start());
+        poll();
+        write(m_file, contentOf(m_file) + "\n");
+        QVERIFY(process.stop());
+        poll(); // which loads what PixInsight has written
+        QVERIFY(banner()->isHidden());
+    }
+
+    /// What was asked about one tree isn't done to the next, which has changes of its own.
+    void dropsAnswersAboutAnotherTree()
+    {
+        const auto reload = [this](QWidget& /*dialog*/) {
+            QVERIFY(m_window->openFile(m_file));
+            edit(stringPath, u"new"_s);
+        };
+        edit(stringPath, u"old"_s);
+        QCOMPARE(choose("actRevert", {u"Yes"_s}, reload).size(), 1);
+        QCOMPARE(answer(
+                     {u"Yes"_s}, [this] { pressDelete(warnPath); }, reload)
+                     .size(),
+                 1);
+        QVERIFY(node(stringPath)->value == "new"_L1 && pending() == 1);
     }
 
     void asksBeforeLeavingAFileWithChanges()
@@ -313,12 +335,17 @@ private slots:
     void turnsPagesAndSearchesForAModule()
     {
         auto* tabs = find<QTabWidget>("tabs");
+        (void)type(numberPath, u"many"_s);
+        QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {}, QPoint(5, 5));
         QTest::keyClick(type(numberPath, u"many"_s), Qt::Key_Tab, Qt::ControlModifier);
         QCOMPARE(tabs->currentWidget(), find<QWidget>("advancedPage"));
         QWidget* editor = type(stringPath, u"typed"_s);
         QTest::keyClick(editor, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(tabs->currentWidget(), find<QWidget>("compareView"));
         QCOMPARE(node(stringPath)->value, u"typed"_s);
+        find<QWidget>("fileBox")->setFocus();
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+        QVERIFY(tabs->isAncestorOf(m_window->focusWidget()));
 
         const auto* query = find<QLineEdit>("queryEdit");
         page("searchView")->findChild<QCheckBox*>()->setFocus();
@@ -397,7 +424,10 @@ private slots:
             } else {
                 filter->setText(cells[0]);
             }
-            return groups().replace(first, u"first "_s) + tree()->currentIndex().data().toString();
+            const QModelIndex current = tree()->currentIndex();
+            return groups().replace(first, u"first "_s) +
+                   (tree()->selectionModel()->isSelected(current) ? current.data().toString()
+                                                                  : u""_s);
         };
         compareRows({"edit > first Process ProcessIcon 77", "tick > all 77",
                      "tick > first Process ProcessIcon 77", "console > all 77", "revert > all 4000",
@@ -515,6 +545,7 @@ private slots:
         QTRY_VERIFY(m_window->height() > height && isWhole()); // a banner of several lines
         QVERIFY(process.stop());
         poll();
+        QTRY_COMPARE(m_window->height(), height);
         const QRect screen = m_window->screen()->geometry();
         m_window->move(screen.left(), screen.bottom() - m_window->height());
         ThemeManager::instance().setFontScale(2.2, false);

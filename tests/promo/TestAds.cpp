@@ -296,7 +296,11 @@ private slots:
         QTest::keyClick(strip, Qt::Key_Enter);
         keepManifest(dir.path(), manifest("&lt;b>", QUrl(u"file:///dev/zero"_s)));
         banner.start(true, 0);
-        QCOMPARE(strip->accessibleName(), u"<b>"_s);
+        QVERIFY(strip->accessibleName() == "<b>"_L1 && !banner.isWaiting());
+        QVERIFY(QTest::qWaitForWindowActive(&banner));
+        strip->setFocus();
+        QCOMPARE(strip->grab().toImage().pixelColor(1, 1),
+                 strip->palette().color(QPalette::Highlight));
         QVERIFY(strip->toolTip().endsWith(u"&lt;b&gt;</span>"_s));
         QAccessible::queryAccessibleInterface(strip)->actionInterface()->doAction(
             QAccessibleActionInterface::pressAction());

@@ -196,6 +196,13 @@ private slots:
         QTRY_COMPARE(page.view.findChildren<SettingRow*>().size(), 400);
         QVERIFY(height > list->sizeHint().height() / 2);
         QVERIFY(page.text("moreLabel").startsWith(u"...and 402 more values."));
+        QString modules;
+        for (int i = 0; i < 99; ++i) {
+            modules += u"; ModuleData/A%1/a:s="_s.arg(i);
+        }
+        const ModulesPage many(modules.mid(2));
+        many.view.findChild<QPushButton*>(u"tickAllButton"_s)->click();
+        QVERIFY(many.child<QCheckBox>("tick", 98)->isChecked()); // although it was made later
     }
 };
 

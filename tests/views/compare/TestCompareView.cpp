@@ -94,6 +94,10 @@ private slots:
                     .startsWith(u"Use the other file's value!"));
         XsdtNode* node = page.node(u"G/A/x"_s);
         QCOMPARE(page.reveals.takeFirst()[0].value<XsdtNode*>(), node);
+        const QPoint row = page.tree.visualItemRect(page.item(u"x"_s)).center();
+        QTest::mouseClick(page.tree.viewport(), Qt::LeftButton, {}, row);
+        QTest::mouseDClick(page.tree.viewport(), Qt::LeftButton, {}, row);
+        QCOMPARE(page.reveals.takeFirst()[0].value<XsdtNode*>(), node);
         page.view.setReadOnly(false);
         page.menu(u"x"_s, u"Use the other file's value"_s);
         QCOMPARE(node->value, u"2"_s);

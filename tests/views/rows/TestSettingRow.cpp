@@ -107,6 +107,8 @@ private slots:
         QCOMPARE(combo->toolTip(), u"Stored text: <seven>"_s);
         emit combo->activated(2); // it stands for the value, which is no number
         QCOMPARE(f.value->value, u"<seven>"_s);
+        QTest::keyClick(combo, Qt::Key_Up);
+        QVERIFY(f.value->value == "2"_L1 && combo->toolTip().isEmpty());
     }
 
     /// Columns: path, documented as read-only or not; the first words of the reason.
