@@ -252,12 +252,11 @@ private slots:
             edit(stringPath, u"new"_s);
         };
         edit(stringPath, u"old"_s);
-        QCOMPARE(choose("actRevert", {u"Yes"_s}, reload).size(), 1);
-        QCOMPARE(answer(
-                     {u"Yes"_s}, [this] { pressDelete(warnPath); }, reload)
-                     .size(),
-                 1);
-        QVERIFY(node(stringPath)->value == "new"_L1 && pending() == 1);
+        (void)choose("actRevert", {u"Yes"_s}, reload);
+        QCOMPARE(node(stringPath)->value, u"new"_s);
+        (void)answer(
+            {u"Yes"_s}, [this] { pressDelete(warnPath); }, reload);
+        QCOMPARE(pending(), 1);
     }
 
     void asksBeforeLeavingAFileWithChanges()
