@@ -149,7 +149,7 @@ void ThemeStyle::polish(QWidget* widget)
     if (qobject_cast<QComboBox*>(widget)) {
         widget->installEventFilter(this);
     }
-    // What Qt leaves without a name for screen readers.
+    // What Qt 6.4 leaves without a name for screen readers.
     if (qobject_cast<QSizeGrip*>(widget)) {
         widget->setAccessibleName(tr("Size of the window"));
     } else if (qobject_cast<QSplitterHandle*>(widget)) {

@@ -36,7 +36,7 @@ protected:
     }
 };
 
-/// The title as screen readers meet it: Qt takes any button that stays pressed for a check box.
+/// The title as screen readers meet it: Qt 6.4 takes any button that stays pressed for a check box.
 class CollapsibleSection::TitleInterface : public QAccessibleWidget
 {
 public:

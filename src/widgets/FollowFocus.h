@@ -6,8 +6,8 @@
 
 namespace kse {
 
-/// Has `area` scroll to what gets the focus in it by the keyboard. Qt does so only if the focus was
-/// in it before.
+/// Has `area` scroll to what gets the focus in it by the keyboard. Qt 6.4 does so only if the focus
+/// was in it before.
 inline void followFocus(QScrollArea* area)
 {
     QObject::connect(qApp, &QApplication::focusChanged, area,

@@ -120,7 +120,7 @@ void CleanupView::connectWidgets()
     connect(m_undoButton, &QPushButton::clicked, this, &CleanupView::onUndo);
     connect(m_queueButton, &QPushButton::clicked, this, &CleanupView::queueTicked);
     connect(m_tree, &QTreeWidget::itemChanged, this, &CleanupView::refreshStatus);
-    connect(m_tree, &QTreeWidget::itemChanged, this, [this] { // which Qt doesn't report
+    connect(m_tree, &QTreeWidget::itemChanged, this, [this] { // which Qt 6.4 doesn't report
         QAccessible::State checked;
         checked.checked = true;
         reportChange(m_tree, checked);
