@@ -295,6 +295,7 @@ check_installer() {
     on_drive reg query "$own"
 
     on_drive 'C:\setup.exe' /S
+    end_wine
     remove_with_settings "C:\\users\\$(id -un)\\AppData\\Local\\Programs\\Kestrane Settings Editor"
     check_removal
     [[ ! -e $usual && ! -e $cache ]]
