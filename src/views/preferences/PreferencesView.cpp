@@ -385,6 +385,15 @@ QString PreferencesView::hitsText() const
     return tr("%n result(s)", nullptr, static_cast<int>(count));
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
+bool PreferencesView::matches(const Group& group, const QString& text) const
+{
+    return std::any_of(group.values.begin(), group.values.end(),
+                       [&](const XsdtNode* value) { return matches(*value, text); }) ||
+           std::any_of(group.groups.begin(), group.groups.end(),
+                       [&](const Group& below) { return matches(below, text); });
+}
+
 /// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
 void PreferencesView::onSearchChanged()
 {
@@ -398,7 +407,7 @@ void PreferencesView::applyFilter()
     QListWidgetItem* firstFound = nullptr;
     for (Page& page : m_pages) {
         page.isFiltered = false;
-        const bool found = countMatches(page.content, text) > 0;
+        const bool found = matches(page.content, text);
         page.item->setHidden(!found);
         if (found && !firstFound) {
             firstFound = page.item;
@@ -417,7 +426,7 @@ void PreferencesView::applyFilter()
 void PreferencesView::filterGroup(const Group& group, const QString& text) const
 {
     if (CollapsibleSection* section = group.section) {
-        const bool found = countMatches(group, text) > 0;
+        const bool found = matches(group, text);
         section->setVisible(found);
         section->setExpanded(text.isEmpty() ? section->startExpanded() : found);
         if (!found) {

@@ -101,6 +101,7 @@ private:
     qsizetype countMatches(const Group& group, const QString& text) const;
     QString hitsText() const;
     bool matches(const XsdtNode& value, const QString& text) const;
+    bool matches(const Group& group, const QString& text) const;
     void onSearchChanged();
     void applyFilter();
     void filterGroup(const Group& group, const QString& text) const;

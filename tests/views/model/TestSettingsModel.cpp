@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "views/model/SettingsModel.h"
 
-#include "document/TreeWalk.h"
 #include "support/DocumentText.h"
 #include "support/SettingsPage.h"
 #include "views/model/NodeLooks.h"
@@ -39,16 +38,6 @@ struct Filtered : ModelOf
     QTreeView view;
 };
 
-/// Whether the filter shows `node`, by its plain definition.
-bool isWanted(const XsdtNode& node, const QString& filter, bool changedOnly)
-{
-    const bool holds = node.path().contains(filter, Qt::CaseInsensitive) ||
-                       (node.isEditableType() && node.value.contains(filter, Qt::CaseInsensitive));
-    return (holds && (!changedOnly || node.isModified() || node.markedForDeletion)) ||
-           std::any_of(node.children.begin(), node.children.end(),
-                       [&](const auto& child) { return isWanted(*child, filter, changedOnly); });
-}
-
 } // namespace
 
 class TestSettingsModel : public QObject
@@ -56,55 +45,6 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    /// Whatever is changed under a filter, in whatever order, the proxy shows what the plain
-    /// definition says, and tells its views of every step.
-    void filterFollowsChanges()
-    {
-        QString text;
-        for (const char key : QByteArray("abcdefgh")) {
-            text += u"r/%1/deep/1:s=x; r/%1/2:B=zz; r/%1/2:s=y; "_s.arg(QLatin1Char(key));
-        }
-        Filtered f(text);
-        const QAbstractItemModelTester tester(&f.proxy);
-        QList<XsdtNode*> nodes;
-        walkTree(f.document.root, [&nodes](XsdtNode& node) {
-            nodes.append(&node);
-            return Walk::Into;
-        });
-        const QStringList filters = u"  , B/DEEP ,c/,zz,p/1,Y,none,2/"_s.split(u',');
-        QString filter;
-        QRandomGenerator random(4711);
-        XsdtNode* node = nodes[0];
-        const auto change = [&](XsdtNode* each) {
-            f.model.setValue(each, random.bounded(2) ? u"zz"_s : u"x"_s);
-        };
-        const QList<std::function<void()>> steps{
-            [&] { f.proxy.setFilterText(filter = filters.at(random.bounded(filters.size()))); },
-            [&] { f.proxy.setChangedOnly(random.bounded(3) > 0); },
-            [&] { f.view.expandAll(); },
-            [&] {
-                const SettingsModel::Batch batch(f.model);
-                std::for_each(nodes.begin(), nodes.end(), change);
-            },
-            [&] { (void)f.model.markForDeletion(node); },
-            [&] { f.model.undoDeletion(node); },
-            [&] { f.model.revertValue(node); },
-            [&] { change(node); },
-            [&] {
-                random.bounded(20) > 0 ? f.model.undoDeletion(node) : f.model.revertAll();
-            }};
-        for (int i = 0; i < 1500; ++i) {
-            node = nodes.at(random.bounded(nodes.size()));
-            steps.at(random.bounded(steps.size()))();
-            for (const XsdtNode* each : nodes) {
-                const QModelIndex row = f.proxy.mapFromSource(f.model.indexForNode(each));
-                QVERIFY2(row.isValid() ==
-                             isWanted(*each, filter.trimmed(), f.proxy.isChangedOnly()),
-                         qPrintable(filter + u" at "_s + each->path()));
-            }
-        }
-    }
-
     void filterKeepsPlaceInView()
     {
         QString nodes;

@@ -43,7 +43,8 @@ private slots:
     void findsBestFirst()
     {
         const QString nodes =
-            u"Top:s=unMASKed; Block:B=mask; G/Gone:b=1 deleted; Mask/b:s=Light Mask; aMask:i=0; "
+            u"Top:s=unMASKed; Block:B=mask; G/Gone:b=1 deleted; H deleted; H/In:b=1; "
+            u"Mask/b:s=Light Mask; aMask:i=0; "
             "ÉTÉ:i=0; été:i=0; MaskOn:i=0; Mask:s=light; Light:s=a mask; z-z/y:i=12; z/x:t=12; "
             "Global/ImageWindow/WheelDirection:i=0; "_s +
             u"deep/"_s.repeated(5000) + u"end/of:s="_s;
@@ -63,9 +64,9 @@ private slots:
                      "searchNames includeProtected > mask > Light b Top",
                      "searchValues > light > Light",
                      "searchNames searchValues > \"Zoom direction\" > WheelDirection",
-                     "searchNames searchValues searchDescriptions > mask > ",
+                     "searchNames searchValues searchDescriptions > \"zoom direction\" > ",
                      "includeProtected > 12 > MaskOn y x", "includeProtected > block > Block",
-                     "changedOnly >  > Gone MaskOn", "changedOnly > gone > Gone"},
+                     "changedOnly >  > Gone In MaskOn", "changedOnly > gone > Gone"},
                     found);
     }
 
