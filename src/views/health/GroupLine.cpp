@@ -165,10 +165,10 @@ void GroupLine::paintEvent(QPaintEvent* event)
     QWidget::paintEvent(event);
     const QRect place(0, m_label->y(), m_numberSpace->sizeHint().width(), m_label->height());
     QPainter painter(this);
-    style()->drawItemText(&painter, QStyle::visualRect(layoutDirection(), rect(), place),
-                          Qt::AlignVCenter |
-                              QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft),
-                          palette(), true, numberText(m_number), QPalette::WindowText);
+    style()->drawItemText(
+        &painter, QStyle::visualRect(layoutDirection(), rect(), place),
+        int(Qt::AlignVCenter | QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft)),
+        palette(), true, numberText(m_number), QPalette::WindowText);
 }
 
 } // namespace kse

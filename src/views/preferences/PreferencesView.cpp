@@ -388,10 +388,12 @@ QString PreferencesView::hitsText() const
 // NOLINTNEXTLINE(misc-no-recursion)
 bool PreferencesView::matches(const Group& group, const QString& text) const
 {
-    return std::any_of(group.values.begin(), group.values.end(),
-                       [&](const XsdtNode* value) { return matches(*value, text); }) ||
-           std::any_of(group.groups.begin(), group.groups.end(),
-                       [&](const Group& below) { return matches(below, text); });
+    bool found = std::any_of(group.values.begin(), group.values.end(),
+                             [&](const XsdtNode* value) { return matches(*value, text); });
+    for (const Group& below : group.groups) {
+        found = found || matches(below, text);
+    }
+    return found;
 }
 
 /// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
