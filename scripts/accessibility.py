@@ -112,8 +112,9 @@ def search_preferences(text):
     edit = find("Search preferences", Role.TEXT)
     focus(edit)
     before = len(events)
+    is_other = edit.get_text(0, -1) != text
     edit.set_text_contents(text)
-    if text:
+    if text and is_other:
         until(lambda: told(before, "result"))  # so that it doesn't come later
 
 
