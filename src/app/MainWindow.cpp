@@ -47,6 +47,14 @@ namespace {
 
 constexpr int pollInterval = 3000;
 
+/// Asks no page how large it would like to be, which takes a while at the start: the window has a
+/// size of its own.
+class PageTabs : public QTabWidget
+{
+public:
+    QSize sizeHint() const override { return minimumSizeHint(); }
+};
+
 /// The resource at `path`; empty if it can't be opened, which counts as an empty table.
 QByteArray readResource(const QString& path)
 {
@@ -174,7 +182,7 @@ void MainWindow::createPages()
     m_compareView = new CompareView(m_model, this);
     m_advancedPage = new AllSettingsView(m_model, this);
 
-    m_tabs = named(u"tabs"_s, new QTabWidget);
+    m_tabs = named(u"tabs"_s, new PageTabs);
     m_tabs->setAccessibleName(tr("Tabs"));
     const auto add = [this](QWidget* page, const QString& name, const QString& text) {
         page->setObjectName(name);

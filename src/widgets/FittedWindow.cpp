@@ -10,16 +10,16 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <utility>
 
 namespace kse {
 
 class FittedWindow::Content : public QScrollArea
 {
 public:
-    int room = QWIDGETSIZE_MAX; ///< In height, in pixels.
-
     explicit Content(QWidget* content)
     {
+        content->resize(viewport()->size()); // else it is laid out here, before it is filled
         setWidget(content);
         setFrameShape(NoFrame);
         setFocusPolicy(Qt::NoFocus);
@@ -29,13 +29,21 @@ public:
         followFocus(this);
     }
 
+    /// In height, in pixels.
+    void setRoom(int room)
+    {
+        if (room != std::exchange(m_room, room)) { // else each layout would ask for the next
+            updateGeometry();
+        }
+    }
+
     QSize sizeHint() const override { return widget()->sizeHint(); }
 
     QSize minimumSizeHint() const override
     {
         const QSize least = widget()->minimumSizeHint();
-        const int bar = least.height() > room ? verticalScrollBar()->sizeHint().width() : 0;
-        return {least.width() + bar, std::min(least.height(), room)};
+        const int bar = least.height() > m_room ? verticalScrollBar()->sizeHint().width() : 0;
+        return {least.width() + bar, std::min(least.height(), m_room)};
     }
 
 protected:
@@ -61,6 +69,8 @@ private:
         const int least = widget()->minimumSizeHint().height();
         widget()->resize(viewport()->width(), std::max(viewport()->height(), least));
     }
+
+    int m_room = QWIDGETSIZE_MAX;
 };
 
 void FittedWindow::setContent(QWidget* content)
@@ -99,8 +109,7 @@ void FittedWindow::fitSize(int minimum)
                 chosen(height(), m_chosen.height(), m_fitted.height(), minimumHeight())};
     setMinimumWidth(minimum);
     if (isVisible()) {
-        m_content->room = room().height() - (height() - m_content->height());
-        m_content->updateGeometry();
+        m_content->setRoom(room().height() - (height() - m_content->height()));
     }
     layout()->activate(); // sets the minimum height
     if (!isMaximized() && !isFullScreen()) {

@@ -40,7 +40,8 @@ inline QList<XsdtNode*> nodesOf(XsdtDocument* document)
     return nodes;
 }
 
-/// Lets everything posted happen, what is to die later die, and columns get all their rows.
+/// Lets everything posted happen, what is to die later die, and columns get all their rows. Fails
+/// if something goes on for ever.
 inline void settle()
 {
     for (QWidget* widget : QApplication::allWidgets()) {
@@ -48,9 +49,10 @@ inline void settle()
             column->complete();
         }
     }
-    for (int i = 0; i < 5; ++i) {
-        QCoreApplication::processEvents();
+    int turns = 0;
+    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(++turns < 1000);
     }
 }
 

@@ -14,6 +14,7 @@
 #include "widgets/Named.h"
 #include "widgets/PlainText.h"
 #include "widgets/TabOrder.h"
+#include "widgets/WrappedLabel.h"
 #include "widgets/WrappingRow.h"
 
 #include <QAccessible>
@@ -97,12 +98,11 @@ void CleanupView::createStatusRow()
 
 void CleanupView::createLayout()
 {
-    auto* intro =
-        new QLabel(tr("Tick what you want to remove and press <b>Queue for deletion</b>. Nothing "
-                      "is removed until you save, and queued entries can be undone here or with "
-                      "<i>Edit &gt; Revert all changes</i>."),
-                   this);
-    intro->setWordWrap(true);
+    auto* intro = new WrappedLabel(
+        tr("Tick what you want to remove and press <b>Queue for deletion</b>. Nothing "
+           "is removed until you save, and queued entries can be undone here or with "
+           "<i>Edit &gt; Revert all changes</i>."),
+        Qt::RichText, u"intro"_s);
     m_statusLabel->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     auto* bottom = new WrappingRow(Qt::AlignTrailing);
     bottom->addWidget(m_statusLabel);

@@ -36,12 +36,12 @@ UnusedModulesView::UnusedModulesView(SettingsModel* model, const SettingsSchema*
 
 void UnusedModulesView::createWidgets()
 {
-    auto* note = new QLabel(
+    auto* note = new WrappedLabel(
         tr("Modules that still have saved data but are <b>not in PixInsight's current module "
            "list</b>: uninstalled, renamed or replaced. Expand one to see its entries and values. "
            "The list is what PixInsight last recorded, so a module that failed to load or was "
-           "disabled for a while would appear here too. Nothing is removed until you save."));
-    note->setWordWrap(true);
+           "disabled for a while would appear here too. Nothing is removed until you save."),
+        Qt::RichText, u"intro"_s);
     m_summary = new WrappedLabel({}, Qt::PlainText, u"summary"_s);
 
     m_column = named(u"column"_s, new WidgetColumn(2));
