@@ -47,14 +47,6 @@ namespace {
 
 constexpr int pollInterval = 3000;
 
-/// Asks no page how large it would like to be, which takes a while at the start: the window has a
-/// size of its own.
-class PageTabs : public QTabWidget
-{
-public:
-    QSize sizeHint() const override { return minimumSizeHint(); }
-};
-
 /// The resource at `path`; empty if it can't be opened, which counts as an empty table.
 QByteArray readResource(const QString& path)
 {
@@ -127,6 +119,7 @@ void MainWindow::buildUi()
     createKeys();
 
     auto* central = new QWidget;
+    setContent(central); // while there is nothing to lay out
     auto* layout = new QVBoxLayout(central);
     layout->setContentsMargins(8, 8, 8, 8);
     layout->addWidget(createFileRow());
@@ -142,7 +135,6 @@ void MainWindow::buildUi()
         u"adBanner"_s,
         new AdBanner(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/ads"_s));
     layout->addWidget(m_adBanner);
-    setContent(central);
 
     m_toolbar = new MainToolBar(tr("Main toolbar"), this);
     addToolBar(m_toolbar);
@@ -182,7 +174,7 @@ void MainWindow::createPages()
     m_compareView = new CompareView(m_model, this);
     m_advancedPage = new AllSettingsView(m_model, this);
 
-    m_tabs = named(u"tabs"_s, new PageTabs);
+    m_tabs = named(u"tabs"_s, new QTabWidget);
     m_tabs->setAccessibleName(tr("Tabs"));
     const auto add = [this](QWidget* page, const QString& name, const QString& text) {
         page->setObjectName(name);

@@ -136,7 +136,7 @@ void MainWindow::connectTheme()
     connect(theme, &ThemeManager::changed, this, &MainWindow::updateStatusBarStyle);
     // A letter that reaches out of its line would stay behind when the message goes.
     connect(statusBar(), &QStatusBar::messageChanged, statusBar(), qOverload<>(&QWidget::update));
-    refreshToolbarIcons();
+    m_toolbar->refresh();
     connect(theme, &ThemeManager::changed, this, &MainWindow::refreshToolbarIcons);
     connect(theme, &ThemeManager::changed, this, &MainWindow::onThemeChanged);
 }

@@ -19,7 +19,6 @@ class FittedWindow::Content : public QScrollArea
 public:
     explicit Content(QWidget* content)
     {
-        content->resize(viewport()->size()); // else it is laid out here, before it is filled
         setWidget(content);
         setFrameShape(NoFrame);
         setFocusPolicy(Qt::NoFocus);
