@@ -189,7 +189,11 @@ void MainWindow::updateHeights()
         page->layout()->activate(); // a page that isn't in front doesn't by itself
         // Before the window is shown, no page has its width.
         const int wrapped = isVisible() ? page->layout()->totalMinimumHeightForWidth(width) : 0;
-        page->setMinimumHeight(std::max(page->minimumSizeHint().height(), wrapped));
+        const int least = std::max(page->minimumSizeHint().height(), wrapped);
+        if (least != page->minimumHeight()) {
+            page->setMinimumHeight(least);
+            m_tabs->updateGeometry(); // a hidden page doesn't tell them
+        }
     }
 }
 

@@ -527,9 +527,11 @@ private slots:
     void staysOnItsScreenWithLargerText()
     {
         ThemeManager::instance().setFontScale(0.8, false);
-        page("compareView");
         settle();
-        m_window->resize(1, 1); // as low as it gets with wrapped rows, at the lower edge
+        m_window->resize(1, 1); // as low as it gets with wrapped rows on a page behind
+        settle();
+        const int height = m_window->height();
+        page("compareView");
         settle();
         const auto* compare = find<CompareView>("compareView");
         const auto isWhole = [&] {
@@ -537,7 +539,6 @@ private slots:
                    compare->layout()->totalMinimumHeightForWidth(compare->width());
         };
         QVERIFY(isWhole());
-        const int height = m_window->height();
         FakePixInsight process;
         QVERIFY(process.start());
         poll();
