@@ -275,7 +275,7 @@ def check_health():
 
 
 def check_hits():
-    """The number of hits is told."""
+    """The number of hits is told, and not the end of a search."""
     for tab, name, box in (("Preferences", "Search preferences", None),
                            ("Search", "Search all settings", "Descriptions"),
                            ("All settings", "Filter", "Changed only")):
@@ -287,7 +287,9 @@ def check_hits():
             before = len(events)
             act(find(box, Role.CHECK_BOX), "Toggle")
             expect(lambda: told(before, "result"), f"{box} doesn't")
+        before = len(events)
         find(name, Role.TEXT).set_text_contents("")
+    expect(not until(lambda: told(before), 1), "its end is told")
 
 
 def check_folding():
@@ -304,7 +306,9 @@ def check_folding():
 def check_editing_in_the_tree():
     """F2 edits the value of a row from its name, with an editor that has a name."""
     show("All settings")
+    before = len(events)
     find("Filter", Role.TEXT).set_text_contents("ProcessIcon/Prefix")
+    expect(lambda: told(before, "1 result"), "it isn't the only value that is found")
     tab_to(find("All settings", Role.TREE))
     press("End")
     press("F2")
@@ -364,11 +368,16 @@ def check_menu():
 
 
 def check_banner():
-    """A file that another program changed is told."""
+    """A file that another program changed is told, once."""
     before = len(events)
     for path in Path(sys.argv[2]).iterdir():
         path.write_bytes(path.read_bytes() + b"\n")
     expect(lambda: told(before, "changed on disk"), "it isn't")
+    search_preferences("Compress settings")
+    before = len(events)
+    act(find("Compress settings blocks", Role.CHECK_BOX), "Toggle")
+    expect(pending(1), "nothing is pending")
+    expect(not until(lambda: told(before, "changed on disk"), 1), "it is told again")
 
 
 def opened():

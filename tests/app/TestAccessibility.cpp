@@ -268,6 +268,10 @@ private slots:
         results->findChild<QLineEdit*>()->setFocus();
         find<QLineEdit>("queryEdit")->setText(u"console"_s);
         QTRY_COMPARE(m_window->focusWidget(), results);
+        const auto* frame = results->findChild<QFocusFrame*>();
+        QTest::keyClick(results, Qt::Key_Backtab);
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
+        QCOMPARE(frame->widget(), results);
     }
 };
 

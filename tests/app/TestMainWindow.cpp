@@ -138,6 +138,12 @@ private slots:
             u"&Help: &User Guide, -, &About Kestrane Settings Editor, About &Qt"_s};
         QCOMPARE(offered, expected);
 
+        QTextBrowser guide;
+        QDesktopServices::setUrlHandler(u"file"_s, &guide, "setSource");
+        QTest::keyClick(m_window.get(), Qt::Key_F1);
+        QVERIFY(guide.toPlainText().contains(u"Kestrane Settings Editor"_s));
+        QDesktopServices::unsetUrlHandler(u"file"_s);
+
         (void)choose("actAbout", {u"Copy details"_s});
         const QString details = QGuiApplication::clipboard()->text();
         QVERIFY(details.contains(u"Open file: "_s + QDir::toNativeSeparators(m_file)));
@@ -192,16 +198,19 @@ private slots:
         QVERIFY(saved.parse(contentOf(m_file)));
         QCOMPARE(saved.root.findByPath(numberPath)->value, u"77"_s);
         QVERIFY(!saved.root.findByPath(groupPath) && pending() == 0);
+        model()->setValue(node(stringPath), QString(1024, u'x'));
+        (void)choose("actSave", {u"Save"_s});
+        QCOMPARE(find<QComboBox>("fileBox")->currentText(), PixInsightEnv::describeFile(m_file));
 
         write(m_file, "<xsdt/>"); // which the restore undoes, too
         poll();
         QVERIFY(!banner()->isHidden());
-        const auto takeSecond = [](QWidget& dialog) {
+        const auto takeOldest = [](QWidget& dialog) {
             if (auto* list = dialog.findChild<QComboBox*>()) {
-                list->setCurrentIndex(1);
+                list->setCurrentIndex(2);
             }
         };
-        (void)choose("actRestore", {u"OK"_s, u"Yes"_s}, takeSecond);
+        (void)choose("actRestore", {u"OK"_s, u"Yes"_s}, takeOldest);
         QCOMPARE(contentOf(m_file), before + "\n");
         QVERIFY(node(groupPath) && banner()->isHidden());
     }
@@ -252,8 +261,11 @@ private slots:
             edit(stringPath, u"new"_s);
         };
         edit(stringPath, u"old"_s);
-        (void)choose("actRevert", {u"Yes"_s}, reload);
-        QCOMPARE(node(stringPath)->value, u"new"_s);
+        for (const char* command : {"actRevert", "actSave"}) {
+            (void)choose(command, {command[3] == 'R' ? u"Yes"_s : u"Save"_s}, reload);
+            QCOMPARE(node(stringPath)->value, u"new"_s);
+        }
+        QVERIFY(PixInsightEnv::backupsOf(m_file).isEmpty());
         (void)answer(
             {u"Yes"_s}, [this] { pressDelete(warnPath); }, reload);
         QCOMPARE(pending(), 1);
@@ -321,14 +333,24 @@ private slots:
         QVERIFY(QFile::rename(elsewhere, elsewhere + u".bak-20260101-000000"_s));
         poll();
         QVERIFY(box->currentText().contains(u"missing"_s));
-        const QStringList offer =
-            answer({u"Restore it"_s}, [this] { find<QPushButton>("bannerReload")->click(); });
+        const auto reload = [this] {
+            find<QPushButton>("bannerReload")->click();
+        };
+        QCOMPARE(answer({u""_s, u"OK"_s}, reload).size(), 1);
+        const QStringList offer = answer({u"Restore it"_s}, reload);
         QVERIFY(offer.value(0).contains("other.settings.bak-20260101-000000"_L1));
         QVERIFY(QFile::exists(elsewhere) && banner()->isHidden());
         QVERIFY(!box->currentText().contains(u"missing"_s));
         QVERIFY(QFile::copy(elsewhere, m_folder + u"/core-003-pxi.settings"_s));
         poll();
         QVERIFY(box->findText(u"core-003"_s, Qt::MatchStartsWith) >= 0);
+
+        QVERIFY(QFile::remove(elsewhere));
+        poll();
+        (void)answer({u"Restore it"_s}, reload, [this](QWidget& /*box*/) {
+            QVERIFY(m_window->openFile(m_file)); // which needs no other content
+        });
+        QVERIFY(PixInsightEnv::backupsOf(m_file).isEmpty());
     }
 
     void turnsPagesAndSearchesForAModule()
@@ -356,11 +378,13 @@ private slots:
                     QVERIFY(!dialog.findChild<QWidget*>(u"searchButton"_s)->isEnabled());
                     dialog.findChild<QRadioButton*>(u"fullRadio"_s)
                         ->setChecked(name == "Ostrand"_L1);
-                    edit->setText(name);
+                    QTest::keyClicks(edit, name);
+                    auto* list = QApplication::activePopupWidget();
+                    QTest::keyClick(list ? list : edit, Qt::Key_Return);
                 }
             };
             find<QWidget>("searchNames")->setFocus();
-            (void)choose("actFindModule", {u"Search"_s, u"Yes"_s}, ask);
+            (void)choose("actFindModule", {{}, u"Yes"_s}, ask);
             QCOMPARE(tabs->currentWidget(), find<QWidget>("searchView"));
             QCOMPARE(query->text(), name == "ostrand"_L1 ? QString() : name);
         }
@@ -378,6 +402,8 @@ private slots:
         emit m_window->findChild<SearchView*>()->revealRequested(node(stringPath));
         QCOMPARE(tree()->currentIndex().data().toString(), u"Prefix"_s);
         QCOMPARE(m_window->focusWidget(), tree());
+        const QRect row = tree()->visualRect(tree()->currentIndex());
+        QVERIFY(qAbs(row.center().y() - tree()->viewport()->height() / 2) <= row.height());
 
         auto* editor = static_cast<QLineEdit*>(type(stringPath, u"abc"_s));
         editor->setSelection(0, 1);

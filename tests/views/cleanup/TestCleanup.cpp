@@ -144,9 +144,14 @@ private slots:
         QCOMPARE(page.text("groupLabel"), u"Global/Statistics/Process/P  (1 value(s))"_s);
         QCOMPARE(page.text("groupLabel", 1), u"ModuleData/Gone  (1 value(s))"_s);
         QVERIFY(page.model.markForDeletion(page.node(u"ModuleData/Gone/n"_s)));
-        QVERIFY(!page.child("toggleButton", 1)->accessibleDescription().isEmpty());
+        auto* title = page.child("toggleButton", 1);
+        QVERIFY(!title->accessibleDescription().isEmpty());
         page.model.revertAll();
-        QCOMPARE(page.child("toggleButton", 1)->accessibleDescription(), QString());
+        QCOMPARE(title->accessibleDescription(), QString());
+        title->resize(9, 9);
+        QHelpEvent help(QEvent::ToolTip, {}, {});
+        QApplication::sendEvent(title, &help);
+        QVERIFY(QToolTip::text().startsWith(u"Gone"));
     }
 
     void titlesFollowChangesAtAnyDepth()
@@ -155,20 +160,26 @@ private slots:
         ModulesPage page(deep + u":s=1"_s);
         page.view.expandCard(u"A"_s);
         const auto looks = [&page] {
-            const auto* title = page.child<QToolButton>("toggleButton");
+            auto* title = page.child<QToolButton>("toggleButton");
+            const QColor mean =
+                title->grab().toImage().scaled(1, 1, {}, Qt::SmoothTransformation).pixelColor(0, 0);
             return title->text().section(u", "_s, 1) + title->accessibleDescription() +
+                   (mean.red() > mean.green() ? u" red"_s : u""_s) +
                    (title->font().strikeOut() ? u" struck"_s : u""_s);
         };
         page.model.setValue(page.node(deep), QString(100, u'x'));
         QCOMPARE(looks(), u"12.8 KiB"_s);
         QCOMPARE(page.child<QLineEdit>("lineEdit")->text(), QString(100, u'x'));
-        QVERIFY(page.model.markForDeletion(page.node(deep)));
-        QCOMPARE(looks(), u"12.8 KiBSomething in it is queued for deletion."_s);
+        page.model.markAllForDeletion({page.node(deep)});
+        QCOMPARE(looks(), u"12.8 KiBSomething in it is queued for deletion. red"_s);
         page.child<QCheckBox>("tick")->click();
         page.child<QPushButton>("undoButton")->click();
         QVERIFY(page.message().startsWith(u"No ticked module is queued"));
         QVERIFY(page.model.markForDeletion(page.node(u"ModuleData/A"_s)));
-        QVERIFY(looks().endsWith(u"[queued for deletion]All of it is queued for deletion. struck"));
+        QVERIFY(
+            looks().endsWith(u"[queued for deletion]All of it is queued for deletion. red struck"));
+        page.model.revertAll();
+        QCOMPARE(page.child<QLineEdit>("lineEdit")->text(), u"1"_s);
     }
 
     void queuesNoModuleOnceThingsChanged()

@@ -71,11 +71,16 @@ private slots:
                     .startsWith(u"Copy 2 value(s) from other %1.settings into this file?"));
         page.ask("copyAllButton", QMessageBox::Yes, [&] { page.reload(); });
         QVERIFY(page.messages.isEmpty());
+        page.ask("copyAllButton", QMessageBox::Yes, [&] { page.model.setReadOnly(true); });
+        QVERIFY(page.messages.takeFirst()[0].toString().startsWith(u"Copied 0 value(s); 2 "));
+        page.model.setReadOnly(false);
+        const QSize size = page.child("copyAllButton")->sizeHint();
         page.ask("copyAllButton", QMessageBox::Yes);
         QVERIFY(page.messages[0][0].toString().startsWith(u"Copied 2 value(s)"));
         QCOMPARE(page.node(u"G/A/y"_s)->value, u"b"_s);
         QTRY_VERIFY(!page.child("copyAllButton")->isEnabled());
-        page.path = page.otherPath; // is opened
+        QCOMPARE(page.child("copyAllButton")->sizeHint(), size); // without a number
+        page.path = page.otherPath;                              // is opened
         page.setDocument(&page.document);
         QVERIFY(page.text("summaryLabel").startsWith(u"Pick another"));
     }
@@ -146,6 +151,7 @@ private slots:
         }
         Page page(nodes, QString(nodes).replace(u"=1"_s, u"=2"_s));
         auto* copy = page.child<QPushButton>("copySelectedButton");
+        QCOMPARE(page.child("filterEdit")->geometry().right(), page.tree.geometry().right());
         page.item(u"v150"_s)->parent()->setExpanded(true); // of so many none is
         page.tree.setCurrentItem(page.item(u"v150"_s));
         page.tree.verticalScrollBar()->setValue(40);

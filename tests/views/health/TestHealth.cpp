@@ -122,6 +122,8 @@ private slots:
         QCOMPARE(summary.takeLast(), (QVariantList{0, 0}));
         page.view.show();
         QCOMPARE(summary.takeLast(), (QVariantList{1, 1}));
+        page.reload();
+        QCOMPARE(summary.takeLast(), (QVariantList{1, 1}));
     }
 
     void showsTwelveSettingsOfFinding()

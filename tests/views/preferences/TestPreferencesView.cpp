@@ -8,7 +8,8 @@ namespace {
 const QString group = u"Global/Preferences/"_s;
 const QString nodes =
     u"~Application/S&b/Deep/Needle:s=hay; ~Application/Fast:b=true; ~Application/Data:B=Needle; "
-    "~Identifiers/Max:s=x; ~GUI/Icon:s=%1&; ~ScriptEditor/Cache/c:s=1; ~ScriptEditor/Tab:s=x; "
+    "~Identifiers/Max:s=x; ~GUI/Icon:s=%1&; ~ScriptEditor/Cache/c:s=1; ~ScriptEditor/Cache:s=1; "
+    "~ScriptEditor/Tab:s=x; "
     "~Security/Keys/k:T=2020; ~/e:s=1; Global/ColorManagement/On:b=true"_s.replace(u"~"_s, group);
 
 struct Page : SettingsPage<PreferencesView>
@@ -81,7 +82,9 @@ private slots:
         page.model.refreshAll(); // as after a save
         QCOMPARE(counts(), u"ApplicationS&&b"_s);
 
-        auto* bar = page.child("pageStack")->findChild<QScrollArea*>()->verticalScrollBar();
+        const auto* pages = page.child<QStackedWidget>("pageStack");
+        auto* bar = static_cast<QScrollArea*>(pages->currentWidget())->verticalScrollBar();
+        QTRY_VERIFY(bar->maximum() > 0);
         bar->setValue(bar->maximum());
         page.view.setSearchText(u"key"_s);
         QCOMPARE(bar->value(), 0);

@@ -99,7 +99,9 @@ private slots:
         auto* combo = f.part<QComboBox>("comboBox");
         QTest::keyClick(combo, Qt::Key_Up);
         QCOMPARE(f.value->value, u"2"_s);
+        const QSignalSpy changed(&f.model, &SettingsModel::dataChanged);
         f.part<QToolButton>("revertButton")->click();
+        QCOMPARE(changed[0][1].toModelIndex().column(), int(SettingsModel::ValueColumn));
         QCOMPARE(combo->currentText(), u"Other (7)"_s);
         f.value->value = u"<seven>"_s;
         f.row->refresh();
@@ -134,12 +136,17 @@ private slots:
     {
         Row f(infoOf(Kind::Integer), u"Tool/Key:i=7"_s);
         auto* spin = f.part("spinBox");
-        for (const QString& outcome : {u"7"_s, u"8"_s}) {
-            QWheelEvent wheel({5, 5}, spin->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, {}, {},
+        QScrollArea page;
+        page.setWidget(f.row);
+        page.resize(99, 9);
+        page.show();
+        for (const QString& outcome : {u"7"_s, u"6"_s}) {
+            QWheelEvent wheel({5, 5}, spin->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
                               Qt::NoScrollPhase, false);
             QApplication::sendEvent(spin, &wheel);
             QCOMPARE(f.value->value, outcome);
-            QVERIFY(QTest::qWaitForWindowActive(&f.window));
+            QVERIFY(page.verticalScrollBar()->value() > 0);
+            QVERIFY(QTest::qWaitForWindowActive(&page));
             spin->setFocus();
         }
     }
