@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // An input is a settings file, then, after a byte FF, what is done to its tree.
 #include "FuzzInput.h"
-#include "support/DocumentText.h"
+#include "document/TreeWalk.h"
+#include "document/XsdtDocument.h"
 
 #include <QRegularExpression>
 
@@ -31,6 +32,16 @@ void requireError(const QByteArray& bytes, const QString& error)
     require(!XsdtDocument().parse("\xEF\xBB\xBF" + lines.join(u'\n').toUtf8(), &shorter), "cut");
     require(shorter == error || shorter == u"unterminated <v> element"_s + match.captured(),
             "the error of the text up to it");
+}
+
+QString treeText(const XsdtNode& root)
+{
+    QString text;
+    walkTree(root, [&](const XsdtNode& node) {
+        text += QString::number(node.depth) + node.key + u'\n' + node.typeCode + node.value + u'\n';
+        return Walk::Into;
+    });
+    return text;
 }
 
 /// What a save writes parses, and is written again to the byte. `document` then has that tree.
@@ -86,18 +97,18 @@ void change(XsdtDocument& document, FuzzedDataProvider& provider)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const QByteArrayList input = parts(data, size, 2);
+    const auto [file, changes] = parts(data, size);
     XsdtDocument document;
     QString error;
-    if (!document.parse(input[0], &error)) {
+    if (!document.parse(file, &error)) {
         require(document.root.children.empty() && document.head.isEmpty(), "nothing is left");
-        requireError(input[0], error);
+        requireError(file, error);
         return 0;
     }
-    require(document.defaultLayout == (document.serialize() == input[0]), "default layout");
+    require(document.defaultLayout == (document.serialize() == file), "default layout");
     requireSave(document);
-    FuzzedDataProvider provider(reinterpret_cast<const std::uint8_t*>(input[1].constData()),
-                                static_cast<std::size_t>(input[1].size()));
+    FuzzedDataProvider provider(reinterpret_cast<const std::uint8_t*>(changes.constData()),
+                                static_cast<std::size_t>(changes.size()));
     change(document, provider);
     requireSave(document);
     return 0;

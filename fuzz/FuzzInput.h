@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArrayList>
+#include <QByteArray>
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace kse {
 
@@ -18,20 +19,13 @@ inline void require(bool holds, const char* claim)
     }
 }
 
-/// The first `count` parts of an input between bytes FF, which no text in UTF-8 holds. Parts that
-/// are missing are empty, and the last one takes the rest. The bytes are copied, so that a read
-/// past their end shows.
-inline QByteArrayList parts(const std::uint8_t* data, std::size_t size, int count)
+/// What stands before and behind the first byte FF of an input, which no text in UTF-8 holds. The
+/// bytes are copied, so that a read past their end shows.
+inline std::pair<QByteArray, QByteArray> parts(const std::uint8_t* data, std::size_t size)
 {
-    QByteArray rest(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-    QByteArrayList parts;
-    while (parts.size() + 1 < count) {
-        const qsizetype end = rest.indexOf('\xFF');
-        parts.append(end < 0 ? rest : rest.left(end));
-        rest = end < 0 ? QByteArray() : rest.mid(end + 1);
-    }
-    parts.append(rest);
-    return parts;
+    const QByteArray all(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const qsizetype end = all.indexOf('\xFF');
+    return {all.left(end), end < 0 ? QByteArray() : all.mid(end + 1)};
 }
 
 } // namespace kse

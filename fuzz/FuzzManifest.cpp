@@ -9,7 +9,8 @@ using namespace kse;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const ManifestData manifest = AdManifest::parse(parts(data, size, 1).constFirst());
+    const ManifestData manifest = AdManifest::parse(
+        QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
     require(manifest.valid || manifest.ads.isEmpty(), "nothing of a manifest that isn't valid");
     require(std::isfinite(manifest.ttlHours) && manifest.ttlHours >= 0, "time to live");
     for (const AdRecord& ad : manifest.ads) {

@@ -11,11 +11,11 @@ using namespace Qt::StringLiterals;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const QByteArrayList input = parts(data, size, 2);
-    QString text = QString::fromUtf8(input[0]);
+    const auto [utf8, utf16] = parts(data, size);
+    QString text = QString::fromUtf8(utf8);
     if (text.isEmpty()) {
-        text.resize(input[1].size() / 2);
-        std::memcpy(text.data(), input[1].constData(), static_cast<std::size_t>(text.size()) * 2);
+        text.resize(utf16.size() / 2);
+        std::memcpy(text.data(), utf16.constData(), static_cast<std::size_t>(text.size()) * 2);
     }
     if (text.isEmpty()) {
         return 0;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "document/TreeWalk.h"
 #include "document/XsdtDocument.h"
 
 namespace kse {
@@ -24,36 +23,10 @@ inline QByteArray deepFile(int levels)
 inline std::unique_ptr<XsdtDocument> documentFrom(const QByteArray& content)
 {
     auto document = std::make_unique<XsdtDocument>();
-    QString error;
-    if (!document->parse(fileBytes(content), &error)) {
-        qFatal("%s", qPrintable(error));
+    if (!document->parse(fileBytes(content))) {
+        qFatal("It doesn't parse: %s", content.constData());
     }
     return document;
-}
-
-/// What lies below `root`, a line a node, indented by two blanks a level: "key" for a group,
-/// "key:t=value" for a value, then " (was original)" for an edit and " deleted" for a mark.
-inline QString treeText(const XsdtNode& root)
-{
-    QString text;
-    walkTree(root, [&](const XsdtNode& node) {
-        for (const XsdtNode* up = node.parent; up != &root; up = up->parent) {
-            text += QStringLiteral("  ");
-        }
-        text += node.key;
-        if (node.kind == XsdtNode::Kind::Value) {
-            text += u':' + QString(node.typeCode) + u'=' + node.value;
-        }
-        if (node.isModified()) {
-            text += QStringLiteral(" (was ") + node.original + u')';
-        }
-        if (node.markedForDeletion) {
-            text += QStringLiteral(" deleted");
-        }
-        text += u'\n';
-        return Walk::Into;
-    });
-    return text;
 }
 
 } // namespace kse

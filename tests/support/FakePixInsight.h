@@ -15,7 +15,7 @@ public:
     explicit FakePixInsight(const QString& name = QStringLiteral("PixInsight.exe"))
         : m_program(m_dir.filePath(name))
     {
-        m_copied = QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), m_program);
+        QFile::copy(QStringLiteral(KSE_IDLE_PROCESS), m_program);
     }
     ~FakePixInsight() { (void)stop(); }
 
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool start()
     {
         m_process.start(m_program, QStringList());
-        return m_copied && m_process.waitForReadyRead();
+        return m_process.waitForReadyRead();
     }
 
     /// Ends it and waits until it is gone. True also if it isn't running.
@@ -41,7 +41,6 @@ public:
 private:
     QTemporaryDir m_dir;
     QString m_program;
-    bool m_copied = false;
     QProcess m_process;
 };
 

@@ -18,19 +18,9 @@
 
 namespace {
 
-/// The system's function `name`.
-template <typename Function>
-Function* next(Function* /*ours*/, const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-#define NEXT(function) next(&::function, #function)
+/// The system's function.
+#define NEXT(function) reinterpret_cast<decltype(&::function)>(dlsym(RTLD_NEXT, #function))
 
-/// The path of what a call is for.
-QByteArray pathOf(const QByteArray& path)
-{
-    return path;
-}
 QByteArray pathOf(int file)
 {
     return "/proc/self/fd/" + QByteArray::number(file);
@@ -98,7 +88,7 @@ auto watch(const QByteArray& call, const QByteArray& target, Make make)
 #define WATCH(call, target, result, function, parameters, arguments)                               \
     result function parameters                                                                     \
     {                                                                                              \
-        return watch(call, pathOf(target),                                                         \
+        return watch(call, target,                                                                 \
                      [=]([[maybe_unused]] bool half) { return NEXT(function) arguments; });        \
     }
 
@@ -107,15 +97,15 @@ auto watch(const QByteArray& call, const QByteArray& target, Make make)
 extern "C" {
 
 // At least one byte of a half, since none would be the end of the file.
-WATCH("read", file, ssize_t, read, (int file, void* to, std::size_t size), (file, to, half ? (size + 1) / 2 : size))
-WATCH("write", file, ssize_t, write, (int file, const void* from, std::size_t size), (file, from, half ? (size + 1) / 2 : size))
-WATCH("close", file, int, close, (int file), (file))
-WATCH("seek", file, off_t, lseek, (int file, off_t at, int from) noexcept, (file, at, from))
-WATCH("truncate", file, int, ftruncate, (int file, off_t size) noexcept, (file, size))
-WATCH("mode", file, int, fchmod, (int file, mode_t mode) noexcept, (file, mode))
-WATCH("owner", file, int, fchown, (int file, uid_t owner, gid_t group) noexcept, (file, owner, group))
-WATCH("time", file, int, futimens, (int file, const timespec* times) noexcept, (file, times))
-WATCH("status", file, int, fstat, (int file, struct stat* to) noexcept, (file, to))
+WATCH("read", pathOf(file), ssize_t, read, (int file, void* to, std::size_t size), (file, to, half ? (size + 1) / 2 : size))
+WATCH("write", pathOf(file), ssize_t, write, (int file, const void* from, std::size_t size), (file, from, half ? (size + 1) / 2 : size))
+WATCH("close", pathOf(file), int, close, (int file), (file))
+WATCH("seek", pathOf(file), off_t, lseek, (int file, off_t at, int from) noexcept, (file, at, from))
+WATCH("truncate", pathOf(file), int, ftruncate, (int file, off_t size) noexcept, (file, size))
+WATCH("mode", pathOf(file), int, fchmod, (int file, mode_t mode) noexcept, (file, mode))
+WATCH("owner", pathOf(file), int, fchown, (int file, uid_t owner, gid_t group) noexcept, (file, owner, group))
+WATCH("time", pathOf(file), int, futimens, (int file, const timespec* times) noexcept, (file, times))
+WATCH("status", pathOf(file), int, fstat, (int file, struct stat* to) noexcept, (file, to))
 WATCH("status", path, int, stat, (const char* path, struct stat* to) noexcept, (path, to))
 WATCH("status", path, int, lstat, (const char* path, struct stat* to) noexcept, (path, to))
 WATCH("status", *path ? QByteArray(path) : pathOf(folder), int, statx, (int folder, const char* path, int flags, unsigned mask, struct statx* to) noexcept, (folder, path, flags, mask, to))
@@ -140,7 +130,7 @@ int open(const char* path, int flags, ...)
     const bool unnamed = (flags & O_TMPFILE) == O_TMPFILE;
     const mode_t mode = unnamed || (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return watch(unnamed ? "unnamed" : "open", pathOf(path), [=](bool) { return NEXT(open)(path, flags, mode); });
+    return watch(unnamed ? "unnamed" : "open", path, [=](bool) { return NEXT(open)(path, flags, mode); });
 }
 
 int fcntl(int file, int command, ...)

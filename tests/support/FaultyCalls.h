@@ -27,8 +27,7 @@ struct Faults
     /// half of it if it reads or writes; all else: `meanwhile` is called before the call.
     QByteArray kind;
     int code = 0;
-    std::function<void()> meanwhile = [] {
-    };
+    std::function<void()> meanwhile;
     int at = 0;           ///< Which call goes wrong, from 1.
     bool lasting = false; ///< Whether all later ones go wrong too.
     bool named = false;   ///< Whether there are no files without a name and no hard links.

@@ -19,9 +19,7 @@ struct ModelOf
     explicit ModelOf(const QString& nodes)
     {
         const QByteArray overlay = builtInTable("overlay.json");
-        if (!schema.load(builtInTable("globals.json"), overlay) || !policy.load(overlay)) {
-            qFatal("the tables don't load");
-        }
+        QVERIFY(schema.load(builtInTable("globals.json"), overlay) && policy.load(overlay));
         document.head = u"<xsdt>"_s;
         addNodes(document, nodes);
         model.setPolicy(&policy);
@@ -105,17 +103,13 @@ struct SettingsPage : ModelOf
     }
 
     QString path; ///< Of the document's file, for a page that asks for it.
-    View view = create(model, schema);
-
-private:
-    static View create(SettingsModel& model, [[maybe_unused]] const SettingsSchema& schema)
-    {
+    View view = [this] {
         if constexpr (std::is_constructible_v<View, SettingsModel*, const SettingsSchema*>) {
             return View(&model, &schema);
         } else {
             return View(&model);
         }
-    }
+    }();
 };
 
 /// A page whose content is a tree widget.

@@ -9,16 +9,13 @@
 namespace kse {
 
 /// All that the store holds, for comparing before and after.
-inline QString stateOf(const SettingsStore& store)
+inline QByteArray stateOf(const SettingsStore& store)
 {
-    return QStringLiteral("%1 %2 %3 %4\n%5")
-        .arg(store.path, store.loaded ? QStringLiteral("open") : QStringLiteral("closed"),
-             QString::fromLatin1(store.loadedHash.toHex()),
-             QString::number(store.document.pendingCount()), treeText(store.document.root));
+    return store.path.toUtf8() + (store.loaded ? " open " : " closed ") + store.loadedHash +
+           QByteArray::number(store.document.pendingCount()) + store.document.serialize();
 }
 
-/// A settings file alone in a folder of its own, and the store that has it open. A step of the
-/// fixture that fails ends the test program.
+/// A settings file alone in a folder of its own, and the store that has it open.
 struct StoreFixture
 {
     QTemporaryDir dir{QDir(QDir::tempPath()).canonicalPath() +
@@ -29,9 +26,9 @@ struct StoreFixture
 
     explicit StoreFixture(const QByteArray& bytes = defaultBytes())
     {
-        const bool read = policy.load("{\"policy\": {\"defaultReason\": \"Stays.\", \"delete\": "
-                                      "[{\"path\": \"Free/**\", \"level\": \"safe\"}]}}");
-        require(read && write(path, bytes) && store.load(path), path);
+        QVERIFY(policy.load("{\"policy\": {\"defaultReason\": \"Stays.\", \"delete\": "
+                            "[{\"path\": \"Free/**\", \"level\": \"safe\"}]}}") &&
+                writeFile(path, bytes) && store.load(path));
         store.policy = &policy;
     }
 
@@ -41,13 +38,9 @@ struct StoreFixture
                          "<i k=\"Free\"><v k=\"y\" t=\"b\" v=\"true\"/></i>");
     }
 
-    static bool write(const QString& path, const QByteArray& bytes)
+    static void write(const QString& path, const QByteArray& bytes)
     {
-        QFile file(path);
-        require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-                    file.flush(),
-                path);
-        return true;
+        QVERIFY(writeFile(path, bytes));
     }
 
     bool edit(const char* nodePath, const QString& value)
@@ -72,13 +65,6 @@ struct StoreFixture
             contents.insert(name, contentOf(dir.filePath(name)));
         }
         return contents;
-    }
-
-    static void require(bool done, const QString& what)
-    {
-        if (!done) {
-            qFatal("The fixture failed at %s", qPrintable(what));
-        }
     }
 };
 

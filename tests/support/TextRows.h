@@ -5,18 +5,8 @@
 
 namespace kse {
 
-/// For a `_data` function: one row for each text, named after it. Its parts, which stand between
-/// " > ", are in the column `cells`.
-inline void addTextRows(std::initializer_list<const char*> rows)
-{
-    QTest::addColumn<QStringList>("cells");
-    for (const char* row : rows) {
-        QTest::newRow(row) << QString::fromUtf8(row).split(QStringLiteral(" > "));
-    }
-}
-
-/// Compares rows of such parts, of which the last is the answer to the others, with what `answer`
-/// gives for each.
+/// Compares rows of parts, which stand between " > ", and of which the last is the answer to the
+/// others, with what `answer` gives for each.
 template <typename Answer>
 void compareRows(std::initializer_list<const char*> rows, const Answer& answer)
 {
@@ -36,6 +26,15 @@ inline QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Writes the file at `path`, and sets when it last changed unless `time` is null.
+[[nodiscard]] inline bool writeFile(const QString& path, const QByteArray& bytes,
+                                    const QDateTime& time = {})
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
+           (time.isNull() || file.setFileTime(time, QFileDevice::FileModificationTime));
 }
 
 /// The bytes of the table `name` that is built into the program.

@@ -16,10 +16,8 @@ struct Backups
     {
         const int sizes[] = {1023, 1024, 2047, 1'572'864};
         for (int i = 0; i < 4; ++i) {
-            QFile file(pathOf(i + 1));
             const QDateTime time({2024, 5, 6 + i}, {7, 8, 9});
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(sizes[i]) &&
-                    file.setFileTime(time, QFileDevice::FileModificationTime));
+            QVERIFY(writeFile(pathOf(i + 1), QByteArray(sizes[i], 'x'), time));
         }
         dialog = std::make_unique<BackupsDialog>(folder.filePath(fileName));
         list = dialog->findChild<QListWidget*>(u"list"_s);
@@ -123,9 +121,7 @@ private slots:
             return texts.join(u" / "_s);
         };
         compareRows(
-            {"deleteSelected > 5 > nothing > Delete the 2 selected backup(s) (2 KiB)? / 4321 / 41 "
-             "/ Moved 2 backup(s) to the Recycle Bin (2 KiB).list",
-             "deleteOlder > 3 > nothing > Delete the 1 backups older than the newest 3 (1023 B)? / "
+            {"deleteOlder > 3 > nothing > Delete the 1 backups older than the newest 3 (1023 B)? / "
              "4321 / 432 / Moved 1 backup(s) to the Recycle Bin (1023 B).list",
              "deleteAll > 1 > nothing > Delete all 4 backups (1.5 MiB)? / 4321 /  / Moved 4 "
              "backup(s) to the Recycle Bin (1.5 MiB).list",
