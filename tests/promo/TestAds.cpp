@@ -75,11 +75,7 @@ void keepManifest(const QString& folder, const QByteArray& bytes, qint64 age = 0
 class Banner : public AdBanner
 {
 public:
-    Banner(const QString& folder, const QUrl& site)
-        : AdBanner(folder, site)
-    {
-        show();
-    }
+    using AdBanner::AdBanner;
 
     QWidget* strip() const { return findChild<QWidget*>(u"strip"_s); }
     bool isWaiting() const { return findChild<QNetworkReply*>() != nullptr; }
@@ -95,6 +91,7 @@ public:
     QString shown(bool mayAsk)
     {
         const QSignalSpy spy(this, &AdBanner::adShown);
+        show();
         start(mayAsk, 1);
         const bool isDone = QTest::qWaitForWindowExposed(this) &&
                             QTest::qWaitFor([&] { return spy.size() == 1 && !isWaiting(); }, 30000);
@@ -257,6 +254,7 @@ private slots:
         const QUrl image = site.url.resolved(QUrl(u"/late"_s));
         const QTemporaryDir dir;
         Banner banner(dir.path(), site.url);
+        banner.show();
         keepManifest(dir.path(), manifest("old", image));
         banner.start(true, 0);
         keepManifest(dir.path(), manifest("new"));
@@ -271,6 +269,7 @@ private slots:
         QDesktopServices::setUrlHandler(u"http"_s, this, "open");
         const QTemporaryDir dir;
         Banner banner(dir.path(), QUrl(u"http://site.example"_s));
+        banner.show();
         QWidget* const strip = banner.strip();
         keepManifest(dir.path(), "<a><ad><click>http://a.example/b c</click></ad></a>");
         banner.start(true, 0);

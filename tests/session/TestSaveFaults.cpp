@@ -50,7 +50,7 @@ struct Trial : StoreFixture
         const bool isMoved = gone ? QFile::remove(path)
                                   : QDir(dir.path()).mkdir(u"real"_s) &&
                                         QFile::rename(path, target) && QFile::link(target, path);
-        QVERIFY(isMoved && edit("A/x", u"2"_s));
+        QVERIFY(isMoved && edit(u"A/x", u"2"_s));
     }
 
     /// By a process of its own where it is to be killed.
@@ -257,7 +257,7 @@ private:
         (void)QFile::rename(m_awake, m_sleeper.program());
         if (isWhole && !byOthers) { // the next attempt works, once what has changed is loaded
             const bool isLoaded = trial.restore || !trial.store.isChangedOnDisk() ||
-                                  (trial.store.load(trial.path) && trial.edit("A/x", u"2"_s));
+                                  (trial.store.load(trial.path) && trial.edit(u"A/x", u"2"_s));
             QVERIFY(isLoaded &&
                     (trial.restore ? trial.store.restoreBackup(trial.older) : trial.store.save()));
             QVERIFY(contentOf(trial.path) == trial.newBytes);

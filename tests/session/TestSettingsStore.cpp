@@ -19,7 +19,7 @@ struct TroubledStore : StoreFixture
     /// False if there is no such trouble here.
     bool make(const QString& name)
     {
-        edit("A/x", u"2"_s);
+        edit(u"A/x", u"2"_s);
         write(source, "<xsdt >\n<i k='B'/></xsdt>");
         bool made = false;
         const auto on = [&](const char* trouble, const std::function<bool()>& step) {
@@ -31,10 +31,10 @@ struct TroubledStore : StoreFixture
         on("changed", [&] { return writeFile(path, defaultBytes().replace('1', '2')); });
         on("dangling", [&] { return QFile::remove(path) && QFile::link(u"nowhere"_s, path); });
         on("gone", [&] { return QFile::remove(path); });
-        on("protected", [&] { return mark("Free") && mark("A/s"); });
-        on("no policy", [&] { return mark("Free") && !(store.policy = nullptr); });
+        on("protected", [&] { return mark(u"Free") && mark(u"A/s"); });
+        on("no policy", [&] { return mark(u"Free") && !(store.policy = nullptr); });
         on("no root", [&] { return !store.document.head.remove(0, 5).isEmpty(); });
-        on("no character", [&] { return edit("A/s", QString(QChar(0xd800))); });
+        on("no character", [&] { return edit(u"A/s", QString(QChar(0xd800))); });
         on("no source", [&] { return QFile::remove(source); });
         on("text", [&] { return writeFile(source, "text"); });
 #if defined(Q_OS_LINUX)
@@ -99,14 +99,14 @@ private slots:
             "text > - > The backup is not a valid settings file: Not a PixInsight",
 #if defined(Q_OS_LINUX)
             "dangling > - > back up the current file first. > Cannot read %1: No such file",
-            "folder denied > create the backup %1.bak-%2. Nothing > back up the current file "
-            "first. Nothing > Reason: Permission denied",
+            ("folder denied > create the backup %1.bak-%2. Nothing > back up the current file "
+             "first. Nothing > Reason: Permission denied"),
             "folder unlisted >  > -",
             "others' file >  > -",
 #elif defined(Q_OS_WIN)
             "held > Cannot open %1 for writing:  > Cannot open %1 for writing:  > is unchanged",
-            "read-only > Cannot open %1 for writing:  > Cannot open %1 for writing:  > is "
-            "unchanged",
+            ("read-only > Cannot open %1 for writing:  > Cannot open %1 for writing:  > is "
+             "unchanged"),
 #endif
         };
         QTest::addColumn<QStringList>("cells");
@@ -146,7 +146,8 @@ private slots:
             QVERIFY2(remark.contains(doubt) && remark.isEmpty() == doubt.isEmpty(),
                      qPrintable(said));
             auto after = f.files();
-            const QStringList made = QStringList(after.keys()).filter(stamp);
+            const QStringList names = after.keys();
+            const QStringList made = names.filter(stamp);
             QCOMPARE(made.size(), done && !files.isEmpty() ? 1 : doubt.count(u"made"_s));
             for (const QString& name : made) {
                 QCOMPARE(after.take(name), bytes);
@@ -169,7 +170,7 @@ private slots:
     {
 #ifdef Q_OS_UNIX
         StoreFixture f;
-        f.edit("A/x", u"2"_s);
+        f.edit(u"A/x", u"2"_s);
         const QDir dir(f.dir.path());
         f.write(dir.filePath(u"%2"_s), "text");
         QVERIFY(dir.mkdir(u"folder"_s) && QFile::link(u"nowhere"_s, dir.filePath(u"dangling"_s)));
@@ -204,7 +205,7 @@ private slots:
         (void)!chown(name.constData(), 65534, 65533); // which only root can
         QCOMPARE(chmod(name.constData(), 0750), 0);
         const auto before = rights(QFileInfo(f.path));
-        f.edit("A/x", u"2"_s);
+        f.edit(u"A/x", u"2"_s);
         QString backup;
         QVERIFY(f.store.save(nullptr, &backup));
         QVERIFY(rights(QFileInfo(f.path)) == before && rights(QFileInfo(backup)) == before);

@@ -43,17 +43,15 @@ struct StoreFixture
         QVERIFY(writeFile(path, bytes));
     }
 
-    bool edit(const char* nodePath, const QString& value)
+    bool edit(QStringView at, const QString& value)
     {
-        node(nodePath).value = value;
+        store.document.root.findByPath(at)->value = value;
         return true;
     }
 
-    bool mark(const char* nodePath) { return node(nodePath).markedForDeletion = true; }
-
-    XsdtNode& node(const char* nodePath)
+    bool mark(QStringView at)
     {
-        return *store.document.root.findByPath(QString::fromUtf8(nodePath));
+        return store.document.root.findByPath(at)->markedForDeletion = true;
     }
 
     /// Name and content of every file in the folder.
