@@ -50,7 +50,8 @@ private slots:
              "F > Global/RGBWorkingSpace/Gamma > Gamma|4 0.1..10|",
              "u > X/Foreground23 > Foreground 23|8|", "s > X/Foreground2 > Foreground 2|5|",
              "i > X/Color > Color|2|", "t > X/WallpaperFile01 > Wallpaper file 01|6|",
-             "s > X/SomeFiles > Some files|5|", "u > Preferences/ScriptEditor/Count > Count|3|"},
+             "s > X/SomeFiles > Some files|5|", "s > X/Path > Path|6|",
+             "u > Preferences/ScriptEditor/Count > Count|3|"},
             [this](const QStringList& cells) {
                 return described(m_schema, cells[1], cells[0][0]);
             });
@@ -90,8 +91,7 @@ private slots:
 
     void makesLabels()
     {
-        compareRows({"MaxModuleThreadPriority > Max module thread priority",
-                     "sRGBGamma > S RGB gamma", "ProxyURLs > Proxy URLs",
+        compareRows({"sRGBGamma > S RGB gamma", "IOPort > IO port", "ProxyURLs > Proxy URLs",
                      "OpenURLsWithInternalBrowser > Open URLs with internal browser",
                      "Default24BitLUT > Default 24 bit LUT",
                      "CIP_ITRSDataFile > CIP ITRS data file", "__a_1 > A 1", " > "},
@@ -156,7 +156,7 @@ private slots:
         compareRows({"A/** A/* > A|B > A/*", "A/* A/** > A|B > A/*", "A/* */* > A|B > A/*",
                      "A/** */B/** > A|B|C > */B/**", "*/B A/* > A|B > A/*",
                      "A/*/C A/** > A|B|C > A/*/C", "X/** > X > ", "X * > X|a > ", "** / > X|a > **",
-                     "** > |/ > ", "foo Foo* > Foob > ", "A/**/B > A|x|B > ",
+                     "** > |/ > ", "foo Foo Foo* > Foob > ", "A/**/B > A|x|B > ",
                      "A/*/b > A||a/b > A/*/b"},
                     chosen);
     }

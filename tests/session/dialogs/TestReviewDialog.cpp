@@ -136,7 +136,7 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
              "press showEdits,type O,rows > Delete|gone|1 value(s)|(removed)",
              "select 0,press revert,press showDeletions,alive,text hidden > hidden save tree / The "
              "filters hide 1 change(s). Save writes them too.",
-             "select 0,detail,text remark > a / The whole entry is removed (2 value(s)). Expand "
+             "at 7,at 0,detail,text remark > a / The whole entry is removed (2 value(s)). Expand "
              "the row to see them. / ",
              "select 2,detail,text remark > a/in/z / Removed value: %1  / The value ends in 1 "
              "blank(s).",
@@ -151,12 +151,10 @@ two</v></i><v k="BackColor" t="u" v="4278190090"/><v k="C" t="i" v="1"/><v k="D
              "2,tip > D / <b>%1& / one / two / QUJD / <span "
              "style=\"white-space:pre-wrap\">&lt;i&gt;</span>",
              "select 1,press revert,alive,text remark > revert save tree / Shown as #00000009.",
-             "select 0,select 3,select 6,select 8,press revert,rows > Edit|B/x|1|2 / "
-             "Edit|BackColor|4278190090|255 / Edit|D⏎<b>%1&|<i>|%2 / Edit|E|old  |a \t⏎⏎",
              "select 8,select 6,press revert,where,alive,key Space,detail > tree3 / save tree / "
              "BackColor / Before: 4278190090 / After:  255",
-             "select 5,select 6,select 7,select 8,select 9,select 10,press revert,alive > save "
-             "tree",
+             "select 5,select 6,select 7,select 8,select 9,select 10,press revert,where,alive > "
+             "tree1 / save tree",
              "undo,text summary,rows,alive > There are no changes to save. /  / tree",
              "reload,alive > ",
              "running 1,alive,running 0,alive > running save tree / save tree",
