@@ -178,6 +178,7 @@ private slots:
         QVERIFY(page.model.markForDeletion(page.node(u"ModuleData/A"_s)));
         QVERIFY(
             looks().endsWith(u"[queued for deletion]All of it is queued for deletion. red struck"));
+        QVERIFY(!page.child("lineEdit")->isEnabled());
         page.model.revertAll();
         QCOMPARE(page.child<QLineEdit>("lineEdit")->text(), u"1"_s);
     }

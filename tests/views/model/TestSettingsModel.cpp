@@ -3,9 +3,7 @@
 
 #include "support/DocumentText.h"
 #include "support/SettingsPage.h"
-#include "views/model/NodeLooks.h"
 #include "views/model/SettingsFilterProxy.h"
-#include "views/model/TreePosition.h"
 #include "views/model/ValueDelegate.h"
 
 namespace {
@@ -45,30 +43,6 @@ class TestSettingsModel : public QObject
     Q_OBJECT
 
 private slots:
-    void filterKeepsPlaceInView()
-    {
-        QString nodes;
-        for (int i = 0; i < 300; ++i) {
-            nodes += u"group%1/%2:b=true; "_s.arg(i).arg(i % 3 ? u"odd"_s : u"even"_s);
-        }
-        Filtered f(nodes);
-        f.view.expandAll();
-        const auto shown = [&f](const QString& path) {
-            return f.proxy.mapFromSource(f.model.indexForNode(f.node(path)));
-        };
-        f.view.setCurrentIndex(shown(u"group150/even"_s));
-        f.view.scrollTo(shown(u"group120/even"_s), QAbstractItemView::PositionAtTop);
-        for (const QString& text : {u"even"_s, u"e"_s, u""_s}) {
-            const TreePosition position(f.view, f.proxy);
-            f.proxy.setFilterText(text);
-            f.view.expandAll();
-            position.restore();
-            QCOMPARE(f.view.indexAt({0, 0}), shown(u"group120/even"_s));
-            QCOMPARE(f.view.currentIndex(), shown(u"group150/even"_s));
-            QVERIFY(f.view.selectionModel()->isSelected(f.view.currentIndex()));
-        }
-    }
-
     void copesWithDeepFile()
     {
         Filtered f({});
