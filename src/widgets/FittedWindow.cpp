@@ -102,7 +102,8 @@ void FittedWindow::fitMinimumWidth(int minimum)
 void FittedWindow::fitSize(int minimum)
 {
     const auto chosen = [](int now, int before, int fitted, int least) {
-        return now == fitted || (now == least && before < least) ? before : now;
+        // The display server may tell a size late, when the minimum has already taken more.
+        return now == fitted || (now <= least && before < least) ? before : now;
     };
     m_chosen = {chosen(width(), m_chosen.width(), m_fitted.width(), minimumWidth()),
                 chosen(height(), m_chosen.height(), m_fitted.height(), minimumHeight())};
