@@ -92,6 +92,7 @@ private:
     void createKeys();
     void connectTheme();
     void updateHeights();
+    int leastWidth() const;
 
     void attachViews();
     void detachViews();

@@ -169,13 +169,17 @@ void MainWindow::updateMinimumWidth()
 {
     updateHeights();
     m_tabs->updateGeometry();
-    int width = centralWidget()->minimumSizeHint().width();
     if (m_toolbar->isVisible()) {
         m_toolbar->layout()->activate();
         m_toolbar->updateGeometry();
-        width = std::max(width, m_toolbar->sizeHint().width());
     }
-    fitMinimumWidth(width);
+    fitMinimumWidth(leastWidth());
+}
+
+int MainWindow::leastWidth() const
+{
+    return std::max(centralWidget()->minimumSizeHint().width(),
+                    m_toolbar->isVisible() ? m_toolbar->sizeHint().width() : 0);
 }
 
 /// Leaves the banner and each page the height that their rows need at the present width. Qt's own
@@ -210,7 +214,7 @@ bool MainWindow::event(QEvent* event)
     if (isVisible() &&
         (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
         updateHeights();
-        fitSize(minimumWidth());
+        fitSize(leastWidth()); // with a scroll bar or without
     }
     if (event->type() == QEvent::Show) {
         QTimer::singleShot(0, this, &MainWindow::updateMinimumWidth);

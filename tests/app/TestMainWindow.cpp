@@ -585,6 +585,10 @@ private slots:
         find<QWidget>("adBanner")->setMinimumHeight(0);
         ThemeManager::instance().setFontScale(0.8, false);
         QTRY_COMPARE(m_window->height(), height);
+        find<QWidget>("adBanner")->setMinimumHeight(screen.height());
+        settle();
+        const QWidget* content = find<QWidget>("tabs")->parentWidget();
+        QVERIFY(content->width() >= content->minimumSizeHint().width()); // beside the scroll bar
     }
 
 private:
