@@ -175,6 +175,7 @@ private slots:
         page.child<QCheckBox>("tick")->click();
         page.child<QPushButton>("undoButton")->click();
         QVERIFY(page.message().startsWith(u"No ticked module is queued"));
+        page.model.undoDeletion(page.node(deep));
         QVERIFY(page.model.markForDeletion(page.node(u"ModuleData/A"_s)));
         QVERIFY(
             looks().endsWith(u"[queued for deletion]All of it is queued for deletion. red struck"));

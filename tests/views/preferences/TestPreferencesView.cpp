@@ -107,19 +107,19 @@ private slots:
     /// So many rows that they are made and searched later.
     void searchesInManyRows()
     {
-        QString many = u"; ~Other/O:s=; ~Sub/Key1:s=; ~Sub/O:s="_s;
+        QString many = u"; ~Other/O:s=; ~Sub/Key7:s=; ~Sub/O:s="_s;
         for (int i = 0; i < 1998; ++i) {
             many.prepend(u"; ~Key%1:s="_s.arg(i));
         }
         Page page(many.replace(u"~"_s, group + u"Application/"_s).mid(2));
         page.view.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&page.view));
-        QTest::keyClicks(page.view.findChild<QLineEdit*>(u"searchEdit"_s), u"key1"_s);
+        QTest::keyClicks(page.view.findChild<QLineEdit*>(u"searchEdit"_s), u"7"_s);
         auto* clicked = page.view.findChild<WidgetColumn*>()->findChild<QLineEdit*>();
-        QTest::mouseClick(clicked, Qt::LeftButton);
+        clicked->setFocus(Qt::MouseFocusReason); // a click would wait for what is to come later
         QCOMPARE(QApplication::focusWidget(), clicked);
-        QVERIFY(page.shown().endsWith(u"; Key 10; Key 1; Sub; Key 1"));
-        QCOMPARE(page.shown().count(u';'), 1110);
+        QVERIFY(page.shown().endsWith(u"; Key 17; Key 7; Sub; Key 7"));
+        QCOMPARE(page.shown().count(u';'), 543);
         QVERIFY(page.child("limitLabel")->isVisible());
     }
 };
