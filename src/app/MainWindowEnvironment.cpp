@@ -144,7 +144,6 @@ void MainWindow::connectTheme()
 void MainWindow::onThemeChanged()
 {
     const ThemeManager& theme = ThemeManager::instance();
-    refreshBanner();
     if (std::abs(theme.fontScale() - m_lastFontScale) > 1e-6) {
         m_lastFontScale = theme.fontScale();
         const int percent = qRound(m_lastFontScale * 100 / 1.25);

@@ -264,17 +264,11 @@ private:
     /// If a file is what the document was read from, keeps how it is.
     void noteLoaded()
     {
-        const bool isNew =
-            model()->generation() != std::exchange(m_builtGeneration, model()->generation());
-        if (isNew) {
-            m_hasOtherSizes = model()->document() && pending() > 0;
-        }
         for (const QByteArray& bytes : folder()) {
             XsdtDocument read;
             if (model()->document() && read.parse(bytes) &&
                 linesOf(&read, &XsdtNode::original) ==
                     linesOf(model()->document(), &XsdtNode::original)) {
-                m_hasOtherSizes = m_hasOtherSizes || (!isNew && bytes != m_loaded);
                 m_loaded = bytes;
             }
         }
@@ -345,9 +339,7 @@ private:
         if (!model()->document() || m_loaded != contentOf(path())) {
             open << u"\\d+ KiB, [-0-9]+ [:0-9]+"_s; // as it was when the list of files was made
         }
-        if (m_hasOtherSizes) {
-            open << u"\\d+(\\.\\d)? K?i?B\\b"_s;
-        }
+        open << u"\\d+(\\.\\d)? K?i?B\\b"_s; // which Cleanup counts once for a file
         const QRegularExpression pattern(open.join(u'|'));
         lived.replaceInStrings(pattern, QString());
         fresh.replaceInStrings(pattern, QString());
@@ -367,14 +359,10 @@ private:
     QMap<QString, QByteArray> m_versions; ///< What else was in its files during this one.
     QByteArray m_before;                  ///< What a save wrote before the last part of the step.
     qsizetype m_pendingBefore = 0;
-    QStringList m_kept;            ///< Of the document, when the last dialog was answered.
-    quint64 m_generation = 0;      ///< Of the tree then.
-    quint64 m_builtGeneration = 0; ///< Of the tree that the pages were made for.
-    /// Pages show sizes of another time: changes were pending when they were made, after a reload
-    /// that failed, or were saved since.
-    bool m_hasOtherSizes = false;
-    int m_changes = 0; ///< Outside the window meanwhile.
-    int m_dialogs = 0; ///< That came meanwhile.
+    QStringList m_kept;       ///< Of the document, when the last dialog was answered.
+    quint64 m_generation = 0; ///< Of the tree then.
+    int m_changes = 0;        ///< Outside the window meanwhile.
+    int m_dialogs = 0;        ///< That came meanwhile.
     bool m_runs = false;
 };
 

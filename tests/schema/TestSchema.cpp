@@ -109,9 +109,9 @@ private slots:
         for (const PageSpec& page : m_schema.decoratedPages(document)) {
             pages += page.title + u'=' + page.nodes.constFirst()->path().section(u'/', 1) + u' ';
         }
-        QCOMPARE(
-            pages,
-            u"Processes=Preferences/Process Color Management=ColorManagement Script Editor=Preferences/ScriptEditor Identifiers and GUI=Preferences/GUI New group=Preferences/NewGroup "_s);
+        QCOMPARE(pages, u"Processes=Preferences/Process Color Management=ColorManagement "
+                        "Script Editor=Preferences/ScriptEditor "
+                        "Identifiers and GUI=Preferences/GUI New group=Preferences/NewGroup "_s);
         const XsdtNode* cache = document.root.findByPath(u"Global/Preferences/ScriptEditor/Cache");
         QVERIFY(m_schema.isHidden(*cache) && !m_schema.isHidden(*cache->children.front()));
     }

@@ -201,7 +201,7 @@ private:
         if (trial.fault[0] == u"start") { // a process of another name gets PixInsight's
             (void)QFile::rename(m_sleeper.program(), m_awake);
         } else if (trial.fault[0] == u"claim" && !name.isEmpty() && !QFile::exists(name)) {
-            StoreFixture::write(name, "claimed");
+            QVERIFY(writeFile(name, "claimed"));
             trial.claimed = name;
         } else if (trial.fault[0] == u"cut") {
             (void)QFile::resize(trial.target, 3);

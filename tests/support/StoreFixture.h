@@ -38,11 +38,6 @@ struct StoreFixture
                          "<i k=\"Free\"><v k=\"y\" t=\"b\" v=\"true\"/></i>");
     }
 
-    static void write(const QString& path, const QByteArray& bytes)
-    {
-        QVERIFY(writeFile(path, bytes));
-    }
-
     bool edit(QStringView at, const QString& value)
     {
         store.document.root.findByPath(at)->value = value;

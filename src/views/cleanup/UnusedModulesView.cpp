@@ -87,10 +87,6 @@ void UnusedModulesView::connectWidgets()
         m_contents.forget(changed);
         updateSummary();
     });
-    connect(m_model, &SettingsModel::modelReset, this, [this] {
-        m_contents.forget(nullptr);
-        updateSummary();
-    });
 }
 
 void UnusedModulesView::setDocument(const XsdtDocument* document)

@@ -2,7 +2,6 @@
 #include "views/compare/CompareView.h"
 
 #include "support/SettingsPage.h"
-#include "support/StoreFixture.h"
 
 namespace {
 
@@ -15,8 +14,8 @@ struct Page : TreePage<CompareView>
         : TreePage(nodes)
     {
         path = dir.filePath(u"core-001-pxi.settings"_s);
-        StoreFixture::write(path, document.serialize());
-        StoreFixture::write(otherPath, ModelOf(otherNodes).document.serialize());
+        QVERIFY(writeFile(path, document.serialize()));
+        QVERIFY(writeFile(otherPath, ModelOf(otherNodes).document.serialize()));
         setDocument(&document);
         if (!view.compareWith(otherPath)) {
             qFatal("the other file isn't read");
@@ -115,8 +114,8 @@ private slots:
     void comparesWithTheFileChosen()
     {
         Page page;
-        StoreFixture::write(page.dir.filePath(u"%2"_s), "<nothing");
-        StoreFixture::write(page.path + u".bak-1"_s, page.document.serialize());
+        QVERIFY(writeFile(page.dir.filePath(u"%2"_s), "<nothing"));
+        QVERIFY(writeFile(page.path + u".bak-1"_s, page.document.serialize()));
         auto* combo = page.child<QComboBox>("fileCombo");
         const auto outcome = [&](const QStringList& cells) {
             const DialogAnswerer<QFileDialog> dialog([&](QFileDialog& browse) {
