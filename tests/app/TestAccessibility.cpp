@@ -78,15 +78,6 @@ QList<QWidget*> shownIn(const QWidget& window)
     return shown;
 }
 
-/// Layouts of much content take a few turns.
-bool isLaidOut(const QWidget& window)
-{
-    const QList<QWidget*> shown = shownIn(window);
-    return std::none_of(shown.begin(), shown.end(), [](const QWidget* widget) {
-        return isTabStop(widget) && widget->height() == 0;
-    });
-}
-
 /// What breaks these rules: Tab goes through all widgets that take the focus in reading order, and
 /// Shift+Tab back; each of them has a name in words; texts in use stand out.
 QStringList faultsOf(const QWidget& window)
@@ -135,8 +126,7 @@ private:
 
     void look(const QWidget& window, const QString& where)
     {
-        QTest::qWait(0);
-        QTRY_VERIFY(isLaidOut(window));
+        settle();
         const QStringList faults = faultsOf(window);
         if (!faults.isEmpty()) {
             m_faults << where + u": "_s + faults.join(u"; "_s);

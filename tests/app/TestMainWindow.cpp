@@ -138,12 +138,15 @@ private slots:
             u"&Help: &User Guide, -, &About Kestrane Settings Editor, About &Qt"_s};
         QCOMPARE(offered, expected);
 
+        qputenv("TMPDIR", m_home.path().toLocal8Bit()); // not where others' guides lie
         QTextBrowser guide;
         QDesktopServices::setUrlHandler(u"file"_s, &guide, "setSource");
         QTest::keyClick(m_window.get(), Qt::Key_F1);
         QVERIFY(guide.toPlainText().contains(u"Kestrane Settings Editor"_s));
         QDesktopServices::unsetUrlHandler(u"file"_s);
 
+        const QIcon icon = action("actSave")->icon();
+        QVERIFY(icon.pixmap(18).toImage() != icon.pixmap(18, QIcon::Disabled).toImage());
         (void)choose("actAbout", {u"Copy details"_s});
         const QString details = QGuiApplication::clipboard()->text();
         QVERIFY(details.contains(u"Open file: "_s + QDir::toNativeSeparators(m_file)));

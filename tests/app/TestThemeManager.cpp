@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "app/ThemeManager.h"
-#include "app/ToolbarIcons.h"
 #include "support/TestMain.h"
 #include "widgets/WrappingRow.h"
 
@@ -51,16 +50,6 @@ private slots:
         m_theme.step(0.1); // on a grid of twentieths
         m_theme.toggle();
         QCOMPARE(state(), u"1 1.45, stored 1 1.45"_s);
-    }
-
-    void greysIconsOfWhatIsDisabled()
-    {
-        const QIcon icon = makeToolbarIcon(ToolbarIconKind::Theme, Qt::red, Qt::blue, 18, 1);
-        const auto colourOf = [&icon](QIcon::Mode mode) {
-            return icon.pixmap(18, mode).toImage().pixelColor(6, 9); // in the half that is filled
-        };
-        QCOMPARE(colourOf(QIcon::Active), QColor(Qt::red));
-        QCOMPARE(colourOf(QIcon::Disabled), QColor(Qt::blue));
     }
 
     void laysOutInBothDirections()

@@ -9,5 +9,4 @@ int main()
     std::fflush(stdout);
     while (std::getchar() != EOF) {
     }
-    return 0;
 }

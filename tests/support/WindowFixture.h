@@ -19,11 +19,10 @@ using namespace Qt::StringLiterals;
 /// Null bytes are no file. One that holds `bytes` stays as old as it is.
 inline void write(const QString& path, const QByteArray& bytes)
 {
-    QFile file(path);
     if (bytes.isNull()) {
-        file.remove();
+        QFile::remove(path);
     } else if (bytes != contentOf(path)) {
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        QVERIFY(writeFile(path, bytes));
     }
 }
 

@@ -60,9 +60,8 @@ private slots:
              "Warning: 1 registered module(s) have no file on this computer: Listed in the module "
              "registry but not in C:/Astro/rsc/bin: C:/m",
              "$A:s=C:/a/PixInsight/lib/p; Modules/1:s=C:/m > C:/a/PixInsight/bin, D:/b*D:/b > "
-             "Warning: "
-             "1 registered module(s) have no file on this computer: Listed in the module registry "
-             "but not in D:/b: C:/m"},
+             "Warning: 1 registered module(s) have no file on this computer: Listed in the module "
+             "registry but not in D:/b: C:/m"},
             text);
     }
 

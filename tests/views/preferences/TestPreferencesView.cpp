@@ -9,8 +9,8 @@ const QString group = u"Global/Preferences/"_s;
 const QString nodes =
     u"~Application/S&b/Deep/Needle:s=hay; ~Application/Fast:b=true; ~Application/Data:B=Needle; "
     "~Identifiers/Max:s=x; ~GUI/Icon:s=%1&; ~ScriptEditor/Cache/c:s=1; ~ScriptEditor/Cache:s=1; "
-    "~ScriptEditor/Tab:s=x; "
-    "~Security/Keys/k:T=2020; ~/e:s=1; Global/ColorManagement/On:b=true"_s.replace(u"~"_s, group);
+    "~ScriptEditor/Tab:s=x; ~Security/Keys/k:T=2020; ~/e:s=1; Global/ColorManagement/On:b=true"_s
+        .replace(u"~"_s, group);
 
 struct Page : SettingsPage<PreferencesView>
 {
