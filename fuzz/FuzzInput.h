@@ -25,7 +25,7 @@ inline std::pair<QByteArray, QByteArray> parts(const std::uint8_t* data, std::si
 {
     const QByteArray all(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const qsizetype end = all.indexOf('\xFF');
-    return {all.left(end), end < 0 ? QByteArray() : all.mid(end + 1)};
+    return {all.mid(0, end), end < 0 ? QByteArray() : all.mid(end + 1)};
 }
 
 } // namespace kse
