@@ -53,9 +53,8 @@ void requireSave(XsdtDocument& document)
     document.commitEdits();
     require(document.pendingCount() == 0 && document.serialize() == bytes, "committed");
     XsdtDocument again;
-    require(again.parse(bytes), "what was written parses");
-    const bool isSame = !document.head.startsWith(QChar::ByteOrderMark);
-    require((again.serialize() == bytes) == isSame && again.defaultLayout == isSame, "layout");
+    require(again.parse(bytes) && again.defaultLayout == (again.serialize() == bytes), "parses");
+    require(again.defaultLayout != document.head.startsWith(QChar::ByteOrderMark), "layout");
     require(treeText(again.root) == treeText(document.root), "the tree that was written");
     qint64 size = (document.head + document.tail).toUtf8().size() + 7;
     for (const auto& child : document.root.children) {

@@ -69,15 +69,6 @@ QList<QWidget*> ring(const QWidget& window, Qt::Key key)
     return stops.indexOf(stop) == 0 ? stops : QList<QWidget*>();
 }
 
-QList<QWidget*> shownIn(const QWidget& window)
-{
-    QList<QWidget*> shown = window.findChildren<QWidget*>();
-    shown.removeIf([&window](const QWidget* widget) {
-        return widget->window() != &window || !widget->isVisibleTo(&window);
-    });
-    return shown;
-}
-
 /// What breaks these rules: Tab goes through all widgets that take the focus in reading order, and
 /// Shift+Tab back; each of them has a name in words; texts in use stand out.
 QStringList faultsOf(const QWidget& window)
@@ -96,7 +87,10 @@ QStringList faultsOf(const QWidget& window)
             faults << forth[i]->objectName() + u" comes too late"_s;
         }
     }
-    for (QWidget* widget : shownIn(window)) {
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        if (widget->window() != &window || !widget->isVisibleTo(&window)) {
+            continue;
+        }
         const QString name = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
         const QString said = u"%1 \"%2\""_s.arg(widget->objectName(), name);
         if (isTabStop(widget) && (!name.contains(word) || Qt::mightBeRichText(name))) {
