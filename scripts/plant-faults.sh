@@ -42,7 +42,7 @@ for fault in "${faults[@]}"; do
     folder=$(sed -n 's|^+++ b/src/\(.*\)/[^/]*$|\1|p' "$fault" | head -1)
     catcher=$(firstFailure -R "^$folder/")
     if [[ -z $catcher && -z $own ]]; then
-        catcher=$(firstFailure -E "^$folder/")
+        catcher=$(firstFailure -E "^($folder|tools)/")
     fi
     printf '%-60s %s\n' "$(basename "$fault" .diff)" "${catcher:-SURVIVED}"
     git apply -R "$fault"
