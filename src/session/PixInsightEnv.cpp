@@ -12,6 +12,7 @@
 #include <QStorageInfo>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +35,16 @@ bool namesPixInsight(const QString& executable)
     }
     return thisPlatform != HostPlatform::Windows &&
            executable.compare("PixInsight"_L1, Qt::CaseInsensitive) == 0;
+}
+
+/// Whether `name` is like core-*-pxi.settings. Qt would compile a regular expression for that at
+/// each poll.
+bool isSettingsName(const QString& name)
+{
+    constexpr QLatin1String start("core-");
+    constexpr QLatin1String end("-pxi.settings");
+    return name.size() >= start.size() + end.size() &&
+           name.startsWith(start, Qt::CaseInsensitive) && name.endsWith(end, Qt::CaseInsensitive);
 }
 
 /// What the names of all backups of `settings` start with.
@@ -126,10 +137,12 @@ QStringList findSettingsFiles()
     QStringList paths;
     const QStringList folders = settingsFolders();
     for (const QString& folder : folders) {
-        const QFileInfoList files =
-            QDir(folder).entryInfoList({u"core-*-pxi.settings"_s}, QDir::Files, QDir::Name);
-        for (const QFileInfo& file : files) {
-            paths.append(file.absoluteFilePath());
+        const QDir dir(folder);
+        QStringList names = dir.entryList(QDir::Files, QDir::NoSort);
+        names.removeIf(std::not_fn(isSettingsName));
+        names.sort();
+        for (const QString& name : std::as_const(names)) {
+            paths.append(dir.absoluteFilePath(name));
         }
     }
     paths.removeDuplicates();

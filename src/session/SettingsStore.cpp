@@ -42,11 +42,15 @@ bool failChanged(QString* error)
 /// is loaded any more.
 bool adopt(SettingsStore& store, const QString& path, const QByteArray& bytes, QString* error)
 {
-    std::future<QByteArray> hash = std::async(sha256, bytes); // later, if there is no thread for it
-    store.loaded = parseSettings(store.document, bytes, path, error);
+    // In a second thread, or at `get` if there is none to be had. It is the shorter half, since a
+    // thread may start some milliseconds late.
+    std::future<bool> isParsed =
+        std::async([&] { return parseSettings(store.document, bytes, path, error); });
+    const QByteArray hash = sha256(bytes);
+    store.loaded = isParsed.get();
     if (store.loaded) {
         store.path = path;
-        store.loadedHash = hash.get();
+        store.loadedHash = hash;
     }
     return store.loaded;
 }

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QWidget>
+#include <QWindow>
 
 #include <utility>
 
@@ -16,6 +17,7 @@ namespace {
 // Milliseconds.
 constexpr qint64 sliceTime = 8; // half a frame
 constexpr qint64 longestStart = 40;
+constexpr int exposureTime = 15;
 
 /// Asks a widget for its height only once, which is remembered: no column squeezes its rows.
 class RowItem : public QWidgetItemV2
@@ -36,6 +38,12 @@ GradualLayout::GradualLayout(QWidget* before, QWidget* parent)
     addItem(m_missingSpace);
     m_idleTimer.setInterval(0);
     connect(&m_idleTimer, &QTimer::timeout, this, [this] {
+        const QWindow* window = parentWidget()->window()->windowHandle();
+        const bool isAwaited = window && window->isVisible() && !window->isExposed();
+        m_idleTimer.setInterval(isAwaited ? exposureTime : 0);
+        if (isAwaited) {
+            return; // the window is painted first
+        }
         QElapsedTimer timer;
         timer.start();
         createUntil([&timer] { return timer.hasExpired(sliceTime); });

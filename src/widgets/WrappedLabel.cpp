@@ -3,6 +3,8 @@
 
 #include <QEvent>
 
+#include <algorithm>
+
 namespace kse {
 
 WrappedLabel::WrappedLabel(const QString& text, Qt::TextFormat format, const QString& objectName,
@@ -18,19 +20,25 @@ WrappedLabel::WrappedLabel(const QString& text, Qt::TextFormat format, const QSt
 
 int WrappedLabel::heightForWidth(int width) const
 {
-    if (m_height < 0 || width != m_width || text() != m_text || font() != m_font) {
-        m_height = QLabel::heightForWidth(width);
-        m_width = width;
+    if (text() != m_text || font() != m_font) {
+        m_heights = {};
         m_text = text();
         m_font = font();
     }
-    return m_height;
+    const auto isKnown = [width](const Height& height) { return height.width == width; };
+    auto known = std::find_if(m_heights.begin(), m_heights.end(), isKnown);
+    if (known == m_heights.end()) {
+        std::rotate(m_heights.begin(), m_heights.end() - 1, m_heights.end());
+        known = m_heights.begin();
+        *known = {width, QLabel::heightForWidth(width)};
+    }
+    return known->height;
 }
 
 void WrappedLabel::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);
-    m_height = -1; // another style has other margins
+    m_heights = {}; // another style has other margins
     if (event->type() == QEvent::FontChange) {
         setIndent(indent()); // else an empty label keeps the size that it had with the old font
     }

@@ -4,10 +4,13 @@
 #include <QFont>
 #include <QLabel>
 
+#include <array>
+
 namespace kse {
 
-/// A label with word wrap that never widens its parent. It caches its height: layouts ask for it
-/// ten times and more before a row is shown, and Qt lays out the text each time.
+/// A label with word wrap that never widens its parent. It caches its heights: layouts ask for
+/// those at two or three widths ten times and more before a row is shown, and Qt lays out the text
+/// each time.
 class WrappedLabel : public QLabel
 {
 public:
@@ -20,9 +23,14 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    // The cached height, and what it was computed for.
-    mutable int m_height = -1;
-    mutable int m_width = -1;
+    struct Height
+    {
+        int width = -1;
+        int height = 0;
+    };
+
+    // The heights asked for last, latest first, and what they were computed for.
+    mutable std::array<Height, 4> m_heights;
     mutable QString m_text;
     mutable QFont m_font;
 };
