@@ -10,6 +10,10 @@
 #include <QFileInfo>
 #include <QIcon>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -27,6 +31,11 @@ QIcon applicationIcon()
 
 int main(int argc, char** argv)
 {
+#ifdef __GLIBC__
+    // One heap for all threads: a second thread builds the tree, whose memory the first one wants
+    // to use again after it has destroyed the tree.
+    mallopt(M_ARENA_MAX, 1);
+#endif
     QApplication application(argc, argv);
     QApplication::setOrganizationName(u"KestraneSettingsStudio"_s);
     QApplication::setApplicationName(u"KestraneSettingsStudio"_s);

@@ -25,7 +25,9 @@ int WrappedLabel::heightForWidth(int width) const
         m_text = text();
         m_font = font();
     }
-    const auto isKnown = [width](const Height& height) { return height.width == width; };
+    const auto isKnown = [width](const Height& height) {
+        return height.width == width;
+    };
     auto known = std::find_if(m_heights.begin(), m_heights.end(), isKnown);
     if (known == m_heights.end()) {
         std::rotate(m_heights.begin(), m_heights.end() - 1, m_heights.end());

@@ -27,6 +27,8 @@ public:
     static constexpr qsizetype emptyPath = 0;
     static constexpr qsizetype unknown = -1;
 
+    explicit PathNumbers(qsizetype expected) { m_numbers.reserve(expected); }
+
     /// One more than the greatest number.
     qsizetype count() const { return m_numbers.size() + 1; }
 
@@ -36,6 +38,7 @@ public:
         return follow(parent, key, [this](const Step& step) {
             qsizetype& number = m_numbers[step];
             if (number == 0) {
+                m_steps.push_back(step);
                 number = m_numbers.size();
             }
             return number;
@@ -43,10 +46,17 @@ public:
     }
 
     /// The same, but `unknown` for a path that is neither one that was added nor the start of one.
-    qsizetype find(qsizetype parent, QStringView key) const
+    qsizetype find(qsizetype parent, QStringView key)
     {
-        return follow(parent, key,
-                      [this](const Step& step) { return m_numbers.value(step, unknown); });
+        return follow(parent, key, [this](const Step& step) {
+            // In the order in which the paths were added, as in files that differ little, a look
+            // at the next one is enough.
+            const auto next = static_cast<std::size_t>(m_found);
+            m_found = next < m_steps.size() && m_steps[next] == step
+                          ? m_found + 1
+                          : m_numbers.value(step, unknown);
+            return m_found;
+        });
     }
 
 private:
@@ -80,6 +90,8 @@ private:
     }
 
     QHash<Step, qsizetype> m_numbers;
+    std::vector<Step> m_steps;        ///< By their numbers, which begin with 1.
+    qsizetype m_found = emptyPath;
 };
 
 struct NumberedValue
@@ -129,7 +141,12 @@ std::vector<NumberedValue> numberedValues(const XsdtDocument& document, Number&&
 QList<CompareEntry> compareDocuments(const XsdtDocument& thisDocument,
                                      const XsdtDocument& otherDocument)
 {
-    PathNumbers numbers;
+    qsizetype count = 0;
+    walkTree(otherDocument.root, [&count](const XsdtNode&) {
+        ++count;
+        return Walk::Into;
+    });
+    PathNumbers numbers(count);
     const std::vector<NumberedValue> others =
         numberedValues(otherDocument, [&](qsizetype parent, const QString& key) {
             return numbers.add(parent, key);
