@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "document/LowerCase.h"
 #include "document/OpenGroups.h"
 
 #include <QString>
@@ -25,7 +26,7 @@ public:
         if (!m_path.isEmpty()) {
             m_path += u'/';
         }
-        m_path += node.key.toLower();
+        m_path += lowerCase(node.key);
         if (node.kind == XsdtNode::Kind::Group) {
             m_groups.enter(node, m_path.size());
         }

@@ -90,7 +90,7 @@ private:
     }
 
     QHash<Step, qsizetype> m_numbers;
-    std::vector<Step> m_steps;        ///< By their numbers, which begin with 1.
+    std::vector<Step> m_steps; ///< By their numbers, which begin with 1.
     qsizetype m_found = emptyPath;
 };
 

@@ -435,11 +435,18 @@ void PreferencesView::filterGroup(const Group& group, const QString& text) const
             return;
         }
     }
+    QLayout* layout = group.rows.isEmpty() ? nullptr : group.rows.first()->parentWidget()->layout();
+    if (layout) {
+        layout->setEnabled(false); // else each row that is shown lays out all
+    }
     for (SettingRow* row : group.rows) {
         row->setVisible(matches(*row->node(), text));
     }
     for (const Group& below : group.groups) {
         filterGroup(below, text);
+    }
+    if (layout) {
+        layout->setEnabled(true);
     }
 }
 
@@ -459,9 +466,10 @@ void PreferencesView::showPage(int index)
             QWidget* clicked = rows->isAncestorOf(QApplication::focusWidget())
                                    ? QApplication::focusWidget()
                                    : nullptr;
-            rows->hide(); // else each row shown or hidden lays out all
+            if (clicked) {
+                page.column->setFocus(); // else it would go from row to row as they are hidden
+            }
             filterGroup(page.content, searchText());
-            rows->show();
             page.column->verticalScrollBar()->setValue(0);
             if (clicked && clicked->isVisible()) {
                 clicked->setFocus();

@@ -3,6 +3,7 @@
 
 #include "document/Depth.h"
 #include "document/InheritedAnswer.h"
+#include "document/LowerCase.h"
 #include "document/LowerCasePath.h"
 #include "document/ShortPath.h"
 #include "document/TextOrder.h"
@@ -100,7 +101,7 @@ private:
 
     static int nameScore(const SearchIndexEntry& entry, const Term& term)
     {
-        const QString key = entry.node->key.toLower();
+        const QString key = lowerCase(entry.node->key);
         if (key == term.text) {
             return 10;
         }
@@ -177,7 +178,7 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
         if (isDescribed) {
             const VariableInfo info = schema.describe(node);
             entry.label = info.label;
-            entry.description = info.description.toLower();
+            entry.description = lowerCase(info.description);
         } else {
             QString& label = labels[node.key];
             if (label.isNull()) {
@@ -192,7 +193,7 @@ QList<SearchIndexEntry> buildSearchIndex(const XsdtDocument& document, const Set
         entry.haystack.reserve(here.size() + 1 + entry.label.size());
         entry.haystack += here;
         entry.haystack += u' ';
-        entry.haystack += entry.label.toLower();
+        entry.haystack += lowerCase(entry.label);
         index.append(std::move(entry));
         return Walk::Over;
     });
