@@ -36,7 +36,7 @@ namespace {
 
 constexpr int maximumNesting = 16; // of sections in one another
 // Many times the numbers of real preferences; Qt lays out no more in time.
-constexpr int maximumPageRows = 2000;
+constexpr int maximumPageRows = 1000;
 constexpr size_t maximumPages = 500;
 constexpr int manyRows = 1000; // in all pages
 
@@ -399,7 +399,7 @@ bool PreferencesView::matches(const Group& group, const QString& text) const
 /// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
 void PreferencesView::onSearchChanged()
 {
-    m_rowCount > manyRows ? m_debounce.start() : applyFilter();
+    m_rowCount >= manyRows ? m_debounce.start() : applyFilter();
 }
 
 void PreferencesView::applyFilter()
@@ -427,13 +427,17 @@ void PreferencesView::applyFilter()
 // NOLINTNEXTLINE(misc-no-recursion)
 void PreferencesView::filterGroup(const Group& group, const QString& text) const
 {
-    if (CollapsibleSection* section = group.section) {
-        const bool found = matches(group, text);
+    CollapsibleSection* section = group.section;
+    const bool found = !section || matches(group, text);
+    const bool expands = section && (text.isEmpty() ? section->startExpanded() : found);
+    if (section) {
         section->setVisible(found);
-        section->setExpanded(text.isEmpty() ? section->startExpanded() : found);
-        if (!found) {
-            return;
+        if (!expands) {
+            section->setExpanded(false);
         }
+    }
+    if (!found) {
+        return;
     }
     QLayout* layout = group.rows.isEmpty() ? nullptr : group.rows.first()->parentWidget()->layout();
     if (layout) {
@@ -447,6 +451,9 @@ void PreferencesView::filterGroup(const Group& group, const QString& text) const
     }
     if (layout) {
         layout->setEnabled(true);
+    }
+    if (expands) {
+        section->setExpanded(true); // last: a row that isn't in sight is shown or hidden at no cost
     }
 }
 

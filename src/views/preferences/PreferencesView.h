@@ -29,7 +29,7 @@ struct XsdtNode;
 /// The preferences, in pages, with their descriptions. The widgets of a page and of a section are
 /// created when they are first shown. Leaves to the tree of all settings what it doesn't show:
 /// types that can't be edited, hidden values, groups nested more than 16 deep, all but the first
-/// 2,000 settings of a page, and all but the first 500 pages.
+/// 1,000 settings of a page, and all but the first 500 pages.
 class PreferencesView : public QWidget
 {
     Q_OBJECT

@@ -303,8 +303,7 @@ void SettingRow::paintEvent(QPaintEvent* event)
     QColor line = palette().color(QPalette::WindowText);
     line.setAlpha(30);
     QPainter painter(this);
-    painter.setPen(line);
-    painter.drawLine(rect().bottomLeft(), rect().bottomRight());
+    painter.fillRect(0, height() - 1, width(), 1, line); // a line is drawn pixel by pixel
     if (hasFocus()) { // the style's own frame would tint the amber of a changed row
         painter.setPen(palette().color(QPalette::Highlight));
         painter.drawRect(rect().adjusted(0, 0, -1, -1));

@@ -108,7 +108,7 @@ private slots:
     void searchesInManyRows()
     {
         QString many = u"; ~Other/O:s=; ~Sub/Key7:s=; ~Sub/O:s="_s;
-        for (int i = 0; i < 1998; ++i) {
+        for (int i = 0; i < 998; ++i) {
             many.prepend(u"; ~Key%1:s="_s.arg(i));
         }
         Page page(many.replace(u"~"_s, group + u"Application/"_s).mid(2));
@@ -119,7 +119,7 @@ private slots:
         clicked->setFocus(Qt::MouseFocusReason); // a click would wait for what is to come later
         QCOMPARE(QApplication::focusWidget(), clicked);
         QVERIFY(page.shown().endsWith(u"; Key 17; Key 7; Sub; Key 7"));
-        QCOMPARE(page.shown().count(u';'), 543);
+        QCOMPARE(page.shown().count(u';'), 272);
         QVERIFY(page.child("limitLabel")->isVisible());
     }
 };
