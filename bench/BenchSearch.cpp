@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BenchSupport.h"
-#include "document/LowerCasePath.h"
+#include "document/LowerCase.h"
 #include "schema/SettingsSchema.h"
 #include "views/search/SearchIndex.h"
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "document/OpenGroups.h"
+
 #include <QString>
 
 namespace kse {
@@ -19,5 +21,35 @@ inline QString lowerCase(const QString& text)
     }
     return lower;
 }
+
+/// Makes the lower-case paths of nodes during a depth-first walk. Each key is converted once, not
+/// once for every value below it.
+class LowerCasePath
+{
+public:
+    explicit LowerCasePath(const XsdtNode& root)
+        : m_groups(root, 0)
+    {
+    }
+
+    /// Moves on to `node`, the next node of the walk, and returns its path, which is valid until
+    /// the next call. The walk must visit every group before its children.
+    const QString& moveTo(const XsdtNode& node)
+    {
+        m_path.truncate(m_groups.ofParent(node));
+        if (!m_path.isEmpty()) {
+            m_path += u'/';
+        }
+        m_path += lowerCase(node.key);
+        if (node.kind == XsdtNode::Kind::Group) {
+            m_groups.enter(node, m_path.size());
+        }
+        return m_path;
+    }
+
+private:
+    QString m_path;
+    OpenGroups<qsizetype> m_groups; ///< Holds the length of each group's path.
+};
 
 } // namespace kse

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "document/Leaves.h"
-#include "document/LowerCasePath.h"
+#include "document/LowerCase.h"
 #include "document/ShortPath.h"
 #include "document/TextOrder.h"
 #include "document/TreeWalk.h"

@@ -4,7 +4,6 @@
 #include "document/Depth.h"
 #include "document/InheritedAnswer.h"
 #include "document/LowerCase.h"
-#include "document/LowerCasePath.h"
 #include "document/ShortPath.h"
 #include "document/TextOrder.h"
 #include "document/TreeWalk.h"
