@@ -56,12 +56,13 @@ private slots:
     {
         const QString folder = PixInsightEnv::settingsFolders().first() + u'/';
         touch(folder + u"core-002-pxi.settings"_s, 9);
-        touch(folder + u"core-x-pxi.settings"_s, 0);
+        touch(folder + u"core--PXI.settings"_s, 0);
+        touch(folder + u"core-pxi.settings"_s);
         touch(folder + u"core-002-pxi.settings.bak-1"_s);
         QVERIFY(QDir().mkdir(folder + u"core-000-pxi.settings"_s));
         QCOMPARE(
             PixInsightEnv::findSettingsFiles(),
-            QStringList({folder + u"core-002-pxi.settings"_s, folder + u"core-x-pxi.settings"_s}));
+            QStringList({folder + u"core--PXI.settings"_s, folder + u"core-002-pxi.settings"_s}));
     }
 
     /// A path below the current folder, and its text without size and time.
