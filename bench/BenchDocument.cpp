@@ -116,14 +116,6 @@ void writeWide(benchmark::State& state)
                   [](const XsdtDocument& document) { return document.serialize(); });
 }
 
-void layoutCheck(benchmark::State& state)
-{
-    const QByteArray file = generateFile(state);
-    measureParsed(state, file, [&file](const XsdtDocument& document) {
-        return hasCanonicalLayout(document, file);
-    });
-}
-
 void walkPendingCount(benchmark::State& state)
 {
     measureParsed(state, generateFile(state),
@@ -251,7 +243,6 @@ BENCHMARK(readAndWritePugixml)->Apply(sizes);
 #endif
 BENCHMARK(readAndWrite)->Apply(sizes);
 BENCHMARK(parseWithLayoutCheck)->Apply(sizes);
-BENCHMARK(layoutCheck)->Apply(sizes);
 BENCHMARK(write)->Apply(sizes);
 BENCHMARK(destroy)->Apply(sizes);
 BENCHMARK(walkPendingCount)->Apply(sizes);

@@ -4,7 +4,6 @@
 #include <QString>
 #include <QStringView>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -40,7 +39,7 @@ private:
             return text.toString();
         }
         QString& kept = m_kept[slot];
-        if (!equal(kept, text)) {
+        if (kept != text) {
             kept = text.toString();
         }
         return kept;
@@ -69,22 +68,6 @@ private:
             hash ^= (hash >> 32) ^ fourAt(text, size / 2 - 2);
         }
         return hash * multiplier;
-    }
-
-    /// Faster than Qt's comparison for strings as short as these.
-    static bool equal(QStringView a, QStringView b)
-    {
-        if (a.size() != b.size()) {
-            return false;
-        }
-        if (a.size() < 4) {
-            return std::equal(a.begin(), a.end(), b.begin());
-        }
-        quint64 difference = fourAt(a, a.size() - 4) ^ fourAt(b, b.size() - 4);
-        for (qsizetype i = 0; i + 4 < a.size(); i += 4) {
-            difference |= fourAt(a, i) ^ fourAt(b, i);
-        }
-        return difference == 0;
     }
 
     std::array<quint16, std::size_t(1) << slotBits> m_marks{}; ///< Of the last text in each slot.

@@ -53,7 +53,7 @@ bool XsdtDocument::parse(const QByteArray& bytes, QString* error)
         clear();
         return false;
     }
-    defaultLayout = hasCanonicalLayout(*this, bytes);
+    defaultLayout = writeXsdt(*this) == bytes;
     return true;
 }
 

@@ -6,7 +6,6 @@
 #include "document/StringPool.h"
 #include "document/XsdtDocument.h"
 
-#include <array>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -15,18 +14,9 @@ namespace kse {
 
 namespace {
 
-constexpr auto asciiNameCharacters = [] {
-    std::array<bool, 128> table{};
-    for (std::size_t c = 0; c < table.size(); ++c) {
-        table[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                   c == '_' || c == '-' || c == ':' || c == '.';
-    }
-    return table;
-}();
-
 bool isNameCharacter(char16_t c)
 {
-    return c < asciiNameCharacters.size() ? asciiNameCharacters[c] : QChar::isLetterOrNumber(c);
+    return QChar::isLetterOrNumber(c) || c == u'_' || c == u'-' || c == u':' || c == u'.';
 }
 
 const char16_t* nameEnd(const char16_t* at)

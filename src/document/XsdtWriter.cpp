@@ -12,7 +12,6 @@ namespace kse {
 namespace {
 
 // A sink takes the bytes of the text in order: as the ASCII code units of a string, or as bytes.
-// Once it no longer `wants` any, the writer may stop.
 
 /// Appends to a byte array, whose size is right only after the sink has been destroyed.
 class AppendSink
@@ -30,8 +29,6 @@ public:
 
     AppendSink(const AppendSink&) = delete;
     AppendSink& operator=(const AppendSink&) = delete;
-
-    static bool wants() { return true; }
 
     void ascii(const char16_t* from, qsizetype size)
     {
@@ -65,58 +62,11 @@ private:
     qsizetype m_used = 0;
 };
 
-/// Compares with the bytes that are expected.
-class CompareSink
-{
-public:
-    explicit CompareSink(const QByteArray& expected)
-        : m_at(expected.cbegin())
-        , m_end(expected.cend())
-    {
-    }
-
-    bool wants() const { return m_equal; }
-    bool isEqual() const { return m_equal && m_at == m_end; }
-
-    void ascii(const char16_t* from, qsizetype size)
-    {
-        if (!has(size)) {
-            return;
-        }
-        unsigned difference = 0;
-        for (qsizetype i = 0; i < size; ++i) {
-            difference |= unsigned(from[i] ^ static_cast<unsigned char>(m_at[i]));
-        }
-        m_equal = difference == 0;
-        m_at += size;
-    }
-
-    void bytes(const char* from, qsizetype size)
-    {
-        if (has(size)) {
-            m_equal = std::memcmp(m_at, from, static_cast<std::size_t>(size)) == 0;
-            m_at += size;
-        }
-    }
-
-private:
-    bool has(qsizetype size)
-    {
-        m_equal = m_equal && m_end - m_at >= size;
-        return m_equal;
-    }
-
-    const char* m_at;
-    const char* m_end;
-    bool m_equal = true;
-};
-
 /// Counts the bytes.
 struct CountSink
 {
     qint64 count = 0;
 
-    static bool wants() { return true; }
     void ascii(const char16_t*, qsizetype size) { count += size; }
     void bytes(const char*, qsizetype size) { count += size; }
 };
@@ -217,9 +167,6 @@ template <typename Sink>
 void writeContent(const XsdtNode& group, Sink& sink, bool skipMarked)
 {
     const auto start = [&sink, skipMarked](const XsdtNode& node) {
-        if (!sink.wants()) {
-            return Walk::Stop;
-        }
         if (skipMarked && node.markedForDeletion) {
             return Walk::Over;
         }
@@ -238,15 +185,6 @@ void writeElement(const XsdtNode& node, Sink& sink, bool skipMarked)
     writeStart(node, sink);
     writeContent(node, sink, skipMarked);
     writeEnd(node, sink);
-}
-
-template <typename Sink>
-void writeFile(const XsdtDocument& document, Sink& sink)
-{
-    encode(sink, document.head, false);
-    writeContent(document.root, sink, true);
-    literal(sink, "</xsdt>");
-    encode(sink, document.tail, false);
 }
 
 } // namespace
@@ -276,16 +214,12 @@ QByteArray writeXsdt(const XsdtDocument& document)
     QByteArray bytes;
     {
         AppendSink sink(bytes);
-        writeFile(document, sink);
+        encode(sink, document.head, false);
+        writeContent(document.root, sink, true);
+        literal(sink, "</xsdt>");
+        encode(sink, document.tail, false);
     }
     return bytes;
-}
-
-bool hasCanonicalLayout(const XsdtDocument& document, const QByteArray& bytes)
-{
-    CompareSink sink(bytes);
-    writeFile(document, sink);
-    return sink.isEqual();
 }
 
 qint64 elementSize(const XsdtNode& node)

@@ -23,7 +23,4 @@ void writeNode(const XsdtNode& node, QByteArray& buffer, bool skipMarked);
 /// `text` with the five characters " & ' < > written as named references.
 [[nodiscard]] QString escapeText(const QString& text);
 
-/// Whether `writeXsdt` would give exactly `bytes`. Stops soon after the first difference.
-[[nodiscard]] bool hasCanonicalLayout(const XsdtDocument& document, const QByteArray& bytes);
-
 } // namespace kse
