@@ -39,7 +39,8 @@ GradualLayout::GradualLayout(QWidget* before, QWidget* parent)
     m_idleTimer.setInterval(0);
     connect(&m_idleTimer, &QTimer::timeout, this, [this] {
         const QWindow* window = parentWidget()->window()->windowHandle();
-        const bool isAwaited = window && window->isVisible() && !window->isExposed();
+        const bool isAwaited = window && window->isVisible() && !window->isExposed() &&
+                               !parentWidget()->window()->isMinimized();
         m_idleTimer.setInterval(isAwaited ? exposureTime : 0);
         if (isAwaited) {
             return; // the window is painted first

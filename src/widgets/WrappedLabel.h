@@ -29,7 +29,7 @@ private:
         int height = 0;
     };
 
-    // The heights asked for last, latest first, and what they were computed for.
+    // The heights computed last, latest first, and what they were computed for.
     mutable std::array<Height, 4> m_heights;
     mutable QString m_text;
     mutable QFont m_font;

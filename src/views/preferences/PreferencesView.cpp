@@ -38,7 +38,7 @@ constexpr int maximumNesting = 16; // of sections in one another
 // Many times the numbers of real preferences; Qt lays out no more in time.
 constexpr int maximumPageRows = 1000;
 constexpr size_t maximumPages = 500;
-constexpr int manyRows = 1000; // in all pages
+constexpr int manyRows = 500; // in all pages
 
 /// Adds room around a title as a part of its row: spacing between rows can't be clicked.
 class PageDelegate : public QStyledItemDelegate
@@ -303,7 +303,7 @@ QWidget* PreferencesView::createSection(Group& group, bool expanded, QWidget* pa
     });
     updateChangeCounts(group);
     if (const QString text = searchText(); !text.isEmpty()) {
-        filterGroup(group, text);
+        filterSection(group, text);
     }
     return section;
 }
@@ -399,7 +399,7 @@ bool PreferencesView::matches(const Group& group, const QString& text) const
 /// Many rows, which take long to look through and to lay out, are filtered once the user pauses.
 void PreferencesView::onSearchChanged()
 {
-    m_rowCount >= manyRows ? m_debounce.start() : applyFilter();
+    m_rowCount > manyRows ? m_debounce.start() : applyFilter();
 }
 
 void PreferencesView::applyFilter()
@@ -422,39 +422,40 @@ void PreferencesView::applyFilter()
     showPage(m_pageList->currentRow());
 }
 
-/// Shows what matches `text` in the widgets of `group`, and opens the sections that hold it.
-/// Without a text, all of it, and the sections as they were first.
+/// Shows what matches `text` in the section of `group`, and opens it if it holds any. Without a
+/// text, all of it, and the section as it was first.
 // NOLINTNEXTLINE(misc-no-recursion)
-void PreferencesView::filterGroup(const Group& group, const QString& text) const
+void PreferencesView::filterSection(const Group& group, const QString& text) const
 {
     CollapsibleSection* section = group.section;
-    const bool found = !section || matches(group, text);
-    const bool expands = section && (text.isEmpty() ? section->startExpanded() : found);
-    if (section) {
-        section->setVisible(found);
-        if (!expands) {
-            section->setExpanded(false);
-        }
+    const bool found = matches(group, text);
+    const bool expands = text.isEmpty() ? section->startExpanded() : found;
+    section->setVisible(found);
+    if (!expands) {
+        section->setExpanded(false); // first, and opened last: hidden rows are changed at no cost
     }
-    if (!found) {
-        return;
+    if (found) {
+        filterParts(group, *section->bodyLayout(), text);
     }
-    QLayout* layout = group.rows.isEmpty() ? nullptr : group.rows.first()->parentWidget()->layout();
-    if (layout) {
-        layout->setEnabled(false); // else each row that is shown lays out all
+    if (expands) {
+        section->setExpanded(true);
     }
+}
+
+/// The same for the rows and sections of `group`, which stand in `layout`.
+// NOLINTNEXTLINE(misc-no-recursion)
+void PreferencesView::filterParts(const Group& group, QLayout& layout, const QString& text) const
+{
+    layout.setEnabled(false); // else each part that is shown lays out all
     for (SettingRow* row : group.rows) {
         row->setVisible(matches(*row->node(), text));
     }
     for (const Group& below : group.groups) {
-        filterGroup(below, text);
+        if (below.section) {
+            filterSection(below, text);
+        }
     }
-    if (layout) {
-        layout->setEnabled(true);
-    }
-    if (expands) {
-        section->setExpanded(true); // last: a row that isn't in sight is shown or hidden at no cost
-    }
+    layout.setEnabled(true);
 }
 
 void PreferencesView::showPage(int index)
@@ -476,7 +477,8 @@ void PreferencesView::showPage(int index)
             if (clicked) {
                 page.column->setFocus(); // else it would go from row to row as they are hidden
             }
-            filterGroup(page.content, searchText());
+            filterParts(page.content, *rows->layout(), searchText());
+            rows->layout()->activate(); // the focus goes to where the row is then
             page.column->verticalScrollBar()->setValue(0);
             if (clicked && clicked->isVisible()) {
                 clicked->setFocus();

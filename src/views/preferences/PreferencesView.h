@@ -8,6 +8,7 @@
 #include <vector>
 
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
@@ -104,7 +105,8 @@ private:
     bool matches(const Group& group, const QString& text) const;
     void onSearchChanged();
     void applyFilter();
-    void filterGroup(const Group& group, const QString& text) const;
+    void filterSection(const Group& group, const QString& text) const;
+    void filterParts(const Group& group, QLayout& layout, const QString& text) const;
     void showPage(int index);
 
     const SettingsSchema* m_schema = nullptr;
