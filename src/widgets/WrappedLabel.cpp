@@ -28,10 +28,12 @@ int WrappedLabel::heightForWidth(int width) const
     const auto isKnown = [width](const Height& height) {
         return height.width == width;
     };
-    auto known = std::find_if(m_heights.begin(), m_heights.end(), isKnown);
-    if (known == m_heights.end()) {
-        std::rotate(m_heights.begin(), m_heights.end() - 1, m_heights.end());
-        known = m_heights.begin();
+    Height* const first = m_heights.data();
+    Height* const end = first + m_heights.size();
+    Height* known = std::find_if(first, end, isKnown);
+    if (known == end) {
+        std::rotate(first, end - 1, end);
+        known = first;
         *known = {width, QLabel::heightForWidth(width)};
     }
     return known->height;
